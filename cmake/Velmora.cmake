@@ -1,0 +1,46 @@
+# Compiler settings shared by every target, and the one way to declare a library.
+
+find_program(VELMORA_CCACHE ccache)
+if(VELMORA_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER ${VELMORA_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${VELMORA_CCACHE})
+endif()
+
+if(MSVC)
+  add_compile_options(/W4 /utf-8)
+  if(VELMORA_WERROR)
+    add_compile_options(/WX)
+  endif()
+else()
+  add_compile_options(-Wall -Wextra -Wshadow)
+  # Frames are the same to the last bit on every processor.
+  add_compile_options(-ffp-contract=off)
+  if(VELMORA_WERROR)
+    add_compile_options(-Werror)
+  endif()
+endif()
+
+if(VELMORA_SANITIZE)
+  add_compile_options(-fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer
+                      -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${VELMORA_SANITIZE})
+  add_compile_definitions(VELMORA_SANITIZED)
+endif()
+if(VELMORA_FUZZ)
+  add_compile_options(-fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# velmora_library(NAME): a static library of all sources below the calling folder. Headers are
+# included from the project's root ("model/Animmodel.h").
+function(velmora_library name)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS *.cpp *.h *.qrc)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+endfunction()
+
+# velmora_precompile(TARGET): the Qt headers that nearly every file of a widget library needs.
+function(velmora_precompile name)
+  target_precompile_headers(${name} PRIVATE <QtWidgets> <vector> <string> <functional> <memory>)
+endfunction()

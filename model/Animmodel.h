@@ -1,0 +1,239 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/Color.h"
+#include "model/Loadreport.h"
+#include "model/Typedlist.h"
+#include "model/Vertex.h"
+
+class TModel;
+
+/// A numbered point: a model node, a node of a data set or a node of the display list.
+struct TNode {
+  TNode() = default;
+  TNode(std::int32_t id, const TVertex& position) : Position(position), ID(id) {}
+  TNode(std::int32_t id, double x, double y, double z) : Position{x, y, z}, ID(id) {}
+
+  TVertex Position;              ///< coordinates, amplitude or displacement of the current frame
+  std::int32_t ID = 0;           ///< number from the file; need not be unique
+  TVertex Angles;                ///< phase angles in radians along x, y and z
+  const TNode* Link = nullptr;   ///< model node with the same ID, or null; not owned
+};
+
+using TNodeList = TTypedList<TNode, TInBlocks<TNode>>;
+
+/// What joins some of a model's nodes: a bar, a roll, a face or a point.
+class TElement {
+ public:
+  static constexpr std::uint8_t kBar = 1;
+  static constexpr std::uint8_t kRoll = 2;
+  static constexpr std::uint8_t kFace = 3;
+
+  /// Makes room for the node indices, all 0. A count below 1 becomes 2.
+  TElement(std::uint8_t type, std::int32_t nodeCount);
+
+  std::int32_t NodeCount() const { return nodeCount_; }
+  std::span<std::int32_t> Nodes() { return {Data(), static_cast<std::size_t>(nodeCount_)}; }
+  std::span<const std::int32_t> Nodes() const {
+    return {const_cast<TElement*>(this)->Data(), static_cast<std::size_t>(nodeCount_)};
+  }
+
+  std::uint8_t Type;                    ///< kBar, kRoll, kFace; any other is a point
+  std::int32_t ID = -1;                 ///< number from the file
+  TColor Color = TColor::Inherited();   ///< negative: the element colour of the list that draws
+  double Radius = 0.0;                  ///< 0: the element radius of the list that draws
+  double RollParam1 = 0.0;              ///< of a roll: radius of the shaft
+  double RollParam2 = 0.0;              ///< of a roll: shaft length, a fraction of the whole
+  const TNodeList* NodeList = nullptr;  ///< the list whose indices Nodes holds; not owned
+
+ private:
+  static constexpr std::int32_t kInside = 4;
+  std::int32_t* Data() { return more_ ? more_.get() : inside_; }
+
+  std::int32_t nodeCount_;
+  std::int32_t inside_[kInside] = {};     ///< the indices of an element of up to four nodes
+  std::unique_ptr<std::int32_t[]> more_;  ///< the indices of a larger one
+};
+
+using TElementList = TTypedList<TElement, TInBlocks<TElement>>;
+
+enum class TNodeShape : std::uint8_t { Sphere = 0, Cube = 1 };
+
+/// Component-wise maximum over an element's nodes, each component perhaps from another node;
+/// (0, 0, 0) for an element without a node list.
+TVertex MaxNodeCoordinates(const TElement& element);
+
+/// Order of nodes by ascending ID: -1, 0 or 1. A null operand equals anything.
+int CompareNodesID(const TNode* a, const TNode* b);
+
+/// Order of elements by MaxNodeCoordinates: by z, then y, then x, ascending. A null operand equals
+/// anything.
+int CompareElements(const TElement* a, const TElement* b);
+
+/// Nodes with the attributes needed to draw them: the nodes of a model, its display list, or one
+/// measured data set.
+class TDataNodeList : public TNodeList {
+ public:
+  /// The model is not owned. `ownsNodes`: the list of a model's own nodes, whose records are kept
+  /// as read and are linked to nothing.
+  TDataNodeList(TModel* model, bool ownsNodes) : Model(model), OwnsNodes(ownsNodes) {}
+
+  /// Reads the records of Section and brings them into the order of the model's nodes. The list is
+  /// emptied first, but kept as it is if the file cannot be opened or the load is cancelled.
+  [[nodiscard]] TLoadReport LoadFromFile(const QString& fileName,
+                                         const TLoadProgress& progress = {});
+  [[nodiscard]] TLoadReport LoadFromMemory(std::string_view text,
+                                           const TLoadProgress& progress = {});
+
+  bool GetVisible() const { return visible_; }
+  /// Shows or hides nodes and elements with the list.
+  void SetVisible(bool visible);
+
+  /// First node with this ID, or null.
+  const TNode* FindNode(std::int32_t id) const;
+  /// Index of the first node with this ID, or -1. A linear scan; TModel::NodeIndex is the fast way
+  /// for the nodes of a model.
+  std::ptrdiff_t IndexOf(std::int32_t id) const;
+
+  TModel* const Model;                       ///< not owned
+  QString Section;                           ///< header of the records, "[" + name + "]"
+  double Frequency = 0.0;                    ///< from the section's name
+  TColor ElementColor = TColor::Yellow();    ///< of elements without a colour of their own
+  TColor NodeColor = TColor::Blue();
+  TColor EdgeColor = TColor::Black();        ///< outline of faces
+  TNodeShape NodeShape = TNodeShape::Sphere;
+  const TElementList* Elements = nullptr;    ///< drawn with this list's nodes; not owned
+  bool ShowElements = false;
+  bool ShowNodes = false;
+  double NodeRadius = 0.0;
+  double ElementRadius = 0.0;
+  const bool OwnsNodes;
+  double MaxAmplitude = 0.0;                 ///< largest Length of any amplitude read
+  double Scale = 1.0;                        ///< 0.25 x model size / MaxAmplitude
+  double DrawScale = 1.0;                    ///< factor of the positions when drawn
+  double Phase = 0.0;                        ///< radians, added to every node angle when drawn
+
+ private:
+  bool visible_ = false;
+};
+
+/// Data sets that belong together. Owns the lists added by Add, refers to those added by Refer.
+class TNodesSet {
+ public:
+  TDataNodeList* Add(std::unique_ptr<TDataNodeList> list);
+  void Refer(TDataNodeList* list) { members_.push_back(list); }
+  /// Empties the set; deletes the owned lists, the first one first.
+  void Clear();
+
+  std::size_t Count() const { return members_.size(); }
+  bool Empty() const { return members_.empty(); }
+  TDataNodeList* Get(std::size_t index) const { return members_[index]; }
+  auto begin() const { return members_.begin(); }
+  auto end() const { return members_.end(); }
+
+  double GetMaxAmplitude() const { return maxAmplitude_; }
+  double GetScale() const { return scale_; }
+  /// MaxAmplitude becomes the largest of the members (0 for none). Scale becomes 0.25 x model size
+  /// / MaxAmplitude, or keeps its value if the set is empty, has no model or does not move.
+  void UpdateScale();
+
+  /// Each stores the value and copies it into every member, if it is new.
+  void SetNodeColor(TColor color);
+  void SetElementColor(TColor color);
+  void SetEdgeColor(TColor color);
+  void SetNodeShape(TNodeShape shape);
+  TColor GetNodeColor() const { return nodeColor_; }
+  TColor GetElementColor() const { return elementColor_; }
+  TColor GetEdgeColor() const { return edgeColor_; }
+  TNodeShape GetNodeShape() const { return nodeShape_; }
+
+  /// The next frame of all members added together in time: advances `time` by a tenth of the
+  /// period of the highest frequency and writes the sum of all motions into the positions of
+  /// `display`, node by node by index. Returns the new time, or `time` itself, with nothing
+  /// changed, if the highest frequency is 0. Allocates nothing.
+  double Step(TDataNodeList& display, double time) const;
+
+ private:
+  std::vector<TDataNodeList*> members_;
+  std::vector<std::unique_ptr<TDataNodeList>> owned_;
+  double maxAmplitude_ = 0.0;
+  double scale_ = 1.0;
+  TColor nodeColor_ = TColor::Green();
+  TColor elementColor_ = TColor::White();
+  TColor edgeColor_ = TColor::Black();
+  TNodeShape nodeShape_ = TNodeShape::Sphere;
+};
+
+/// The structural wire-frame model: nodes and the elements that join them. GUI thread only.
+class TModel : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit TModel(QObject* parent = nullptr);
+  ~TModel() override;
+
+  /// Reads a model file, centres the model on the origin and sets Size and the radii. Loaded is
+  /// set and OnChange fires at the end in every case. If the file cannot be read or the load is
+  /// cancelled, the earlier model stays; else the report says what was dropped.
+  TLoadReport LoadFromFile(const QString& fileName, const TLoadProgress& progress = {});
+  TLoadReport LoadFromMemory(std::string_view text, const TLoadProgress& progress = {});
+
+  /// Empties the display list, the nodes and the elements.
+  void Clear();
+
+  /// Index of the first model node with this ID, or -1. Constant time once the model is loaded.
+  std::ptrdiff_t NodeIndex(std::int32_t id) const;
+
+  bool Loaded = false;                   ///< a load has finished; the paint tests it
+  double Size = 1.0;                     ///< largest distance of a node from the file's origin
+  QString NodesSection = QStringLiteral("[Nodes]");
+  QString ElementsSection = QStringLiteral("[Elements]");
+
+  TElementList Elements;                 ///< in file order
+  TDataNodeList Nodes;                   ///< in file order, relative to the model's centre
+  TDataNodeList Display;                 ///< one node per model node: the frame's displacement
+
+ signals:
+  void OnChange(QObject* sender);
+};
+
+/// Appends the name of every section of a data file, in file order, spaces kept.
+void ReadSections(std::string_view text, QStringList& names);
+void ReadSections(const QString& fileName, QStringList& names);
+
+/// The measured data of one file: all its data sets, and those that are shown. GUI thread only.
+class TMeasuredData {
+ public:
+  TNodesSet All;    ///< owns the lists, in file order
+  TNodesSet Shown;  ///< refers to the visible ones, in file order
+
+  /// One character per data set in file order, "1" for shown and "0" for hidden; consulted by the
+  /// next load. Sets beyond its end start hidden.
+  QString CheckedLabels = QStringLiteral("111");
+
+  /// Replaces all data sets by those of a file, aligned to the model's nodes, with the node shape
+  /// and colours that All has. A missing file leaves none; a cancelled load leaves the earlier.
+  [[nodiscard]] TLoadReport LoadFromFile(const QString& fileName, TModel& model,
+                                         const TLoadProgress& progress = {});
+  [[nodiscard]] TLoadReport LoadFromMemory(std::string_view text, TModel& model,
+                                           const TLoadProgress& progress = {});
+
+  /// Makes the data sets with a true flag the shown ones; missing flags hide. Returns whether the
+  /// visibility of any set changed.
+  bool Show(const std::vector<bool>& shown);
+
+  /// The current state as a check string; "1" if there is no data set.
+  QString MakeCheckString() const;
+
+  void Clear();
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+/// Reads numbers from a text in memory as the C library's formatted input would in the "C" locale:
+/// "%d" and "%lf" with leading white space skipped, whatever the user's locale is. A failed read
+/// leaves the value alone and the position where formatted input would leave it: behind the white
+/// space and behind what could have begun a number ("-" of "-x", "infi" of "infix").
+/// Not owned: the text must outlive the scanner. Any thread.
+class TTextScanner {
+ public:
+  explicit TTextScanner(std::string_view text) : text_(text) {}
+
+  std::string_view Text() const { return text_; }
+  std::size_t Position() const { return position_; }
+  void SetPosition(std::size_t position) { position_ = position; }
+  bool AtEnd() const { return position_ >= text_.size(); }
+
+  /// "%d". A number outside 32 bits is taken and becomes the nearest bound.
+  [[nodiscard]] bool ReadInt(std::int32_t& value);
+
+  /// "%lf": decimal and hexadecimal forms, "inf", "infinity", "nan" and "nan(...)" in any case.
+  [[nodiscard]] bool ReadReal(double& value);
+
+  /// White space in a format: skips space, tab, line feed, vertical tab, form feed and return.
+  void SkipWhiteSpace();
+
+  /// The line of a position, counted from 1. Linear in the position.
+  std::size_t LineAt(std::size_t position) const;
+
+ private:
+  std::string_view text_;
+  std::size_t position_ = 0;
+};
+
+/// Moves the scanner just behind the first occurrence of `text`, searching from the current
+/// position to the end and then from the top, over as many characters as the text in memory has.
+/// Returns false and stays where it is if there is none. On a mismatch the comparison starts again
+/// with the next unread character, without backing up: "[[Nodes]" does not hold "[Nodes]".
+[[nodiscard]] bool SearchString(TTextScanner& scanner, std::string_view text);
+
+/// True if the record that follows has seven numbers (ID, three values, three angles) on the first
+/// line that ends at least 6 characters behind the current position. Stays where it is.
+[[nodiscard]] bool HasAngleData(const TTextScanner& scanner);

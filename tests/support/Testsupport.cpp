@@ -1,0 +1,76 @@
+#include "tests/support/Testsupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <memory>
+
+#include "model/Message.h"
+
+namespace {
+
+QStringList messages;
+QStringList expectedWarnings;
+QStringList unexpectedWarnings;
+std::unique_ptr<QTemporaryDir> folder;
+
+void TakeQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  fprintf(stderr, "%s\n", qPrintable(text));
+  if (type == QtDebugMsg || type == QtInfoMsg) return;
+  for (qsizetype i = 0; i < expectedWarnings.size(); ++i) {
+    if (!text.contains(expectedWarnings[i])) continue;
+    expectedWarnings.removeAt(i);
+    return;
+  }
+  unexpectedWarnings << text;
+}
+
+/// Gives every test a clean message list and fails it on a Qt warning nobody expected.
+class Watch : public testing::EmptyTestEventListener {
+  void OnTestStart(const testing::TestInfo&) override {
+    messages.clear();
+    expectedWarnings.clear();
+    unexpectedWarnings.clear();
+  }
+  void OnTestEnd(const testing::TestInfo&) override {
+    folder.reset();
+    for (const QString& text : unexpectedWarnings) {
+      ADD_FAILURE() << "unexpected Qt warning: " << text.toStdString();
+    }
+    for (const QString& text : expectedWarnings) {
+      ADD_FAILURE() << "expected Qt warning did not come: " << text.toStdString();
+    }
+  }
+};
+
+}  // namespace
+
+void InstallTestWatch() {
+  SetMessageSink([](const QString& text) { messages << text; });
+  qInstallMessageHandler(TakeQtMessage);
+  testing::UnitTest::GetInstance()->listeners().Append(new Watch);
+}
+
+QStringList TakeMessages() { return std::exchange(messages, {}); }
+
+void ExpectQtWarning(const QString& part) { expectedWarnings << part; }
+
+std::string TestData(const QString& name) {
+  QFile file(QStringLiteral(VELMORA_SOURCE_DIR "/tests/data/") + name);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+  return file.readAll().toStdString();
+}
+
+QString TestFolder() {
+  if (!folder) folder = std::make_unique<QTemporaryDir>();
+  return folder->path();
+}
+
+QString WriteTestFile(const QString& name, const QByteArray& content) {
+  const QString path = TestFolder() + '/' + name;
+  QFile file(path);
+  EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+  EXPECT_EQ(file.write(content), content.size());
+  return path;
+}

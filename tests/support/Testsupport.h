@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <string>
+
+/// The texts handed to ShowMessage since the test began, oldest first. Reading empties the list.
+QStringList TakeMessages();
+
+/// Expects that the test draws a Qt warning that contains `part`; without it, every warning fails
+/// the test.
+void ExpectQtWarning(const QString& part);
+
+/// A file of tests/data, whole. Fails the test if it is missing.
+std::string TestData(const QString& name);
+
+/// A folder of its own for the running test; removed when the test ends.
+QString TestFolder();
+
+/// Writes a file into TestFolder() and returns its full name.
+QString WriteTestFile(const QString& name, const QByteArray& content);

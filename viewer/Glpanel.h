@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QOpenGLWidget>
+
+#include "viewer/Viewtransform.h"
+
+/// A panel with an OpenGL context of its own that keeps the view's rotation, zoom and pan, and lets
+/// the mouse change them: left drag turns, middle or Shift drag pans, right or Ctrl drag zooms.
+/// GUI thread only.
+class TGLPanel : public QOpenGLWidget {
+  Q_OBJECT
+  Q_PROPERTY(TPFDFlags PFDFlags READ GetPFDFlags WRITE SetPFDFlags)
+  Q_PROPERTY(TPFDPixelTypes PFDPixelType READ GetPFDPixelType WRITE SetPFDPixelType)
+  Q_PROPERTY(int PFDNumColorBits READ GetPFDNumColorBits WRITE SetPFDNumColorBits)
+  Q_PROPERTY(int PFDNumDepthBits READ GetPFDNumDepthBits WRITE SetPFDNumDepthBits)
+
+ public:
+  enum TPFDFlag {
+    f_PFD_DRAW_TO_WINDOW = 1 << 0,
+    f_PFD_DRAW_TO_BITMAP = 1 << 1,
+    f_PFD_SUPPORT_GDI = 1 << 2,
+    f_PFD_SUPPORT_OPENGL = 1 << 3,
+    f_PFD_GENERIC_ACCELERATED = 1 << 4,
+    f_PFD_GENERIC_FORMAT = 1 << 5,
+    f_PFD_NEED_PALETTE = 1 << 6,
+    f_PFD_NEED_SYSTEM_PALETTE = 1 << 7,
+    f_PFD_DOUBLEBUFFER = 1 << 8,
+    f_PFD_STEREO = 1 << 9,
+    f_PFD_SWAP_LAYER_BUFFERS = 1 << 10,
+  };
+  Q_DECLARE_FLAGS(TPFDFlags, TPFDFlag)
+  Q_FLAG(TPFDFlags)
+  enum TPFDPixelTypes { f_PFD_TYPE_RGBA, f_PFD_TYPE_COLORINDEX };
+  Q_ENUM(TPFDPixelTypes)
+
+  explicit TGLPanel(QWidget* parent = nullptr);
+  ~TGLPanel() override;
+
+  TPFDFlags GetPFDFlags() const { return pfdFlags_; }
+  TPFDPixelTypes GetPFDPixelType() const { return pfdPixelType_; }
+  int GetPFDNumColorBits() const { return pfdNumColorBits_; }
+  int GetPFDNumDepthBits() const { return pfdNumDepthBits_; }
+  /// The pixel format takes effect when the context is made, with the panel's first showing.
+  void SetPFDFlags(TPFDFlags flags);
+  void SetPFDPixelType(TPFDPixelTypes type);
+  void SetPFDNumColorBits(int bits);
+  void SetPFDNumDepthBits(int bits);
+
+  /// Whether a context exists.
+  bool HasContext() const { return isValid(); }
+
+  /// The view; call Invalidate after a change.
+  TViewTransform View;
+  /// Colour of the empty picture.
+  QColor BackColor = Qt::black;
+
+  /// Sets the aspect factors from the panel's size, then ZoomAndPan.
+  void ScaleViewPort();
+  /// Sets viewport and projection if the context is current; else the next paint does.
+  void ZoomAndPan();
+  /// ZoomAndPan, then a repaint.
+  void Invalidate();
+
+  /// The current picture, in device pixels.
+  QImage Picture();
+  void CopyToClipboard();
+
+ signals:
+  /// Once, when the context was made; it is current.
+  void OnInit(QObject* sender);
+  /// In every paint, between the view's rotation and the swap; the context is current.
+  void OnPaint(QObject* sender);
+  /// The mouse changed rotation, pan or zoom.
+  void OnViewChange(QObject* sender);
+
+ protected:
+  void initializeGL() override;
+  void resizeGL(int width, int height) override;
+  void paintGL() override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  TPFDFlags pfdFlags_ = {f_PFD_DRAW_TO_WINDOW | f_PFD_SUPPORT_OPENGL | f_PFD_DOUBLEBUFFER};
+  TPFDPixelTypes pfdPixelType_ = f_PFD_TYPE_RGBA;
+  int pfdNumColorBits_ = 24;
+  int pfdNumDepthBits_ = 24;
+  QPoint last_;  ///< mouse position of the previous move
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(TGLPanel::TPFDFlags)
