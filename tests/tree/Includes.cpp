@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <QDirIterator>
+#include <QFile>
+#include <QRegularExpression>
+#include <map>
+#include <set>
+#include <string>
+
+namespace {
+
+using TGraph = std::map<std::string, std::set<std::string>>;
+
+/// A unit is a header with its sources: "model/Timer.cpp" and "model/Timer_linux.cpp" are one.
+std::string UnitOf(const QString& path) {
+  return path.section('.', 0, 0).section('_', 0, 0).toStdString();
+}
+
+/// Which units each unit includes, from the lines of its header and its sources.
+const TGraph& Includes() {
+  static const TGraph result = [] {
+    const QRegularExpression include(R"(^\s*#\s*include\s+"([^"]+)\")");
+    const QString root = QStringLiteral(VELMORA_SOURCE_DIR "/");
+    TGraph graph;
+    for (const char* room : {"model", "components", "viewer"}) {
+      QDirIterator files(root + room, {"*.h", "*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
+      while (files.hasNext()) {
+        QFile file(files.next());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const std::string unit = UnitOf(file.fileName().mid(root.size()));
+        std::set<std::string>& used = graph[unit];
+        while (!file.atEnd()) {
+          const auto match = include.match(QString::fromUtf8(file.readLine()));
+          if (match.hasMatch() && UnitOf(match.captured(1)) != unit) {
+            used.insert(UnitOf(match.captured(1)));
+          }
+        }
+      }
+    }
+    return graph;
+  }();
+  return result;
+}
+
+/// Walks depth first; returns the units of a cycle, or nothing.
+std::string FindCycle(const std::string& unit, std::set<std::string>& done,
+                      std::vector<std::string>& path) {
+  if (done.contains(unit)) return {};
+  if (std::find(path.begin(), path.end(), unit) != path.end()) return unit;
+  path.push_back(unit);
+  if (const auto found = Includes().find(unit); found != Includes().end()) {
+    for (const std::string& next : found->second) {
+      const std::string cycle = FindCycle(next, done, path);
+      if (!cycle.empty()) return unit + " > " + cycle;
+    }
+  }
+  path.pop_back();
+  done.insert(unit);
+  return {};
+}
+
+TEST(Includes, FormNoCycle) {
+  ASSERT_GT(Includes().size(), 10u);
+  std::set<std::string> done;
+  for (const auto& [unit, used] : Includes()) {
+    std::vector<std::string> path;
+    EXPECT_EQ(FindCycle(unit, done, path), "");
+  }
+}
+
+TEST(Includes, AreWrittenFromTheRoot) {
+  for (const auto& [unit, used] : Includes()) {
+    for (const std::string& target : used) {
+      const QString header =
+          QStringLiteral(VELMORA_SOURCE_DIR "/") + QString::fromStdString(target) + ".h";
+      EXPECT_TRUE(QFile::exists(header)) << unit << " includes " << target;
+    }
+  }
+}
+
+TEST(Includes, PointDownwards) {
+  const auto in = [](const std::string& name, const char* room) {
+    return name.rfind(room, 0) == 0;
+  };
+  for (const auto& [unit, used] : Includes()) {
+    for (const std::string& target : used) {
+      SCOPED_TRACE(unit + " includes " + target);
+      if (in(unit, "model/")) {
+        EXPECT_TRUE(in(target, "model/"));
+      }
+      if (in(unit, "components/")) {
+        EXPECT_FALSE(in(target, "viewer/"));
+      }
+      if (in(unit, "viewer/") && in(target, "components/")) {
+        EXPECT_TRUE(in(target, "components/controls/Korvaltools") ||
+                    in(target, "components/controls/Compbase"));
+      }
+    }
+  }
+}
+
+}  // namespace
