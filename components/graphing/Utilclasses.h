@@ -4,7 +4,9 @@
 
 #include "components/links/Propclasses.h"
 
-/// How a number or a date-time becomes text.
+/// How a number or a date-time becomes text. The decimal point is always a full stop; thousands
+/// separators, the currency symbol and the names of months and days are those of the system's
+/// locale.
 class TNumberFormat : public TPersistent {
   Q_OBJECT
 
@@ -20,7 +22,7 @@ class TNumberFormat : public TPersistent {
   Q_PROPERTY(QString TimeFormatStr READ GetTimeFormatStr WRITE SetTimeFormatStr)
 
  public:
-  using TPersistent::TPersistent;
+  Q_INVOKABLE explicit TNumberFormat(QObject* owner = nullptr) : TPersistent(owner) {}
 
   int GetDigits() const { return digits_; }
   int GetPrecision() const { return precision_; }
@@ -34,9 +36,11 @@ class TNumberFormat : public TPersistent {
   void SetIsTimeFormat(bool isTime);
   void SetTimeFormatStr(const QString& pattern);
 
-  /// The value as text; "Error" if it cannot be shown with this format.
+  /// The value as text: a number, or a date-time (days since 30 December 1899) if IsTimeFormat is
+  /// set, where the pattern "i" stands for the milliseconds 0 to 999. "Error" for a value that is
+  /// no valid date-time.
   QString FormatedValue(double value) const;
-  /// The format as a printf pattern for text export.
+  /// The format as a printf pattern for text export, such as "%0.2lf".
   QString GetFormatStr() const;
 
   /// Fires this object's own OnChange at the end, beside the destination's.
@@ -52,7 +56,8 @@ class TNumberFormat : public TPersistent {
   bool isTimeFormat_ = false;
 };
 
-/// Interval that an axis or series grows over its data, in the data's own unit.
+/// Interval that an axis or series grows over its data, in the data's own unit. NaN is no value of
+/// an interval and is ignored everywhere.
 class TRange : public TPersistent {
   Q_OBJECT
   Q_PROPERTY(double Min READ GetMin WRITE SetMin)
@@ -61,7 +66,7 @@ class TRange : public TPersistent {
   Q_PROPERTY(bool AutoMax READ GetAutoMax WRITE SetAutoMax)
 
  public:
-  using TPersistent::TPersistent;
+  Q_INVOKABLE explicit TRange(QObject* owner = nullptr) : TPersistent(owner) {}
 
   double GetMin() const { return min_; }
   double GetMax() const { return max_; }
@@ -74,7 +79,8 @@ class TRange : public TPersistent {
   void SetMax(double value);
   void SetAutoMin(bool on);
   void SetAutoMax(bool on);
-  /// True empties the range: the bounds become 0 and 1 and the next GetBounds replaces them. Silent.
+  /// True empties the range: the bounds become 0 and 1 and the next GetBounds replaces them.
+  /// Silent.
   void SetReset(bool reset);
 
   /// Widens the range to hold a value or another range; replaces an empty one. Silent, because it
@@ -82,7 +88,10 @@ class TRange : public TPersistent {
   void GetBounds(double value);
   void GetBounds(const TRange* other);
 
+  /// Sets Min, Max, AutoMin, AutoMax of the destination in this order: a new Min above its old Max
+  /// makes that old Max its Min, and so stays in the result. Reset is not copied.
   void AssignTo(TPersistent* destination) const override;
+  bool SameAs(const TPersistent* other) const override;
 
  private:
   double min_ = 0.0;

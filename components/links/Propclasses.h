@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <vector>
 
 /// Base of every published sub-object: a value with named properties that belongs to one owner and
 /// reports each real change. GUI thread only.
@@ -29,12 +31,55 @@ class TPersistent : public QObject {
   /// A property has really changed; emitted last, when the state is consistent.
   void OnChange(QObject* sender);
 
+ protected:
+  /// The whole of a plain setter: stores a value that differs and reports the change.
+  template <class T>
+  void Store(T& field, const T& value) {
+    if (field == value) return;
+    field = value;
+    emit OnChange(this);
+  }
+
  private:
   QObject* owner_;  ///< not owned
 };
 
-/// A published button: setting it at design time, or Click at any time, runs the owner's operation.
-/// It reads as false always, so that a form never stores a click.
+/// The object message that a TNotifyPersistent sends before it goes. Receivers take it in
+/// QObject::customEvent. The sender is still whole while it is delivered.
+class TObjectMessage : public QEvent {
+ public:
+  static constexpr Type kType = static_cast<Type>(1524);
+
+  explicit TObjectMessage(QObject* sender, bool flag) : QEvent(kType), Sender(sender), Flag(flag) {}
+
+  QObject* const Sender;
+  const bool Flag;  ///< true: the sender is being destroyed
+};
+
+/// A sub-object that tells its subscribers that it is being destroyed.
+class TNotifyPersistent : public TPersistent {
+  Q_OBJECT
+
+ public:
+  using TPersistent::TPersistent;
+  ~TNotifyPersistent() override { BeforeDestruction(); }
+
+  /// Subscribes an object; a second time changes nothing. Subscribers are not owned and may go
+  /// first.
+  void FreeNotification(QObject* object);
+  void RemoveFreeNotification(QObject* object);
+
+  /// Sends each subscriber the object message, in the order of subscription, and forgets them all.
+  /// A derived class whose subscribers look at more than the sender's identity calls this first in
+  /// its own destructor, while it is still whole; the base's call then finds nobody left.
+  void BeforeDestruction();
+
+ private:
+  std::vector<QPointer<QObject>> subscribers_;
+};
+
+/// A published button: setting it to true, or Click at any time, runs the owner's operation.
+/// It always reads as false, so that a form never stores a click.
 class TClick : public TPersistent {
   Q_OBJECT
   Q_PROPERTY(bool Click READ GetClick WRITE SetClick STORED false)
@@ -43,9 +88,10 @@ class TClick : public TPersistent {
   using TPersistent::TPersistent;
 
   bool GetClick() const { return false; }
-  void SetClick(bool click);
-  /// Fires OnClick.
-  void Click();
+  void SetClick(bool click) {
+    if (click) Click();
+  }
+  void Click() { emit OnClick(this); }
 
  signals:
   void OnClick(QObject* sender);
@@ -58,24 +104,44 @@ class TSelectedCollItem : public TPersistent {
   Q_PROPERTY(QString Item READ GetItem WRITE SetItem)
 
  public:
+  /// The names of a collection's items, in order.
+  using TItems = std::function<QStringList()>;
+
   using TPersistent::TPersistent;
 
-  /// The names of the collection's items in order; an empty function means no collection. The
-  /// selected name is kept when the collection changes, so that it can be resolved later.
-  std::function<QStringList()> Items;
   /// Shown while no collection is set.
   QString Caption = QStringLiteral("(none)");
 
-  bool HasCollection() const { return static_cast<bool>(Items); }
+  bool HasCollection() const { return static_cast<bool>(items_); }
+  /// An empty function takes the collection away. The selected name is kept, so that a name that
+  /// was loaded before its collection can be resolved later. Fires OnChange.
+  void SetCollection(TItems items);
+  /// The items by name; empty without a collection.
+  QStringList Items() const { return items_ ? items_() : QStringList(); }
+  /// Takes both collection and selection away.
+  void Clear();
+
+  /// The selected name, whether the collection has it or not; empty for no selection.
   const QString& GetItem() const { return item_; }
   void SetItem(const QString& name);
-  /// Index of the selected item in the collection, or -1.
+  /// Index of the selected item in the collection, or -1. Of items with one name it is the one that
+  /// was selected by index, else the first.
   int GetIndex() const;
   /// An index outside the collection selects nothing.
   void SetIndex(int index);
+
   /// The selected name, or the caption while no collection is set.
-  QString Text() const;
+  QString Text() const { return items_ ? item_ : Caption; }
+
+  /// Copies the collection and the selection.
+  void AssignTo(TPersistent* destination) const override;
+  /// Compares the selection.
+  bool SameAs(const TPersistent* other) const override;
 
  private:
+  void Select(const QString& name, int index);
+
+  TItems items_;
   QString item_;
+  int index_ = -1;  ///< where the item stood when it was selected, -1 if that is not known
 };

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QWidget>
+
+/// Base of the components: a widget that shows a small picture and a caption. A component without a
+/// face of its own is seen while its form is designed and hidden at run time; one with a face is
+/// seen at run time unless Visible is off. It takes the size that picture and caption need.
+class TIconControl : public QWidget {
+  Q_OBJECT
+  Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
+  Q_PROPERTY(TCaptionPos CaptionPos READ GetCaptionPos WRITE SetCaptionPos)
+  Q_PROPERTY(bool ShowIcon READ GetShowIcon WRITE SetShowIcon)
+  Q_PROPERTY(bool Visible READ GetVisible WRITE SetVisible)
+
+ public:
+  /// Where the caption stands beside the picture; cpNone shows no caption.
+  enum TCaptionPos { cpNone, cpTop, cpBottom, cpLeft, cpRight };
+  Q_ENUM(TCaptionPos)
+
+  explicit TIconControl(QWidget* parent = nullptr);
+
+  const QString& GetCaption() const { return caption_; }
+  void SetCaption(const QString& caption);
+  TCaptionPos GetCaptionPos() const { return captionPos_; }
+  void SetCaptionPos(TCaptionPos pos);
+  bool GetShowIcon() const { return showIcon_; }
+  void SetShowIcon(bool show);
+  /// Whether a component with a face shows it at run time.
+  bool GetVisible() const { return visible_; }
+  void SetVisible(bool visible);
+
+  /// Name of the picture, see Iconimages.h; empty draws none and takes its room all the same.
+  const QString& GetIconImage() const { return iconImage_; }
+  /// Of the picture, in logical pixels; sizes below 1 are ignored. Initially 24 x 24.
+  QSize GetImageSize() const { return imageSize_; }
+
+  /// Shows only what may be seen, see the class.
+  void setVisible(bool visible) override;
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override { return sizeHint(); }
+
+ protected:
+  void SetIconImage(const QString& name);
+  void SetImageSize(QSize size);
+  /// Says that the component has something to show at run time; for the constructors of
+  /// descendants.
+  void SetFace(bool face);
+
+  /// The left button was pressed twice on the component: its editor, if it has one.
+  virtual void DoubleClicked() {}
+
+  bool event(QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+ private:
+  void ContentChanged();
+  void UpdateVisibility();
+
+  QString caption_;
+  TCaptionPos captionPos_ = cpRight;
+  bool showIcon_ = true;
+  bool visible_ = true;
+  bool face_ = false;
+  QString iconImage_;
+  QSize imageSize_{24, 24};
+};
+
+/// Places of picture and caption in an icon control, in its own coordinates.
+struct TIconLayout {
+  QRect icon;     ///< null if there is none
+  QRect caption;  ///< null if there is none
+  QSize size;     ///< of the whole
+};
+
+/// Puts a caption of size `text` beside a picture of size `image`, centred on each other across
+/// the line that joins them. An empty size is left out.
+TIconLayout LayOutIcon(QSize image, QSize text, TIconControl::TCaptionPos pos);
+
+/// A component that is switched on and off: it has one picture each for idle, active and pressed.
+/// At run time a click of the left button throws the switch.
+class TStateControl : public TIconControl {
+  Q_OBJECT
+  Q_PROPERTY(bool Active READ GetActive WRITE SetActive)
+
+ public:
+  explicit TStateControl(QWidget* parent = nullptr);
+
+  bool GetActive() const { return active_; }
+  /// Descendants start and stop their work here; the base stores the state, shows its picture and
+  /// fires OnActiveChanged.
+  virtual void SetActive(bool active);
+
+ signals:
+  void OnActiveChanged(QObject* sender);
+
+ protected:
+  void SetStateImages(const QString& idle, const QString& active, const QString& down);
+
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  void SetDown(bool down);
+  void ShowState();
+
+  bool active_ = false;
+  bool down_ = false;
+  QString idleImage_;
+  QString activeImage_;
+  QString downImage_;
+};
