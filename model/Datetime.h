@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <cmath>
 #include <compare>
 
 /// A date and time as days since 30 December 1899, 00:00 local time; the fraction is the time of
@@ -18,6 +19,22 @@ class TDateTime {
   /// Local time, to the nearest millisecond. An invalid QDateTime for a value that is not finite
   /// or lies outside the years 1 to 9999.
   QDateTime ToQDateTime() const;
+
+  /// Date and time of day as a clock on the wall shows them, to the nearest millisecond: unlike a
+  /// QDateTime it knows no hours that summer time leaves out. Both invalid where ToQDateTime is.
+  struct TClock {
+    QDate date;
+    QTime time;
+  };
+  TClock Clock() const {
+    constexpr double kDay = 86400000.0;  // ms
+    const double ms = std::round(days_ * kDay);
+    const double day = std::floor(ms / kDay);
+    if (!(std::abs(day) < 4.0e6)) return {};
+    const QDate date = QDate(1899, 12, 30).addDays(static_cast<qint64>(day));
+    if (date.year() < 1 || date.year() > 9999) return {};
+    return {date, QTime::fromMSecsSinceStartOfDay(static_cast<int>(ms - day * kDay))};
+  }
 
   friend constexpr auto operator<=>(TDateTime, TDateTime) = default;
   friend constexpr bool operator==(TDateTime, TDateTime) = default;

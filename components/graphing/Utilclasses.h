@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cmath>
 
 #include "components/links/Propclasses.h"
 
@@ -85,7 +86,13 @@ class TRange : public TPersistent {
 
   /// Widens the range to hold a value or another range; replaces an empty one. Silent, because it
   /// runs once per sample: the owner repaints after the loop.
-  void GetBounds(double value);
+  void GetBounds(double value) {
+    if (std::isnan(value)) return;
+    if (reset_) min_ = max_ = value;
+    reset_ = false;
+    if (value < min_) min_ = value;
+    if (value > max_) max_ = value;
+  }
   void GetBounds(const TRange* other);
 
   /// Sets Min, Max, AutoMin, AutoMax of the destination in this order: a new Min above its old Max

@@ -28,7 +28,7 @@ class TKorvalCompList : public TPersistent {
   int Count() const { return static_cast<int>(items_.size()); }
   bool Empty() const { return items_.empty(); }
   /// The component at 0 to Count() - 1; null only while it is being destroyed.
-  QObject* Get(int index) const { return items_[static_cast<std::size_t>(index)].data(); }
+  QObject* Get(int index) const { return items_[static_cast<std::size_t>(index)].alive; }
   /// Same, as the list's base class or one above it; null for another class.
   template <class T>
   T* Get(int index) const {
@@ -74,6 +74,12 @@ class TKorvalCompList : public TPersistent {
   void OnItemChanged(QObject* sender, QObject* item, TListAction action);
 
  private:
+  /// A widget goes in steps: `alive` is null before `destroyed` is emitted.
+  struct TItem {
+    QObject* component;  ///< for comparing only
+    QPointer<QObject> alive;
+    friend bool operator==(const TItem& a, const TItem& b) { return a.component == b.component; }
+  };
   /// A name to be resolved, with its place among all names.
   struct TPending {
     QString name;
@@ -82,13 +88,15 @@ class TKorvalCompList : public TPersistent {
   };
 
   bool Allows(QObject* item, TListAction action) const;
+  void Remove(QObject* component);
   QObject* Find(const QString& name) const;
-  void Forget(QObject* destroyed);
   void Changed();
+  /// Runs `change` and fires OnChange once if anything is different then.
+  template <class TChange>
+  void InOneChange(TChange change);
 
   const QMetaObject* baseClass_;
-  std::vector<QPointer<QObject>> items_;
+  std::vector<TItem> items_;
   std::vector<TPending> pending_;  ///< by ascending place
   bool updating_ = false;
-  bool changed_ = false;  ///< while updating
 };

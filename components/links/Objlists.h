@@ -4,6 +4,7 @@
 #include <QRect>
 #include <QStringList>
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <span>
@@ -58,9 +59,17 @@ class TDataList : public TPersistent {
   /// Sets a cell. A row at or beyond the count adds a single row at the end, whatever its number.
   void PutValues(int row, int column, double value);
 
+  /// The same within a row in hand: 0.0 and nothing for a column that does not exist.
+  double GetColValue(const double* row, int column) const {
+    return HasColumn(column) ? row[column] : 0.0;
+  }
+  void SetColValue(int column, double* row, double value) {
+    if (HasColumn(column)) row[column] = value;
+  }
+
   /// `index` is 0 to Count() - 1.
-  const double* Row(int index) const { return cells_.get() + Slot(index) * colCount_; }
-  double* Row(int index) { return cells_.get() + Slot(index) * colCount_; }
+  const double* Row(int index) const { return At(Slot(index)); }
+  double* Row(int index) { return At(Slot(index)); }
   /// The values of all rows in order, in the two runs in which they lie (the second may be empty).
   std::array<std::span<const double>, 2> Runs() const;
 
@@ -94,13 +103,15 @@ class TDataList : public TPersistent {
   void SetDataValues(const QString& text) { static_cast<void>(ReadProperties(text)); }
 
  protected:
-  /// What a kind of list may do differently about its rows.
-  virtual double GetColValue(const double* row, int column) const { return row[column]; }
-  virtual void SetColValue(int column, double* row, double value) { row[column] = value; }
-  /// Gives a new row, which is all zero, its first values; false refuses it.
+  /// Gives a new row, which is all zero and not yet in the list, its first values; false refuses
+  /// it.
   virtual bool CreateRow(double* row);
-  /// The row is about to go.
-  virtual void DeleteRow(double* row) { Q_UNUSED(row) }
+
+  /// All rows, one after the other, and putting others in their place.
+  std::vector<double> Values() const;
+  void Replace(const std::vector<double>& values);
+  /// Fires OnChange unless the list is being updated.
+  void Changed();
 
  private:
   int Slot(int index) const {
@@ -108,10 +119,13 @@ class TDataList : public TPersistent {
     return slot < capacity_ ? slot : slot - capacity_;
   }
   bool IsFull() const { return count_ >= (maxCount_ > 0 ? maxCount_ : kLimit); }
+  double* At(int slot) const { return cells_.get() + std::ptrdiff_t{slot} * colCount_; }
+  bool HasColumn(int column) const { return column >= 0 && column < colCount_; }
   void SetCapacity(int rows);
-  void CopyRow(int from, int to);
+  bool MakeRoom();
+  double* MoveFirstToEnd();
   void Remove(int index);
-  void Changed();
+  bool HasValues(const std::vector<double>& values) const;
 
   const int colCount_;
   int maxCount_ = 0;
@@ -145,6 +159,11 @@ class TFloatList : public TDataList {
 
   /// (row number, value) of row `index`, which then moves on; false past the last row.
   bool ProvideGraphData(int& index, TCoordinate& point, TCoordinate& extent) const;
+
+ private:
+  static void SetValue(double* row, double value);
+  template <class Better>
+  double Extreme(Better better) const;
 };
 
 /// Rows of (X, Y).
@@ -161,6 +180,9 @@ class TCoordinateList : public TDataList {
 
   /// The point of row `index`, which then moves on; false past the last row.
   bool ProvideGraphData(int& index, TCoordinate& point, TCoordinate& extent) const;
+
+ private:
+  static void SetPoint(double* row, const TCoordinate& point);
 };
 
 /// Rows that stand for the elements of arrays side by side, one array per column: there are as many
