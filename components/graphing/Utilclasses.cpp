@@ -25,7 +25,7 @@ class TDecimal {
     const auto end = std::to_chars(text, text + sizeof text, std::abs(value),
                                    std::chars_format::scientific, kDigits - 1);
     const char* mark = std::find(text, end.ptr, 'e');
-    digits_.assign(text, mark).erase(1, 1);
+    digits_.assign(text, static_cast<std::size_t>(mark - text)).erase(1, 1);
     std::from_chars(mark + (mark[1] == '+' ? 2 : 1), end.ptr, exponent_);
   }
 
