@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "components/controls/Korvaltools.h"
 #include "components/graphing/Plotfont.h"
 #include "components/graphing/Tickrules.h"
 
@@ -387,16 +388,13 @@ void TAxisTitle::DrawVertical(QPainter& painter, int distance) const {
   const int length = metrics_.horizontalAdvance(Text());
   const int free = plot.height() - length;
   const int top = plot.top() + (pos_ == tiLeft ? free : pos_ == tiRight ? 0 : free / 2);
-  painter.save();
   if (axis_->GetAlign() == TAxis::alRight) {  // reads downwards
-    painter.translate(plot.left() + plot.width() + distance + metrics_.height(), top);
-    painter.rotate(90.0);
+    const int right = plot.left() + plot.width() + distance + metrics_.height();
+    RotateText(painter, QPointF(right, top), -90.0, Text());
   } else {  // reads upwards
-    painter.translate(plot.left() - distance - metrics_.height(), top + length);
-    painter.rotate(-90.0);
+    const int left = plot.left() - distance - metrics_.height();
+    RotateText(painter, QPointF(left, top + length), 90.0, Text());
   }
-  painter.drawText(QPoint(0, metrics_.ascent()), Text());
-  painter.restore();
 }
 
 void TAxisTitle::AssignTo(TPersistent* destination) const {
@@ -556,14 +554,20 @@ void TAxis::UpdateAxis() {
 
 void TAxis::AutoScale() {
   if (!OnQueryRange) return;
-  const TBounds before{workingMin_, workingMax_};
+  const double drawnMin = workingMin_;
+  const double drawnMax = workingMax_;
   TakeFixedBounds();
   double unusedMin = workingMin_;
   double unusedMax = workingMax_;
   OnQueryRange(autoMin_ ? workingMin_ : unusedMin, autoMax_ ? workingMax_ : unusedMax);
   // A range that is drawn already keeps its ticks. Choosing again could widen it: 0..11 may be the
   // outcome for 0.95..10.85, and would become 0..12 under a mouse that holds it.
-  if (workingMin_ == before.Min && workingMax_ == before.Max) return;
+  if ((workingMin_ == drawnMin || workingMin_ == chosenForMin_) &&
+      (workingMax_ == drawnMax || workingMax_ == chosenForMax_)) {
+    workingMin_ = drawnMin;
+    workingMax_ = drawnMax;
+    return;
+  }
   CalculateTickPos();
 }
 
@@ -584,6 +588,8 @@ void TAxis::ValidateRange() {
 }
 
 void TAxis::CalculateTickPos() {
+  chosenForMin_ = workingMin_;
+  chosenForMax_ = workingMax_;
   ValidateRange();
   if (scale_ == asTime) {
     CalculateTimeTickPos();

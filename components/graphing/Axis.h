@@ -375,6 +375,8 @@ class TAxis : public TPersistent {
   double max_ = 1.0;
   double workingMin_ = 0.0;
   double workingMax_ = 1.0;
+  double chosenForMin_ = 0.0;  ///< the range for which the present ticks were chosen
+  double chosenForMax_ = 1.0;
   bool autoMin_ = true;
   bool autoMax_ = true;
   TAxisScale scale_ = asLinear;

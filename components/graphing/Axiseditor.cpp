@@ -1,0 +1,293 @@
+#include "components/graphing/Axiseditor.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QSpinBox>
+#include <QVBoxLayout>
+#include <cmath>
+#include <optional>
+
+#include "components/graphing/Pickers.h"
+
+namespace {
+
+const QString& TimePattern() {
+  static const QString pattern = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
+  return pattern;
+}
+
+/// A bound as the user sees it: a date and time on a time axis, a number elsewhere.
+QString BoundText(const TAxis& axis, double value) {
+  if (axis.GetScale() == TAxis::asTime) {
+    const QDateTime time = TDateTime(value).ToQDateTime();
+    if (time.isValid()) return time.toString(TimePattern());
+  }
+  return QString::number(value, 'g', 15);
+}
+
+std::optional<double> BoundValue(const QString& text) {
+  bool isNumber = false;
+  const double number = text.toDouble(&isNumber);
+  if (isNumber) return number;
+  for (const QString& pattern :
+       {TimePattern(), QStringLiteral("yyyy-MM-dd HH:mm:ss"), QStringLiteral("yyyy-MM-dd HH:mm"),
+        QStringLiteral("yyyy-MM-dd")}) {
+    const QDateTime time = QDateTime::fromString(text.trimmed(), pattern);
+    if (time.isValid()) return TDateTime::FromQDateTime(time).Days();
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+TAxisEditor::TAxisEditor(TAxis& axis, QWidget* parent) : QDialog(parent), axis_(axis) {
+  setWindowTitle(tr("Axis"));
+  before_.Assign(&axis_);
+
+  auto* left = new QVBoxLayout;
+  left->addWidget(TitleGroup());
+  left->addWidget(RangeGroup());
+  left->addWidget(TickGroup(tr("Major ticks"), *axis_.GetMajorTick()));
+  left->addWidget(TickGroup(tr("Minor ticks"), *axis_.GetMinorTick()));
+  left->addStretch();
+  auto* right = new QVBoxLayout;
+  right->addWidget(LabelGroup());
+  right->addWidget(FormatGroup());
+  right->addStretch();
+  auto* columns = new QHBoxLayout;
+  columns->addLayout(left, 1);
+  columns->addLayout(right, 1);
+
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
+                                       QDialogButtonBox::Apply);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &TAxisEditor::reject);
+  connect(buttons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this,
+          &TAxisEditor::Apply);
+
+  auto* all = new QVBoxLayout(this);
+  all->addLayout(columns);
+  all->addWidget(buttons);
+  Refresh();
+}
+
+TAxisEditor::~TAxisEditor() = default;
+
+void TAxisEditor::Apply() { before_.Assign(&axis_); }
+
+void TAxisEditor::reject() {
+  axis_.Assign(&before_);
+  QDialog::reject();
+}
+
+void TAxisEditor::Refresh() {
+  const QScopedValueRollback<bool> guard(refreshing_, true);
+  for (const auto& refresh : refreshers_) refresh();
+}
+
+QWidget* TAxisEditor::TitleGroup() {
+  TAxisTitle& title = *axis_.GetTitle();
+  auto* group = new QGroupBox(tr("Title"));
+  auto* form = new QFormLayout(group);
+  form->addRow(tr("Caption"),
+               Text(
+                   QStringLiteral("Title.Caption"), [&title] { return title.GetCaption(); },
+                   [&title](const QString& text) { title.SetCaption(text); }));
+  AddChoice<TAxisTitle::TTitlePos>(
+      form, QStringLiteral("Title.Pos"), tr("Position"),
+      {tr("None"), tr("Left (bottom)"), tr("Centre"), tr("Right (top)")},
+      [&title] { return title.GetPos(); }, [&title](auto pos) { title.SetPos(pos); });
+  AddFont(
+      form, QStringLiteral("Title.Font"), [&title] { return title.GetFont(); },
+      [&title](const QFont& font) { title.SetFont(font); });
+  AddColor(
+      form, QStringLiteral("Title.FontColor"), false, [&title] { return title.GetFontColor(); },
+      [&title](TColor color) { title.SetFontColor(color); });
+  return group;
+}
+
+QWidget* TAxisEditor::RangeGroup() {
+  auto* group = new QGroupBox(tr("Axis"));
+  auto* form = new QFormLayout(group);
+  AddChoice<TAxis::TAxisScale>(
+      form, QStringLiteral("Scale"), tr("Scale"), {tr("Linear"), tr("Logarithmic"), tr("Time")},
+      [this] { return axis_.GetScale(); }, [this](auto scale) { axis_.SetScale(scale); });
+  form->addRow(tr("Minimum"), Bound(
+                                  QStringLiteral("Min"), [this] { return axis_.GetMin(); },
+                                  [this](double value) { axis_.SetMin(value); },
+                                  [this] { return axis_.GetAutoMin(); },
+                                  [this](bool on) { axis_.SetAutoMin(on); }));
+  form->addRow(tr("Maximum"), Bound(
+                                  QStringLiteral("Max"), [this] { return axis_.GetMax(); },
+                                  [this](double value) { axis_.SetMax(value); },
+                                  [this] { return axis_.GetAutoMax(); },
+                                  [this](bool on) { axis_.SetAutoMax(on); }));
+  AddColor(
+      form, QStringLiteral("LineColor"), true, [this] { return axis_.GetLineColor(); },
+      [this](TColor color) { axis_.SetLineColor(color); });
+  return group;
+}
+
+QWidget* TAxisEditor::TickGroup(const QString& title, TTick& tick) {
+  const QString name =
+      &tick == axis_.GetMajorTick() ? QStringLiteral("MajorTick") : QStringLiteral("MinorTick");
+  auto* group = new QGroupBox(title);
+  auto* form = new QFormLayout(group);
+  AddChoice<TTick::TTickPos>(
+      form, name + QStringLiteral(".Pos"), tr("Position"),
+      {tr("None"), tr("Inside"), tr("Across"), tr("Outside")}, [&tick] { return tick.GetPos(); },
+      [&tick](auto pos) { tick.SetPos(pos); });
+  AddNumber(
+      form, name + QStringLiteral(".Size"), tr("Length in pixels"), 0, 100,
+      [&tick] { return tick.GetSize(); }, [&tick](int size) { tick.SetSize(size); });
+  return group;
+}
+
+QWidget* TAxisEditor::LabelGroup() {
+  TTickLabel& label = *axis_.GetLabel();
+  auto* group = new QGroupBox(tr("Labels"));
+  auto* form = new QFormLayout(group);
+  AddChoice<TTickLabel::TLabelPos>(
+      form, QStringLiteral("Label.Pos"), tr("Position"), {tr("None"), tr("Next to the axis")},
+      [&label] { return label.GetPos(); }, [&label](auto pos) { label.SetPos(pos); });
+  AddChoice<TTickLabel::TLabelSpacing>(
+      form, QStringLiteral("Label.Spacing"), tr("Spacing"),
+      {tr("Every major tick"), tr("First and last only")}, [&label] { return label.GetSpacing(); },
+      [&label](auto spacing) { label.SetSpacing(spacing); });
+  AddFont(
+      form, QStringLiteral("Label.Font"), [&label] { return label.GetFont(); },
+      [&label](const QFont& font) { label.SetFont(font); });
+  AddColor(
+      form, QStringLiteral("Label.FontColor"), false, [&label] { return label.GetFontColor(); },
+      [&label](TColor color) { label.SetFontColor(color); });
+  return group;
+}
+
+QWidget* TAxisEditor::FormatGroup() {
+  TNumberFormat& format = *axis_.GetLabel()->GetNumFormat();
+  auto* group = new QGroupBox(tr("Number format"));
+  auto* form = new QFormLayout(group);
+  AddChoice<TNumberFormat::TFloatFormat>(
+      form, QStringLiteral("Label.NumFormat.Format"), tr("Format"),
+      {tr("General"), tr("Exponent"), tr("Fixed"), tr("Number"), tr("Currency")},
+      [&format] { return format.GetFormat(); }, [&format](auto kind) { format.SetFormat(kind); });
+  AddNumber(
+      form, QStringLiteral("Label.NumFormat.Precision"), tr("Significant digits"), 1, 15,
+      [&format] { return format.GetPrecision(); },
+      [&format](int digits) { format.SetPrecision(digits); });
+  AddNumber(
+      form, QStringLiteral("Label.NumFormat.Digits"), tr("Decimals"), 0, 18,
+      [&format] { return format.GetDigits(); },
+      [&format](int digits) { format.SetDigits(digits); });
+  auto* isTime = new QCheckBox(tr("Date and time"));
+  isTime->setObjectName(QStringLiteral("Label.NumFormat.IsTimeFormat"));
+  connect(isTime, &QCheckBox::toggled, this, [this, &format](bool on) {
+    if (refreshing_) return;
+    format.SetIsTimeFormat(on);
+    Refresh();
+  });
+  refreshers_.push_back([isTime, &format] { isTime->setChecked(format.GetIsTimeFormat()); });
+  form->addRow(QString(), isTime);
+  form->addRow(tr("Pattern"),
+               Text(
+                   QStringLiteral("Label.NumFormat.TimeFormatStr"),
+                   [&format] { return format.GetTimeFormatStr(); },
+                   [&format](const QString& text) { format.SetTimeFormatStr(text); }));
+  return group;
+}
+
+template <typename T>
+void TAxisEditor::AddChoice(QFormLayout* form, const QString& name, const QString& caption,
+                            const QStringList& choices, std::function<T()> get,
+                            std::function<void(T)> set) {
+  auto* box = new QComboBox;
+  box->setObjectName(name);
+  box->addItems(choices);
+  connect(box, &QComboBox::currentIndexChanged, this, [this, set](int index) {
+    if (refreshing_) return;
+    set(static_cast<T>(index));
+    Refresh();
+  });
+  refreshers_.push_back([box, get] { box->setCurrentIndex(get()); });
+  form->addRow(caption, box);
+}
+
+void TAxisEditor::AddNumber(QFormLayout* form, const QString& name, const QString& caption,
+                            int from, int to, std::function<int()> get,
+                            std::function<void(int)> set) {
+  auto* box = new QSpinBox;
+  box->setObjectName(name);
+  box->setRange(from, to);
+  connect(box, &QSpinBox::valueChanged, this, [this, set](int value) {
+    if (!refreshing_) set(value);
+  });
+  refreshers_.push_back([box, get] { box->setValue(get()); });
+  form->addRow(caption, box);
+}
+
+void TAxisEditor::AddColor(QFormLayout* form, const QString& name, bool noneAllowed,
+                           std::function<TColor()> get, std::function<void(TColor)> set) {
+  auto* picker = new TColorPicker(noneAllowed);
+  picker->setObjectName(name);
+  connect(picker, &TColorPicker::OnPick, this, set);
+  refreshers_.push_back([picker, get] { picker->SetColor(get()); });
+  form->addRow(tr("Colour"), picker);
+}
+
+void TAxisEditor::AddFont(QFormLayout* form, const QString& name, std::function<QFont()> get,
+                          std::function<void(const QFont&)> set) {
+  auto* picker = new TFontPicker;
+  picker->setObjectName(name);
+  connect(picker, &TFontPicker::OnPick, this, set);
+  refreshers_.push_back([picker, get] { picker->SetFont(get()); });
+  form->addRow(tr("Font"), picker);
+}
+
+QLineEdit* TAxisEditor::Text(const QString& name, std::function<QString()> get,
+                             std::function<void(const QString&)> set) {
+  auto* edit = new QLineEdit;
+  edit->setObjectName(name);
+  connect(edit, &QLineEdit::textEdited, this, set);
+  refreshers_.push_back([edit, get] {
+    if (edit->text() != get()) edit->setText(get());
+  });
+  return edit;
+}
+
+QWidget* TAxisEditor::Bound(const QString& name, std::function<double()> get,
+                            std::function<void(double)> set, std::function<bool()> isAuto,
+                            std::function<void(bool)> setAuto) {
+  auto* row = new QWidget;
+  auto* layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* edit = new QLineEdit;
+  edit->setObjectName(name);
+  auto* automatic = new QCheckBox(tr("Automatic"));
+  automatic->setObjectName(QStringLiteral("Auto") + name);
+  layout->addWidget(edit, 1);
+  layout->addWidget(automatic);
+
+  connect(edit, &QLineEdit::editingFinished, this, [this, edit, get, set] {
+    const std::optional<double> value = BoundValue(edit->text());
+    // What is shown is rounded: leaving it as it is must not change the bound.
+    if (value && edit->text() != BoundText(axis_, get())) set(*value);
+    Refresh();
+  });
+  connect(automatic, &QCheckBox::toggled, this, [this, setAuto](bool on) {
+    if (refreshing_) return;
+    setAuto(on);
+    Refresh();
+  });
+  refreshers_.push_back([this, edit, automatic, get, isAuto] {
+    edit->setText(BoundText(axis_, get()));
+    edit->setEnabled(!isAuto());
+    automatic->setChecked(isAuto());
+  });
+  return row;
+}

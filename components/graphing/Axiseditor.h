@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <vector>
+
+#include "components/graphing/Axis.h"
+
+class QFormLayout;
+class QLineEdit;
+
+/// Edits every published property of an axis. Each change shows in the graph at once; Apply makes
+/// the present state the one that Cancel restores. GUI thread only.
+class TAxisEditor : public QDialog {
+  Q_OBJECT
+
+ public:
+  /// The axis is not owned and outlives the dialog.
+  explicit TAxisEditor(TAxis& axis, QWidget* parent = nullptr);
+  ~TAxisEditor() override;
+
+  void Apply();
+  void reject() override;
+
+ private:
+  QWidget* RangeGroup();
+  QWidget* TickGroup(const QString& title, TTick& tick);
+  QWidget* LabelGroup();
+  QWidget* FormatGroup();
+  QWidget* TitleGroup();
+
+  // Each adds a row that shows a property and sets it; `get` also feeds Refresh.
+  template <typename T>
+  void AddChoice(QFormLayout* form, const QString& name, const QString& caption,
+                 const QStringList& choices, std::function<T()> get, std::function<void(T)> set);
+  void AddNumber(QFormLayout* form, const QString& name, const QString& caption, int from, int to,
+                 std::function<int()> get, std::function<void(int)> set);
+  void AddColor(QFormLayout* form, const QString& name, bool noneAllowed,
+                std::function<TColor()> get, std::function<void(TColor)> set);
+  void AddFont(QFormLayout* form, const QString& name, std::function<QFont()> get,
+               std::function<void(const QFont&)> set);
+  QWidget* Bound(const QString& name, std::function<double()> get, std::function<void(double)> set,
+                 std::function<bool()> isAuto, std::function<void(bool)> setAuto);
+  QLineEdit* Text(const QString& name, std::function<QString()> get,
+                  std::function<void(const QString&)> set);
+
+  /// Shows the axis as it is: a setter may have refused, swapped or rounded what was entered.
+  void Refresh();
+
+  TAxis& axis_;
+  TAxis before_;  ///< what Cancel restores
+  std::vector<std::function<void()>> refreshers_;
+  bool refreshing_ = false;
+};
