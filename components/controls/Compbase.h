@@ -1,8 +1,16 @@
 #pragma once
 
+#include <QRect>
 #include <QSize>
 #include <QString>
 #include <QWidget>
+
+/// Places of picture and caption in an icon control, in its own coordinates.
+struct TIconLayout {
+  QRect icon;     ///< null if there is none
+  QRect caption;  ///< null if there is none
+  QSize size;     ///< of the whole
+};
 
 /// Base of the components: a widget that shows a small picture and a caption. A component without a
 /// face of its own is seen while its form is designed and hidden at run time; one with a face is
@@ -57,8 +65,10 @@ class TIconControl : public QWidget {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
-  void ContentChanged();
+  bool MayBeSeen() const;
   void UpdateVisibility();
+  TIconLayout Layout() const;
+  void ContentChanged();
 
   QString caption_;
   TCaptionPos captionPos_ = cpRight;
@@ -67,13 +77,6 @@ class TIconControl : public QWidget {
   bool face_ = false;
   QString iconImage_;
   QSize imageSize_{24, 24};
-};
-
-/// Places of picture and caption in an icon control, in its own coordinates.
-struct TIconLayout {
-  QRect icon;     ///< null if there is none
-  QRect caption;  ///< null if there is none
-  QSize size;     ///< of the whole
 };
 
 /// Puts a caption of size `text` beside a picture of size `image`, centred on each other across

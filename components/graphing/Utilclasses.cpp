@@ -1,9 +1,9 @@
 #include "components/graphing/Utilclasses.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
-#include <string>
 
 #include "components/graphing/Datetimeformat.h"
 #include "components/graphing/Formatsettings.h"
@@ -25,45 +25,49 @@ class TDecimal {
     const auto end = std::to_chars(text, text + sizeof text, std::abs(value),
                                    std::chars_format::scientific, kDigits - 1);
     const char* mark = std::find(text, end.ptr, 'e');
-    digits_.assign(text, static_cast<std::size_t>(mark - text)).erase(1, 1);
+    digits_[0] = text[0];
+    std::copy_n(text + 2, kDigits - 1, digits_.begin() + 1);
+    length_ = kDigits;
     std::from_chars(mark + (mark[1] == '+' ? 2 : 1), end.ptr, exponent_);
   }
 
-  bool IsZero() const { return digits_.empty(); }
   bool IsNegative() const { return negative_; }
   int Exponent() const { return exponent_; }
   /// Digits that are left.
-  int Length() const { return static_cast<int>(digits_.size()); }
+  int Length() const { return length_; }
   char DigitOf(int power) const {
     const int index = exponent_ - power;
-    return index >= 0 && index < Length() ? digits_[static_cast<std::size_t>(index)] : '0';
+    return index >= 0 && index < length_ ? At(index) : '0';
   }
 
   /// Keeps the first `length` digits, halves away from zero, and no zeros at the end.
-  TDecimal& Round(int length) {
-    if (length < Length()) {
-      const bool up = length >= 0 && digits_[static_cast<std::size_t>(length)] >= '5';
-      digits_.resize(static_cast<std::size_t>(std::max(length, 0)));
+  void Round(int length) {
+    if (length < length_) {
+      const bool up = length >= 0 && At(length) >= '5';
+      length_ = std::max(length, 0);
       if (up) Increment();
     }
-    digits_.erase(digits_.find_last_not_of('0') + 1);
-    if (IsZero()) *this = TDecimal(0.0);
-    return *this;
+    while (length_ > 0 && At(length_ - 1) == '0') --length_;
+    if (length_ == 0) *this = TDecimal(0.0);
   }
 
  private:
+  char At(int index) const { return digits_[static_cast<std::size_t>(index)]; }
+
   void Increment() {
-    while (!digits_.empty() && digits_.back() == '9') digits_.pop_back();
-    if (digits_.empty()) {
-      digits_ = "1";
-      ++exponent_;
-    } else {
-      ++digits_.back();
+    while (length_ > 0 && At(length_ - 1) == '9') --length_;
+    if (length_ > 0) {
+      ++digits_[static_cast<std::size_t>(length_ - 1)];
+      return;
     }
+    digits_[0] = '1';
+    length_ = 1;
+    ++exponent_;
   }
 
   bool negative_;
-  std::string digits_;
+  std::array<char, kDigits> digits_;
+  int length_ = 0;
   int exponent_ = 0;
 };
 

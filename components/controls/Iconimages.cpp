@@ -1,0 +1,209 @@
+#include "components/controls/Iconimages.h"
+
+#include <QHash>
+#include <QPainter>
+#include <QPainterPath>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr double kSize = 24.0;  ///< side of the square that pictures are drawn in
+
+const QColor kInk(38, 50, 72);
+const QColor kPaper(250, 251, 253);
+const QColor kBlue(32, 96, 200);
+const QColor kAmber(226, 150, 30);
+
+QPen Ink(double width, const QColor& color = kInk) {
+  return {color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
+}
+
+void DrawTile(QPainter& painter, const QColor& fill = kPaper) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(fill);
+  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 4.0, 4.0);
+  painter.setBrush(Qt::NoBrush);
+}
+
+/// One period of a sine from `left` to `right` about the height `middle`.
+void DrawWave(QPainter& painter, double left, double right, double middle, double amplitude) {
+  constexpr int kSteps = 24;
+  QPainterPath path;
+  for (int step = 0; step <= kSteps; ++step) {
+    const double part = static_cast<double>(step) / kSteps;
+    const QPointF point(left + part * (right - left),
+                        middle - amplitude * std::sin(2.0 * std::numbers::pi * part));
+    if (step == 0)
+      path.moveTo(point);
+    else
+      path.lineTo(point);
+  }
+  painter.drawPath(path);
+}
+
+void DrawBars(QPainter& painter) {
+  constexpr std::array<double, 5> kHeights = {4.0, 9.0, 14.0, 11.0, 6.0};
+  painter.setPen(Ink(0.8));
+  painter.setBrush(kBlue);
+  double left = 4.0;
+  for (const double height : kHeights) {
+    painter.drawRect(QRectF(left, 20.0 - height, 3.2, height));
+    left += 3.2;
+  }
+  painter.setBrush(Qt::NoBrush);
+}
+
+void DrawChannel(QPainter& painter) {
+  DrawTile(painter);
+  painter.setPen(Ink(2.0, kBlue));
+  DrawWave(painter, 4.0, 20.0, 12.0, 6.0);
+}
+
+void DrawDataChannel(QPainter& painter) {
+  DrawTile(painter);
+  painter.setPen(Ink(1.8, kBlue));
+  DrawWave(painter, 4.0, 20.0, 9.0, 4.0);
+  painter.setPen(Ink(1.2));
+  for (const double row : {15.5, 18.5}) painter.drawLine(QPointF(5.0, row), QPointF(19.0, row));
+}
+
+void DrawVariable(QPainter& painter) {
+  DrawTile(painter);
+  painter.setPen(Ink(2.4, kBlue));
+  painter.drawLine(QPointF(7.5, 7.5), QPointF(16.5, 16.5));
+  painter.drawLine(QPointF(16.5, 7.5), QPointF(7.5, 16.5));
+}
+
+void DrawMacro(QPainter& painter) {
+  DrawTile(painter);
+  painter.setPen(Ink(2.0, kBlue));  // a sum sign
+  painter.drawPolyline(QPolygonF({{16.5, 8.0},
+                                  {16.5, 6.0},
+                                  {7.5, 6.0},
+                                  {13.0, 12.0},
+                                  {7.5, 18.0},
+                                  {16.5, 18.0},
+                                  {16.5, 16.0}}));
+}
+
+void DrawHistogram(QPainter& painter) {
+  DrawTile(painter);
+  DrawBars(painter);
+}
+
+void DrawOccurrenceHistogram(QPainter& painter) {
+  DrawHistogram(painter);
+  QPainterPath bell(QPointF(4.0, 17.0));
+  bell.cubicTo(QPointF(9.0, 17.0), QPointF(9.0, 4.0), QPointF(12.0, 4.0));
+  bell.cubicTo(QPointF(15.0, 4.0), QPointF(15.0, 17.0), QPointF(20.0, 17.0));
+  painter.setPen(Ink(1.6, kAmber));
+  painter.drawPath(bell);
+}
+
+void DrawSimulator(QPainter& painter) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(kPaper);
+  painter.drawEllipse(QRectF(1.5, 1.5, 21.0, 21.0));
+  painter.setPen(Ink(2.0, kBlue));
+  painter.setBrush(Qt::NoBrush);
+  DrawWave(painter, 5.0, 19.0, 12.0, 5.0);
+}
+
+void DrawPage(QPainter& painter) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(kPaper);
+  painter.drawPolygon(QPolygonF({{4.0, 1.5}, {14.0, 1.5}, {20.0, 7.5}, {20.0, 22.5}, {4.0, 22.5}}));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawPolyline(QPolygonF({{14.0, 1.5}, {14.0, 7.5}, {20.0, 7.5}}));
+}
+
+void DrawFileReader(QPainter& painter) {
+  DrawPage(painter);
+  painter.setPen(Ink(1.8, kBlue));
+  DrawWave(painter, 6.5, 17.5, 14.5, 4.0);
+}
+
+void DrawTextConverter(QPainter& painter) {
+  DrawPage(painter);
+  painter.setPen(Ink(1.4, kBlue));
+  for (const double row : {10.5, 13.5, 16.5}) {
+    painter.drawLine(QPointF(7.0, row), QPointF(17.0, row));
+  }
+}
+
+/// The way out for a name nobody registered: a tile in a colour of its own with the first letter.
+void DrawInitial(QPainter& painter, const QString& name) {
+  const int hue = static_cast<int>(qHash(name, 1) % 360);
+  DrawTile(painter, QColor::fromHsv(hue, 60, 245));
+  const bool typeName = name.size() > 1 && name[0] == 'T' && name[1].isUpper();
+  QFont font = painter.font();
+  font.setPixelSize(14);
+  font.setBold(true);
+  painter.setFont(font);
+  painter.setPen(kInk);
+  painter.drawText(QRectF(0.0, 0.0, kSize, kSize), Qt::AlignCenter, name.mid(typeName ? 1 : 0, 1));
+}
+
+void DrawLamp(QPainter& painter, const QColor& color) {
+  painter.setPen(QPen(kPaper, 1.2));
+  painter.setBrush(color);
+  painter.drawEllipse(QPointF(18.5, 18.5), 4.5, 4.5);
+}
+
+QHash<QString, TIconPainter>& Images() {
+  static QHash<QString, TIconPainter> images = {
+      {"ChannelImage", DrawChannel},        {"DataChannelImage", DrawDataChannel},
+      {"VariableImage", DrawVariable},      {"MacroImage", DrawMacro},
+      {"THistogram", DrawHistogram},        {"TOccurrenceHistogram", DrawOccurrenceHistogram},
+      {"Simulator", DrawSimulator},         {"FileReader", DrawFileReader},
+      {"TextConverter", DrawTextConverter},
+  };
+  return images;
+}
+
+/// The state that a name ends in, as the rest of the name and the colour of its lamp.
+std::optional<std::pair<QString, QColor>> StateOf(const QString& name) {
+  const std::pair<QString, QColor> states[] = {
+      {"Active", QColor(40, 180, 70)}, {"Idle", QColor(150, 156, 166)}, {"Down", kAmber}};
+  for (const auto& [suffix, color] : states) {
+    if (name.size() > suffix.size() && name.endsWith(suffix)) {
+      return {{name.chopped(suffix.size()), color}};
+    }
+  }
+  return {};
+}
+
+void DrawNamed(QPainter& painter, const QString& name) {
+  if (const auto found = Images().constFind(name); found != Images().constEnd()) {
+    (*found)(painter);
+  } else if (const auto state = StateOf(name)) {
+    DrawNamed(painter, state->first);
+    DrawLamp(painter, state->second);
+  } else {
+    DrawInitial(painter, name);
+  }
+}
+
+}  // namespace
+
+void RegisterIconImage(const QString& name, TIconPainter draw) {
+  Images().insert(name, std::move(draw));
+}
+
+bool HasIconImage(const QString& name) { return Images().contains(name); }
+
+void DrawIconImage(QPainter& painter, const QRectF& box, const QString& name) {
+  const double side = std::min(box.width(), box.height());
+  if (name.isEmpty() || side <= 0.0) return;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.translate(box.center() - QPointF(side / 2.0, side / 2.0));
+  painter.scale(side / kSize, side / kSize);
+  DrawNamed(painter, name);
+  painter.restore();
+}
