@@ -1,0 +1,144 @@
+#include "components/links/Complist.h"
+
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <memory>
+
+namespace {
+
+/// A form with the labels a, b and c and the button x.
+class TKorvalCompListTest : public testing::Test {
+ protected:
+  TKorvalCompListTest() {
+    for (const char* name : {"a", "b", "c"}) (new QLabel(&form))->setObjectName(name);
+    (new QPushButton(&form))->setObjectName("x");
+  }
+  QWidget* At(const char* name) { return form.findChild<QWidget*>(name); }
+  QString Names() const { return list.GetNames().join(' '); }
+
+  QWidget form;
+  TKorvalCompList list{&form, &QLabel::staticMetaObject};
+};
+
+TEST_F(TKorvalCompListTest, HoldsEachComponentOfItsClassOnce) {
+  QSignalSpy changes(&list, &TKorvalCompList::OnChange);
+  EXPECT_TRUE(list.Add(At("a")));
+  EXPECT_TRUE(list.Insert(0, At("b")));
+  EXPECT_FALSE(list.Add(At("a")));
+  EXPECT_FALSE(list.Add(At("x")));
+  EXPECT_FALSE(list.Add(nullptr));
+  EXPECT_FALSE(list.Insert(3, At("c")));
+  EXPECT_EQ(Names(), "b a");
+  EXPECT_EQ(list.Get<QLabel>(1), At("a"));
+  EXPECT_FALSE(list.Delete(2));
+  EXPECT_TRUE(list.DeleteComponent(At("b")));
+  EXPECT_FALSE(list.DeleteComponent(At("b")));
+  EXPECT_EQ(Names(), "a");
+  EXPECT_EQ(changes.count(), 3);
+}
+
+TEST_F(TKorvalCompListTest, AsksBeforeEachChangeAndAcceptsAVeto) {
+  QStringList asked;
+  list.OnBeforeChange = [&](QObject* item, TListAction action, bool& allow) {
+    asked << (action == laAdded ? "+" : "-") + item->objectName();
+    allow = item->objectName() != "b";
+  };
+  QSignalSpy items(&list, &TKorvalCompList::OnItemChanged);
+  EXPECT_TRUE(list.Add(At("a")));
+  EXPECT_FALSE(list.Add(At("b")));
+  list.OnBeforeChange = [](QObject*, TListAction, bool& allow) { allow = false; };
+  EXPECT_FALSE(list.Delete(0));
+  list.Clear();
+  EXPECT_EQ(Names(), "a");
+  EXPECT_EQ(asked, (QStringList{"+a", "+b"}));
+  ASSERT_EQ(items.count(), 1);
+  EXPECT_EQ(items[0][1].value<QObject*>(), At("a"));
+}
+
+TEST_F(TKorvalCompListTest, ADestroyedComponentLeavesWithoutBeingAskedFor) {
+  for (const char* name : {"a", "b", "c"}) list.Add(At(name));
+  list.OnBeforeChange = [](QObject*, TListAction, bool&) { ADD_FAILURE() << "asked"; };
+  QStringList gone;
+  QObject::connect(&list, &TKorvalCompList::OnItemChanged,
+                   [&](QObject*, QObject* item, TListAction action) {
+                     EXPECT_EQ(action, laRemoved);
+                     EXPECT_EQ(qobject_cast<QLabel*>(item), nullptr);
+                     gone << item->objectName();
+                   });
+  delete At("b");
+  EXPECT_EQ(Names(), "a c");
+  EXPECT_EQ(gone, QStringList{"b"});
+}
+
+TEST_F(TKorvalCompListTest, SurvivesAHookThatDestroysTheComponentItIsAskedAbout) {
+  list.OnBeforeChange = [](QObject* item, TListAction, bool&) { delete item; };
+  EXPECT_FALSE(list.Add(At("a")));
+  EXPECT_EQ(list.Count(), 0);
+  list.OnBeforeChange = nullptr;
+  list.Add(At("b"));
+  list.OnBeforeChange = [](QObject* item, TListAction, bool&) { delete item; };
+  EXPECT_FALSE(list.Delete(0));
+  EXPECT_EQ(list.Count(), 0);
+}
+
+TEST_F(TKorvalCompListTest, ResolvesNamesInTheirPlacesAndKeepsUnknownOnes) {
+  list.setProperty("Components", QStringList{"later", "b", "x", "a"});
+  EXPECT_EQ(list.Count(), 0);
+  EXPECT_EQ(Names(), "later b x a") << "saved again before it is resolved, nothing is lost";
+  QSignalSpy changes(&list, &TKorvalCompList::OnChange);
+  list.GetComponentsByNames();
+  EXPECT_EQ(changes.count(), 1);
+  EXPECT_EQ(list.Count(), 2) << "x is a button";
+  EXPECT_EQ(list.Get(0), At("b"));
+  EXPECT_EQ(list.Get(1), At("a"));
+  EXPECT_EQ(Names(), "later b x a");
+
+  (new QLabel(&form))->setObjectName("later");
+  list.GetComponentsByNames();
+  EXPECT_EQ(list.Get(0), At("later"));
+  EXPECT_EQ(Names(), "later b x a");
+}
+
+TEST_F(TKorvalCompListTest, ANameMeansTheComponentNearestToTheOwner) {
+  QWidget other(nullptr);
+  auto* twin = new QWidget(&other);
+  form.setParent(&other);
+  (new QLabel(twin))->setObjectName("a");
+  (new QLabel(&other))->setObjectName("outside");
+  list.SetNames({"a", "outside"});
+  list.GetComponentsByNames();
+  EXPECT_EQ(list.Get(0), At("a"));
+  EXPECT_EQ(list.Count(), 2);
+  form.setParent(nullptr);
+}
+
+TEST_F(TKorvalCompListTest, AssignMakesTheOtherListHoldTheSameInTheSameOrder) {
+  for (const char* name : {"c", "a"}) list.Add(At(name));
+  TKorvalCompList other(&form, &QLabel::staticMetaObject);
+  for (const char* name : {"a", "b"}) other.Add(At(name));
+  int asked = 0;
+  other.OnBeforeChange = [&asked](QObject*, TListAction, bool&) { ++asked; };
+  QSignalSpy changes(&other, &TKorvalCompList::OnChange);
+  other.Assign(&list);
+  EXPECT_EQ(other.GetNames().join(' '), "c a");
+  EXPECT_TRUE(other.SameAs(&list));
+  EXPECT_EQ(asked, 2) << "what stays is not taken out and put back";
+  other.Assign(&list);
+  EXPECT_EQ(changes.count(), 1);
+
+  TKorvalCompList buttons(&form, &QPushButton::staticMetaObject);
+  buttons.Assign(&list);
+  EXPECT_EQ(buttons.Count(), 0);
+}
+
+TEST_F(TKorvalCompListTest, ANewBaseClassSendsTheOthersAway) {
+  list.SetBaseClass(&QWidget::staticMetaObject);
+  for (const char* name : {"a", "x"}) EXPECT_TRUE(list.Add(At(name)));
+  list.SetBaseClass(&QLabel::staticMetaObject);
+  EXPECT_EQ(Names(), "a");
+}
+
+}  // namespace

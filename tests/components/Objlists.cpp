@@ -1,0 +1,416 @@
+#include "components/links/Objlists.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <cmath>
+#include <limits>
+#include <set>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+const double kNan = std::nan("");
+
+std::vector<double> Column(const TDataList& list, int column) {
+  std::vector<double> values;
+  for (int row = 0; row < list.Count(); ++row) values.push_back(list.GetValues(row, column));
+  return values;
+}
+
+std::vector<double> Numbers(int first, int last) {
+  std::vector<double> numbers;
+  for (int number = first; number <= last; ++number) numbers.push_back(number);
+  return numbers;
+}
+
+void Fill(TDataList& list, std::initializer_list<double> values) {
+  for (const double value : values) list.AddRow()[0] = value;
+}
+
+TEST(TDataList, NamesItsColumns) {
+  EXPECT_EQ(TDataList(3).ColNames, (QStringList{"Col1", "Col2", "Col3"}));
+  EXPECT_EQ(TFloatList().ColNames, (QStringList{"Time", "Values"}));
+}
+
+TEST(TDataList, PushedRowsAreNewUntilItIsFullAndThenTheOldestOnes) {
+  TFloatList list;
+  for (int value = 1; value <= 100; ++value) list.PushBack(value);
+  std::set<const double*> places;
+  for (int row = 0; row < list.Count(); ++row) places.insert(list.Row(row));
+  ASSERT_EQ(places.size(), 100u);
+
+  for (int value = 101; value <= 150; ++value) {
+    list.PushBack(value);
+    EXPECT_TRUE(places.contains(list.Row(99))) << "a row was allocated for " << value;
+  }
+  EXPECT_EQ(Column(list, 1), Numbers(51, 150));
+}
+
+TEST(TDataList, PushRowIsTheMirrorImage) {
+  TFloatList list;
+  list.SetMaxCount(4);
+  for (int value = 1; value <= 10; ++value) list.Push(value);
+  EXPECT_THAT(Column(list, 1), ElementsAre(10, 9, 8, 7));
+  list.PushBack(1);
+  EXPECT_THAT(Column(list, 1), ElementsAre(9, 8, 7, 1)) << "both ends of one ring";
+}
+
+TEST(TDataList, AReusedRowComesWithItsOldValues) {
+  TFloatList list;
+  list.SetMaxCount(2);
+  list.PushBack(1);
+  list.Row(0)[TFloatList::kTime] = 41.0;
+  list.PushBack(2);
+  list.PushBack(3);
+  EXPECT_EQ(list.GetValues(1, TFloatList::kTime), 41.0);
+}
+
+TEST(TDataList, WithoutAMaximumItGrowsTo65536RowsAndThenRecycles) {
+  TDataList list(1);
+  for (int value = 0; value < 65536; ++value) list.PushBackRow()[0] = value;
+  EXPECT_EQ(list.Count(), 65536);
+  list.PushBackRow()[0] = 65536.0;
+  EXPECT_EQ(list.Count(), 65536);
+  EXPECT_EQ(list.GetValues(0, 0), 1.0);
+  EXPECT_EQ(list.GetValues(65535, 0), 65536.0);
+  list.AddRow();
+  EXPECT_EQ(list.Count(), 65537) << "AddRow knows no limit";
+  list.PushBackRow()[0] = 7.0;
+  EXPECT_EQ(list.Count(), 65537);
+  EXPECT_EQ(list.GetValues(65536, 0), 7.0);
+  EXPECT_EQ(list.GetValues(0, 0), 2.0);
+}
+
+/// The ring against the simplest list there can be, whatever order the operations come in.
+TEST(TDataList, HoldsWhatAPlainListWouldHold) {
+  for (const int maximum : {0, 1, 2, 5, 17}) {
+    SCOPED_TRACE(maximum);
+    std::srand(5);
+    TDataList list(1);
+    list.SetMaxCount(maximum);
+    std::vector<double> plain;
+    for (int step = 0; step < 4000; ++step) {
+      const double value = step;
+      const auto count = static_cast<int>(plain.size());
+      const bool full = maximum > 0 && count >= maximum;
+      const int index = std::rand() % (count + 1);
+      switch (std::rand() % 6) {
+        case 0:
+          if (full) std::rotate(plain.begin(), plain.end() - 1, plain.end());
+          if (!full) plain.insert(plain.begin(), 0.0);
+          list.PushRow()[0] = plain.front() = value;
+          break;
+        case 1:
+        case 2:
+          if (full) std::rotate(plain.begin(), plain.begin() + 1, plain.end());
+          if (!full) plain.push_back(0.0);
+          list.PushBackRow()[0] = plain.back() = value;
+          break;
+        case 3:
+          if (count >= 40) break;
+          plain.insert(plain.begin() + index, value);
+          list.InsertRow(index)[0] = value;
+          break;
+        case 4:
+          list.Delete(index);
+          if (index < count) plain.erase(plain.begin() + index);
+          break;
+        default:
+          if (step % 50 != 0) break;
+          list.SetMaxCount(maximum);
+          if (maximum > 0 && count > maximum) plain.resize(static_cast<std::size_t>(maximum));
+      }
+      ASSERT_THAT(Column(list, 0), ElementsAreArray(plain)) << "after step " << step;
+    }
+  }
+}
+
+TEST(TDataList, SetMaxCountTakesRowsFromTheEndAndReportsOnce) {
+  TDataList list(1);
+  for (int value = 0; value < 25; ++value) list.AddRow()[0] = value;
+  QSignalSpy changes(&list, &TDataList::OnChange);
+  for (const int refused : {70000, 65537, -1}) {
+    list.SetMaxCount(refused);
+    EXPECT_EQ(list.GetMaxCount(), 0);
+    EXPECT_EQ(list.Count(), 25);
+  }
+  list.SetMaxCount(30);
+  EXPECT_EQ(changes.count(), 0) << "no row has gone";
+  EXPECT_EQ(list.Capacity(), 30);
+  list.SetMaxCount(10);
+  EXPECT_EQ(Column(list, 0), Numbers(0, 9));
+  EXPECT_EQ(changes.count(), 1);
+  list.SetMaxCount(0);
+  EXPECT_EQ(list.GetMaxCount(), 0);
+  EXPECT_EQ(list.Count(), 10);
+}
+
+TEST(TDataList, PutValuesBeyondTheEndAddsOneRow) {
+  TFloatList list;
+  list.SetMaxCount(0);
+  for (const double value : {1.0, 2.0, 3.0}) list.Add(value);
+  list.PutValues(500, 1, 8.0);
+  EXPECT_THAT(Column(list, 1), ElementsAre(1, 2, 3, 8));
+  list.PutValues(1, 1, 5.0);
+  for (const auto& [row, column] : {std::pair{-1, 1}, {0, 2}, {0, -1}, {9, 2}}) {
+    list.PutValues(row, column, 99.0);
+    EXPECT_EQ(list.GetValues(row, column), 0.0);
+  }
+  EXPECT_THAT(Column(list, 1), ElementsAre(1, 5, 3, 8));
+
+  list.SetMaxCount(4);
+  list.PutValues(4, 1, 9.0);
+  EXPECT_THAT(Column(list, 1), ElementsAre(5, 3, 8, 9)) << "a full list reuses its first row";
+}
+
+TEST(TDataList, ClearKeepsTheRoomThatWillBeNeeded) {
+  const struct {
+    int maximum, rows, capacity;
+  } cases[] = {{50, 20, 50}, {50, 70, 50}, {0, 20, 20}, {0, 300, 100}, {0, 0, 0}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.maximum << ", " << c.rows);
+    TDataList list(2);
+    list.SetMaxCount(c.maximum);
+    for (int row = 0; row < c.rows; ++row) list.AddRow();
+    QSignalSpy changes(&list, &TDataList::OnChange);
+    list.Clear();
+    EXPECT_EQ(list.Count(), 0);
+    EXPECT_EQ(list.Capacity(), c.capacity);
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_THAT(Column(list, 0), IsEmpty());
+  }
+}
+
+TEST(TDataList, ReportsWhatTakesRowsAwayAndNothingElse) {
+  TDataList list(1);
+  list.Compare = TDataList::CompareValues;
+  QSignalSpy changes(&list, &TDataList::OnChange);
+  Fill(list, {3, 1, 2});
+  list.PushBackRow();
+  list.PushRow();
+  list.PutValues(0, 0, 7.0);
+  list.SortBy(0);
+  list.Delete(-1);
+  list.Delete(5);
+  EXPECT_EQ(changes.count(), 0);
+  list.Delete(4);
+  EXPECT_EQ(changes.count(), 1);
+
+  list.BeginUpdate();
+  list.Delete(0);
+  list.SetMaxCount(1);
+  list.Clear();
+  EXPECT_EQ(changes.count(), 1) << "silent while it is being updated";
+  list.EndUpdate(false);
+  EXPECT_EQ(changes.count(), 1);
+  list.EndUpdate(true);
+  EXPECT_EQ(changes.count(), 2);
+}
+
+TEST(TDataList, SortsWholeRowsStablyByOneColumn) {
+  TDataList list(2);
+  list.SetMaxCount(6);
+  double order = 0.0;
+  for (const double value : {9.0, 9.0, 2.0, kNan, -1.0, 2.0, -kInf, 5.0}) {  // the first two go
+    double* row = list.PushBackRow();
+    row[0] = value;
+    row[1] = ++order;
+  }
+  list.SortBy(0);
+  EXPECT_THAT(Column(list, 1), ElementsAre(3, 4, 5, 6, 7, 8)) << "there is no order yet";
+  list.Compare = TDataList::CompareValues;
+  list.SortBy(2);
+  EXPECT_THAT(Column(list, 1), ElementsAre(3, 4, 5, 6, 7, 8)) << "there is no such column";
+  list.SortBy(0);
+  EXPECT_THAT(Column(list, 1), ElementsAre(7, 5, 3, 6, 8, 4));
+
+  list.Compare = [](const double* a, const double* b) {
+    EXPECT_EQ(TDataList::SortColumn(), 1);
+    return a[1] > b[1] ? -1 : 1;
+  };
+  list.SortBy(1);
+  EXPECT_THAT(Column(list, 1), ElementsAre(8, 7, 6, 5, 4, 3));
+  EXPECT_EQ(TDataList::SortColumn(), -1);
+}
+
+class TFussyList : public TDataList {
+ public:
+  TFussyList() : TDataList(2) {}
+  bool refuse = false;
+
+ protected:
+  bool CreateRow(double* row) override {
+    row[1] = 5.0;
+    return !refuse;
+  }
+};
+
+TEST(TDataList, AKindOfListMayFillOrRefuseNewRows) {
+  TFussyList list;
+  list.AddRow()[0] = 1.0;
+  EXPECT_EQ(list.GetValues(0, 1), 5.0);
+  list.refuse = true;
+  EXPECT_EQ(list.AddRow(), nullptr);
+  EXPECT_EQ(list.InsertRow(0), nullptr);
+  EXPECT_EQ(list.PushRow(), nullptr);
+  EXPECT_EQ(list.PushBackRow(), nullptr);
+  list.PutValues(3, 0, 4.0);
+  EXPECT_THAT(Column(list, 0), ElementsAre(1.0));
+  EXPECT_EQ(list.InsertRow(2), nullptr) << "behind the end";
+}
+
+TEST(TDataList, SavesAndLoadsEveryNumber) {
+  TFloatList list;
+  list.SetMaxCount(5);
+  for (const double value : {0.0, 0.1, 1.0 / 3.0, -1e300, 5e-324, kInf, kNan}) list.PushBack(value);
+  const QString text = list.property("DataValues").toString();
+
+  TFloatList copy;
+  copy.SetMaxCount(5);
+  copy.setProperty("DataValues", text);
+  EXPECT_TRUE(copy.SameAs(&list));
+  EXPECT_EQ(text, "0 0.3333333333333333\n0 -1e+300\n0 5e-324\n0 inf\n0 nan\n");
+  copy.SetDataValues("");
+  EXPECT_EQ(copy.Count(), 0);
+}
+
+TEST(TDataList, KeepsAllLoadedRowsUntilItsMaximumIsKnown) {
+  TFloatList saved;
+  saved.SetMaxCount(65536);
+  for (int row = 0; row < 5000; ++row) saved.PushBack(row);
+  TFloatList loaded;
+  ASSERT_TRUE(loaded.ReadProperties(saved.WriteProperties()));
+  loaded.SetMaxCount(65536);
+  EXPECT_TRUE(loaded.SameAs(&saved));
+}
+
+TEST(TDataList, RefusesADamagedTextAndKeepsItsRows) {
+  const struct {
+    const char *text, *error;
+  } cases[] = {
+      {"1 2\n3", "Row 2: 1 values instead of 2"},     {"1 2 3", "Row 1: 3 values instead of 2"},
+      {"1 2\n\n3 4", "Row 2: 0 values instead of 2"}, {"1 2\n3 4x", "Row 2: '4x' is not a number"},
+      {"1,5 2", "Row 1: '1,5' is not a number"},      {"\xff\xfe", "Row 1: '?\?' is not a number"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    TFloatList list;
+    list.Add(7.0);
+    QSignalSpy changes(&list, &TDataList::OnChange);
+    QString error;
+    EXPECT_FALSE(list.ReadProperties(QString::fromUtf8(c.text), &error));
+    EXPECT_EQ(error, c.error);
+    EXPECT_THAT(Column(list, 1), ElementsAre(7.0));
+    EXPECT_EQ(changes.count(), 0);
+  }
+}
+
+TEST(TDataList, AssignCopiesIntoListsOfAsManyColumns) {
+  TFloatList source;
+  source.SetMaxCount(3);
+  for (const double value : {1, 2, 3, 4}) source.PushBack(value);
+  TFloatList copy;
+  QSignalSpy changes(&copy, &TDataList::OnChange);
+  copy.Assign(&source);
+  copy.Assign(&source);
+  EXPECT_TRUE(copy.SameAs(&source));
+  EXPECT_EQ(changes.count(), 1);
+  copy.PushBack(5);
+  EXPECT_THAT(Column(copy, 1), ElementsAre(3, 4, 5));
+  EXPECT_FALSE(copy.SameAs(&source));
+
+  TDataList other(3);
+  other.Assign(&source);
+  EXPECT_EQ(other.Count(), 0);
+}
+
+TEST(TFloatList, FindsTheExtremesOfItsValues) {
+  const struct {
+    std::vector<double> values;
+    double min, max;
+  } cases[] = {{{}, 0.0, 0.0},
+               {{3, 7, 7, 1}, 1.0, 7.0},
+               {{-5, -2, -9}, -9.0, -2.0},
+               {{kNan, 4, kNan, 6}, 4.0, 6.0},
+               {{kNan}, 0.0, 0.0},
+               {{1, -kInf, kInf}, -kInf, kInf}};
+  for (const auto& c : cases) {
+    TFloatList list;
+    list.SetMaxCount(4);
+    for (const double dropped : {1e9, -1e9}) list.PushBack(dropped);
+    list.Clear();
+    for (const double value : c.values) list.PushBack(value);
+    for (int row = 0; row < list.Count(); ++row) list.Row(row)[TFloatList::kTime] = 1e6;
+    EXPECT_EQ(list.Max(), c.max);
+    EXPECT_EQ(list.Min(), c.min);
+  }
+}
+
+TEST(TFloatList, ExtremesFollowTheRingAroundItsEnd) {
+  TFloatList list;
+  list.SetMaxCount(3);
+  for (const double value : {9, 1, 5, 6, 7}) list.PushBack(value);
+  EXPECT_EQ(list.Min(), 5.0);
+  EXPECT_EQ(list.Max(), 7.0);
+}
+
+TEST(TFloatList, GivesAGraphItsRowNumbersAndValues) {
+  TFloatList list;
+  list.SetMaxCount(2);
+  for (const double value : {1, 2, 3}) list.PushBack(value);
+  int index = 0;
+  TCoordinate point, extent;
+  ASSERT_TRUE(list.ProvideGraphData(index, point, extent));
+  EXPECT_EQ(point, (TCoordinate{0.0, 2.0}));
+  ASSERT_TRUE(list.ProvideGraphData(index, point, extent));
+  EXPECT_EQ(point, (TCoordinate{1.0, 3.0}));
+  EXPECT_EQ(index, 2);
+  EXPECT_FALSE(list.ProvideGraphData(index, point, extent));
+  EXPECT_EQ(index, 2);
+  index = -1;
+  EXPECT_FALSE(list.ProvideGraphData(index, point, extent));
+}
+
+TEST(TArrayList, HasAsManyRowsAsItIsTold) {
+  TArrayList list(3);
+  QSignalSpy changes(&list, &TDataList::OnChange);
+  list.SetCount(4);
+  list.PutValues(1, 0, 10.0);
+  list.PutValues(1, 2, 12.0);
+  list.SetCount(65537);
+  list.SetCount(-1);
+  list.SetCount(4);
+  EXPECT_EQ(changes.count(), 1);
+  list.SetCount(2);
+  list.SetCount(3);
+  EXPECT_THAT(Column(list, 2), ElementsAre(0, 12, 0));
+  list.Zero(1);
+  EXPECT_THAT(Column(list, 2), ElementsAre(0, 0, 0));
+  EXPECT_THAT(Column(list, 0), ElementsAre(0, 10, 0));
+}
+
+TEST(TCoordinateList, KeepsTheLatestPoints) {
+  TCoordinateList list;
+  list.SetMaxCount(2);
+  for (const double x : {1, 2, 3}) list.PushBack({x, -x});
+  EXPECT_EQ(list.Get(0), (TCoordinate{2, -2}));
+  EXPECT_EQ(list.Get(1), (TCoordinate{3, -3}));
+  EXPECT_EQ(list.Get(2), (TCoordinate{0, 0}));
+}
+
+TEST(TPointList, BoundsReachFromTheSmallestToTheLargestCoordinates) {
+  TPointList line;
+  EXPECT_EQ(line.Bounds(), QRect());
+  line.Add({140, 50});
+  line.Add({100, 90});
+  line.Translate({-10, 5});
+  EXPECT_EQ(line.Bounds(), QRect(90, 55, 40, 40));
+}
+
+}  // namespace

@@ -1,0 +1,127 @@
+#include "components/links/Propclasses.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <memory>
+
+using testing::ElementsAre;
+
+namespace {
+
+struct TLog {
+  std::vector<std::string> lines;
+};
+
+/// A subscriber that writes down what it is told and then does what the test asks.
+class TSubscriber : public QObject {
+ public:
+  TSubscriber(std::string name, TLog& log) : name_(std::move(name)), log_(log) {}
+
+  std::function<void()> Then;
+  const QObject* Expected = nullptr;
+
+ protected:
+  void customEvent(QEvent* event) override {
+    if (event->type() != QEvent::Type(1524)) return;
+    const auto* message = static_cast<TObjectMessage*>(event);
+    EXPECT_EQ(message->Sender, Expected);
+    EXPECT_TRUE(message->Flag);
+    log_.lines.push_back(name_);
+    if (Then) Then();
+  }
+
+ private:
+  const std::string name_;
+  TLog& log_;
+};
+
+class TNotifyPersistentTest : public testing::Test {
+ protected:
+  TNotifyPersistentTest() {
+    for (TSubscriber* subscriber : {a.get(), b.get(), c.get()}) subscriber->Expected = sender.get();
+  }
+  TLog log;
+  std::unique_ptr<TNotifyPersistent> sender = std::make_unique<TNotifyPersistent>();
+  std::unique_ptr<TSubscriber> a = std::make_unique<TSubscriber>("a", log);
+  std::unique_ptr<TSubscriber> b = std::make_unique<TSubscriber>("b", log);
+  std::unique_ptr<TSubscriber> c = std::make_unique<TSubscriber>("c", log);
+};
+
+TEST_F(TNotifyPersistentTest, TellsEachSubscriberOnceInTheOrderOfSubscription) {
+  for (QObject* subscriber : {b.get(), a.get(), b.get(), c.get()}) {
+    sender->FreeNotification(subscriber);
+  }
+  sender->RemoveFreeNotification(a.get());
+  sender->RemoveFreeNotification(a.get());
+  sender.reset();
+  EXPECT_THAT(log.lines, ElementsAre("b", "c"));
+}
+
+TEST_F(TNotifyPersistentTest, ForgetsItsSubscribersOnceTheyAreTold) {
+  sender->FreeNotification(a.get());
+  sender->BeforeDestruction();
+  sender->BeforeDestruction();
+  sender.reset();
+  EXPECT_THAT(log.lines, ElementsAre("a"));
+}
+
+TEST_F(TNotifyPersistentTest, SurvivesSubscribersThatGoOrLeaveWhileOthersAreTold) {
+  for (QObject* subscriber : {a.get(), b.get(), c.get()}) sender->FreeNotification(subscriber);
+  a->Then = [this, dying = sender.get()] {
+    b.reset();
+    dying->RemoveFreeNotification(c.get());
+    dying->FreeNotification(a.get());
+  };
+  sender.reset();
+  EXPECT_THAT(log.lines, ElementsAre("a"));
+}
+
+TEST(TClick, RunsTheOperationAndNeverReadsAsClicked) {
+  TClick button;
+  QSignalSpy clicks(&button, &TClick::OnClick);
+  button.setProperty("Click", false);
+  EXPECT_EQ(clicks.count(), 0);
+  button.setProperty("Click", true);
+  button.setProperty("Click", true);
+  EXPECT_EQ(clicks.count(), 2);
+  EXPECT_FALSE(button.property("Click").toBool());
+}
+
+TEST(TSelectedCollItem, ShowsItsCaptionWhileThereIsNoCollection) {
+  TSelectedCollItem selector;
+  selector.Caption = "ChannelSource not defined!";
+  selector.SetItem("Strain");
+  EXPECT_EQ(selector.Text(), "ChannelSource not defined!");
+  EXPECT_EQ(selector.GetIndex(), -1);
+
+  selector.SetCollection([] { return QStringList{"Wind", "Strain"}; });
+  EXPECT_EQ(selector.Text(), "Strain") << "a name loaded before its collection is kept";
+  EXPECT_EQ(selector.GetIndex(), 1);
+  selector.Clear();
+  EXPECT_EQ(selector.GetItem(), "");
+  EXPECT_FALSE(selector.HasCollection());
+}
+
+TEST(TSelectedCollItem, TellsItemsOfOneNameApartByTheirIndex) {
+  QStringList names = {"Ch", "Ch", "Other"};
+  TSelectedCollItem selector;
+  selector.SetCollection([&names] { return names; });
+  QSignalSpy changes(&selector, &TSelectedCollItem::OnChange);
+  selector.SetIndex(1);
+  EXPECT_EQ(selector.GetIndex(), 1);
+  selector.SetIndex(1);
+  EXPECT_EQ(changes.count(), 1);
+  selector.SetIndex(0);
+  EXPECT_EQ(selector.GetIndex(), 0);
+  EXPECT_EQ(changes.count(), 2);
+
+  names = {"Other", "Ch"};
+  EXPECT_EQ(selector.GetIndex(), 1) << "the name is followed when the collection changes";
+  selector.SetIndex(7);
+  EXPECT_EQ(selector.GetItem(), "");
+  EXPECT_EQ(selector.GetIndex(), -1);
+}
+
+}  // namespace
