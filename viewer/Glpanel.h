@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QImage>
 #include <QOpenGLWidget>
 
 #include "viewer/Viewtransform.h"
 
 /// A panel with an OpenGL context of its own that keeps the view's rotation, zoom and pan, and lets
-/// the mouse change them: left drag turns, middle or Shift drag pans, right or Ctrl drag zooms.
+/// the mouse change them: left drag turns, middle or Shift drag pans, right or Ctrl drag and the
+/// wheel zoom. A drag adds to the zoom without any limit, so it can collapse or mirror the view.
 /// GUI thread only.
 class TGLPanel : public QOpenGLWidget {
   Q_OBJECT
@@ -46,7 +48,8 @@ class TGLPanel : public QOpenGLWidget {
   void SetPFDNumColorBits(int bits);
   void SetPFDNumDepthBits(int bits);
 
-  /// Whether a context exists.
+  /// Whether a context exists. It is made when the panel is first shown; if that fails, the text
+  /// "Open GL Context Create Failed" is shown once.
   bool HasContext() const { return isValid(); }
 
   /// The view; call Invalidate after a change.
@@ -61,7 +64,7 @@ class TGLPanel : public QOpenGLWidget {
   /// ZoomAndPan, then a repaint.
   void Invalidate();
 
-  /// The current picture, in device pixels.
+  /// The current picture, in device pixels; null without a context.
   QImage Picture();
   void CopyToClipboard();
 
@@ -70,7 +73,7 @@ class TGLPanel : public QOpenGLWidget {
   void OnInit(QObject* sender);
   /// In every paint, between the view's rotation and the swap; the context is current.
   void OnPaint(QObject* sender);
-  /// The mouse changed rotation, pan or zoom.
+  /// The mouse has changed rotation, pan or zoom.
   void OnViewChange(QObject* sender);
 
  protected:
@@ -80,13 +83,23 @@ class TGLPanel : public QOpenGLWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
+  void UpdateFormat();
+  void ReportMissingContext();
+  QSize PixelSize() const;  ///< in device pixels
+  void Turn(QPoint moved);
+  void Pan(QPoint moved);
+  void Zoom(QPoint moved);
+  void ChangeView();
+
   TPFDFlags pfdFlags_ = {f_PFD_DRAW_TO_WINDOW | f_PFD_SUPPORT_OPENGL | f_PFD_DOUBLEBUFFER};
   TPFDPixelTypes pfdPixelType_ = f_PFD_TYPE_RGBA;
   int pfdNumColorBits_ = 24;
   int pfdNumDepthBits_ = 24;
-  QPoint last_;  ///< mouse position of the previous move
+  QPoint last_;  ///< mouse position of the previous move, or of the press that began a drag
+  bool contextMissed_ = false;  ///< the user has been told that there is no context
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TGLPanel::TPFDFlags)
