@@ -16,7 +16,7 @@ class TDateTime {
   constexpr double Days() const { return days_; }
 
   /// Local time, to the nearest millisecond. An invalid QDateTime for a value that is not finite
-  /// or lies outside the years 1 to 9999.
+  /// or lies outside the years 1 to 9999; an invalid QDateTime gives a value that is not a number.
   QDateTime ToQDateTime() const;
 
   friend constexpr auto operator<=>(TDateTime, TDateTime) = default;
