@@ -29,12 +29,12 @@ constexpr double kGyration = 0.36 * kWidth;  ///< m, radius of gyration of a cro
 
 constexpr std::int32_t kChord = Rgb(226, 98, 52);
 constexpr std::int32_t kVertical = Rgb(236, 176, 84);
-constexpr std::int32_t kDiagonal = Rgb(118, 182, 226);
-constexpr std::int32_t kBracing = Rgb(96, 132, 160);
+constexpr std::int32_t kDiagonal = Rgb(148, 214, 255);
+constexpr std::int32_t kBracing = Rgb(128, 176, 212);
 constexpr std::int32_t kCrossBeam = Rgb(150, 156, 168);
-constexpr std::int32_t kRoad = Rgb(88, 94, 106);
-constexpr std::int32_t kUnderside = Rgb(66, 70, 80);
-constexpr std::int32_t kConcrete = Rgb(150, 146, 138);
+constexpr std::int32_t kRoad = Rgb(120, 128, 144);
+constexpr std::int32_t kUnderside = Rgb(92, 98, 110);
+constexpr std::int32_t kConcrete = Rgb(196, 190, 178);
 
 /// Where the nodes of a row start to count; the panel point is added.
 enum TRow { kBottomLeft = 100, kBottomRight = 200, kDeck = 300, kTopLeft = 600, kTopRight = 700 };

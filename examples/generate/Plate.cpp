@@ -8,14 +8,13 @@
 
 namespace {
 
-constexpr int kAlong = 24;   ///< fields of the mesh along the plate
-constexpr int kAcross = 12;  ///< and across it
-constexpr double kToMm = 1000.0;
+constexpr int kAlong = 20;   ///< fields of the mesh along the plate
+constexpr int kAcross = 10;  ///< and across it
 
-constexpr std::int32_t kTop = Rgb(96, 150, 205);
-constexpr std::int32_t kBottom = Rgb(214, 140, 72);
-constexpr std::int32_t kEdge = Rgb(225, 232, 240);
-constexpr std::int32_t kVice = Rgb(105, 110, 120);
+constexpr std::int32_t kTop = Rgb(150, 205, 255);
+constexpr std::int32_t kBottom = Rgb(255, 176, 96);
+constexpr std::int32_t kEdge = Rgb(255, 255, 255);
+constexpr std::int32_t kVice = Rgb(160, 166, 178);
 
 int PlateNode(int i, int j) { return 100 * (i + 1) + j + 1; }
 
@@ -38,13 +37,13 @@ struct TBeamIntegrals {
   double square, slope, curvature, mixed;
 };
 
-/// Plate and vice in mm: x along the plate, y up, z across, the origin amid the plate.
+/// Plate and vice in m: x along the plate, y up, z across, the origin amid the plate.
 TStructure PlateStructure(const TPlate& plate) {
   TStructure s;
-  s.NodeRadius = 1.6;
-  s.ElementRadius = 0.8;
-  const double length = plate.length * kToMm, width = plate.width * kToMm;
-  const double jaw = 22.0, depth = 40.0, overhang = 12.0;
+  s.NodeRadius = 0.0018;
+  s.ElementRadius = 0.001;
+  const double length = plate.length, width = plate.width;
+  const double jaw = 0.022, depth = 0.040, overhang = 0.012;
 
   // The jaws hold the plate from behind its first row of nodes.
   const double x0 = -0.5 * length, z0 = 0.5 * width + overhang;

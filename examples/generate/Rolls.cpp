@@ -21,6 +21,9 @@ constexpr double kFrameZ = 2.4;
 constexpr double kFrameEnd = 4.0;                           ///< the frame reaches from -x to x
 constexpr std::array kLevels = {0.0, 0.6, 1.9, 3.4, 4.85};  ///< floor and beams, y
 constexpr double kHeight = kLevels.back();
+/// Below the middle: the view is as deep as the distance from the origin to the farthest node, and
+/// corners that sway need some depth more.
+constexpr double kOriginHeight = 1.4;
 enum TLevel { kLowerFelt = 1, kLowerDryers, kUpperDryers, kUpperFelt };
 
 constexpr double kPaperSpeed = 22.0;  ///< m/s
@@ -41,8 +44,8 @@ constexpr double kDamping = 0.04;  ///< of critical, everywhere
 constexpr std::int32_t kUpperDryer = Rgb(206, 212, 220);
 constexpr std::int32_t kLowerDryer = Rgb(170, 186, 204);
 constexpr std::int32_t kFeltRoll = Rgb(232, 150, 62);
-constexpr std::int32_t kFrame = Rgb(64, 128, 120);
-constexpr std::int32_t kTie = Rgb(84, 104, 120);
+constexpr std::int32_t kFrame = Rgb(86, 176, 164);
+constexpr std::int32_t kTie = Rgb(120, 150, 172);
 constexpr std::int32_t kHousing = Rgb(240, 208, 70);
 constexpr std::int32_t kLooseHousing = Rgb(232, 48, 40);
 
@@ -125,7 +128,7 @@ void AddFrameNodes(TStructure& s, std::size_t side) {
 }
 
 void AddFrameElements(TStructure& s, std::size_t side) {
-  const double columnRadius = 0.09, beamRadius = 0.07;
+  const double columnRadius = 0.08, beamRadius = 0.06;
   for (std::size_t level = 1; level < kLevels.size(); ++level) {
     for (int column = -4; column < 4; ++column) {
       s.AddBar(FrameNode(side, level, column), FrameNode(side, level, column + 1), kFrame,
@@ -149,14 +152,14 @@ void AddTies(TStructure& s) {
 
 TStructure RollsStructure(const std::vector<TRoll>& rolls) {
   TStructure s;
-  s.NodeRadius = 0.06;
+  s.NodeRadius = 0.1;
   s.ElementRadius = 0.05;
   for (const TRoll& roll : rolls) AddRollNodes(s, roll);
   for (const std::size_t side : {0u, 1u}) AddFrameNodes(s, side);
   for (const TRoll& roll : rolls) AddRollElements(s, roll);
   for (const std::size_t side : {0u, 1u}) AddFrameElements(s, side);
   AddTies(s);
-  s.Move({0.0, -0.5 * kHeight, 0.0});
+  s.Move({0.0, -kOriginHeight, 0.0});
   return s;
 }
 
