@@ -1,5 +1,5 @@
 [Options]
-NodeRadius=0.1
+NodeRadius=0.09
 ElementRadius=0.05
 
 [Nodes]

@@ -31,7 +31,7 @@ TBeamShape TBeamShape::ClampedFree(int n) {
 TBeamShape TBeamShape::FreeFree(int n) {
   if (n < 2) {
     TBeamShape rigid(0.0, 0.0, 0.0);
-    (n == 0 ? rigid.offset_ : rigid.tilt_) = 1.0;
+    n == 0 ? rigid.offset_ = 1.0 : rigid.tilt_ = std::numbers::sqrt3;
     return rigid;
   }
   const double beta = FrequencyRoot(1.0, (n - 0.5) * pi);

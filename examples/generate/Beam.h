@@ -3,7 +3,8 @@
 #include <vector>
 
 /// Natural shape of a uniform Euler-Bernoulli beam over its length, xi from 0 to 1, and its
-/// derivatives with respect to xi. After Blevins, Formulas for Natural Frequency and Mode Shape,
+/// derivatives with respect to xi. The mean square is 1, and the shapes of one beam are orthogonal.
+/// After Blevins, Formulas for Natural Frequency and Mode Shape,
 /// table 8-1; Meirovitch, Fundamentals of Vibrations, chapter 8.
 class TBeamShape {
  public:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "examples/generate/Structure.h"
 
 /// A rectangular plate of even thickness, clamped along one edge, and its surroundings' material.
@@ -12,13 +14,27 @@ struct TPlate {
   double poisson = 0.3;      ///< Poisson's ratio
 };
 
-/// Natural frequency in Hz of the mode with shape `along` (1, 2, ...: cantilever beam) times
-/// `across` (0 even, 1 torsion, 2, ... bending: free beam).
+/// A natural mode: a sum of products of the shapes of a cantilever beam along the plate and of a
+/// free beam across it.
+class TPlateMode {
+ public:
+  TPlateMode(double frequency, std::vector<double> weights);
+
+  double Frequency() const { return frequency_; }  ///< Hz
+  /// Deflection at a place: `along` from 0 at the clamped edge to 1, `across` from 0 to 1.
+  /// Positive at the corner (1, 0).
+  double Value(double along, double across) const;
+
+ private:
+  double frequency_;
+  std::vector<double> weights_;
+};
+
+/// All modes that 6 x 6 such products give, the lowest first; the first dozen is accurate.
 ///
-/// Rayleigh's quotient with products of beam functions: G. B. Warburton, The vibration of
-/// rectangular plates, Proc. IMechE 168 (1954); strain energy of the plate as in A. W. Leissa,
-/// Vibration of Plates, NASA SP-160 (1969), chapter 1. An upper bound, within a few per cent.
-double PlateFrequency(const TPlate& plate, int along, int across);
+/// Method: D. Young, Vibration of rectangular plates by the Ritz method, J. Appl. Mech. 17 (1950);
+/// strain energy of the plate as in A. W. Leissa, Vibration of Plates, NASA SP-160 (1969).
+std::vector<TPlateMode> PlateModes(const TPlate& plate);
 
 /// A steel plate in a vice with its first six modes, real shapes.
 TExample MakePlate();

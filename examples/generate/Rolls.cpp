@@ -152,7 +152,7 @@ void AddTies(TStructure& s) {
 
 TStructure RollsStructure(const std::vector<TRoll>& rolls) {
   TStructure s;
-  s.NodeRadius = 0.1;
+  s.NodeRadius = 0.09;
   s.ElementRadius = 0.05;
   for (const TRoll& roll : rolls) AddRollNodes(s, roll);
   for (const std::size_t side : {0u, 1u}) AddFrameNodes(s, side);
