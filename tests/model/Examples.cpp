@@ -198,4 +198,56 @@ TEST(ExamplesDocument, WorkedExampleLoadsAsItSays) {
   EXPECT_EQ(data.All.Get(1)->FindNode(6)->Angles, TVertex{});
 }
 
+TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
+  const struct {
+    const char* file;  // the worked example's file that gets the fault
+    QByteArray text, instead;
+    const char* message;
+  } cases[] = {
+      {"mast.mod", "[Nodes]", "[Points]", "mast.mod: it holds no nodes"},
+      {"mast.mod", "2   1 6\n", "2   1 99\n",
+       "mast.mod, line 23: element 6 names node 99, which does not exist; the element was "
+       "dropped."},
+      {"mast.mod", "]\n6\n", "]\n7\n",
+       "mast.mod, line 24: the elements end after 6 of 7 records; the missing ones were dropped."},
+      {"mast.mod", "]\n6\n", "]\n5\n",
+       "mast.mod, line 23: there are more element records than the 5 announced; the rest was "
+       "dropped."},
+      {"mast.mod", " 9      0   1400   -300\n", "# drive side\n 9      0   1400   -300\n",
+       "mast.mod, line 14: text that is no number ends the nodes; the records behind it were "
+       "dropped, and 1 more fault followed."},
+      {"mast.mod", " 1   -600", " 5   -600",
+       "mast.dat: the model's nodes are not in ascending order of their numbers, so shapes may be "
+       "wrong"},
+      {"mast.dat", "0.35", "0,35",
+       "mast.dat, line 7: the record of node 6 is not complete; the records from there on were "
+       "dropped."},
+      {"mast.dat", "0.35", "nan",
+       "mast.dat, line 7: node 6 has a value that is infinite or no number; it was set to 0."},
+      {"mast.dat", " 6 ", "16 ",
+       "mast.dat, line 7: the model has no node 16; its record was dropped, and 1 more fault "
+       "followed."},
+      {"mast.dat", "[F = 9]\n 1 ", "[F = 9]\n 1 0 0 0\n 1 ",
+       "mast.dat, line 22: the record of node 9 is beyond the number of the model's nodes and was "
+       "dropped."},
+      {"mast.dat", "[", "(", "mast.dat: it holds no data sets."},
+  };
+  const QString document =
+      QString::fromStdString(Content(QStringLiteral(VELMORA_SOURCE_DIR "/docs/file-formats.md")));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.message);
+    EXPECT_TRUE(document.contains(c.message));
+    QByteArray modelText = Fence("model"), dataText = Fence("data");
+    QByteArray& faulty = c.file == std::string("mast.mod") ? modelText : dataText;
+    EXPECT_TRUE(faulty.contains(c.text));
+    faulty.replace(c.text, c.instead);
+
+    TModel model;
+    TMeasuredData data;
+    QString said = model.LoadFromMemory(modelText.toStdString()).Sentence("mast.mod");
+    said += data.LoadFromMemory(dataText.toStdString(), model).Sentence("mast.dat");
+    EXPECT_TRUE(said.contains(c.message)) << said.toStdString();
+  }
+}
+
 }  // namespace
