@@ -4,11 +4,14 @@
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QOpenGLContext>
+#include <QOpenGLWidget>
+#include <QPainter>
 #include <QScreen>
 #include <QWheelEvent>
 #include <cmath>
 
 #include "model/Message.h"
+#include "viewer/Glplatform.h"
 #include "viewer/Picture.h"
 
 namespace {
@@ -36,15 +39,48 @@ QSurfaceFormat FormatOf(TGLPanel::TPFDFlags flags, int colorBits, int depthBits)
 
 }  // namespace
 
-TGLPanel::TGLPanel(QWidget* parent) : QOpenGLWidget(parent) {
-  UpdateFormat();
+/// The part of the panel that OpenGL draws; the mouse goes through it to the panel.
+class TGLPanel::TSurface : public QOpenGLWidget {
+ public:
+  explicit TSurface(TGLPanel* panel) : QOpenGLWidget(panel), panel_(panel) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+  }
+
+ protected:
+  void initializeGL() override {
+    glEnable(GL_DEPTH_TEST);
+    emit panel_->OnInit(panel_);
+  }
+  void resizeGL(int, int) override { panel_->ScaleViewPort(); }
+  void paintGL() override { panel_->PaintPicture(); }
+
+ private:
+  TGLPanel* const panel_;
+};
+
+TGLPanel::TGLPanel(QWidget* parent) : QWidget(parent) {
   setMinimumSize(1, 1);
+  if (CreateGLContext()) UpdateFormat();
 }
 
 TGLPanel::~TGLPanel() = default;
 
+bool TGLPanel::CreateGLContext() {
+  // The surface makes its context itself when it is first shown.
+  if (PlatformHasOpenGl()) surface_ = new TSurface(this);
+  return surface_;
+}
+
+bool TGLPanel::HasContext() const { return surface_ && surface_->isValid(); }
+
+TSceneRenderer::TResolver TGLPanel::Resolver() const {
+  return
+      [context = surface_->context()](const char* name) { return context->getProcAddress(name); };
+}
+
 void TGLPanel::UpdateFormat() {
-  if (!isValid()) setFormat(FormatOf(pfdFlags_, pfdNumColorBits_, pfdNumDepthBits_));
+  if (!surface_ || HasContext()) return;
+  surface_->setFormat(FormatOf(pfdFlags_, pfdNumColorBits_, pfdNumDepthBits_));
 }
 
 void TGLPanel::SetPFDFlags(TPFDFlags flags) {
@@ -73,7 +109,7 @@ void TGLPanel::ScaleViewPort() {
 }
 
 void TGLPanel::ZoomAndPan() {
-  if (!isValid() || QOpenGLContext::currentContext() != context()) return;
+  if (!HasContext() || QOpenGLContext::currentContext() != surface_->context()) return;
   const QSize pixels = PixelSize();
   View.Apply(pixels.width(), pixels.height());
 }
@@ -81,13 +117,14 @@ void TGLPanel::ZoomAndPan() {
 void TGLPanel::Invalidate() {
   ZoomAndPan();
   update();
+  if (surface_) surface_->update();
 }
 
 QSize TGLPanel::PixelSize() const { return (QSizeF(size()) * devicePixelRatioF()).toSize(); }
 
 QImage TGLPanel::Picture() {
-  if (!isValid()) return {};
-  return grabFramebuffer().convertToFormat(QImage::Format_RGB32);
+  if (!HasContext()) return {};
+  return surface_->grabFramebuffer().convertToFormat(QImage::Format_RGB32);
 }
 
 void TGLPanel::CopyToClipboard() {
@@ -95,27 +132,29 @@ void TGLPanel::CopyToClipboard() {
   if (!picture.isNull()) QGuiApplication::clipboard()->setImage(picture);
 }
 
-void TGLPanel::initializeGL() {
-  glEnable(GL_DEPTH_TEST);
-  emit OnInit(this);
-}
-
-void TGLPanel::resizeGL(int, int) { ScaleViewPort(); }
-
-void TGLPanel::paintGL() {
+void TGLPanel::PaintPicture() {
   BeginPicture(View, PixelSize(), BackColor);
   emit OnPaint(this);
   EndPicture();
 }
 
+void TGLPanel::paintEvent(QPaintEvent*) {
+  if (!surface_) QPainter(this).fillRect(rect(), BackColor);
+}
+
+void TGLPanel::resizeEvent(QResizeEvent*) {
+  if (surface_) surface_->setGeometry(rect());
+}
+
 void TGLPanel::showEvent(QShowEvent* event) {
-  QOpenGLWidget::showEvent(event);
+  QWidget::showEvent(event);
   // A message box must not open while the window is on its way to the screen.
-  QMetaObject::invokeMethod(this, &TGLPanel::ReportMissingContext, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      this, [this] { ReportMissingContext(); }, Qt::QueuedConnection);
 }
 
 void TGLPanel::ReportMissingContext() {
-  if (isValid() || !isVisible() || contextMissed_) return;
+  if (HasContext() || !isVisible() || contextMissed_) return;
   contextMissed_ = true;
   ShowMessage(QStringLiteral("Open GL Context Create Failed"));
 }

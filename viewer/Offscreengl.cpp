@@ -1,14 +1,14 @@
 #include "viewer/Offscreengl.h"
 
-#include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
 
+#include "viewer/Glplatform.h"
+
 namespace {
 
 constexpr int kLargestSide = 16384;
-constexpr int kSamples = 4;
 
 class TWindowSystemContext : public TOffscreenContext {
  public:
@@ -25,7 +25,6 @@ class TWindowSystemContext : public TOffscreenContext {
     }
     QOpenGLFramebufferObjectFormat picture;
     picture.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
-    picture.setSamples(kSamples);
     picture_ = std::make_unique<QOpenGLFramebufferObject>(size, picture);
     const bool made = picture_->isValid() && picture_->bind();
     if (!made) error = QStringLiteral("OpenGL has no memory for a picture this large");
@@ -53,11 +52,6 @@ class TWindowSystemContext : public TOffscreenContext {
   std::unique_ptr<QOpenGLFramebufferObject> picture_;
 };
 
-bool HasDisplay() {
-  static const QStringList without = {"offscreen", "minimal", "vnc"};
-  return qGuiApp && !without.contains(QGuiApplication::platformName());
-}
-
 }  // namespace
 
 std::unique_ptr<TOffscreenContext> MakeWindowSystemContext(QSize size, QString& error) {
@@ -66,19 +60,19 @@ std::unique_ptr<TOffscreenContext> MakeWindowSystemContext(QSize size, QString& 
   return context;
 }
 
-bool TOffscreenGl::Create(QSize size) {
+bool TOffscreenGl::Create(QSize size, int smoothing) {
   context_.reset();
+  size_ = size;
+  // A picture so large that it can only just be drawn is sharp enough.
+  smoothing_ = qMax(size.width(), size.height()) * smoothing > kLargestSide ? 1 : smoothing;
   if (size.isEmpty() || size.width() > kLargestSide || size.height() > kLargestSide) {
     error_ = QStringLiteral("a picture of %1 x %2 pixels cannot be made")
                  .arg(size.width())
                  .arg(size.height());
     return false;
   }
-  if (HasDisplay()) {
-    context_ = MakeWindowSystemContext(size, error_);
-  } else {
-    context_ = MakeEglContext(size, error_);
-  }
+  context_ = PlatformHasOpenGl() ? MakeWindowSystemContext(DrawnSize(), error_)
+                                 : MakeEglContext(DrawnSize(), error_);
   return context_ != nullptr;
 }
 
@@ -87,7 +81,8 @@ QImage TOffscreenGl::Render(const std::function<void()>& draw) {
   draw();
   const QImage image = context_->Read().convertToFormat(QImage::Format_RGB32);
   context_->DoneCurrent();
-  return image;
+  if (smoothing_ == 1 || image.isNull()) return image;
+  return image.scaled(size_, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 #if !defined(Q_OS_UNIX) || defined(Q_OS_MACOS)

@@ -28,18 +28,25 @@ std::unique_ptr<TOffscreenContext> MakeEglContext(QSize size, QString& error);
 class TOffscreenGl {
  public:
   /// Makes the context and a picture of this size with depth. False, with Error() saying why, if
-  /// the machine has no OpenGL or cannot make a picture this large.
-  [[nodiscard]] bool Create(QSize size);
+  /// the machine has no OpenGL or cannot make a picture this large. `smoothing`: how many pixels
+  /// are drawn along each side of one of the picture's; 2 makes edges smooth.
+  [[nodiscard]] bool Create(QSize size, int smoothing = 1);
   const QString& Error() const { return error_; }
+
+  /// The picture as it is drawn: its size in pixels, and how many of them make one of the result.
+  QSize DrawnSize() const { return size_ * smoothing_; }
+  int Smoothing() const { return smoothing_; }
 
   /// Finds OpenGL's functions while the context is current, as in Render.
   TSceneRenderer::TResolver Resolver() const { return context_->Resolver(); }
 
-  /// Calls `draw` with the context current and returns what it drew; a null image if the context
-  /// was lost.
+  /// Calls `draw` with the context current and returns what it drew, in the size asked for; a null
+  /// image if the context was lost.
   QImage Render(const std::function<void()>& draw);
 
  private:
   std::unique_ptr<TOffscreenContext> context_;
+  QSize size_;
+  int smoothing_ = 1;
   QString error_;
 };

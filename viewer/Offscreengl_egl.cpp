@@ -60,28 +60,21 @@ bool TEglContext::Open() {
 }
 
 bool TEglContext::ChooseConfig(EGLConfig& config) const {
-  for (const EGLint samples : {4, 0}) {
-    const std::array<EGLint, 17> wanted = {EGL_SURFACE_TYPE,
-                                           EGL_PBUFFER_BIT,
-                                           EGL_RENDERABLE_TYPE,
-                                           EGL_OPENGL_BIT,
-                                           EGL_RED_SIZE,
-                                           8,
-                                           EGL_GREEN_SIZE,
-                                           8,
-                                           EGL_BLUE_SIZE,
-                                           8,
-                                           EGL_DEPTH_SIZE,
-                                           24,
-                                           EGL_SAMPLES,
-                                           samples,
-                                           EGL_SAMPLE_BUFFERS,
-                                           samples ? 1 : 0,
-                                           EGL_NONE};
-    EGLint count = 0;
-    if (eglChooseConfig(display_, wanted.data(), &config, 1, &count) && count > 0) return true;
-  }
-  return false;
+  const std::array<EGLint, 13> wanted = {EGL_SURFACE_TYPE,
+                                         EGL_PBUFFER_BIT,
+                                         EGL_RENDERABLE_TYPE,
+                                         EGL_OPENGL_BIT,
+                                         EGL_RED_SIZE,
+                                         8,
+                                         EGL_GREEN_SIZE,
+                                         8,
+                                         EGL_BLUE_SIZE,
+                                         8,
+                                         EGL_DEPTH_SIZE,
+                                         24,
+                                         EGL_NONE};
+  EGLint count = 0;
+  return eglChooseConfig(display_, wanted.data(), &config, 1, &count) && count > 0;
 }
 
 bool TEglContext::Create(QString& error) {

@@ -39,7 +39,7 @@ void main() {
     gl_Position.z = clamp(gl_Position.z, -1.0, 1.0);
   }
   gl_Position.xy *= shrink;
-  gl_PointSize = max(1.0, 2.0 * radius * abs(pixelsPerUnit));
+  gl_PointSize = 2.0 * radius * abs(pixelsPerUnit);
   toLight = (gl_LightSource[0].position.xyz - eye.xyz) / radius;
   gl_FrontColor = gl_Color;
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kFewestSides = 6;
 constexpr int kMostSides = 128;
-/// How far, in pixels, the rim's chords may lie inside the circle.
+/// How far, in pixels, the rim may lie from the circle, on either side.
 constexpr double kRimError = 0.125;
 /// Vertices of one call: few enough for 16-bit indices and the processor's cache.
 constexpr std::size_t kVerticesPerCall = 8192;
@@ -45,16 +45,19 @@ TStamp CubeStamp(const TPoint& toViewer) {
 TStamp SphereStamp(const TPoint& toViewer, int sides) {
   const TCylinderFrame frame({}, toViewer);
   const int rings = std::max(2, sides / 4);
+  // The rim covers as much as the circle: its corners lie outside as its chords lie inside.
+  const double angle = 2.0 * std::numbers::pi / sides;
+  const double widened = std::sqrt(angle / std::sin(angle));
   TStamp stamp;
   stamp.corners.push_back({frame.along, TNormal(frame.along)});
   for (int ring = 1; ring <= rings; ++ring) {
     const double polar = 0.5 * std::numbers::pi * ring / rings;
     for (int side = 0; side < sides; ++side) {
-      const double azimuth = 2.0 * std::numbers::pi * side / sides;
+      const double azimuth = angle * side;
       const TPoint p = frame.along * static_cast<float>(std::cos(polar)) +
                        frame.right * static_cast<float>(std::sin(polar) * std::cos(azimuth)) +
                        frame.up * static_cast<float>(std::sin(polar) * std::sin(azimuth));
-      stamp.corners.push_back({p, TNormal(p)});
+      stamp.corners.push_back({ring < rings ? p : p * static_cast<float>(widened), TNormal(p)});
     }
   }
   const auto corner = [sides](int ring, int side) {
@@ -72,8 +75,8 @@ TStamp SphereStamp(const TPoint& toViewer, int sides) {
 }
 
 int SphereSides(double pixelRadius) {
-  if (!(pixelRadius > kRimError)) return kFewestSides;
-  const double exact = std::numbers::pi / std::acos(1.0 - kRimError / pixelRadius);
+  if (!(pixelRadius > 2.0 * kRimError)) return kFewestSides;
+  const double exact = std::numbers::pi / std::acos(1.0 - 2.0 * kRimError / pixelRadius);
   if (!(exact < kMostSides)) return kMostSides;
   return std::max(kFewestSides, 2 * static_cast<int>(std::ceil(0.5 * exact)));
 }
