@@ -108,8 +108,8 @@ class TAligner {
   TNodeList& nodes_;
   const TNodeList& model_;
   const TNodeIndex& index_;
-  std::vector<TNode*> head_;
-  std::vector<TNode*> tail_;
+  TNodeList::TRecords head_;
+  TNodeList::TRecords tail_;
   std::size_t next_ = 0;  ///< front of the tail
   TPlaces places_;
 };
@@ -127,7 +127,7 @@ void AlignNodes(TNodeList& nodes, const TNodeList& model, const TNodeIndex& inde
   while (nodes.Count() > model.Count()) nodes.DeleteObject(nodes.Count() - 1);
 
   const auto before = [](const TNode* a, const TNode* b) { return CompareNodesID(a, b) < 0; };
-  std::vector<TNode*>& records = nodes.Records();
+  TNodeList::TRecords& records = nodes.Records();
   if (!std::is_sorted(records.begin(), records.end(), before)) {
     std::stable_sort(records.begin(), records.end(), before);
   }

@@ -227,7 +227,12 @@ void TModel::Clear() {
 }
 
 const TNodeIndex& TModel::Index() const {
-  if (index_.Count() != Nodes.Count()) index_.Build(Nodes);
+  if (index_.Count() != Nodes.Count()) {
+    std::vector<std::int32_t> ids;
+    ids.reserve(Nodes.Count());
+    for (const TNode* node : Nodes) ids.push_back(node->ID);
+    index_.Build(ids);
+  }
   return index_;
 }
 
@@ -240,7 +245,7 @@ void ReadSections(std::string_view text, QStringList& names) {
 void ReadSections(const QString& fileName, QStringList& names) {
   TLoadReport report;
   TFileText text;
-  if (ReadFile(fileName, text, report)) ReadSections(text.View(), names);
+  if (ReadFile(fileName, text, report)) ReadSections(View(text), names);
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #include "model/Datareader.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "model/Alignment.h"
 
@@ -49,7 +50,9 @@ double LargestAmplitude(const TNodeList& nodes) {
 }  // namespace
 
 bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& content) {
+  bool first = true;
   const bool goOn = ReadNodeRecords(reading, [&](TNodeRecord& record) {
+    if (std::exchange(first, false)) content.Nodes.Reserve(model.Nodes.Count());
     if (content.Nodes.Count() >= model.Nodes.Count()) {
       NoteExcess(reading, record);
       return;

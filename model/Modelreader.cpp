@@ -30,35 +30,63 @@ void ReadOptions(TReading& reading, TModelContent& content) {
   ReadRadius(reading, "ElementRadius=", content.ElementRadius);
 }
 
-/// Makes room for as many nodes as the section has lines; a lower bound of the record length
-/// keeps a section of empty lines from asking for more than the file is long.
-void ReserveNodes(const TTextScanner& scanner, TModelContent& content) {
+/// How many records follow: as many as the section has lines. A lower bound of a record's length
+/// keeps a section of empty lines from asking for more memory than it is long.
+std::size_t ExpectedRecords(const TTextScanner& scanner) {
   constexpr std::size_t kShortestRecord = 8;
   const std::string_view rest = scanner.Text().substr(scanner.Position());
   const std::string_view section = rest.substr(0, rest.find('['));
   const auto lines = static_cast<std::size_t>(std::count(section.begin(), section.end(), '\n'));
-  const std::size_t count = std::min(lines, section.size() / kShortestRecord + 1);
-  content.Nodes.Reserve(count);
-  content.Display.Reserve(count);
+  return std::min(lines, section.size() / kShortestRecord + 1);
 }
 
-void ReadNodes(TReading& reading, std::string_view header, TModelContent& content) {
+void NoteUnusable(TReading& reading, const TNodeRecord& record) {
+  reading.Report.AddAt(reading.Scanner, record.Position, [&] {
+    return QStringLiteral("node %1 has a value that is infinite or no number; the node was dropped")
+        .arg(record.ID);
+  });
+}
+
+/// What the normalisation needs of the coordinates, taken while they are read.
+class TExtent {
+ public:
+  void Add(const TVertex& p) {
+    low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y), std::min(low_.z, p.z)};
+    high_ = {std::max(high_.x, p.x), std::max(high_.y, p.y), std::max(high_.z, p.z)};
+    square_ = std::max(square_, p.x * p.x + p.y * p.y + p.z * p.z);
+  }
+  TVertex Centre() const { return (low_ + high_) / 2.0; }
+  /// Largest distance of a point from the origin.
+  double Reach() const { return std::sqrt(square_); }
+
+ private:
+  static constexpr double kFar = std::numeric_limits<double>::max();
+  TVertex low_ = {kFar, kFar, kFar};
+  TVertex high_ = {-kFar, -kFar, -kFar};
+  double square_ = 0.0;
+};
+
+void ReadNodes(TReading& reading, std::string_view header, TModelContent& content,
+               TExtent& extent) {
   if (!reading.Search(header)) return;
-  ReserveNodes(reading.Scanner, content);
+  const std::size_t expected = ExpectedRecords(reading.Scanner);
+  content.Nodes.Reserve(expected);
+  content.Display.Reserve(expected);
+  std::vector<std::int32_t> ids;
+  ids.reserve(expected);
   ReadNodeRecords(reading, [&](const TNodeRecord& record) {
     if (!record.IsUsable()) {
-      reading.Report.AddAt(reading.Scanner, record.Position, [&] {
-        return QStringLiteral(
-                   "node %1 has a value that is infinite or no number; the node was dropped")
-            .arg(record.ID);
-      });
+      NoteUnusable(reading, record);
       return;
     }
     const auto& v = record.Values;
     TNode* node = content.Nodes.Emplace(record.ID, v[0], v[1], v[2]);
     node->Angles = {v[3], v[4], v[5]};
     content.Display.Emplace(record.ID, TVertex{})->Link = node;
+    ids.push_back(record.ID);
+    extent.Add(node->Position);
   });
+  content.Index.Build(ids);
 }
 
 /// Reads the elements of one section.
@@ -228,21 +256,11 @@ void ReadElements(TReading& reading, std::string_view header, const TNodeList* n
 }
 
 /// Centres the nodes on the origin, sets Size and gives radii that are unset their defaults.
-void Normalise(TModelContent& content) {
-  content.Size = 0.0;
-  if (!content.Nodes.Empty()) {
-    TVertex low = content.Nodes.Get(0)->Position;
-    TVertex high = low;
-    for (const TNode* node : content.Nodes) {
-      const TVertex& p = node->Position;
-      low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
-      high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
-      // Before the centring: a model far from the origin is meant to get a large Size.
-      content.Size = std::max(content.Size, Length(p));
-    }
-    const TVertex centre = (low + high) / 2.0;
-    for (TNode* node : content.Nodes) node->Position -= centre;
-  }
+void Normalise(TModelContent& content, const TExtent& extent) {
+  const TVertex centre = extent.Centre();
+  for (TNode* node : content.Nodes) node->Position -= centre;
+  // Measured before the centring: a model far from the origin is meant to get a large Size.
+  content.Size = extent.Reach();
   if (!(content.NodeRadius > 0.0)) content.NodeRadius = 0.01 * content.Size;
   if (!(content.ElementRadius > 0.0)) content.ElementRadius = 0.5 * content.NodeRadius;
 }
@@ -253,11 +271,11 @@ bool ReadModel(std::string_view text, const TModelHeaders& headers, const TNodeL
                TModelContent& content, TLoadReport& report, const TLoadProgress& progress) {
   TReading reading(text, report, progress);
   ReadOptions(reading, content);
-  ReadNodes(reading, headers.Nodes, content);
-  content.Index.Build(content.Nodes);
+  TExtent extent;
+  ReadNodes(reading, headers.Nodes, content, extent);
   if (content.Nodes.Empty()) report.Add(0, QStringLiteral("it holds no nodes"));
   ReadElements(reading, headers.Elements, nodeList, content);
   if (report.Cancelled()) return false;
-  Normalise(content);
+  Normalise(content, extent);
   return true;
 }

@@ -2,36 +2,28 @@
 
 #include <algorithm>
 
-void TNodeIndex::Build(const TNodeList& nodes) {
+void TNodeIndex::Build(std::span<const std::int32_t> ids) {
   *this = {};
-  count_ = nodes.Count();
+  count_ = ids.size();
   if (count_ == 0) return;
-
-  std::int32_t smallest = nodes.Get(0)->ID;
-  std::int32_t largest = smallest;
-  std::int32_t previous = smallest;
-  for (const TNode* node : nodes) {
-    ascending_ &= previous <= node->ID;
-    previous = node->ID;
-    smallest = std::min(smallest, node->ID);
-    largest = std::max(largest, node->ID);
-  }
+  ascending_ = std::is_sorted(ids.begin(), ids.end());
 
   constexpr std::size_t kSparsest = 4;
-  const auto span = static_cast<std::size_t>(std::int64_t{largest} - smallest + 1);
+  const auto [smallest, largest] = std::minmax_element(ids.begin(), ids.end());
+  const auto span = static_cast<std::size_t>(std::int64_t{*largest} - *smallest + 1);
   if (span <= kSparsest * count_) {
-    first_ = smallest;
+    first_ = *smallest;
     table_.assign(span, -1);
     // Backwards, so that the first of several nodes with one ID stays.
     for (std::size_t i = count_; i-- > 0;) {
-      table_[static_cast<std::size_t>(std::int64_t{nodes.Get(i)->ID} - first_)] =
+      table_[static_cast<std::size_t>(std::int64_t{ids[i]} - first_)] =
           static_cast<std::int32_t>(i);
     }
     return;
   }
   sorted_.reserve(count_);
   for (std::size_t i = 0; i < count_; ++i) {
-    sorted_.emplace_back(nodes.Get(i)->ID, static_cast<std::int32_t>(i));
+    sorted_.emplace_back(ids[i], static_cast<std::int32_t>(i));
   }
   if (!ascending_) std::sort(sorted_.begin(), sorted_.end());
 }

@@ -2,16 +2,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <utility>
 #include <vector>
-
-#include "model/Records.h"
 
 /// Finds the nodes of a list by their ID: by a table where the IDs lie close together, else by
 /// halving. It knows the list as it was when it was built.
 class TNodeIndex {
  public:
-  void Build(const TNodeList& nodes);
+  /// From the IDs of all nodes in list order.
+  void Build(std::span<const std::int32_t> ids);
 
   /// Index of the first node with this ID, or -1.
   std::ptrdiff_t Find(std::int32_t id) const;

@@ -39,17 +39,19 @@ bool ReadFile(const QString& fileName, TFileText& text, TLoadReport& report,
   }
   constexpr qint64 kPiece = qint64{4} << 20;
   const qint64 size = file.size();
-  text.Bytes = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
+  text.resize(static_cast<std::size_t>(size));
   // A file that grows meanwhile is read as far as it reached at first; one that shrinks ends early.
   for (qint64 done = 0; done < size;) {
-    const qint64 got = file.read(text.Bytes.get() + done, std::min(kPiece, size - done));
+    const qint64 got = file.read(text.data() + done, std::min(kPiece, size - done));
     if (got < 0) {
       report.Fail(file.errorString());
       return false;
     }
-    if (got == 0) break;
+    if (got == 0) {
+      text.resize(static_cast<std::size_t>(done));
+      break;
+    }
     done += got;
-    text.Size = static_cast<std::size_t>(done);
     if (progress && !progress(static_cast<double>(done) / static_cast<double>(size))) {
       report.Cancel();
       return false;
@@ -66,7 +68,7 @@ TLoadReport ReadAndParse(
   try {
     TFileText text;
     if (!ReadFile(fileName, text, report, Part(progress, 0.0, kReadingShare))) return report;
-    return parse(text.View(), Part(progress, kReadingShare, 1.0));
+    return parse(View(text), Part(progress, kReadingShare, 1.0));
   } catch (const std::bad_alloc&) {
     report.Fail(QStringLiteral("not enough memory"));
   }

@@ -1,18 +1,16 @@
 #pragma once
 
 #include <QString>
-#include <memory>
 #include <string_view>
+#include <vector>
 
+#include "model/Largememory.h"
 #include "model/Loadreport.h"
 
 /// The bytes of a file in memory.
-struct TFileText {
-  std::unique_ptr<char[]> Bytes;
-  std::size_t Size = 0;
+using TFileText = std::vector<char, TLargeAllocator<char>>;
 
-  std::string_view View() const { return {Bytes.get(), Size}; }
-};
+inline std::string_view View(const TFileText& text) { return {text.data(), text.size()}; }
 
 /// Reads a regular file whole, in pieces, with the progress of the reading alone in [0, 1]. False
 /// if it was cancelled or could not be read, which the report then tells. Any thread.

@@ -25,7 +25,7 @@ class TReading {
   bool Search(std::string_view text);
 
  private:
-  const TLoadProgress& progress_;
+  TLoadProgress progress_;
   std::size_t done_ = 0;
   std::size_t told_ = 0;
 };

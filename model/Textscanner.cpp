@@ -3,6 +3,7 @@
 #include <fast_float/fast_float.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -19,6 +20,40 @@ constexpr int HexDigit(char c) {
   if (IsDigit(c)) return c - '0';
   const char lower = Lower(c);
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+/// Takes the digits from `first` on into `number`, which wraps around beyond 19 of them, and
+/// returns the position behind them.
+inline const char* TakeDigits(const char* first, const char* end, std::uint64_t& number) {
+  for (; first != end && IsDigit(*first); ++first) {
+    number = number * 10 + static_cast<std::uint64_t>(*first - '0');
+  }
+  return first;
+}
+
+/// Reads the usual form without sign and exponent, "12.345" with at most 15 digits, whose digits
+/// and power of ten are exact doubles, so that their quotient is rounded only once. Returns the
+/// position behind it, or null if the number has another form.
+inline const char* ReadShortDecimal(const char* first, const char* end, double& value) {
+  constexpr std::ptrdiff_t kMostDigits = 15;
+  static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                            1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  static_assert(FLT_EVAL_METHOD == 0 || FLT_EVAL_METHOD == 1, "doubles are rounded to double");
+  std::uint64_t digits = 0;
+  const char* behind = TakeDigits(first, end, digits);
+  std::ptrdiff_t count = behind - first;
+  std::ptrdiff_t fraction = 0;
+  if (behind != end && *behind == '.') {
+    const char* const point = behind;
+    behind = TakeDigits(point + 1, end, digits);
+    fraction = behind - point - 1;
+    count += fraction;
+  }
+  if (count == 0 || count > kMostDigits) return nullptr;
+  // An "e" without digits and the "x" of "0x" belong to the number for formatted input.
+  if (behind != end && (Lower(*behind) == 'e' || Lower(*behind) == 'x')) return nullptr;
+  value = static_cast<double>(digits) / kPowersOfTen[fraction];
+  return behind;
 }
 
 /// How much of `word` begins `text`, in any case.
@@ -116,22 +151,16 @@ bool TTextScanner::ReadReal(double& value) {
   const char* first = text_.data() + position_;
   const bool negative = first != end && *first == '-';
   if (first != end && IsSign(*first)) ++first;
-  if (first != end && (IsDigit(*first) || *first == '.')) {
-    double magnitude = 0.0;
-    const auto [behind, error] = fast_float::from_chars(first, end, magnitude);
-    // An "e" without digits and the "x" of "0x" belong to the number for formatted input.
-    const char next = behind == end ? '\0' : Lower(*behind);
-    if (error == std::errc() && next != 'e' && next != 'x') {
-      value = negative ? -magnitude : magnitude;
-      position_ = static_cast<std::size_t>(behind - text_.data());
-      return true;
-    }
-  }
-  return ReadRareReal(value);
+  double magnitude = 0.0;
+  const char* const behind = ReadShortDecimal(first, end, magnitude);
+  if (!behind) return ReadAnyReal(value);
+  value = negative ? -magnitude : magnitude;
+  position_ = static_cast<std::size_t>(behind - text_.data());
+  return true;
 }
 
-/// All forms, character by character: words, hexadecimal numbers, numbers cut short.
-bool TTextScanner::ReadRareReal(double& value) {
+/// All forms: words, hexadecimal numbers, numbers of any length, numbers cut short.
+bool TTextScanner::ReadAnyReal(double& value) {
   std::string_view rest = text_.substr(std::min(position_, text_.size()));
   const bool negative = !rest.empty() && rest[0] == '-';
   const std::size_t sign = !rest.empty() && IsSign(rest[0]) ? 1 : 0;

@@ -36,7 +36,7 @@ class TTextScanner {
   std::size_t LastLineFeed() const { return lastLineFeed_; }
 
  private:
-  bool ReadRareReal(double& value);
+  bool ReadAnyReal(double& value);
 
   std::string_view text_;
   std::size_t position_ = 0;

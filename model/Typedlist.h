@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "model/Largememory.h"
+
 /// Storage for the records of a TTypedList: each record by itself on the heap, so that records of
 /// derived classes can stand in one list.
 template <class T>
@@ -26,8 +28,8 @@ class TOneByOne {
 };
 
 /// Storage for many small records: they lie side by side in blocks that never move, so a pointer
-/// to a record holds as long as the record. Blocks grow with the list, up to kLargestBlock records.
-/// A freed place is used again.
+/// to a record holds as long as the record. Blocks grow with the list up to one large page. A freed
+/// place is used again.
 template <class T>
 class TInBlocks {
  public:
@@ -38,6 +40,9 @@ class TInBlocks {
     Swap(taken);
     return *this;
   }
+
+  /// Makes the next blocks fit for as many records more.
+  void Expect(std::size_t more) { expected_ = more; }
 
   template <class... Args>
   T* Make(Args&&... args) {
@@ -63,36 +68,43 @@ class TInBlocks {
   }
 
  private:
-  static constexpr std::size_t kSmallestBlock = 8;
-  static constexpr std::size_t kLargestBlock = 1024;
   union TPlace {
     TPlace* next;
     alignas(T) std::byte bytes[sizeof(T)];
   };
+  using TBlock = std::vector<TPlace, TLargeAllocator<TPlace>>;
+  static constexpr std::size_t kSmallestBlock = 8;
+  static constexpr std::size_t kLargestBlock = kLargePage / sizeof(TPlace);
 
   void AddBlock() {
-    const std::size_t room = std::clamp(2 * room_, kSmallestBlock, kLargestBlock);
-    blocks_.push_back(std::make_unique_for_overwrite<TPlace[]>(room));
+    const std::size_t room =
+        std::clamp(expected_ > 0 ? expected_ : 2 * room_, kSmallestBlock, kLargestBlock);
+    blocks_.emplace_back(room);
+    expected_ -= std::min(expected_, room);
     room_ = room;
     used_ = 0;
   }
   void Swap(TInBlocks& other) noexcept {
     std::swap(blocks_, other.blocks_);
     std::swap(free_, other.free_);
-    std::swap(room_, other.room_);
     std::swap(used_, other.used_);
+    std::swap(room_, other.room_);
+    std::swap(expected_, other.expected_);
   }
 
-  std::vector<std::unique_ptr<TPlace[]>> blocks_;
-  TPlace* free_ = nullptr;  ///< freed places, each holding the address of the next
-  std::size_t room_ = 0;    ///< places of the last block
-  std::size_t used_ = 0;    ///< places taken in the last block
+  std::vector<TBlock> blocks_;
+  TPlace* free_ = nullptr;    ///< freed places, each holding the address of the next
+  std::size_t used_ = 0;      ///< places taken in the last block
+  std::size_t room_ = 0;      ///< places of the last block
+  std::size_t expected_ = 0;  ///< records that are still expected
 };
 
 /// An ordered list that owns its records. A record keeps its address until it is deleted.
 template <class T, class Storage = TOneByOne<T>>
 class TTypedList {
  public:
+  using TRecords = std::vector<T*, TLargeAllocator<T*>>;
+
   TTypedList() = default;
   TTypedList(TTypedList&& other) noexcept
       : storage_(std::move(other.storage_)), records_(std::exchange(other.records_, {})) {}
@@ -145,16 +157,20 @@ class TTypedList {
   /// Frees every record, the first one first.
   void ClearObjects() {
     // Taken out first: a record that looks at its list while it is freed finds no freed neighbour.
-    const std::vector<T*> records = std::exchange(records_, {});
+    const TRecords records = std::exchange(records_, {});
     storage_.FreeAll(records);
   }
 
-  void Reserve(std::size_t count) { records_.reserve(count); }
+  /// Makes room for `more` records.
+  void Reserve(std::size_t more) {
+    records_.reserve(records_.size() + more);
+    if constexpr (requires { storage_.Expect(more); }) storage_.Expect(more);
+  }
   void Exchange(std::size_t a, std::size_t b) { std::swap(records_[a], records_[b]); }
 
   /// The records in list order, for reordering them.
-  std::vector<T*>& Records() { return records_; }
-  const std::vector<T*>& Records() const { return records_; }
+  TRecords& Records() { return records_; }
+  const TRecords& Records() const { return records_; }
 
   auto begin() const { return records_.begin(); }
   auto end() const { return records_.end(); }
@@ -170,5 +186,5 @@ class TTypedList {
   }
 
   Storage storage_;
-  std::vector<T*> records_;
+  TRecords records_;
 };
