@@ -6,79 +6,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "model/Color.h"
 #include "model/Loadreport.h"
+#include "model/Nodeindex.h"
+#include "model/Records.h"
 #include "model/Typedlist.h"
 #include "model/Vertex.h"
 
 class TModel;
-
-/// A numbered point: a model node, a node of a data set or a node of the display list.
-struct TNode {
-  TNode() = default;
-  TNode(std::int32_t id, const TVertex& position) : Position(position), ID(id) {}
-  TNode(std::int32_t id, double x, double y, double z) : Position{x, y, z}, ID(id) {}
-
-  TVertex Position;              ///< coordinates, amplitude or displacement of the current frame
-  std::int32_t ID = 0;           ///< number from the file; need not be unique
-  TVertex Angles;                ///< phase angles in radians along x, y and z
-  const TNode* Link = nullptr;   ///< model node with the same ID, or null; not owned
-};
-
-using TNodeList = TTypedList<TNode, TInBlocks<TNode>>;
-
-/// What joins some of a model's nodes: a bar, a roll, a face or a point.
-class TElement {
- public:
-  static constexpr std::uint8_t kBar = 1;
-  static constexpr std::uint8_t kRoll = 2;
-  static constexpr std::uint8_t kFace = 3;
-
-  /// Makes room for the node indices, all 0. A count below 1 becomes 2.
-  TElement(std::uint8_t type, std::int32_t nodeCount);
-
-  std::int32_t NodeCount() const { return nodeCount_; }
-  std::span<std::int32_t> Nodes() { return {Data(), static_cast<std::size_t>(nodeCount_)}; }
-  std::span<const std::int32_t> Nodes() const {
-    return {const_cast<TElement*>(this)->Data(), static_cast<std::size_t>(nodeCount_)};
-  }
-
-  std::uint8_t Type;                    ///< kBar, kRoll, kFace; any other is a point
-  std::int32_t ID = -1;                 ///< number from the file
-  TColor Color = TColor::Inherited();   ///< negative: the element colour of the list that draws
-  double Radius = 0.0;                  ///< 0: the element radius of the list that draws
-  double RollParam1 = 0.0;              ///< of a roll: radius of the shaft
-  double RollParam2 = 0.0;              ///< of a roll: shaft length, a fraction of the whole
-  const TNodeList* NodeList = nullptr;  ///< the list whose indices Nodes holds; not owned
-
- private:
-  static constexpr std::int32_t kInside = 4;
-  std::int32_t* Data() { return more_ ? more_.get() : inside_; }
-
-  std::int32_t nodeCount_;
-  std::int32_t inside_[kInside] = {};     ///< the indices of an element of up to four nodes
-  std::unique_ptr<std::int32_t[]> more_;  ///< the indices of a larger one
-};
-
-using TElementList = TTypedList<TElement, TInBlocks<TElement>>;
+struct TDataContent;
 
 enum class TNodeShape : std::uint8_t { Sphere = 0, Cube = 1 };
-
-/// Component-wise maximum over an element's nodes, each component perhaps from another node;
-/// (0, 0, 0) for an element without a node list.
-TVertex MaxNodeCoordinates(const TElement& element);
-
-/// Order of nodes by ascending ID: -1, 0 or 1. A null operand equals anything.
-int CompareNodesID(const TNode* a, const TNode* b);
-
-/// Order of elements by MaxNodeCoordinates: by z, then y, then x, ascending. A null operand equals
-/// anything.
-int CompareElements(const TElement* a, const TElement* b);
 
 /// Nodes with the attributes needed to draw them: the nodes of a model, its display list, or one
 /// measured data set.
@@ -88,8 +29,9 @@ class TDataNodeList : public TNodeList {
   /// as read and are linked to nothing.
   TDataNodeList(TModel* model, bool ownsNodes) : Model(model), OwnsNodes(ownsNodes) {}
 
-  /// Reads the records of Section and brings them into the order of the model's nodes. The list is
-  /// emptied first, but kept as it is if the file cannot be opened or the load is cancelled.
+  /// Reads the records of Section and brings them into the order of the model's nodes. A section
+  /// without records leaves the list empty. The list is kept as it is if the file cannot be opened
+  /// or the load is cancelled. The model is not Loaded meanwhile.
   [[nodiscard]] TLoadReport LoadFromFile(const QString& fileName,
                                          const TLoadProgress& progress = {});
   [[nodiscard]] TLoadReport LoadFromMemory(std::string_view text,
@@ -105,25 +47,27 @@ class TDataNodeList : public TNodeList {
   /// for the nodes of a model.
   std::ptrdiff_t IndexOf(std::int32_t id) const;
 
-  TModel* const Model;                       ///< not owned
-  QString Section;                           ///< header of the records, "[" + name + "]"
-  double Frequency = 0.0;                    ///< from the section's name
-  TColor ElementColor = TColor::Yellow();    ///< of elements without a colour of their own
+  TModel* const Model;                     ///< not owned
+  QString Section;                         ///< header of the records, "[" + name + "]"
+  double Frequency = 0.0;                  ///< from the section's name
+  TColor ElementColor = TColor::Yellow();  ///< of elements without a colour of their own
   TColor NodeColor = TColor::Blue();
-  TColor EdgeColor = TColor::Black();        ///< outline of faces
+  TColor EdgeColor = TColor::Black();  ///< outline of faces
   TNodeShape NodeShape = TNodeShape::Sphere;
-  const TElementList* Elements = nullptr;    ///< drawn with this list's nodes; not owned
+  const TElementList* Elements = nullptr;  ///< drawn with this list's nodes; not owned
   bool ShowElements = false;
   bool ShowNodes = false;
   double NodeRadius = 0.0;
   double ElementRadius = 0.0;
   const bool OwnsNodes;
-  double MaxAmplitude = 0.0;                 ///< largest Length of any amplitude read
-  double Scale = 1.0;                        ///< 0.25 x model size / MaxAmplitude
-  double DrawScale = 1.0;                    ///< factor of the positions when drawn
-  double Phase = 0.0;                        ///< radians, added to every node angle when drawn
+  double MaxAmplitude = 0.0;  ///< largest Length of any amplitude read
+  double Scale = 1.0;         ///< 0.25 x model size / MaxAmplitude
+  double DrawScale = 1.0;     ///< factor of the positions when drawn
+  double Phase = 0.0;         ///< radians, added to every node angle when drawn
 
  private:
+  friend class TMeasuredData;
+  void Take(TDataContent content);
   bool visible_ = false;
 };
 
@@ -188,26 +132,38 @@ class TModel : public QObject {
   TLoadReport LoadFromFile(const QString& fileName, const TLoadProgress& progress = {});
   TLoadReport LoadFromMemory(std::string_view text, const TLoadProgress& progress = {});
 
-  /// Empties the display list, the nodes and the elements.
+  /// Empties the display list, the nodes and the elements. Not while a load runs.
   void Clear();
 
-  /// Index of the first model node with this ID, or -1. Constant time once the model is loaded.
-  std::ptrdiff_t NodeIndex(std::int32_t id) const;
+  /// Index of the first model node with this ID, or -1. Constant time.
+  std::ptrdiff_t NodeIndex(std::int32_t id) const { return Index().Find(id); }
+  /// The index of Nodes. It follows loads and changes of the node count by itself; whoever changes
+  /// IDs in place changes the count on the way or loads.
+  const TNodeIndex& Index() const;
 
-  bool Loaded = false;                   ///< a load has finished; the paint tests it
-  double Size = 1.0;                     ///< largest distance of a node from the file's origin
+  bool Loaded = false;  ///< a load has finished; the paint tests it
+  double Size = 1.0;    ///< largest distance of a node from the file's origin
   QString NodesSection = QStringLiteral("[Nodes]");
   QString ElementsSection = QStringLiteral("[Elements]");
 
-  TElementList Elements;                 ///< in file order
-  TDataNodeList Nodes;                   ///< in file order, relative to the model's centre
-  TDataNodeList Display;                 ///< one node per model node: the frame's displacement
+  TElementList Elements;  ///< in file order
+  TDataNodeList Nodes;    ///< in file order, relative to the model's centre
+  TDataNodeList Display;  ///< one node per model node: the frame's displacement
 
  signals:
   void OnChange(QObject* sender);
+
+ private:
+  friend class TLoadingMark;
+  bool loading_ = false;  ///< a file for this model, or data for it, is being read
+  mutable TNodeIndex index_;
 };
 
-/// Appends the name of every section of a data file, in file order, spaces kept.
+/// The most data sets that are read from one file.
+constexpr std::size_t kMostDataSets = 100'000;
+
+/// Appends the name of every section of a data file, in file order, spaces kept, up to
+/// kMostDataSets. A file that cannot be read has none.
 void ReadSections(std::string_view text, QStringList& names);
 void ReadSections(const QString& fileName, QStringList& names);
 
@@ -236,4 +192,10 @@ class TMeasuredData {
   QString MakeCheckString() const;
 
   void Clear();
+
+ private:
+  bool ReadLists(std::string_view text, TModel& model, TLoadReport& report,
+                 const TLoadProgress& progress,
+                 std::vector<std::unique_ptr<TDataNodeList>>& lists) const;
+  void Replace(std::vector<std::unique_ptr<TDataNodeList>> lists);
 };

@@ -17,7 +17,7 @@ class TDateTime {
   constexpr double Days() const { return days_; }
 
   /// Local time, to the nearest millisecond. An invalid QDateTime for a value that is not finite
-  /// or lies outside the years 1 to 9999.
+  /// or lies outside the years 1 to 9999; an invalid QDateTime gives a value that is not a number.
   QDateTime ToQDateTime() const;
 
   /// Date and time of day as a clock on the wall shows them, to the nearest millisecond: unlike a

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <functional>
 
+#include "model/Textscanner.h"
+
 /// Called now and then while a file is read, with the part done in [0, 1]. Returning false cancels
 /// the load, which then leaves everything as it was.
 using TLoadProgress = std::function<bool(double)>;
@@ -16,7 +18,18 @@ class TLoadReport {
   /// "element 7 names node 99, which does not exist; the element was dropped".
   void Add(std::size_t line, const QString& what);
 
-  /// The file gave nothing at all. Replaces what was added before.
+  /// A fault at a position of the text being read. Line and words, which `makeWords` returns, are
+  /// only worked out if the report keeps them.
+  template <class TMakeWords>
+  void AddAt(const TTextScanner& scanner, std::size_t position, TMakeWords makeWords) {
+    if (count_ == 0) {
+      Add(scanner.LineAt(position), makeWords());
+    } else {
+      ++count_;
+    }
+  }
+
+  /// The file could not be read at all, because "it is a folder". Replaces what was added before.
   void Fail(const QString& why);
 
   void Cancel() { cancelled_ = true; }

@@ -1,51 +1,50 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include "model/Datetime.h"
 
 /// An event that one method of one object handles, comparable so that a setter can tell a new
-/// handler from the old one. The object is not owned.
+/// handler from the old one. The object is not owned. Copies share the handler and allocate
+/// nothing.
 class TNotifyEvent {
  public:
   TNotifyEvent() = default;
   template <class T>
   TNotifyEvent(T* object, void (T::*method)(QObject*))
-      : object_(object),
-        method_(std::make_shared<TMethod<T>>(method)),
-        call_([object, method](QObject* sender) { (object->*method)(sender); }) {}
+      : handler_(std::make_shared<THandler<T>>(object, method)) {}
 
-  explicit operator bool() const { return static_cast<bool>(call_); }
-  void operator()(QObject* sender) const { call_(sender); }
+  explicit operator bool() const { return handler_ != nullptr; }
+  void operator()(QObject* sender) const { handler_->Call(sender); }
 
   friend bool operator==(const TNotifyEvent& a, const TNotifyEvent& b) {
-    if (a.object_ != b.object_ || !a.method_ != !b.method_) return false;
-    return !a.method_ || a.method_->Same(*b.method_);
+    return a.handler_ == b.handler_ || (a.handler_ && b.handler_ && a.handler_->Same(*b.handler_));
   }
 
  private:
-  struct TAnyMethod {
-    virtual ~TAnyMethod() = default;
-    virtual bool Same(const TAnyMethod& other) const = 0;
+  struct TAnyHandler {
+    virtual ~TAnyHandler() = default;
+    virtual void Call(QObject* sender) const = 0;
+    virtual bool Same(const TAnyHandler& other) const = 0;
   };
   template <class T>
-  struct TMethod final : TAnyMethod {
-    explicit TMethod(void (T::*m)(QObject*)) : method(m) {}
-    bool Same(const TAnyMethod& other) const override {
-      const auto* same = dynamic_cast<const TMethod*>(&other);
-      return same && same->method == method;
+  struct THandler final : TAnyHandler {
+    THandler(T* o, void (T::*m)(QObject*)) : object(o), method(m) {}
+    void Call(QObject* sender) const override { (object->*method)(sender); }
+    bool Same(const TAnyHandler& other) const override {
+      const auto* same = dynamic_cast<const THandler*>(&other);
+      return same && same->object == object && same->method == method;
     }
+    T* object;
     void (T::*method)(QObject*);
   };
 
-  const void* object_ = nullptr;
-  std::shared_ptr<const TAnyMethod> method_;
-  std::function<void(QObject*)> call_;
+  std::shared_ptr<const TAnyHandler> handler_;
 };
 
 class TTimerServer;
@@ -78,8 +77,7 @@ class TTimerClient : public QObject {
   quint32 interval_ = 100;
   bool enabled_ = false;
   TNotifyEvent onTimer_;
-  TTimerServer* server_;   ///< shared, not owned
-  quint32 counter_ = 0;    ///< ticks since the last firing
+  quint32 counter_ = 0;  ///< ticks since the last firing
 };
 
 /// The one source of ticks: turns a 10 ms system timer into DoTick calls of every client, in the
@@ -90,7 +88,9 @@ class TTimerServer : public QObject {
   static TTimerServer* Instance();
 
   /// Serves every client once. A client may come, go or destroy itself meanwhile. An exception ends
-  /// this tick and is reported with "Timer server error!". Tests call this to tick by hand.
+  /// this tick and is reported with "Timer server error!". A tick that comes while another is being
+  /// served, because an event runs an event loop, is dropped: no client is entered twice. Tests
+  /// call this to tick by hand.
   void Timer();
 
  protected:
@@ -99,28 +99,35 @@ class TTimerServer : public QObject {
  private:
   friend class TTimerClient;
   TTimerServer();
-  static TTimerServer* Join(TTimerClient* client);
+  static void Join(TTimerClient* client);
   static void Leave(TTimerClient* client);
 
   std::vector<TTimerClient*> clients_;  ///< not owned
-  std::size_t serving_ = 0;             ///< index of the client being served
+  std::size_t next_ = 0;                ///< index behind the client being served
+  bool serving_ = false;
 };
 
-/// A stopwatch with time-stamp strings.
+/// A stopwatch with time-stamp strings; it runs from its making. A change of the system's clock
+/// does not disturb it. Any thread.
 class TStopWatch {
  public:
+  TStopWatch() { Start(); }
+
   /// Takes the current time as the start.
   void Start();
 
   /// Time since Start as "HHMMSSmmm": hours, minutes, seconds, milliseconds without separators.
   QString GetTimeStr() const;
 
+  /// A given span in the same form; a negative one counts as 0.
+  static QString MakeTimeStr(std::int64_t milliseconds);
+
   /// The current time as "YYYYMMDD HHMMSSmmm".
   QString GetDateTimeStr() const;
 
-  /// A given time in the same form.
+  /// A given time in the same form; empty if it is no date of the years 1 to 9999.
   static QString MakeDateTimeStr(TDateTime time);
 
  private:
-  TDateTime start_ = TDateTime::Now();
+  QElapsedTimer clock_;
 };

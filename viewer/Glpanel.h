@@ -1,13 +1,16 @@
 #pragma once
 
-#include <QOpenGLWidget>
+#include <QImage>
+#include <QWidget>
 
+#include "viewer/Scenerenderer.h"
 #include "viewer/Viewtransform.h"
 
 /// A panel with an OpenGL context of its own that keeps the view's rotation, zoom and pan, and lets
-/// the mouse change them: left drag turns, middle or Shift drag pans, right or Ctrl drag zooms.
-/// GUI thread only.
-class TGLPanel : public QOpenGLWidget {
+/// the mouse change them: left drag turns, middle or Shift drag pans, right or Ctrl drag and the
+/// wheel zoom. A drag adds to the zoom without any limit, so it can collapse or mirror the view.
+/// Where there is no OpenGL the panel stays an empty area. GUI thread only.
+class TGLPanel : public QWidget {
   Q_OBJECT
   Q_PROPERTY(TPFDFlags PFDFlags READ GetPFDFlags WRITE SetPFDFlags)
   Q_PROPERTY(TPFDPixelTypes PFDPixelType READ GetPFDPixelType WRITE SetPFDPixelType)
@@ -46,8 +49,13 @@ class TGLPanel : public QOpenGLWidget {
   void SetPFDNumColorBits(int bits);
   void SetPFDNumDepthBits(int bits);
 
-  /// Whether a context exists.
-  bool HasContext() const { return isValid(); }
+  /// Whether a context exists. It is made when the panel is first shown; if that fails, the text
+  /// "Open GL Context Create Failed" is shown once.
+  bool HasContext() const;
+  /// Finds OpenGL's functions; only with a context.
+  TSceneRenderer::TResolver Resolver() const;
+  /// The panel's size in device pixels.
+  QSize PixelSize() const;
 
   /// The view; call Invalidate after a change.
   TViewTransform View;
@@ -61,7 +69,7 @@ class TGLPanel : public QOpenGLWidget {
   /// ZoomAndPan, then a repaint.
   void Invalidate();
 
-  /// The current picture, in device pixels.
+  /// The current picture, in device pixels; null without a context.
   QImage Picture();
   void CopyToClipboard();
 
@@ -70,23 +78,36 @@ class TGLPanel : public QOpenGLWidget {
   void OnInit(QObject* sender);
   /// In every paint, between the view's rotation and the swap; the context is current.
   void OnPaint(QObject* sender);
-  /// The mouse changed rotation, pan or zoom.
+  /// The mouse has changed rotation, pan or zoom.
   void OnViewChange(QObject* sender);
 
  protected:
-  void initializeGL() override;
-  void resizeGL(int width, int height) override;
-  void paintGL() override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
+  class TSurface;
+
+  bool CreateGLContext();
+  void UpdateFormat();
+  void ReportMissingContext();
+  void PaintPicture();
+  void Turn(QPoint moved);
+  void Pan(QPoint moved);
+  void Zoom(QPoint moved);
+  void ChangeView();
+
   TPFDFlags pfdFlags_ = {f_PFD_DRAW_TO_WINDOW | f_PFD_SUPPORT_OPENGL | f_PFD_DOUBLEBUFFER};
   TPFDPixelTypes pfdPixelType_ = f_PFD_TYPE_RGBA;
   int pfdNumColorBits_ = 24;
   int pfdNumDepthBits_ = 24;
-  QPoint last_;  ///< mouse position of the previous move
+  TSurface* surface_ = nullptr;  ///< a child over the whole panel; null without OpenGL
+  QPoint last_;  ///< mouse position of the previous move, or of the press that began a drag
+  bool contextMissed_ = false;  ///< the user has been told that there is no context
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TGLPanel::TPFDFlags)

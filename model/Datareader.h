@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string_view>
+
+#include "model/Nodeindex.h"
+#include "model/Reading.h"
+#include "model/Records.h"
+
+/// The model that a data set belongs to.
+struct TModelNodes {
+  const TNodeList& Nodes;
+  const TNodeIndex& Index;
+};
+
+/// What one section of a data file gives: nothing at all without a record, else one node per model
+/// node.
+struct TDataContent {
+  TNodeList Nodes;
+  double MaxAmplitude = 0.0;
+};
+
+/// Reads the records that follow the reading's position as a data set, aligned to the model. A
+/// value that is infinite or no number counts as 0. False if cancelled.
+[[nodiscard]] bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& content);
+
+/// Reads the records that follow without a model: they are kept as they are. False if cancelled.
+[[nodiscard]] bool ReadPlainDataSet(TReading& reading, TDataContent& content);
+
+/// A copy of what an earlier section gave.
+TDataContent CopyOf(const TNodeList& nodes, double maxAmplitude);
+
+/// The frequency in a section's name "F = 12.5", 0 if the name has another form or the value is
+/// infinite or no number.
+double FrequencyOf(std::string_view sectionName);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <string_view>
+#include <vector>
+
+#include "model/Largememory.h"
+#include "model/Loadreport.h"
+
+/// The bytes of a file in memory.
+using TFileText = std::vector<char, TLargeAllocator<char>>;
+
+inline std::string_view View(const TFileText& text) { return {text.data(), text.size()}; }
+
+/// Reads a regular file whole, in pieces, with the progress of the reading alone in [0, 1]. False
+/// if it was cancelled or could not be read, which the report then tells. Any thread.
+[[nodiscard]] bool ReadFile(const QString& fileName, TFileText& text, TLoadReport& report,
+                            const TLoadProgress& progress = {});
+
+/// Reads a file, then hands its text to `parse` with the progress that is left for it. Memory that
+/// runs out on the way becomes a failure of the report.
+TLoadReport ReadAndParse(
+    const QString& fileName, const TLoadProgress& progress,
+    const std::function<TLoadReport(std::string_view, const TLoadProgress&)>& parse);

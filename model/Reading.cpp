@@ -1,0 +1,81 @@
+#include "model/Reading.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kTellEvery = 1 << 20;
+
+/// How far a try to read one record came: the ID and each value count one.
+int ReadNumbers(TTextScanner& scanner, int valueCount, TNodeRecord& record, bool* outOfRange) {
+  scanner.SkipWhiteSpace();
+  record.Position = scanner.Position();
+  if (!scanner.ReadInt(record.ID, outOfRange)) return 0;
+  int count = 0;
+  while (count < valueCount && scanner.ReadReal(record.Values[static_cast<std::size_t>(count)])) {
+    ++count;
+  }
+  return 1 + count;
+}
+
+/// Notes what the end of the records loses: a record of which only a part could be read, or whole
+/// records behind a line that is neither record nor header.
+void NoteEnd(TReading& reading, int valueCount, const TNodeRecord& record, int count) {
+  const TTextScanner& scanner = reading.Scanner;
+  if (count > 0) {
+    reading.Report.AddAt(scanner, record.Position, [&] {
+      return QStringLiteral(
+                 "the record of node %1 is not complete; the records from there on were dropped")
+          .arg(record.ID);
+    });
+    return;
+  }
+  if (scanner.AtEnd() || scanner.Text()[scanner.Position()] == '[') return;
+  const std::size_t lineEnd = scanner.Text().find('\n', scanner.Position());
+  if (lineEnd == std::string_view::npos) return;
+  TTextScanner behind = scanner;
+  behind.SetPosition(lineEnd + 1);
+  TNodeRecord next;
+  if (ReadNumbers(behind, valueCount, next, nullptr) <= valueCount) return;
+  reading.Report.AddAt(scanner, record.Position, [] {
+    return QStringLiteral(
+        "text that is no number ends the nodes; the records behind it were dropped");
+  });
+}
+
+}  // namespace
+
+bool TReading::Advance(std::size_t characters) {
+  done_ += characters;
+  if (done_ - told_ < kTellEvery || !progress_) return !Report.Cancelled();
+  told_ = done_;
+  const double part = static_cast<double>(done_) / static_cast<double>(Scanner.Text().size());
+  if (!progress_(std::min(part, 1.0))) Report.Cancel();
+  return !Report.Cancelled();
+}
+
+bool TReading::Search(std::string_view text) {
+  return SearchString(Scanner, text, [this] {
+    const double part = static_cast<double>(done_) / static_cast<double>(Scanner.Text().size());
+    if (progress_ && !progress_(std::min(part, 1.0))) Report.Cancel();
+    return !Report.Cancelled();
+  });
+}
+
+bool TNodeRecord::IsUsable() const {
+  return std::all_of(Values.begin(), Values.end(), [](double v) { return ::IsUsable(v); });
+}
+
+bool ReadNodeRecord(TReading& reading, int valueCount, TNodeRecord& record) {
+  bool outOfRange = false;
+  const int count = ReadNumbers(reading.Scanner, valueCount, record, &outOfRange);
+  if (outOfRange) {
+    reading.Report.AddAt(reading.Scanner, record.Position, [] {
+      return QStringLiteral(
+          "a node number does not fit into 32 bits and was cut to the largest that does");
+    });
+  }
+  if (count == 1 + valueCount) return true;
+  NoteEnd(reading, valueCount, record, count);
+  return false;
+}

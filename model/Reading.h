@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <string_view>
+
+#include "model/Loadreport.h"
+#include "model/Textscanner.h"
+
+/// One reading of a text: where it stands, what it found, how far it is.
+class TReading {
+ public:
+  TReading(std::string_view text, TLoadReport& report, const TLoadProgress& progress)
+      : Scanner(text), Report(report), progress_(progress) {}
+
+  TTextScanner Scanner;
+  TLoadReport& Report;
+
+  /// Tells how many characters more have been dealt with; what is passed in vain counts nothing.
+  /// False, and noted in the report, once the user has cancelled.
+  bool Advance(std::size_t characters);
+
+  /// Moves behind the next occurrence of `text`; false if there is none or the user cancelled.
+  bool Search(std::string_view text);
+
+ private:
+  TLoadProgress progress_;
+  std::size_t done_ = 0;
+  std::size_t told_ = 0;
+};
+
+/// A value that can be drawn and reckoned with: finite, and not absurdly large.
+inline bool IsUsable(double value) { return std::abs(value) <= 1e30; }
+
+/// One "%d%lf%lf%lf" record, or with angles "%d%lf%lf%lf%lf%lf%lf".
+struct TNodeRecord {
+  std::size_t Position = 0;  ///< where it begins in the text
+  std::int32_t ID = 0;
+  std::array<double, 6> Values = {};  ///< x, y, z, then the angles, 0 where there are none
+
+  bool IsUsable() const;
+};
+
+/// Reads the records that follow up to the first that is not whole and hands each to `take`. A
+/// record cut short by text that is not the next header is noted as a fault, and so are records
+/// that go on behind a line of other text. False if cancelled.
+template <class TTake>
+bool ReadNodeRecords(TReading& reading, TTake take);
+
+/// A step of ReadNodeRecords: reads the ID and `valueCount` values. On a record that is not whole
+/// it notes what is lost and returns false.
+bool ReadNodeRecord(TReading& reading, int valueCount, TNodeRecord& record);
+
+template <class TTake>
+bool ReadNodeRecords(TReading& reading, TTake take) {
+  constexpr std::size_t kTellEvery = 1 << 16;
+  const int valueCount = HasAngleData(reading.Scanner) ? 6 : 3;
+  std::size_t told = reading.Scanner.Position();
+  TNodeRecord record;
+  while (ReadNodeRecord(reading, valueCount, record)) {
+    take(record);
+    if (reading.Scanner.Position() - told < kTellEvery) continue;
+    if (!reading.Advance(reading.Scanner.Position() - told)) return false;
+    told = reading.Scanner.Position();
+  }
+  return reading.Advance(reading.Scanner.Position() - told);
+}

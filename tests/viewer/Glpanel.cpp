@@ -1,0 +1,153 @@
+#include "viewer/Glpanel.h"
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QOpenGLContext>
+#include <QOpenGLWidget>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+/// A panel on the screen.
+class GlPanel : public testing::Test {
+ protected:
+  explicit GlPanel(QSize size = {400, 200}) {
+    QObject::connect(&panel_, &TGLPanel::OnInit, [this] {
+      ++inits_;
+      EXPECT_NE(QOpenGLContext::currentContext(), nullptr);
+    });
+    QObject::connect(&panel_, &TGLPanel::OnPaint, [this] { ++paints_; });
+    panel_.setFixedSize(size);
+    panel_.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&panel_));
+  }
+
+  void Drag(Qt::MouseButton button, Qt::KeyboardModifiers keys, QPoint from, QPoint to) {
+    QTest::mousePress(&panel_, button, keys, from);
+    QMouseEvent move(QEvent::MouseMove, to, panel_.mapToGlobal(to), Qt::NoButton, button, keys);
+    QApplication::sendEvent(&panel_, &move);
+    QTest::mouseRelease(&panel_, button, keys, to);
+  }
+
+  TGLPanel panel_;
+  int inits_ = 0;
+  int paints_ = 0;
+};
+
+TEST_F(GlPanel, MakesOneContextAndPaintsInIt) {
+  EXPECT_TRUE(panel_.HasContext());
+  EXPECT_EQ(inits_, 1);
+  EXPECT_GT(paints_, 0);
+  panel_.BackColor = QColor(10, 200, 30);
+  const int before = paints_;
+  panel_.Invalidate();
+  QTRY_VERIFY(paints_ > before);
+  EXPECT_EQ(inits_, 1);
+  EXPECT_EQ(panel_.Picture().pixelColor(200, 100), QColor(10, 200, 30));
+  EXPECT_EQ(TakeMessages(), QStringList());
+}
+
+TEST_F(GlPanel, ResizeSetsTheAspectFactors) {
+  EXPECT_EQ(panel_.View.ScaleX, 2.0);
+  EXPECT_EQ(panel_.View.ScaleY, 1.0);
+  panel_.setFixedSize(200, 400);
+  QTRY_COMPARE(panel_.View.ScaleY, 2.0);
+  EXPECT_EQ(panel_.View.ScaleX, 1.0);
+}
+
+TEST_F(GlPanel, DragsTurnPanAndZoom) {
+  const double k = 5.0 / panel_.screen()->size().width();
+  const Qt::KeyboardModifiers none, shift = Qt::ShiftModifier, ctrl = Qt::ControlModifier;
+  const struct {
+    const char* what;
+    Qt::MouseButton button;
+    Qt::KeyboardModifiers keys;
+    QPoint moved;
+    double turnX, turnY, panX, panY, zoom;  // changes
+  } cases[] = {
+      {"left", Qt::LeftButton, none, {10, 0}, 0, 5, 0, 0, 0},
+      {"left, down", Qt::LeftButton, none, {0, 30}, 15, 0, 0, 0, 0},
+      {"shift left", Qt::LeftButton, shift, {10, 20}, 0, 0, -10 * k, 20 * k, 0},
+      {"middle", Qt::MiddleButton, none, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
+      {"middle with ctrl", Qt::MiddleButton, ctrl, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
+      {"right", Qt::RightButton, none, {50, 20}, 0, 0, 0, 0, 0.3},
+      {"ctrl left", Qt::LeftButton, ctrl, {50, -20}, 0, 0, 0, 0, -0.3},
+      {"shift ctrl left", Qt::LeftButton, shift | ctrl, {50, 40}, 0, 0, 0, 0, 0.6},
+      {"right beyond zero", Qt::RightButton, none, {0, -80}, 0, 0, 0, 0, -1.2},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    const TViewTransform start;
+    panel_.View.Rotation = start.Rotation;
+    panel_.View.PanPosX = panel_.View.PanPosY = 0.0;
+    panel_.View.Zoom = 1.0;
+    QSignalSpy changes(&panel_, &TGLPanel::OnViewChange);
+    Drag(c.button, c.keys, {100, 100}, QPoint(100, 100) + c.moved);
+    EXPECT_DOUBLE_EQ(panel_.View.Rotation.x, start.Rotation.x + c.turnX);
+    EXPECT_DOUBLE_EQ(panel_.View.Rotation.y, start.Rotation.y + c.turnY);
+    EXPECT_DOUBLE_EQ(panel_.View.PanPosX, c.panX);
+    EXPECT_DOUBLE_EQ(panel_.View.PanPosY, c.panY);
+    EXPECT_NEAR(panel_.View.Zoom, 1.0 + c.zoom, 1e-12);
+    EXPECT_EQ(changes.count(), 1);
+  }
+}
+
+TEST_F(GlPanel, EveryMoveStartsWhereTheLastOneEnded) {
+  QTest::mousePress(&panel_, Qt::LeftButton, {}, {100, 100});
+  for (const QPoint to : {QPoint(110, 100), QPoint(110, 104), QPoint(100, 100)}) {
+    QMouseEvent move(QEvent::MouseMove, to, panel_.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     {});
+    QApplication::sendEvent(&panel_, &move);
+  }
+  EXPECT_EQ(panel_.View.Rotation, (TVertex{30.0, -45.0, 0.0}));
+}
+
+TEST_F(GlPanel, WheelNeverTurnsTheViewInsideOut) {
+  for (int i = 0; i < 200; ++i) {
+    QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&panel_, &wheel);
+  }
+  EXPECT_GT(panel_.View.Zoom, 0.0);
+  EXPECT_LT(panel_.View.Zoom, 1e-6);
+}
+
+TEST_F(GlPanel, CopiesItsPictureToTheClipboard) {
+  panel_.BackColor = Qt::magenta;
+  panel_.CopyToClipboard();
+  const QImage copy = QGuiApplication::clipboard()->image();
+  ASSERT_EQ(copy.size(), QSize(400, 200));
+  EXPECT_EQ(copy.pixelColor(399, 199), QColor(Qt::magenta));
+}
+
+TEST(TGLPanel, SaysOnceThatThereIsNoOpenGl) {
+  if (QGuiApplication::platformName() != "offscreen") GTEST_SKIP() << "there is OpenGL";
+  TGLPanel panel;
+  for (int i = 0; i < 3; ++i) {
+    panel.show();
+    panel.Invalidate();
+    QApplication::processEvents();
+    panel.hide();
+  }
+  EXPECT_FALSE(panel.HasContext());
+  EXPECT_TRUE(panel.Picture().isNull());
+  EXPECT_EQ(TakeMessages(), QStringList("Open GL Context Create Failed"));
+}
+
+TEST(GlPanelFormat, FollowsThePixelFormatProperties) {
+  TGLPanel panel;
+  panel.SetPFDNumDepthBits(16);
+  panel.SetPFDNumDepthBits(-1);  // ignored
+  const auto* surface = panel.findChild<QOpenGLWidget*>();
+  EXPECT_EQ(panel.property("PFDNumDepthBits").toInt(), 16);
+  EXPECT_EQ(surface->format().depthBufferSize(), 16);
+  EXPECT_EQ(surface->format().profile(), QSurfaceFormat::CompatibilityProfile);
+}
+
+}  // namespace

@@ -1,0 +1,23 @@
+#include "viewer/Glplatform.h"
+
+#include <QGuiApplication>
+#include <QOpenGLContext>
+#include <QStringList>
+
+namespace {
+
+bool Ask() {
+  // Platforms that draw into memory; to ask them for a context draws a warning.
+  static const QStringList without = {"offscreen", "minimal", "vnc", "linuxfb"};
+  if (without.contains(QGuiApplication::platformName())) return false;
+  QOpenGLContext context;
+  return context.create();
+}
+
+}  // namespace
+
+bool PlatformHasOpenGl() {
+  if (!qGuiApp) return false;
+  static const bool has = Ask();
+  return has;
+}
