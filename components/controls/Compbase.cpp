@@ -99,8 +99,10 @@ void TIconControl::UpdateVisibility() {
 }
 
 bool TIconControl::event(QEvent* event) {
-  if (event->type() == QEvent::ParentChange || event->type() == TDesignModeEvent::Kind()) {
-    UpdateVisibility();
+  if (event->type() == TDesignModeEvent::Kind()) UpdateVisibility();
+  // setParent hides the widget when it has told of the new parent.
+  if (event->type() == QEvent::ParentChange) {
+    QMetaObject::invokeMethod(this, &TIconControl::UpdateVisibility, Qt::QueuedConnection);
   }
   return QWidget::event(event);
 }

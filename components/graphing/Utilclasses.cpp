@@ -127,7 +127,7 @@ class TFloatWriter {
     const int top = std::max(decimal.Exponent(), 0);
     QString text = Digits(decimal, top, -digits_, 0);
     if (format == TNumberFormat::ffFixed) return Sign(decimal) + text;
-    for (int place = top - top % 3; place > 0; place -= 3) {
+    for (int place = 3; place <= top; place += 3) {
       text.insert(top + 1 - place, settings_.thousandSeparator);
     }
     if (format == TNumberFormat::ffNumber) return Sign(decimal) + text;
@@ -173,7 +173,7 @@ QString TNumberFormat::FormatedValue(double value) const {
 }
 
 QString TNumberFormat::GetFormatStr() const {
-  const QString pattern = QStringLiteral("%0.%1").replace("%1", QString::number(digits_));
+  const QString pattern = "%0." + QString::number(digits_);
   if (format_ == ffExponent) return pattern + 'E';
   return pattern + "lf" + (format_ == ffCurrency ? FormatSettings().currencySymbol : QString());
 }
