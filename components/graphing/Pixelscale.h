@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cfloat>
 #include <cmath>
+#include <cstdint>
 
 /// How the values of one axis fall on pixels. Plain arithmetic: needs no axis, no widget, no
 /// painter.
@@ -24,14 +26,23 @@ class TPixelScale {
   /// Values grow upwards from the last row above `bottom`, which is one past the last pixel.
   static TPixelScale Upwards(const TAxisRange& range, int bottom, double grid = 1.0);
 
+  /// The lowest value below which none is mapped differently.
+  double Lowest() const { return isLog_ ? DBL_TRUE_MIN : -DBL_MAX; }
   /// The value that stands for `value` on this axis.
   double Clamped(double value) const { return isLog_ && value <= 0.0 ? kLogFloor : value; }
 
-  /// Grid position, a whole number, halves rounded up; not finite where the value is not, and of
-  /// any size.
-  double Position(double value) const {
-    return std::floor(Exact(value) * grid_ + (0.5 + centre_)) + offset_;
+  /// Grid position, halves rounded up. A value that is not finite has one that is not either.
+  double Position(double value) const { return std::floor(Exact(value) * grid_ + half_) + offset_; }
+  /// Position as an integer, at most kFarthest away from 0, where it still has room for arithmetic.
+  /// The value is finite.
+  std::int64_t Place(double value) const {
+    const double exact = Exact(value) * grid_ + half_;
+    if (!(exact > -kFarthest)) return -kFarthest;
+    if (!(exact < kFarthest)) return kFarthest;
+    const auto whole = static_cast<std::int64_t>(exact);
+    return whole - (exact < static_cast<double>(whole) ? 1 : 0) + offset_;
   }
+  static constexpr std::int64_t kFarthest = 1'000'000'000'000;
   /// Position as an int that leaves room for any arithmetic on pixels: at most kFar away from 0. A
   /// value that is not a number lies at -kFar.
   int Pixel(double value) const;
@@ -53,6 +64,7 @@ class TPixelScale {
   double start_ = 0.0;  ///< logical position of min_
   double direction_ = 1.0;
   double grid_ = 1.0;
-  double centre_ = 0.0;  ///< a logical pixel's centre in the grid steps that it covers
-  double offset_ = 0.0;
+  double half_ = 0.5;     ///< from a logical pixel to the end of its middle grid step
+  double perStep_ = 1.0;  ///< value units per grid step; their sign is the direction's
+  int offset_ = 0;
 };
