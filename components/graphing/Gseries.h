@@ -8,10 +8,12 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "components/graphing/Curvepainter.h"
 #include "components/graphing/Pixelscale.h"
 #include "components/graphing/Seriesstyle.h"
 #include "components/graphing/Utilclasses.h"
@@ -27,6 +29,10 @@ class TDataPanel;
 /// takes the bar's size from `extent`: a psXBar reaches from X - extent.X to X, a psYBar from
 /// Y - extent.Y to Y. Both arguments come in as zeros.
 using TProvideGraphData = std::function<bool(int& index, TCoordinate& point, TCoordinate& extent)>;
+
+/// Fills `points` from the point at `index` on and returns how many it gave, 0 at the end. For
+/// sources that have their points side by side: a call for each costs more than drawing it.
+using TProvideGraphBlock = std::function<int(int index, std::span<TCoordinate> points)>;
 
 /// One curve of a data panel. Whoever made a series owns it: the panel those added to it, a graph
 /// link its own; a series that is freed leaves the panel that shows it. GUI thread only.
@@ -54,13 +60,15 @@ class TCustomGraphSeries : public TPersistent {
 
   /// Points of the series; a series without a source has none.
   TProvideGraphData DataSource;
+  /// The same points in blocks, beside DataSource and in its place where no extents are needed.
+  TProvideGraphBlock BlockSource;
 
   virtual void Draw(QPainter* painter) { Q_UNUSED(painter) }
   virtual void UpdateRangeX() {}
   virtual void UpdateRangeY() {}
 
   /// The series as a record, without its data source, and back. A record that does not fit is
-  /// refused with a reason and leaves the series as it is.
+  /// refused with a reason; the series is then to be thrown away.
   virtual void WriteSeries(QJsonObject& record) const;
   [[nodiscard]] virtual bool ReadSeries(const QJsonObject& record, QString* error);
 
@@ -69,7 +77,9 @@ class TCustomGraphSeries : public TPersistent {
   virtual bool Drag(QPoint pixel);
   virtual void Release() {}
 
+  /// Copies the published properties and the data source.
   void AssignTo(TPersistent* destination) const override;
+  /// Compares the published properties.
   bool SameAs(const TPersistent* other) const override;
 
  protected:
@@ -92,11 +102,6 @@ class TCustomDataSeries : public TCustomGraphSeries {
 
  public:
   TBasicSeriesStyle* BasicStyle() const { return style_.get(); }
-
-  void WriteSeries(QJsonObject& record) const override;
-  [[nodiscard]] bool ReadSeries(const QJsonObject& record, QString* error) override;
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  protected:
   TCustomDataSeries(std::unique_ptr<TBasicSeriesStyle> style, QObject* owner);
@@ -159,8 +164,8 @@ class TArraySeries : public TCustomDataSeries {
   std::vector<TCoordinate> points_;
 };
 
-/// A cross-hair at one position, dragged by its centre or by one of its grid lines; a grid line
-/// moves its own coordinate alone.
+/// A cross-hair at one position, dragged by itself or by one of its grid lines; a grid line moves
+/// its own coordinate alone.
 class TSliderSeries : public TCustomGraphSeries {
   Q_OBJECT
   Q_PROPERTY(double PositionX READ GetPositionX WRITE SetPositionX)
@@ -170,7 +175,8 @@ class TSliderSeries : public TCustomGraphSeries {
   Q_PROPERTY(bool ShowGridY READ GetShowGridY WRITE SetShowGridY)
 
  public:
-  static constexpr int kHitTolerance = 4;  ///< logical pixels
+  static constexpr int kArm = 7;           ///< half the size of the cross-hair, logical pixels
+  static constexpr int kHitTolerance = 4;  ///< of a grid line, logical pixels
 
   using TCustomGraphSeries::TCustomGraphSeries;
 
@@ -202,11 +208,6 @@ class TSliderSeries : public TCustomGraphSeries {
   bool Drag(QPoint pixel) override;
   void Release() override { hold_ = THold::kNone; }
 
-  void WriteSeries(QJsonObject& record) const override;
-  [[nodiscard]] bool ReadSeries(const QJsonObject& record, QString* error) override;
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
-
  signals:
   /// The user has dragged the slider; its position is the new one.
   void OnDragged(QObject* sender);
@@ -214,12 +215,14 @@ class TSliderSeries : public TCustomGraphSeries {
  private:
   enum class THold { kNone, kBoth, kX, kY };
   THold HoldAt(QPoint pixel) const;
+  QPoint Pixel() const;
 
   TCoordinate position_;
   bool active_ = true;
   bool showGridX_ = false;
   bool showGridY_ = false;
   THold hold_ = THold::kNone;
+  QPoint grip_;  ///< from the mouse to the slider's pixel
 };
 
 /// Series in drawing order. A list owns what was added to it; a panel's list also shows series of
@@ -284,8 +287,11 @@ class TSeriesList : public TPersistent {
   using TFactory = std::function<std::unique_ptr<TCustomGraphSeries>()>;
   static std::map<std::string, TFactory>& Factories();
 
+  static std::unique_ptr<TCustomGraphSeries> Make(const QString& className);
+
   void AddOwned(std::unique_ptr<TCustomGraphSeries> series);
-  void Detach(const TEntry& entry);
+  void Leave(TCustomGraphSeries& series);
+  void ReplaceOwned(std::vector<TEntry> entries);
   void Changed();
 
   TDataPanel* panel_ = nullptr;  ///< the panel whose list this is; null for a link's
@@ -354,6 +360,7 @@ class TDataPanel : public TPersistent {
   /// The mappings behind LocateValue, on a grid of so many steps per pixel.
   TPixelScale ScaleX(double grid = 1.0) const;
   TPixelScale ScaleY(double grid = 1.0) const;
+  TPlotArea PlotArea(double grid) const;
 
   bool GetAllowSelection() const { return allowSelection_; }
   void SetAllowSelection(bool allow);
@@ -395,8 +402,7 @@ class TDataPanel : public TPersistent {
  private:
   friend class TCustomGraphSeries;
   friend class TSeriesList;
-  void SeriesChanged();
-  void SeriesGone(const TCustomGraphSeries* series);
+  void Changed();
   void DrawSeries(QPainter* painter);
   void DrawSelection(QPainter* painter) const;
   QPoint Inside(int x, int y) const;

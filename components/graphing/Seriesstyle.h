@@ -30,7 +30,8 @@ class TBasicSeriesStyle : public TPersistent {
   void SetFillColor(TColor color) { Set(fillColor_, color); }
   /// psClear draws no line.
   void SetLineStyle(TPenStyle style);
-  /// Logical pixels, 1 to 100.
+  static constexpr int kMaxWeight = 100;
+  /// Logical pixels, 1 to kMaxWeight.
   void SetLineWeight(int weight);
 
   /// No line is visible with this style.
@@ -77,6 +78,8 @@ class TSeriesStyle : public TBasicSeriesStyle {
 
   TColor GetPointColor() const { return pointColor_; }
   TPointStyle GetPointStyle() const { return pointStyle_; }
+  /// Neither a line nor a marker is visible.
+  bool IsInvisible() const { return pointStyle_ == psNone && IsLineClear(); }
   bool IsBar() const { return pointStyle_ == psXBar || pointStyle_ == psYBar; }
 
   void SetPointColor(TColor color) { Set(pointColor_, color); }

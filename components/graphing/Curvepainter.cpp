@@ -1,0 +1,165 @@
+#include "components/graphing/Curvepainter.h"
+
+#include <QLine>
+#include <QPaintEngine>
+#include <QPainter>
+#include <QPen>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int kMarkerReach = 3;  // logical pixels from the centre of a marker to its edge
+constexpr double kVectorGrid = 8.0;
+
+QPen LinePen(const TSeriesStyle& style, double grid) {
+  static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine,
+                                             Qt::DashDotLine, Qt::DashDotDotLine, Qt::NoPen};
+  const double width = style.GetLineWeight() * grid;
+  QPen pen(style.GetLineColor().ToQColor(), width, kStyles[style.GetLineStyle()]);
+  if (width > 1.0) {
+    pen.setCapStyle(style.GetLineStyle() == TSeriesStyle::psSolid ? Qt::RoundCap : Qt::FlatCap);
+    pen.setJoinStyle(Qt::RoundJoin);
+  }
+  return pen;
+}
+
+QPen PointPen(const TSeriesStyle& style, double grid) {
+  if (style.GetPointColor().IsNone()) return Qt::NoPen;
+  return QPen(style.GetPointColor().ToQColor(), grid);
+}
+
+/// The rectangle and what reaches into it from around it.
+QRect Reach(const QRect& rect, int logicalPixels, double grid) {
+  const int room = static_cast<int>(std::ceil(logicalPixels * grid)) + 1;
+  return rect.adjusted(-room, -room, room, room);
+}
+
+}  // namespace
+
+double DeviceGrid(const QPainter& painter) {
+  const QPaintEngine* engine = painter.paintEngine();
+  if (!engine) return 1.0;
+  switch (engine->type()) {
+    case QPaintEngine::SVG:
+    case QPaintEngine::Pdf:
+    case QPaintEngine::Picture:
+      return kVectorGrid;
+    default: {
+      const double scale = std::sqrt(std::abs(painter.deviceTransform().determinant()));
+      return std::isfinite(scale) ? std::clamp(scale, 1.0, kVectorGrid) : 1.0;
+    }
+  }
+}
+
+TCurvePainter::TCurvePainter(QPainter& painter, const TSeriesStyle& style, const TPlotArea& area)
+    : painter_(painter), style_(style), area_(area) {
+  painter_.save();
+  painter_.setRenderHint(QPainter::Antialiasing, false);
+  if (area_.grid != 1.0) painter_.scale(1.0 / area_.grid, 1.0 / area_.grid);
+  if (style_.GetPointStyle() != TSeriesStyle::psNone) return;
+  const QPen pen = style_.IsLineClear() ? QPen(Qt::NoPen) : LinePen(style_, area_.grid);
+  const QRect visible = Reach(area_.rect, style_.GetLineWeight(), area_.grid);
+  sink_ = MakeLineSink(painter_, pen, visible);
+  path_.emplace(area_.x, area_.y, visible, *sink_);
+}
+
+TCurvePainter::~TCurvePainter() {
+  if (path_) path_->Finish();
+  painter_.restore();
+}
+
+void TCurvePainter::Add(std::span<const TCoordinate> points) {
+  if (path_) return path_->Add(points);
+  for (const TCoordinate& point : points) AddMarked(point, {});
+}
+
+/// Point by point, for each line crosses the marker before it and is crossed by the next one.
+void TCurvePainter::AddMarked(const TCoordinate& point, const TCoordinate& extent) {
+  if (!std::isfinite(point.X) || !std::isfinite(point.Y)) {
+    hasPrevious_ = false;
+    return;
+  }
+  const TPlace place{area_.x.Place(point.X), area_.y.Place(point.Y)};
+  const bool repeats = hasPrevious_ && place == previous_;
+  QLine line;
+  if (hasPrevious_ && !repeats && !style_.IsLineClear() &&
+      CutLine(previous_, place, Reach(area_.rect, style_.GetLineWeight(), area_.grid), line)) {
+    UseLinePen();
+    painter_.drawLine(line);
+  }
+  if (style_.IsBar()) {
+    DrawBar(point, extent);
+  } else if (!isFirst_ && !(repeats && previousMarked_) &&
+             CutLine(place, place, Reach(area_.rect, kMarkerReach, area_.grid), line)) {
+    DrawMarker(line.p1());
+  }
+  previousMarked_ = !isFirst_;
+  isFirst_ = false;
+  hasPrevious_ = true;
+  previous_ = place;
+}
+
+void TCurvePainter::DrawMarker(QPoint centre) {
+  UsePointPen();
+  const int reach = static_cast<int>(std::lround(kMarkerReach * area_.grid));
+  const QRect box(centre.x() - reach, centre.y() - reach, 2 * reach, 2 * reach);
+  switch (style_.GetPointStyle()) {
+    case TSeriesStyle::psCircle:
+      painter_.drawEllipse(box);
+      break;
+    case TSeriesStyle::psRectangle:
+      painter_.drawRect(box);
+      break;
+    case TSeriesStyle::psCross: {
+      const QLine lines[] = {
+          {centre.x() - reach, centre.y() - reach, centre.x() + reach, centre.y() + reach},
+          {centre.x() - reach, centre.y() + reach, centre.x() + reach, centre.y() - reach}};
+      painter_.drawLines(lines, 2);
+      break;
+    }
+    default:
+      break;
+  }
+}
+
+void TCurvePainter::DrawBar(const TCoordinate& point, const TCoordinate& extent) {
+  const bool upright = style_.GetPointStyle() == TSeriesStyle::psXBar;
+  const TCoordinate base{upright ? point.X - extent.X : point.X,
+                         upright ? point.Y : point.Y - extent.Y};
+  const auto column = [this](double x) {
+    return static_cast<int>(
+        std::clamp<std::int64_t>(area_.x.Place(x), area_.rect.left() - 2, area_.rect.right() + 2));
+  };
+  const auto row = [this](double y) {
+    return static_cast<int>(
+        std::clamp<std::int64_t>(area_.y.Place(y), area_.rect.top() - 2, area_.rect.bottom() + 2));
+  };
+  if (!std::isfinite(base.X) || !std::isfinite(base.Y)) return;
+  const QPoint a(column(point.X), row(point.Y));
+  const QPoint b(upright ? column(base.X) : area_.rect.left(),
+                 upright ? area_.rect.top() + area_.rect.height() - 1 : row(base.Y));
+  UsePointPen();
+  if (upright ? a.x() == b.x() : a.y() == b.y()) {
+    painter_.drawLine(a, b);
+  } else {
+    painter_.drawRect(QRect(std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::abs(a.x() - b.x()),
+                            std::abs(a.y() - b.y())));
+  }
+}
+
+void TCurvePainter::UseLinePen() {
+  if (tool_ == TTool::kLine) return;
+  tool_ = TTool::kLine;
+  painter_.setPen(LinePen(style_, area_.grid));
+}
+
+void TCurvePainter::UsePointPen() {
+  if (tool_ == TTool::kPoint) return;
+  if (tool_ == TTool::kNone) {
+    const TColor fill = style_.GetFillColor();
+    painter_.setBrush(fill.IsNone() ? QBrush(Qt::NoBrush) : QBrush(fill.ToQColor()));
+  }
+  tool_ = TTool::kPoint;
+  painter_.setPen(PointPen(style_, area_.grid));
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QRect>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "components/graphing/Linepath.h"
+#include "components/graphing/Linesinks.h"
+#include "components/graphing/Pixelscale.h"
+#include "components/graphing/Seriesstyle.h"
+#include "components/links/Objlists.h"
+
+class QPainter;
+
+/// Where a curve is drawn: the panel's rectangle and its mappings, all on one pixel grid.
+struct TPlotArea {
+  QRect rect;  ///< grid pixels
+  TPixelScale x;
+  TPixelScale y;
+  double grid = 1.0;  ///< steps per logical pixel
+};
+
+/// Grid steps per logical pixel that a painter's device can show: its device pixel ratio on screens
+/// and pictures, 8 in files that keep lines as lines.
+double DeviceGrid(const QPainter& painter);
+
+/// Draws the points of one curve as they are handed in: lines, markers or bars. Scales the painter
+/// to the grid until it is destroyed. Drawing is clipped by the caller.
+class TCurvePainter {
+ public:
+  TCurvePainter(QPainter& painter, const TSeriesStyle& style, const TPlotArea& area);
+  TCurvePainter(const TCurvePainter&) = delete;
+  TCurvePainter& operator=(const TCurvePainter&) = delete;
+  /// Draws what has been merged so far.
+  ~TCurvePainter();
+
+  /// The next points. One that is not finite makes a gap.
+  void Add(std::span<const TCoordinate> points);
+  /// The next point with the size of its bar.
+  void AddBar(const TCoordinate& point, const TCoordinate& extent) { AddMarked(point, extent); }
+
+ private:
+  void AddMarked(const TCoordinate& point, const TCoordinate& extent);
+  void DrawMarker(QPoint centre);
+  void DrawBar(const TCoordinate& point, const TCoordinate& extent);
+  void UseLinePen();
+  void UsePointPen();
+
+  QPainter& painter_;
+  const TSeriesStyle& style_;
+  const TPlotArea area_;
+
+  // Points without markers are merged.
+  std::unique_ptr<TLineSink> sink_;
+  std::optional<TLinePath> path_;
+
+  enum class TTool { kNone, kLine, kPoint };
+  TTool tool_ = TTool::kNone;  ///< which pen the painter has
+  bool isFirst_ = true;
+  bool hasPrevious_ = false;
+  bool previousMarked_ = false;
+  TPlace previous_;
+};

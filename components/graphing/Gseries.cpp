@@ -1,0 +1,239 @@
+#include "components/graphing/Gseries.h"
+
+#include <QJsonArray>
+#include <QPainter>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "components/graphing/Publishedrecord.h"
+
+namespace {
+
+constexpr std::size_t kBlock = 256;
+
+/// Calls `visit` with the points of a source, many at a time: their drawing keeps its state in
+/// registers, and the calls of the source do not wait for it.
+template <class Visit>
+void PullPoints(const TProvideGraphData& source, Visit visit) {
+  std::array<TCoordinate, kBlock> points;
+  TCoordinate extent;
+  int index = 0;
+  for (bool more = true; more;) {
+    std::size_t count = 0;
+    while (count < kBlock && (more = source(index, points[count], extent))) ++count;
+    visit(std::span<const TCoordinate>(points.data(), count));
+  }
+}
+
+/// The same for a source that gives blocks.
+template <class Visit>
+void PullBlocks(const TProvideGraphBlock& source, Visit visit) {
+  std::array<TCoordinate, kBlock> points;
+  int index = 0;
+  for (;;) {
+    const int count = std::min(source(index, points), static_cast<int>(kBlock));
+    if (count <= 0) return;
+    visit(std::span<const TCoordinate>(points.data(), static_cast<std::size_t>(count)));
+    index += count;
+  }
+}
+
+/// Calls `visit` with every point of a source and its extent.
+template <class Visit>
+void PullBars(const TProvideGraphData& source, Visit visit) {
+  TCoordinate point;
+  TCoordinate extent;
+  int index = 0;
+  while (source(index, point, extent)) {
+    visit(point, extent);
+    extent = {};
+  }
+}
+
+/// Widens a range by many values at once; those that are not finite do not count.
+class TBounds {
+ public:
+  void Add(double value) {
+    if (!std::isfinite(value)) return;
+    min_ = std::min(min_, value);
+    max_ = std::max(max_, value);
+  }
+  /// Empties the range and gives it the bounds.
+  void Fill(TRange& range) const {
+    range.SetReset(true);
+    if (min_ > max_) return;
+    range.GetBounds(min_);
+    range.GetBounds(max_);
+  }
+
+ private:
+  double min_ = std::numeric_limits<double>::infinity();
+  double max_ = -std::numeric_limits<double>::infinity();
+};
+
+}  // namespace
+
+TCustomGraphSeries::~TCustomGraphSeries() {
+  if (panel_) static_cast<void>(panel_->RemoveSeries(this).release());
+}
+
+void TCustomGraphSeries::SetLabel(const QString& label) {
+  if (label_ == label) return;
+  label_ = label;
+  Changed();
+}
+
+void TCustomGraphSeries::SetVisible(bool visible) {
+  if (visible_ == visible) return;
+  visible_ = visible;
+  Changed();
+}
+
+void TCustomGraphSeries::Changed() {
+  emit OnChange(this);
+  if (panel_) emit panel_->OnRepaint(panel_);
+}
+
+void TCustomGraphSeries::WriteSeries(QJsonObject& record) const { record = WritePublished(*this); }
+
+bool TCustomGraphSeries::ReadSeries(const QJsonObject& record, QString* error) {
+  return ReadPublished(record, *this, error);
+}
+
+bool TCustomGraphSeries::Grab(QPoint) { return false; }
+bool TCustomGraphSeries::Drag(QPoint) { return false; }
+
+void TCustomGraphSeries::AssignTo(TPersistent* destination) const {
+  auto* series = qobject_cast<TCustomGraphSeries*>(destination);
+  if (!series || series == this) return;
+  series->DataSource = DataSource;
+  CopyPublished(*this, *series);
+}
+
+bool TCustomGraphSeries::SameAs(const TPersistent* other) const {
+  return other && SamePublished(*this, *other);
+}
+
+TCustomDataSeries::TCustomDataSeries(std::unique_ptr<TBasicSeriesStyle> style, QObject* owner)
+    : TCustomGraphSeries(owner), style_(std::move(style)) {
+  connect(style_.get(), &TBasicSeriesStyle::OnChange, this, &TCustomDataSeries::Changed);
+}
+
+TSeries::TSeries(QObject* owner) : TCustomDataSeries(std::make_unique<TSeriesStyle>(this), owner) {}
+
+void TSeries::Draw(QPainter* painter) {
+  if (!Panel() || !DataSource || GetStyle()->IsInvisible()) return;
+  TCurvePainter curve(*painter, *GetStyle(), Panel()->PlotArea(DeviceGrid(*painter)));
+  const auto add = [&](std::span<const TCoordinate> points) { curve.Add(points); };
+  if (GetStyle()->IsBar()) {
+    PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
+      curve.AddBar(point, extent);
+    });
+  } else if (BlockSource) {
+    PullBlocks(BlockSource, add);
+  } else {
+    PullPoints(DataSource, add);
+  }
+}
+
+void TSeries::UpdateRangeX() {
+  if (!DataSource) return;
+  TBounds bounds;
+  const bool bar = GetStyle()->IsBar();
+  PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
+    bounds.Add(point.X);
+    if (bar) bounds.Add(point.X - extent.X);
+  });
+  bounds.Fill(rangeX_);
+}
+
+void TSeries::UpdateRangeY() {
+  if (!DataSource) return;
+  TBounds bounds;
+  const bool bar = GetStyle()->GetPointStyle() == TSeriesStyle::psYBar;
+  PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
+    bounds.Add(point.Y);
+    if (bar) bounds.Add(point.Y - extent.Y);
+  });
+  bounds.Fill(rangeY_);
+}
+
+TArraySeries::TArraySeries(int pointCount, QObject* owner)
+    : TCustomDataSeries(std::make_unique<TSeriesStyle>(this), owner),
+      points_(static_cast<std::size_t>(std::clamp(pointCount, 0, kMaxPoints))) {}
+
+TCoordinate TArraySeries::GetPoint(int index) const {
+  if (index < 0 || index >= PointCount()) return {};
+  return points_[static_cast<std::size_t>(index)];
+}
+
+void TArraySeries::SetPoint(int index, const TCoordinate& point) {
+  if (index >= 0 && index < PointCount()) points_[static_cast<std::size_t>(index)] = point;
+}
+
+void TArraySeries::Draw(QPainter* painter) {
+  if (!Panel() || GetStyle()->IsInvisible()) return;
+  TCurvePainter curve(*painter, *GetStyle(), Panel()->PlotArea(DeviceGrid(*painter)));
+  curve.Add(points_);
+}
+
+void TArraySeries::UpdateRangeX() {
+  TBounds bounds;
+  for (const TCoordinate& point : points_) bounds.Add(point.X);
+  bounds.Fill(rangeX_);
+}
+
+void TArraySeries::UpdateRangeY() {
+  TBounds bounds;
+  for (const TCoordinate& point : points_) bounds.Add(point.Y);
+  bounds.Fill(rangeY_);
+}
+
+void TArraySeries::WriteSeries(QJsonObject& record) const {
+  TCustomDataSeries::WriteSeries(record);
+  QJsonArray points;
+  for (const TCoordinate& point : points_) points.append(QJsonArray{point.X, point.Y});
+  record[QStringLiteral("Points")] = points;
+}
+
+bool TArraySeries::ReadSeries(const QJsonObject& record, QString* error) {
+  const auto refuse = [&](const QString& reason) {
+    if (error) *error = reason;
+    return false;
+  };
+  QJsonObject published = record;
+  const QJsonValue value = published.take(QStringLiteral("Points"));
+  const QJsonArray array = value.toArray();
+  if (!value.isArray() || array.size() > kMaxPoints) {
+    return refuse(
+        QStringLiteral("TArraySeries.Points is no list of at most %1 points").arg(kMaxPoints));
+  }
+  std::vector<TCoordinate> points;
+  points.reserve(static_cast<std::size_t>(array.size()));
+  const auto isNumber = [](const QJsonValue& v) { return v.isDouble() || v.isNull(); };
+  for (const QJsonValue& item : array) {
+    const QJsonArray pair = item.toArray();
+    if (pair.size() != 2 || !isNumber(pair[0]) || !isNumber(pair[1])) {
+      return refuse(
+          QStringLiteral("TArraySeries.Points[%1] is no pair of numbers").arg(points.size()));
+    }
+    constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
+    points.push_back({pair[0].toDouble(kGap), pair[1].toDouble(kGap)});
+  }
+  if (!TCustomDataSeries::ReadSeries(published, error)) return false;
+  points_ = std::move(points);
+  return true;
+}
+
+void TArraySeries::AssignTo(TPersistent* destination) const {
+  auto* series = qobject_cast<TArraySeries*>(destination);
+  if (series && series != this) series->points_ = points_;
+  TCustomDataSeries::AssignTo(destination);
+}
+
+bool TArraySeries::SameAs(const TPersistent* other) const {
+  const auto* series = qobject_cast<const TArraySeries*>(other);
+  return series && TCustomDataSeries::SameAs(other) && points_ == series->points_;
+}

@@ -1,0 +1,134 @@
+#include "components/graphing/Publishedrecord.h"
+
+#include <QMetaEnum>
+#include <QMetaProperty>
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "components/links/Propclasses.h"
+#include "model/Color.h"
+
+namespace {
+
+bool IsColor(const QMetaProperty& property) {
+  return property.metaType() == QMetaType::fromType<TColor>();
+}
+
+/// The sub-object behind a property; null for a plain value.
+TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property) {
+  return qobject_cast<TPersistent*>(property.read(&object).value<QObject*>());
+}
+
+template <class Visit>
+void ForEachPublished(const TPersistent& object, Visit visit) {
+  const QMetaObject* meta = object.metaObject();
+  for (int i = QObject::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
+    visit(meta->property(i));
+  }
+}
+
+QJsonValue ToJson(const QMetaProperty& property, const QVariant& value) {
+  if (property.isEnumType()) {
+    return QString::fromLatin1(property.enumerator().valueToKey(value.toInt()));
+  }
+  if (IsColor(property)) return value.value<TColor>().Value();
+  return QJsonValue::fromVariant(value);
+}
+
+std::optional<int> ToInt(const QJsonValue& value) {
+  const double number = value.toDouble(std::numeric_limits<double>::quiet_NaN());
+  if (!(number >= INT_MIN && number <= INT_MAX) || number != std::floor(number)) return {};
+  return static_cast<int>(number);
+}
+
+/// The value as the property has it; nothing if it is of another kind.
+QVariant FromJson(const QMetaProperty& property, const QJsonValue& value) {
+  if (property.isEnumType()) {
+    bool known = false;
+    const int key = property.enumerator().keyToValue(value.toString().toLatin1(), &known);
+    return known && value.isString() ? QVariant(key) : QVariant();
+  }
+  if (IsColor(property) || property.typeId() == QMetaType::Int) {
+    const std::optional<int> number = ToInt(value);
+    if (!number) return {};
+    return IsColor(property) ? QVariant::fromValue(TColor(*number)) : QVariant(*number);
+  }
+  const bool fits = (property.typeId() == QMetaType::Bool && value.isBool()) ||
+                    (property.typeId() == QMetaType::Double && value.isDouble()) ||
+                    (property.typeId() == QMetaType::QString && value.isString());
+  return fits ? value.toVariant() : QVariant();
+}
+
+bool Refuse(QString* error, const QString& reason) {
+  if (error) *error = reason;
+  return false;
+}
+
+bool ReadProperty(const QString& name, const QJsonValue& value, TPersistent& object,
+                  QString* error) {
+  const QMetaObject* meta = object.metaObject();
+  const QString fullName = QStringLiteral("%1.%2").arg(meta->className(), name);
+  const int index = meta->indexOfProperty(name.toLatin1());
+  if (index < QObject::staticMetaObject.propertyCount()) {
+    return Refuse(error, QStringLiteral("There is no property %1").arg(fullName));
+  }
+  const QMetaProperty property = meta->property(index);
+  if (TPersistent* sub = SubObject(object, property)) {
+    if (value.isObject()) return ReadPublished(value.toObject(), *sub, error);
+    return Refuse(error, QStringLiteral("%1 is no record").arg(fullName));
+  }
+  const QVariant wanted = FromJson(property, value);
+  if (!wanted.isValid()) {
+    return Refuse(error, QStringLiteral("%1 has a value of another kind").arg(fullName));
+  }
+  property.write(&object, wanted);
+  if (ToJson(property, property.read(&object)) == ToJson(property, wanted)) return true;
+  return Refuse(error, QStringLiteral("%1 does not take its value").arg(fullName));
+}
+
+}  // namespace
+
+QJsonObject WritePublished(const TPersistent& object) {
+  QJsonObject record;
+  ForEachPublished(object, [&](const QMetaProperty& property) {
+    const TPersistent* sub = SubObject(object, property);
+    record[QLatin1String(property.name())] =
+        sub ? QJsonValue(WritePublished(*sub)) : ToJson(property, property.read(&object));
+  });
+  return record;
+}
+
+bool ReadPublished(const QJsonObject& record, TPersistent& object, QString* error) {
+  for (auto it = record.begin(); it != record.end(); ++it) {
+    if (!ReadProperty(it.key(), it.value(), object, error)) return false;
+  }
+  return true;
+}
+
+void CopyPublished(const TPersistent& source, TPersistent& destination) {
+  ForEachPublished(source, [&](const QMetaProperty& property) {
+    const QMetaObject* meta = destination.metaObject();
+    const QMetaProperty target = meta->property(meta->indexOfProperty(property.name()));
+    if (!target.isValid()) return;
+    TPersistent* sub = SubObject(destination, target);
+    if (sub) {
+      sub->Assign(SubObject(source, property));
+    } else {
+      target.write(&destination, property.read(&source));
+    }
+  });
+}
+
+bool SamePublished(const TPersistent& a, const TPersistent& b) {
+  if (a.metaObject() != b.metaObject()) return false;
+  bool same = true;
+  ForEachPublished(a, [&](const QMetaProperty& property) {
+    const TPersistent* sub = SubObject(a, property);
+    same =
+        same && (sub ? sub->SameAs(SubObject(b, property))
+                     : ToJson(property, property.read(&a)) == ToJson(property, property.read(&b)));
+  });
+  return same;
+}
