@@ -15,6 +15,20 @@ constexpr int kLargestTick = 1000;       ///< pixels
 constexpr int kLabelGap = 4;             ///< pixels between two labels of a horizontal axis
 constexpr std::size_t kMostTexts = 256;  ///< kept per axis; a moving axis leaves old ones behind
 
+/// Height of a line of text with a pixel of air above and below, which keeps labels, titles and the
+/// frame of the graph apart.
+constexpr int kAir = 1;
+int TextHeight(const QFontMetrics& metrics) { return metrics.height() + 2 * kAir; }
+
+/// Base line of such a line of text.
+int BaseLine(const QFontMetrics& metrics) { return kAir + metrics.ascent(); }
+
+/// Where a text of `width` that should begin at `x` begins within the axis's bounds.
+int InBounds(const TAxis& axis, int x, int width) {
+  const QRect bounds = axis.Bounds();
+  return bounds.isEmpty() ? x : std::min(x, bounds.right() + 1 - width);
+}
+
 const QFont& DefaultFont() {
   static const QFont font(QStringLiteral("Arial"), 8);
   return font;
@@ -258,7 +272,7 @@ void TTickLabel::CalculateOverlap() {
   overlap_ = QMargins();
   const TTick& ticks = *axis_->GetMajorTick();
   if (pos_ == lpNone || ticks.GetPos() == TTick::tpNone) return;
-  const int height = metrics_.height();
+  const int height = TextHeight(metrics_);
   if (axis_->GetOrientation() == TAxis::aoHorizontal) {
     overlap_ = RoomOn(axis_->GetAlign(), height);
     return;
@@ -274,13 +288,12 @@ void TTickLabel::CalculateOverlap() {
 bool TTickLabel::Draw(QPainter& painter, QPoint anchor, double value, QPoint& last) const {
   const TText& text = Text(value);
   const int width = text.width;
-  const int height = metrics_.height();
+  const int height = TextHeight(metrics_);
   QPoint corner = anchor;
   if (axis_->GetOrientation() == TAxis::aoHorizontal) {
     corner.rx() -= width / 2;
     if (axis_->GetAlign() == TAxis::alTop) corner.ry() -= height;
-    const QRect bounds = axis_->Bounds();
-    if (!bounds.isEmpty()) corner.setX(std::min(corner.x(), bounds.right() + 1 - width));
+    corner.setX(InBounds(*axis_, corner.x(), width));
     if (corner.x() < last.x()) return false;
     last.setX(corner.x() + width + kLabelGap);
   } else {
@@ -291,7 +304,7 @@ bool TTickLabel::Draw(QPainter& painter, QPoint anchor, double value, QPoint& la
   }
   painter.setFont(plotFont_);
   painter.setPen(fontColor_.ToQColor());
-  painter.drawText(corner + QPoint(0, metrics_.ascent()), text.text);
+  painter.drawText(corner + QPoint(0, BaseLine(metrics_)), text.text);
   return true;
 }
 
@@ -359,7 +372,7 @@ const QString& TAxisTitle::Text() const {
 }
 
 void TAxisTitle::CalculateOverlap() {
-  overlap_ = RoomOn(axis_->GetAlign(), pos_ == tiNone ? 0 : metrics_.height());
+  overlap_ = RoomOn(axis_->GetAlign(), pos_ == tiNone ? 0 : TextHeight(metrics_));
 }
 
 void TAxisTitle::Draw(QPainter& painter) const {
@@ -376,11 +389,13 @@ void TAxisTitle::Draw(QPainter& painter) const {
 
 void TAxisTitle::DrawHorizontal(QPainter& painter, int distance) const {
   const QRect plot = axis_->ClientRect();
-  const int free = plot.width() - metrics_.horizontalAdvance(Text());
-  const int x = plot.left() + (pos_ == tiLeft ? 0 : pos_ == tiRight ? free : free / 2);
-  const int y = axis_->GetAlign() == TAxis::alTop ? plot.top() - distance - metrics_.height()
+  const int length = metrics_.horizontalAdvance(Text());
+  const int free = plot.width() - length;
+  const int offset = pos_ == tiLeft ? 0 : pos_ == tiRight ? free : free / 2;
+  const int x = InBounds(*axis_, plot.left() + offset, length);
+  const int y = axis_->GetAlign() == TAxis::alTop ? plot.top() - distance - TextHeight(metrics_)
                                                   : plot.top() + plot.height() + distance;
-  painter.drawText(QPoint(x, y + metrics_.ascent()), Text());
+  painter.drawText(QPoint(x, y + BaseLine(metrics_)), Text());
 }
 
 void TAxisTitle::DrawVertical(QPainter& painter, int distance) const {
@@ -389,10 +404,10 @@ void TAxisTitle::DrawVertical(QPainter& painter, int distance) const {
   const int free = plot.height() - length;
   const int top = plot.top() + (pos_ == tiLeft ? free : pos_ == tiRight ? 0 : free / 2);
   if (axis_->GetAlign() == TAxis::alRight) {  // reads downwards
-    const int right = plot.left() + plot.width() + distance + metrics_.height();
+    const int right = plot.left() + plot.width() + distance + TextHeight(metrics_) - kAir;
     RotateText(painter, QPointF(right, top), -90.0, Text());
   } else {  // reads upwards
-    const int left = plot.left() - distance - metrics_.height();
+    const int left = plot.left() - distance - TextHeight(metrics_) + kAir;
     RotateText(painter, QPointF(left, top + length), 90.0, Text());
   }
 }

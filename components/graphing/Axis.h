@@ -299,7 +299,8 @@ class TAxis : public TPersistent {
   void SetFixedOrigin(bool fixed);
   QRect Origin() const { return origin_; }
   void SetOrigin(const QRect& rect);
-  /// The area a label may not leave on the right, where it is moved left instead of being cut off.
+  /// The area that labels and title may not leave on the right, where they move left instead of
+  /// being cut off.
   /// Empty: no such limit.
   void SetBounds(const QRect& bounds) { bounds_ = bounds; }
   QRect Bounds() const { return bounds_; }

@@ -75,6 +75,10 @@ TTickChoice TicksOfStep(TBounds range, double step) {
   ticks.Start = WholeSteps(range.Min, step, down) * step + 0.0;
   ticks.End = WholeSteps(range.Max, step, up) * step + 0.0;
   if (!(ticks.End > ticks.Start)) ticks.End = ticks.Start + step;
+  if (!(ticks.End > ticks.Start)) {  // steps finer than the numbers can tell apart
+    ticks.Start = range.Min;
+    ticks.End = range.Max;
+  }
   ticks.MajorCount = std::max(1, static_cast<int>(std::lround((ticks.End - ticks.Start) / step)));
   ticks.MinorCount = ticks.MajorCount * (ticks.MajorCount < 5 ? 10 : ticks.MajorCount < 10 ? 5 : 2);
   return ticks;

@@ -1,0 +1,246 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "components/graphing/Axis.h"
+#include "components/graphing/Tickrules.h"
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kSecond = 1.0 / 86400.0;
+
+/// An axis that asks for `min` and `max`, as its graph's data would give them.
+void ShowRange(TAxis& axis, TAxis::TAxisScale scale, double min, double max) {
+  axis.SetScale(scale);
+  axis.OnQueryRange = [=](double& low, double& high) {
+    low = min;
+    high = max;
+  };
+  axis.AutoScale();
+}
+
+void ExpectTicks(const TAxis& axis, double start, double end, int major, int minor) {
+  EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Start(), start);
+  EXPECT_DOUBLE_EQ(axis.GetMajorTick()->End(), end);
+  EXPECT_EQ(axis.GetMajorTick()->Count(), major);
+  EXPECT_DOUBLE_EQ(axis.GetMinorTick()->Start(), start);
+  EXPECT_DOUBLE_EQ(axis.GetMinorTick()->End(), end);
+  EXPECT_EQ(axis.GetMinorTick()->Count(), minor);
+  EXPECT_DOUBLE_EQ(axis.WorkingMin(), start) << "the drawn range ends on ticks";
+  EXPECT_DOUBLE_EQ(axis.WorkingMax(), end);
+}
+
+TEST(AxisTicks, OfALinearAxisAreRoundNumbers) {
+  const struct {
+    double min, max, start, end;
+    int major, minor;
+  } cases[] = {
+      {0, 1, 0, 1, 10, 20},                  // exactly one decade: steps of 0.1
+      {0, 2, 0, 2, 10, 20},                  // exactly two: steps of 0.2
+      {0, 2.5, 0, 3, 3, 30},                 // more: steps of 1
+      {0, 1.01, 0, 1.2, 6, 30},              // just above one: steps of 0.2
+      {0, 9.9, 0, 10, 10, 20},               //
+      {0.3, 1.3, 0.3, 1.3, 10, 20},          // 0.3 / 0.1 is 2.9999999999999996
+      {0.6, 0.8, 0.6, 0.8, 10, 20},          // 0.8 - 0.6 is a little more than 0.2
+      {-0.35, 0.72, -0.4, 0.8, 6, 30},       // across zero
+      {-7, -3, -7, -3, 4, 40},               // negative
+      {1e-9, 3e-9, 1e-9, 3e-9, 10, 20},      // tiny
+      {1.1e6, 9.8e6, 1e6, 1e7, 9, 45},       // huge
+      {1e6, 1e6 + 1, 1e6, 1e6 + 1, 10, 20},  // far from zero
+      {0, 0, -1, 1, 10, 20},                 // empty at zero: 1 on both sides
+      {350, 350, 240, 460, 11, 22},          // empty: becomes 250..450 with steps of 20
+      {-350, -350, -460, -240, 11, 22},      //
+      {5, 2, 4, 6, 10, 20},                  // collapses onto the minimum, then widens
+      {1, 1 + 2.220446049250313e-16, 1, 1 + 2.220446049250313e-16, 2,
+       20},                                    // one ulp: steps of 1e-16
+      {1e-320, 2e-320, 0, 1e-300, 1, 10},      // too narrow for a step: part of the smallest
+      {0, 3e-300, 0, 3e-300, 3, 30},           //
+      {-kInf, kInf, -5e307, 5e307, 10, 20},    // cut where the width is finite
+      {0, kInf, 0, 5e307, 5, 25},              //
+      {1e308, 1.1e308, 4e307, 6e307, 10, 20},  // beyond the cut: empty there
+      {kNan, kNan, 0, 1, 10, 20},              // says nothing
+      {kNan, 7, 6, 8, 10, 20},                 // only the other bound counts: 7..7
+      {7, kNan, 6, 8, 10, 20},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
+    TAxis axis;
+    ShowRange(axis, TAxis::asLinear, c.min, c.max);
+    ExpectTicks(axis, c.start, c.end, c.major, c.minor);
+  }
+}
+
+TEST(AxisTicks, OfALogarithmicAxisAreWholeDecades) {
+  const struct {
+    double min, max, start, end;
+    int decades;
+  } cases[] = {
+      {3, 70, 1, 100, 2},
+      {1, 1000, 1, 1000, 3},        // already whole
+      {0.002, 5, 0.001, 10, 4},     //
+      {0, 50, 1e-6, 100, 8},        // a minimum of zero
+      {-5, -2, 1e-6, 1e-5, 1},      // nothing positive at all
+      {10, 10, 1, 10, 1},           // empty: a decade below
+      {100, 1, 10, 100, 1},         // collapses onto the minimum
+      {1, kInf, 1, 1e300, 300},     //
+      {1e-320, 1, 1e-300, 1, 300},  //
+      {-kInf, kInf, 1e-6, 1e300, 306},
+      {kNan, kNan, 1e-6, 1, 6},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
+    TAxis axis;
+    ShowRange(axis, TAxis::asLog, c.min, c.max);
+    ExpectTicks(axis, c.start, c.end, c.decades, c.decades);
+  }
+}
+
+TEST(AxisTicks, OfATimeAxisClimbALadderOfCalendarUnits) {
+  constexpr double kDay = 36500.0;  // 6 December 1999; 100 steps of 365 days, 10 of 3650
+  const struct {
+    double days, step;
+    int major, minor;
+    const char* label;
+    const char* title;
+  } cases[] = {
+      {0.010 * kSecond, 0.001 * kSecond, 10, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
+      {0.011 * kSecond, 0.01 * kSecond, 2, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
+      {0.1 * kSecond, 0.01 * kSecond, 10, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
+      {1 * kSecond, 0.1 * kSecond, 10, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
+      {10 * kSecond, 1 * kSecond, 10, 20, "s", "Date Time : 06:12:1999 00:00:sec"},
+      {11 * kSecond, 10 * kSecond, 2, 20, "s", "Date Time : 06:12:1999 00:00:sec"},
+      {45 * kSecond, 10 * kSecond, 5, 25, "s", "Date Time : 06:12:1999 00:00:sec"},
+      {60 * kSecond, 10 * kSecond, 6, 30, "s", "Date Time : 06:12:1999 00:00:sec"},
+      {600 * kSecond, 60 * kSecond, 10, 20, "hh:nn", "Date Time : 06:12:1999 hour:min"},
+      {3600 * kSecond, 600 * kSecond, 6, 30, "hh:nn", "Date Time : 06:12:1999 hour:min"},
+      {1, 3600 * kSecond, 24, 48, "hh:nn", "Date Time : 06:12:1999 hour:min"},
+      {30, 1, 30, 60, "dd", "Date : day:12:1999"},
+      {365, 30, 13, 26, "mm", "Date : month:1999"},
+      {3650, 365, 10, 20, "yyyy", "Time [years]"},
+      {36500, 3650, 10, 20, "yyyy", "Time [years]"},
+      {36501, 36500, 2, 20, "yyyy", "Time [years]"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.days << " days");
+    TAxis axis;
+    ShowRange(axis, TAxis::asTime, kDay, kDay + c.days);
+    const TTick& major = *axis.GetMajorTick();
+    EXPECT_EQ(major.Count(), c.major);
+    EXPECT_EQ(axis.GetMinorTick()->Count(), c.minor);
+    EXPECT_NEAR((major.End() - major.Start()) / c.step, c.major, 0.01);
+    EXPECT_LE(major.Start(), kDay + 1e-11);
+    EXPECT_GE(major.End(), kDay + c.days - 1e-11);
+    EXPECT_EQ(axis.GetLabel()->GetNumFormat()->GetTimeFormatStr(), c.label);
+    EXPECT_EQ(axis.GetTitle()->Text(), c.title);
+    EXPECT_EQ(axis.TimeOrigin().Days(), axis.WorkingMin());
+  }
+}
+
+TEST(AxisTicks, OfATimeAxisSurviveRangesWithoutACalendar) {
+  const struct {
+    double min, max, start, end;
+    int major;
+  } cases[] = {
+      {36526.3, 36526.3, 36526, 36527, 24},  // empty: its whole day
+      {36526, 36526, 36526, 36527, 24},      // empty at midnight: the day that begins
+      {-kInf, kInf, -693500, 2956500, 100},  // years 1 to 9994
+      {1e300, 1e308, 2956500, 2956501, 24},  // behind the calendar
+      {36527, 36526, 36527, 36528, 24},      // collapses onto the minimum
+      {kNan, kNan, 0, 1, 24},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
+    TAxis axis;
+    ShowRange(axis, TAxis::asTime, c.min, c.max);
+    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Start(), c.start);
+    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->End(), c.end);
+    EXPECT_EQ(axis.GetMajorTick()->Count(), c.major);
+  }
+}
+
+/// A double of any magnitude, sign and kind.
+double AnyDouble(std::mt19937_64& random) {
+  const std::uint64_t bits = random();
+  double value;
+  std::memcpy(&value, &bits, sizeof value);
+  return value;
+}
+
+TEST(AxisTicks, AreFewAndFiniteWhateverTheRange) {
+  std::mt19937_64 random(7);
+  TAxis axis;
+  for (int i = 0; i < 30000; ++i) {
+    const auto scale = static_cast<TAxis::TAxisScale>(i % 3);
+    const double min = AnyDouble(random);
+    double max = AnyDouble(random);
+    if (i % 2) max = std::nextafter(min, i % 4 == 1 ? kInf : -kInf);
+    ShowRange(axis, scale, min, max);
+    const TTick& major = *axis.GetMajorTick();
+    SCOPED_TRACE(testing::Message() << "scale " << scale << ": " << min << " .. " << max);
+    ASSERT_TRUE(std::isfinite(major.Start()) && std::isfinite(major.End()));
+    ASSERT_LT(major.Start(), major.End());
+    ASSERT_GE(major.Count(), 1);
+    ASSERT_LE(major.Count(), scale == TAxis::asLog ? 600 : 101);
+    ASSERT_LE(axis.GetMinorTick()->Count(), 600);
+    ASSERT_FALSE(std::isnan(axis.ScaleFactor()));
+  }
+}
+
+TEST(AxisTicks, HoldTheWholeRangeOfOrdinaryData) {
+  std::mt19937_64 random(8);
+  std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
+  std::uniform_int_distribution<int> exponent(-40, 40);
+  TAxis axis;
+  for (int i = 0; i < 30000; ++i) {
+    const double scale = std::pow(10.0, exponent(random));
+    double min = mantissa(random) * scale;
+    double max = mantissa(random) * scale;
+    if (min > max) std::swap(min, max);
+    ShowRange(axis, TAxis::asLinear, min, max);
+    const TTick& major = *axis.GetMajorTick();
+    const double step = (major.End() - major.Start()) / major.Count();
+    SCOPED_TRACE(testing::Message() << min << " .. " << max);
+    ASSERT_LE(major.Start(), min + 1e-8 * step);
+    ASSERT_GE(major.End(), max - 1e-8 * step);
+    ASSERT_GT(major.Start(), min - 1.01 * step) << "not a whole step too far";
+    ASSERT_LT(major.End(), max + 1.01 * step);
+    ASSERT_LE(major.Count(), 11);
+    ASSERT_GE(major.Count(), 2);
+  }
+}
+
+TEST(AxisTicks, HaveTheValueZeroWhereTheyCrossIt) {
+  TAxis axis;
+  ShowRange(axis, TAxis::asLinear, -0.3, 0.7);
+  EXPECT_EQ(axis.GetMajorTick()->Value(3), 0.0);
+  EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Value(4), 0.1);
+}
+
+TEST(AxisTicks, OfARangeThatIsDrawnAlreadyStay) {
+  TAxis axis;
+  ShowRange(axis, TAxis::asLinear, 0.95, 10.85);
+  ExpectTicks(axis, 0, 11, 11, 22);
+  ShowRange(axis, TAxis::asLinear, 0, 11);  // chosen anew this would be 0..12
+  ExpectTicks(axis, 0, 11, 11, 22);
+  ShowRange(axis, TAxis::asLinear, 0, 11.5);
+  ExpectTicks(axis, 0, 12, 6, 30);
+}
+
+TEST(AxisTicks, OfAFixedBoundStartFromItsValueOnEveryScale) {
+  TAxis axis;
+  axis.SetAutoMin(false);
+  axis.SetMin(0.1);
+  ShowRange(axis, TAxis::asLinear, -50, 90);
+  EXPECT_EQ(axis.WorkingMin(), 0.0);
+  axis.SetScale(TAxis::asLog);
+  axis.AutoScale();
+  EXPECT_DOUBLE_EQ(axis.WorkingMin(), 0.1)
+      << "not 1e-6, which the 0 of the linear ticks would give";
+  EXPECT_DOUBLE_EQ(axis.WorkingMax(), 100.0);
+}
+
+}  // namespace
