@@ -232,6 +232,7 @@ void TKorvalGraph::RedrawGraph(QObject*) { Replay(); }
 
 void TKorvalGraph::Draw(QPainter& painter) {
   Resize();
+  painter.setFont(PlotFont(QFont(QStringLiteral("Arial"), 8)));  // of what has no font of its own
   if (!color_.IsNone()) painter.fillRect(rect(), color_.ToQColor());
   DrawFrame(painter);
   dataPanel_->Draw(&painter);
