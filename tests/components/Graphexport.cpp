@@ -1,0 +1,109 @@
+#include "components/graphing/Graphexport.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QMenu>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSvgRenderer>
+
+#include "components/graphing/Graph.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+/// A graph with a grey plot on yellow, its picture easily told apart.
+class GraphExport : public testing::Test {
+ protected:
+  GraphExport() {
+    graph.resize(300, 200);
+    graph.SetColor(TColor::Yellow());
+    graph.GetDataPanel()->SetFillColor(TColor::FromRgb(60, 60, 60));
+    graph.Replay();
+  }
+
+  /// The picture shows the same areas as the graph itself, whatever its size.
+  void ExpectAreas(const QImage& picture) {
+    const auto at = [&](int x, int y) {
+      return picture.pixelColor(x * picture.width() / 300, y * picture.height() / 200);
+    };
+    const QRect plot = graph.PlotRect();
+    EXPECT_EQ(at(plot.left() + 20, plot.top() + 20), QColor(60, 60, 60));
+    EXPECT_EQ(at(plot.right() - 20, plot.bottom() - 20), QColor(60, 60, 60));
+    EXPECT_EQ(at(plot.left() - 30, plot.bottom() + 20), QColor(255, 255, 0));
+    EXPECT_EQ(at(plot.right() - 20, 3), QColor(255, 255, 0));
+  }
+
+  TKorvalGraph graph;
+};
+
+TEST_F(GraphExport, WritesPngAtTheRatioAskedFor) {
+  const QImage picture = QImage::fromData(GraphToBytes(graph, TGraphFile::kPng, 3.0), "PNG");
+  EXPECT_EQ(picture.size(), QSize(900, 600));
+  ExpectAreas(picture);
+}
+
+TEST_F(GraphExport, WritesSvgThatShowsTheSame) {
+  const QByteArray bytes = GraphToBytes(graph, TGraphFile::kSvg);
+  EXPECT_TRUE(bytes.contains("viewBox=\"0 0 300 200\"")) << bytes.left(400).toStdString();
+  EXPECT_TRUE(bytes.contains(">X-axis<")) << "texts stay texts";
+  QSvgRenderer renderer(bytes);
+  ASSERT_TRUE(renderer.isValid());
+  QImage picture(600, 400, QImage::Format_RGB32);
+  QPainter painter(&picture);
+  renderer.render(&painter);
+  ExpectAreas(picture);
+}
+
+TEST_F(GraphExport, WritesPdfOfTheGraphsSize) {
+  const QByteArray bytes = GraphToBytes(graph, TGraphFile::kPdf);
+  EXPECT_TRUE(bytes.startsWith("%PDF-"));
+  EXPECT_TRUE(bytes.contains("/MediaBox [0 0 225.000000 150.000000]"))  // 300 x 200 at 96 per inch
+      << bytes.mid(bytes.indexOf("/MediaBox"), 60).toStdString();
+}
+
+TEST_F(GraphExport, SavesByTheEndingOfTheName) {
+  const struct {
+    const char* name;
+    const char* begins;
+  } cases[] = {{"a.png", "\x89PNG"}, {"b.SVG", "<?xml"}, {"c.pdf", "%PDF"}};
+  for (const auto& c : cases) {
+    const QString name = TestFolder() + '/' + c.name;
+    QString message;
+    EXPECT_TRUE(SaveGraph(graph, name, &message)) << message.toStdString();
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().startsWith(c.begins)) << c.name;
+  }
+}
+
+TEST_F(GraphExport, SaysWhyItCannotSave) {
+  QString message;
+  EXPECT_FALSE(SaveGraph(graph, "graph.bmp", &message));
+  EXPECT_EQ(message, "Cannot write graph.bmp: its name must end in .png, .svg or .pdf");
+  const QString lost = TestFolder() + "/missing/graph.png";
+  EXPECT_FALSE(SaveGraph(graph, lost, &message));
+  EXPECT_EQ(message, "Cannot write " + lost + ": No such file or directory");
+}
+
+TEST_F(GraphExport, PrintsAsLargeAsThePageAllows) {
+  const QString name = TestFolder() + "/page.pdf";
+  QPdfWriter page(name);
+  page.setPageSize(QPageSize(QPageSize::A4));
+  EXPECT_TRUE(PrintGraph(graph, page));
+  QFile file(name);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(file.readAll().contains("/MediaBox [0 0 595"));
+}
+
+TEST_F(GraphExport, OffersItselfInAMenu) {
+  AddExportActions(graph);
+  QStringList texts;
+  for (const QAction* action : graph.actions()) texts << action->text();
+  EXPECT_EQ(texts, QStringList({"&Copy", "&Save as...", "&Print...", "Show c&oordinates"}));
+  graph.actions().last()->trigger();
+  EXPECT_TRUE(graph.GetShowCoordinates());
+}
+
+}  // namespace
