@@ -4,8 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "tests/support/Pictures.h"
 #include "tests/support/Testsupport.h"
-#include "tests/viewer/Glimages.h"
 #include "tests/viewer/Glreference.h"
 #include "viewer/Offscreengl.h"
 #include "viewer/Picture.h"

@@ -1,4 +1,4 @@
-#include "tests/viewer/Glimages.h"
+#include "tests/support/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -38,11 +38,12 @@ QImage Difference(const QImage& a, const QImage& b) {
 
 }  // namespace
 
-void ExpectSamePicture(const QImage& actual, const QImage& expected, const std::string& name) {
+void ExpectSamePicture(const QImage& actual, const QImage& expected, const std::string& name,
+                       int perMille) {
   ASSERT_FALSE(actual.isNull());
   ASSERT_EQ(actual.size(), expected.size());
   const int off = CountOff(actual, expected);
-  const int allowed = actual.width() * actual.height() / 1000;
+  const int allowed = actual.width() * actual.height() / 1000 * perMille;
   EXPECT_LE(off, allowed) << name;
   if (off <= allowed && !std::getenv("VELMORA_KEEP_PICTURES")) return;
   const QString folder = QStringLiteral(VELMORA_BINARY_DIR "/pictures/");

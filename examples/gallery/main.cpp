@@ -1,0 +1,41 @@
+// Shows one graph of each kind. With --render OUT.png it draws them into a file instead, without a
+// window or a display.
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "examples/gallery/Gallery.h"
+
+int main(int argc, char** argv) {
+  const bool renders = std::any_of(argv + 1, argv + argc, [](const char* argument) {
+    return std::strncmp(argument, "--render", 8) == 0;
+  });
+  if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
+  QApplication application(argc, argv);
+
+  QCommandLineParser parser;
+  parser.setApplicationDescription(QStringLiteral("One graph of each kind."));
+  parser.addHelpOption();
+  const QCommandLineOption render(QStringLiteral("render"), QStringLiteral("Draw into a PNG file."),
+                                  QStringLiteral("file"));
+  const QCommandLineOption ratio(QStringLiteral("ratio"),
+                                 QStringLiteral("Device pixels to a logical one, 1 to 4."),
+                                 QStringLiteral("number"), QStringLiteral("1"));
+  parser.addOptions({render, ratio});
+  parser.process(application);
+
+  TGallery gallery;
+  if (!parser.isSet(render)) {
+    gallery.show();
+    return application.exec();
+  }
+  const double scale = std::clamp(parser.value(ratio).toDouble(), 1.0, 4.0);
+  if (gallery.Render(scale).save(parser.value(render), "PNG")) return 0;
+  std::fprintf(stderr, "Cannot write %s\n", qPrintable(parser.value(render)));
+  return 1;
+}
