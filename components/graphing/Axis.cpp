@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kLargestTick = 1000;       ///< pixels
 constexpr int kLabelGap = 4;             ///< pixels between two labels of a horizontal axis
+constexpr int kLabelDistance = 2;        ///< pixels between a vertical axis's tick and its label
 constexpr std::size_t kMostTexts = 256;  ///< kept per axis; a moving axis leaves old ones behind
 
 /// Height of a line of text with a pixel of air above and below, which keeps labels, titles and the
@@ -282,7 +283,8 @@ void TTickLabel::CalculateOverlap() {
   for (int i = 0; i <= ticks.Count(); i += step) {
     width = std::max(width, Text(ticks.Value(i)).width);
   }
-  overlap_ = RoomOn(axis_->GetAlign(), width) + QMargins(0, height / 2, 0, height / 2);
+  overlap_ =
+      RoomOn(axis_->GetAlign(), width + kLabelDistance) + QMargins(0, height / 2, 0, height / 2);
 }
 
 bool TTickLabel::Draw(QPainter& painter, QPoint anchor, double value, QPoint& last) const {
@@ -299,7 +301,7 @@ bool TTickLabel::Draw(QPainter& painter, QPoint anchor, double value, QPoint& la
   } else {
     corner.ry() -= height / 2;
     if (corner.y() > last.y() - height) return false;
-    corner.rx() += axis_->GetAlign() == TAxis::alRight ? 2 : -width - 1;
+    corner.rx() += axis_->GetAlign() == TAxis::alRight ? kLabelDistance : -width - 1;
     last.setY(corner.y());
   }
   painter.setFont(plotFont_);

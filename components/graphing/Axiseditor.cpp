@@ -54,11 +54,11 @@ TAxisEditor::TAxisEditor(TAxis& axis, QWidget* parent) : QDialog(parent), axis_(
   left->addWidget(TitleGroup());
   left->addWidget(RangeGroup());
   left->addWidget(TickGroup(tr("Major ticks"), *axis_.GetMajorTick()));
-  left->addWidget(TickGroup(tr("Minor ticks"), *axis_.GetMinorTick()));
   left->addStretch();
   auto* right = new QVBoxLayout;
   right->addWidget(LabelGroup());
   right->addWidget(FormatGroup());
+  right->addWidget(TickGroup(tr("Minor ticks"), *axis_.GetMinorTick()));
   right->addStretch();
   auto* columns = new QHBoxLayout;
   columns->addLayout(left, 1);
@@ -113,7 +113,7 @@ QWidget* TAxisEditor::TitleGroup() {
 }
 
 QWidget* TAxisEditor::RangeGroup() {
-  auto* group = new QGroupBox(tr("Axis"));
+  auto* group = new QGroupBox(tr("Range"));
   auto* form = new QFormLayout(group);
   AddChoice<TAxis::TAxisScale>(
       form, QStringLiteral("Scale"), tr("Scale"), {tr("Linear"), tr("Logarithmic"), tr("Time")},
@@ -268,6 +268,7 @@ QWidget* TAxisEditor::Bound(const QString& name, std::function<double()> get,
   layout->setContentsMargins(0, 0, 0, 0);
   auto* edit = new QLineEdit;
   edit->setObjectName(name);
+  edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance(TimePattern()) + 16);
   auto* automatic = new QCheckBox(tr("Automatic"));
   automatic->setObjectName(QStringLiteral("Auto") + name);
   layout->addWidget(edit, 1);

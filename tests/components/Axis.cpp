@@ -246,9 +246,9 @@ TEST(Axis, NeedsRoomForTicksLabelsAndTitle) {
     TAxis::TAxisAlign align;
     QMargins overlap;
   } cases[] = {
-      {TAxis::alLeft, QMargins(4 + w + h, 0, 0, 0) + ends},
+      {TAxis::alLeft, QMargins(4 + w + 2 + h, 0, 0, 0) + ends},
       {TAxis::alTop, {0, 4 + h + h, 0, 0}},
-      {TAxis::alRight, QMargins(0, 0, 4 + w + h, 0) + ends},
+      {TAxis::alRight, QMargins(0, 0, 4 + w + 2 + h, 0) + ends},
       {TAxis::alBottom, {0, 0, 0, 4 + h + h}},
   };
   for (const auto& c : cases) {
@@ -276,7 +276,7 @@ TEST(Axis, PlacesTheTitleAlongTheAxis) {
   const int w = LabelMetrics().horizontalAdvance("Title");
   const int h = LabelHeight();
   const int below = 241 + 4 + h;
-  const int beside = 60 - 4 - LabelMetrics().horizontalAdvance("0.5") - h;
+  const int beside = 60 - 4 - 2 - LabelMetrics().horizontalAdvance("0.5") - h;
   const struct {
     TAxisTitle::TTitlePos pos;
     QRect horizontal, vertical;
