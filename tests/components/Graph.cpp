@@ -198,7 +198,8 @@ TEST_F(GraphTest, PaintsBackgroundFrameSeriesAndAxesInThisOrder) {
 TEST_F(GraphTest, ShowsInItsWindowWhatItDraws) {
   AddSlider(40, 60);
   Settle();
-  EXPECT_EQ(graph.grab().toImage().convertToFormat(QImage::Format_RGB32), graph.Picture());
+  EXPECT_EQ(graph.grab().toImage().convertToFormat(QImage::Format_RGB32),
+            graph.Picture(graph.devicePixelRatioF()));
 }
 
 TEST_F(GraphTest, DrawsSharplyAtTwiceThePixels) {
@@ -355,7 +356,7 @@ TEST_F(GraphTest, TellsTheValuesUnderTheMouse) {
 TEST_F(GraphTest, CopiesItsPictureToTheClipboard) {
   graph.CopyToClipboardAsBitmap();
   EXPECT_EQ(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
-            graph.Picture());
+            graph.Picture(graph.devicePixelRatioF()));
 }
 
 TEST_F(GraphTest, CopiesSizeAxesAndPanelIntoAnother) {
