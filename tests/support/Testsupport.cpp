@@ -18,6 +18,8 @@ std::unique_ptr<QTemporaryDir> folder;
 void TakeQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   fprintf(stderr, "%s\n", qPrintable(text));
   if (type == QtDebugMsg || type == QtInfoMsg) return;
+  // The offscreen platform says so of every tool window; there is nothing to raise it over.
+  if (text == QStringLiteral("This plugin does not support raise()")) return;
   for (qsizetype i = 0; i < expectedWarnings.size(); ++i) {
     if (!text.contains(expectedWarnings[i])) continue;
     expectedWarnings.removeAt(i);

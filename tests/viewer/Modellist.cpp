@@ -26,7 +26,8 @@ class Modellist : public testing::Test {
 
   void Load(const QByteArray& text, const QString& checked) {
     legend.Data.CheckedLabels = checked;
-    EXPECT_TRUE(legend.LoadFromFile(WriteTestFile("a.dat", text), model).Ok());
+    const TLoadReport report = legend.LoadFromFile(WriteTestFile("a.dat", text), model);
+    EXPECT_EQ(report.Ok(), !text.isEmpty()) << report.Sentence("a.dat").toStdString();
   }
   QString Selected() const {
     QString text;
