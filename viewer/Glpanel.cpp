@@ -63,13 +63,17 @@ bool TGLPanel::CreateGLContext() {
     return false;
   }
   context_ = std::move(context);
+  rendererName_ = QString::fromLatin1(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
   glEnable(GL_DEPTH_TEST);
   emit OnInit(this);
   context_->doneCurrent();
   return true;
 }
 
-void TGLPanel::DestroyGLContext() { context_.reset(); }
+void TGLPanel::DestroyGLContext() {
+  context_.reset();
+  rendererName_.clear();
+}
 
 TSceneRenderer::TResolver TGLPanel::Resolver() const {
   return [context = context_.get()](const char* name) { return context->getProcAddress(name); };

@@ -2,7 +2,6 @@
 
 #include <QImage>
 #include <QWidget>
-
 #include <memory>
 
 #include "viewer/Scenerenderer.h"
@@ -61,6 +60,8 @@ class TGLPanel : public QWidget {
   bool CreateGLContext();
   void DestroyGLContext();
   bool HasContext() const { return context_ != nullptr; }
+  /// What OpenGL calls the machine that draws; empty without a context.
+  const QString& RendererName() const { return rendererName_; }
   /// Finds OpenGL's functions; only with a context.
   TSceneRenderer::TResolver Resolver() const;
   /// The panel's size in device pixels.
@@ -115,6 +116,7 @@ class TGLPanel : public QWidget {
   TGLSurface* surface_ = nullptr;  ///< covers the panel; null without OpenGL
   QWidget* container_ = nullptr;   ///< owns and places the surface
   std::unique_ptr<QOpenGLContext> context_;
+  QString rendererName_;
   QPoint last_;  ///< mouse position of the previous move, or of the press that began a drag
   bool contextMissed_ = false;  ///< the user has been told that there is no context
   bool currentFailed_ = false;  ///< the user has been told that it cannot be made current
