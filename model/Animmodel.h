@@ -67,6 +67,7 @@ class TDataNodeList : public TNodeList {
 
  private:
   friend class TMeasuredData;
+  void Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress);
   void Take(TDataContent content);
   bool visible_ = false;
 };
@@ -155,6 +156,8 @@ class TModel : public QObject {
 
  private:
   friend class TLoadingMark;
+  void Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress);
+
   bool loading_ = false;  ///< a file for this model, or data for it, is being read
   mutable TNodeIndex index_;
 };
@@ -194,6 +197,8 @@ class TMeasuredData {
   void Clear();
 
  private:
+  void Read(std::string_view text, TModel& model, TLoadReport& report,
+            const TLoadProgress& progress);
   bool ReadLists(std::string_view text, TModel& model, TLoadReport& report,
                  const TLoadProgress& progress,
                  std::vector<std::unique_ptr<TDataNodeList>>& lists) const;

@@ -72,7 +72,7 @@ bool ReadNodeRecord(TReading& reading, int valueCount, TNodeRecord& record) {
   if (outOfRange) {
     reading.Report.AddAt(reading.Scanner, record.Position, [] {
       return QStringLiteral(
-          "a node number does not fit into 32 bits and was cut to the largest that does");
+          "a node number does not fit into 32 bits and was cut to the nearest that does");
     });
   }
   if (count == 1 + valueCount) return true;
