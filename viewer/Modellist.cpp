@@ -7,6 +7,8 @@
 #include <QVBoxLayout>
 #include <vector>
 
+#include "viewer/Frametext.h"
+
 namespace {
 
 constexpr int kMinSize = 158;
@@ -29,8 +31,6 @@ QListWidget* MakeLabels(QWidget* parent) {
 }
 
 }  // namespace
-
-QString NameOf(const TDataNodeList& list) { return list.Section.sliced(1).chopped(1); }
 
 TModelListWnd::TModelListWnd(QWidget* parent)
     : QWidget(parent, Qt::Tool), labels_(MakeLabels(this)) {

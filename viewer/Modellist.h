@@ -46,6 +46,3 @@ class TModelListWnd : public QWidget {
 
   QListWidget* labels_;
 };
-
-/// The name of a data set as its file has it: its section without the brackets.
-QString NameOf(const TDataNodeList& list);
