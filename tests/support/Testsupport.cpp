@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -75,4 +76,18 @@ QString WriteTestFile(const QString& name, const QByteArray& content) {
   EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
   EXPECT_EQ(file.write(content), content.size());
   return path;
+}
+
+QString Document(const QString& name) {
+  QFile file(QStringLiteral(VELMORA_SOURCE_DIR "/docs/") + name);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+  return QString::fromUtf8(file.readAll());
+}
+
+QByteArray Fence(const QString& document, const QString& kind) {
+  const QRegularExpression fence("```" + kind + "\n(.*?)```",
+                                 QRegularExpression::DotMatchesEverythingOption);
+  const auto match = fence.match(document);
+  EXPECT_TRUE(match.hasMatch()) << kind.toStdString();
+  return match.captured(1).toUtf8();
 }

@@ -68,6 +68,19 @@ QByteArray ReadAll(const QString& name) {
   return file.readAll();
 }
 
+TEST(Settings, DocumentListsEveryKeyInItsOrder) {
+  const QString document = Document("file-formats.md");
+  const QByteArray example = Fence(document, "settings");
+  EXPECT_EQ(UpdateSettings({}, ParseSettings(example)), example);
+
+  const QStringList lines = QString::fromUtf8(example).split('\n');
+  for (const QString& line : lines) {
+    const QString key = line.section('=', 0, 0);
+    if (!line.contains('=')) continue;
+    EXPECT_TRUE(document.contains('`' + key + '`')) << key.toStdString();
+  }
+}
+
 }  // namespace
 
 TEST(Settings, AnEmptyFileGetsEveryKeyInItsOrder) {
