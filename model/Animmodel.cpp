@@ -114,12 +114,22 @@ void TDataNodeList::Take(TDataContent content) {
   static_cast<TNodeList&>(*this) = std::move(content.Nodes);
   MaxAmplitude = content.MaxAmplitude;
   Scale = ScaleFor(Model, MaxAmplitude, Scale);
+  NodesChanged();
 }
 
 void TDataNodeList::SetVisible(bool visible) {
   visible_ = visible;
   ShowNodes = visible;
   ShowElements = visible;
+  if (visible != (motions_.Count() > 0)) NodesChanged();
+}
+
+void TDataNodeList::NodesChanged() {
+  if (visible_) {
+    motions_.Build(*this);
+  } else {
+    motions_.Clear();
+  }
 }
 
 std::ptrdiff_t TDataNodeList::IndexOf(std::int32_t id) const {
@@ -134,7 +144,6 @@ const TNode* TDataNodeList::FindNode(std::int32_t id) const {
 }
 
 TDataNodeList* TNodesSet::Add(std::unique_ptr<TDataNodeList> list) {
-  members_.reserve(members_.size() + 1);
   owned_.push_back(std::move(list));
   members_.push_back(owned_.back().get());
   return members_.back();
@@ -250,9 +259,11 @@ namespace {
 /// Reads the data sets of one file, one after the other.
 class TDataFileReader {
  public:
-  TDataFileReader(std::string_view text, TModel& model, TLoadReport& report,
+  TDataFileReader(std::string_view text, TModel& model, std::size_t mostNodes, TLoadReport& report,
                   const TLoadProgress& progress)
-      : reading_(text, report, progress), model_{model.Nodes, model.Index()} {}
+      : reading_(text, report, progress),
+        model_{model.Nodes, model.Index()},
+        mostNodes_(mostNodes) {}
 
   /// What a section gives. Nothing if the load was cancelled, or if the nodes of all sections
   /// would take too much memory.
@@ -278,14 +289,11 @@ class TDataFileReader {
   bool Advance(std::size_t characters) { return reading_.Advance(characters); }
 
  private:
-  bool Affordable(std::size_t more) const {
-    constexpr std::size_t kMostMemory = std::size_t{4} << 30;
-    constexpr std::size_t kPerNode = 2 * sizeof(TNode);
-    return nodes_ + more <= kMostMemory / kPerNode;
-  }
+  bool Affordable(std::size_t more) const { return nodes_ + more <= mostNodes_; }
 
   TReading reading_;
   TModelNodes model_;
+  std::size_t mostNodes_;
   std::size_t nodes_ = 0;                               ///< of all sections read
   std::unordered_map<std::size_t, std::size_t> first_;  ///< start of records, index of data set
 };
@@ -321,7 +329,7 @@ bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport&
   const std::vector<TSection> sections = ReadSectionIndex(text, kMostDataSets + 1);
   if (sections.empty()) report.Add(0, QStringLiteral("it holds no data sets"));
   if (!sections.empty()) NoteOrder(model, report);
-  TDataFileReader reader(text, model, report, progress);
+  TDataFileReader reader(text, model, MostNodes, report, progress);
   std::vector<const TDataNodeList*> earlier;
   for (const TSection& section : sections) {
     if (lists.size() == kMostDataSets) break;

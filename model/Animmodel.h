@@ -11,6 +11,7 @@
 
 #include "model/Color.h"
 #include "model/Loadreport.h"
+#include "model/Motions.h"
 #include "model/Nodeindex.h"
 #include "model/Records.h"
 #include "model/Typedlist.h"
@@ -38,8 +39,15 @@ class TDataNodeList : public TNodeList {
                                            const TLoadProgress& progress = {});
 
   bool GetVisible() const { return visible_; }
-  /// Shows or hides nodes and elements with the list.
+  /// Shows or hides nodes and elements with the list. A visible list has its motions ready.
   void SetVisible(bool visible);
+
+  /// Brings the motions up to date; whoever changes amplitudes, angles or links of a visible list
+  /// calls it before the next frame. Loads do so by themselves.
+  void NodesChanged();
+
+  /// The motions made ready for frames; without entries while the list is hidden.
+  const TMotions& Motions() const { return motions_; }
 
   /// First node with this ID, or null.
   const TNode* FindNode(std::int32_t id) const;
@@ -69,7 +77,9 @@ class TDataNodeList : public TNodeList {
   friend class TMeasuredData;
   void Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress);
   void Take(TDataContent content);
+
   bool visible_ = false;
+  TMotions motions_;
 };
 
 /// Data sets that belong together. Owns the lists added by Add, refers to those added by Refer.
@@ -179,6 +189,10 @@ class TMeasuredData {
   /// One character per data set in file order, "1" for shown and "0" for hidden; consulted by the
   /// next load. Sets beyond its end start hidden.
   QString CheckedLabels = QStringLiteral("111");
+
+  /// The most nodes of all data sets together, which with their motions take about 150 bytes each.
+  /// A load keeps the data sets that fit. It bounds what a small file of many sections can ask for.
+  std::size_t MostNodes = 32'000'000;
 
   /// Replaces all data sets by those of a file, aligned to the model's nodes, with the node shape
   /// and colours that All has. A missing file leaves none; a cancelled load leaves the earlier.
