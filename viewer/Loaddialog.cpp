@@ -21,12 +21,11 @@ TLoadProgress TLoadDialog::Progress() {
 
 bool TLoadDialog::Advance(double done) {
   const qint64 now = clock_.elapsed();
-  if (now - servedMs_ < kServeEveryMs && now < delayMs_) return true;
-  if (!dialog_ && now >= delayMs_) Open();
-  if (dialog_ && now - servedMs_ >= kServeEveryMs) {
-    dialog_->setValue(static_cast<int>(done * kSteps));
-  }
+  const bool opens = !dialog_ && now >= delayMs_;
+  if (!opens && now - servedMs_ < kServeEveryMs) return true;
   servedMs_ = now;
+  if (opens) Open();
+  if (dialog_) dialog_->setValue(static_cast<int>(done * kSteps));
   // Until the dialog is there to hold input off the windows, input waits.
   QCoreApplication::processEvents(dialog_ ? QEventLoop::AllEvents
                                           : QEventLoop::ExcludeUserInputEvents);

@@ -176,6 +176,7 @@ void TViewForm::MakeButtons(QMainWindow& window) {
   ScaleBar->setRange(kScaleBarMin, kScaleBarMax);
   ScaleBar->setValue(kScaleBarStart);
   ScaleBar->setPageStep(1);
+  bars->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
   bar->addWidget(bars);
 }
 

@@ -8,6 +8,7 @@ TAppearance AppearanceOf(const TSettings& settings) {
 }
 
 void ApplyAppearance(const TAppearance& appearance, TModel& model, TMeasuredData& data) {
+  model.Nodes.SetVisible(true);
   for (TDataNodeList* list : {&model.Nodes, &model.Display}) {
     list->ElementColor = appearance.ElementColor;
     list->NodeColor = appearance.NodeColor;

@@ -20,7 +20,8 @@ struct TAppearance {
 
 TAppearance AppearanceOf(const TSettings& settings);
 
-/// Gives the model's lists and all data sets, present and to come, these colours and this shape.
+/// Gives the model's lists and all data sets, present and to come, these colours and this shape,
+/// and makes the undeformed model visible; whether it is drawn is up to the picture.
 void ApplyAppearance(const TAppearance& appearance, TModel& model, TMeasuredData& data);
 
 /// Preset rotations, in degrees.

@@ -146,7 +146,6 @@ void TViewWnd::ConnectView() {
 
 void TViewWnd::GLPanelInit() {
   picture_.Init(form_.P->Resolver());
-  renderer_ = QString::fromLatin1(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
   FitView();
 }
 
@@ -333,8 +332,8 @@ void TViewWnd::SaveBitmap() {
   if (chosen.isEmpty()) return;
   const QString fileName = WithPictureSuffix(chosen);
   const QString fault = SavePicture(form_.P->Picture(), fileName);
+  if (!fault.isEmpty()) return ShowMessage(fault);
   savePath_ = FolderOf(fileName);
-  if (!fault.isEmpty()) ShowMessage(fault);
 }
 
 void TViewWnd::ExitMenuClick() { close(); }
@@ -376,7 +375,7 @@ void TViewWnd::ShowModelClick() {
 
 void TViewWnd::ShowHideMLW() { legend_->setVisible(form_.ShowLegendMenu->isChecked()); }
 
-void TViewWnd::AboutMenuClick() { TAnimatorAbout(renderer_, this).exec(); }
+void TViewWnd::AboutMenuClick() { TAnimatorAbout(form_.P->RendererName(), this).exec(); }
 
 void TViewWnd::SetView(QObject* sender) {
   TViewTransform& view = form_.P->View;
@@ -456,9 +455,10 @@ void TViewWnd::closeEvent(QCloseEvent* event) {
 }
 
 void TViewWnd::dragEnterEvent(QDragEnterEvent* event) {
-  const bool welcome = !reading_ && !LocalFiles(event->mimeData()).isEmpty();
-  event->setAccepted(welcome);
+  event->setAccepted(!reading_ && !LocalFiles(event->mimeData()).isEmpty());
 }
+
+void TViewWnd::dragMoveEvent(QDragMoveEvent* event) { event->accept(); }
 
 void TViewWnd::dropEvent(QDropEvent* event) {
   const QStringList files = LocalFiles(event->mimeData());

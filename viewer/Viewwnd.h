@@ -91,6 +91,7 @@ class TViewWnd : public QMainWindow {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
  private:
@@ -121,7 +122,6 @@ class TViewWnd : public QMainWindow {
   TTimerClient timer_;
   TPicture picture_;
   TAppearance appearance_;
-  QString renderer_;  ///< the name that OpenGL gives itself
   QString settingsFile_;
   QString modelFile_;
   QString dataFile_;
