@@ -25,10 +25,6 @@ class TAnimation {
   bool Step(const TMeasuredData& data, TModel& model, bool back = false);
 };
 
-/// Where a list places a node: scale x position, times the cosine of phase plus angle per axis and
-/// moved to the linked model node, if there is one.
-TVertex ScaleComplexNode(const TNode& node, double phase, double drawScale);
-
 /// ScaleComplexNode with the list's own Phase and DrawScale for all its nodes. `positions` gets as
 /// many entries as the list has nodes and keeps its capacity, so that nothing is allocated from
 /// the second frame on.

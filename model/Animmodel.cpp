@@ -14,16 +14,10 @@
 #include "model/Sectionindex.h"
 
 /// Marks a model as being loaded, or as having data loaded for it, while it lives: Loaded is false
-/// meanwhile and true afterwards. A second load that begins meanwhile, from a progress callback
-/// that lets the user go on, would pull the nodes from under the first and is refused.
+/// meanwhile and true afterwards.
 class TLoadingMark {
  public:
-  TLoadingMark(TModel* model, TLoadReport& report) : model_(model) {
-    if (model_ && model_->loading_) {
-      report.Fail(QStringLiteral("another file is being read"));
-      model_ = nullptr;
-      refused_ = true;
-    }
+  explicit TLoadingMark(TModel* model) : model_(model) {
     if (!model_) return;
     model_->loading_ = true;
     model_->Loaded = false;
@@ -36,23 +30,31 @@ class TLoadingMark {
   TLoadingMark(const TLoadingMark&) = delete;
   TLoadingMark& operator=(const TLoadingMark&) = delete;
 
-  bool Refused() const { return refused_; }
+  static bool On(const TModel* model) { return model && model->loading_; }
 
  private:
   TModel* model_;
-  bool refused_ = false;
 };
 
 namespace {
 
-/// Runs `read`, turning memory that runs out into a failure of the report.
+/// Runs a load of a model, or of data for it. A load that begins while another runs, from a
+/// progress callback that lets the user go on, would pull the nodes from under the first and is
+/// refused. Memory that runs out becomes a failure.
 template <class TRead>
-void WithinMemory(TLoadReport& report, TRead read) {
+TLoadReport Load(TModel* model, TRead read) {
+  TLoadReport report;
+  if (TLoadingMark::On(model)) {
+    report.Fail(QStringLiteral("another file is being read"));
+    return report;
+  }
+  const TLoadingMark mark(model);
   try {
-    read();
+    read(report);
   } catch (const std::bad_alloc&) {
     report.Fail(QStringLiteral("not enough memory"));
   }
+  return report;
 }
 
 double ScaleFor(const TModel* model, double maxAmplitude, double otherwise) {
@@ -81,42 +83,53 @@ void NoteOrder(const TModel& model, TLoadReport& report) {
 }  // namespace
 
 TLoadReport TDataNodeList::LoadFromFile(const QString& fileName, const TLoadProgress& progress) {
-  return ReadAndParse(fileName, progress, [this](std::string_view text, const TLoadProgress& rest) {
-    return LoadFromMemory(text, rest);
+  return Load(Model, [&](TLoadReport& report) {
+    ReadAndParse(fileName, report, progress, [&](std::string_view text, const TLoadProgress& rest) {
+      Read(text, report, rest);
+    });
   });
 }
 
 TLoadReport TDataNodeList::LoadFromMemory(std::string_view text, const TLoadProgress& progress) {
-  TLoadReport report;
-  const TLoadingMark mark(Model, report);
-  if (mark.Refused()) return report;
-  WithinMemory(report, [&] {
-    TReading reading(text, report, progress);
-    TDataContent content;
-    if (SearchHeader(reading, Section)) {
-      const bool plain = OwnsNodes || !Model;
-      const bool whole = plain ? ReadPlainDataSet(reading, content)
-                               : ReadDataSet(reading, {Model->Nodes, Model->Index()}, content);
-      if (!whole) return;
-      if (!plain && !content.Nodes.Empty()) NoteOrder(*Model, report);
-    } else if (!report.Cancelled()) {
-      report.Add(0, QStringLiteral("it has no section %1").arg(Section));
-    }
-    if (!report.Cancelled()) Take(std::move(content));
-  });
-  return report;
+  return Load(Model, [&](TLoadReport& report) { Read(text, report, progress); });
+}
+
+void TDataNodeList::Read(std::string_view text, TLoadReport& report,
+                         const TLoadProgress& progress) {
+  TReading reading(text, report, progress);
+  TDataContent content;
+  if (SearchHeader(reading, Section)) {
+    const bool plain = OwnsNodes || !Model;
+    const bool whole = plain ? ReadPlainDataSet(reading, content)
+                             : ReadDataSet(reading, {Model->Nodes, Model->Index()}, content);
+    if (!whole) return;
+    if (!plain && !content.Nodes.Empty()) NoteOrder(*Model, report);
+  } else if (!report.Cancelled()) {
+    report.Add(0, QStringLiteral("it has no section %1").arg(Section));
+  }
+  if (!report.Cancelled()) Take(std::move(content));
 }
 
 void TDataNodeList::Take(TDataContent content) {
   static_cast<TNodeList&>(*this) = std::move(content.Nodes);
   MaxAmplitude = content.MaxAmplitude;
   Scale = ScaleFor(Model, MaxAmplitude, Scale);
+  NodesChanged();
 }
 
 void TDataNodeList::SetVisible(bool visible) {
   visible_ = visible;
   ShowNodes = visible;
   ShowElements = visible;
+  if (visible != (motions_.Count() > 0)) NodesChanged();
+}
+
+void TDataNodeList::NodesChanged() {
+  if (visible_) {
+    motions_.Build(*this);
+  } else {
+    motions_.Clear();
+  }
 }
 
 std::ptrdiff_t TDataNodeList::IndexOf(std::int32_t id) const {
@@ -131,7 +144,6 @@ const TNode* TDataNodeList::FindNode(std::int32_t id) const {
 }
 
 TDataNodeList* TNodesSet::Add(std::unique_ptr<TDataNodeList> list) {
-  members_.reserve(members_.size() + 1);
   owned_.push_back(std::move(list));
   members_.push_back(owned_.back().get());
   return members_.back();
@@ -184,40 +196,34 @@ TModel::TModel(QObject* parent) : QObject(parent), Nodes(this, true), Display(th
 TModel::~TModel() { Clear(); }
 
 TLoadReport TModel::LoadFromFile(const QString& fileName, const TLoadProgress& progress) {
-  bool parsed = false;
-  const TLoadReport report =
-      ReadAndParse(fileName, progress, [&](std::string_view text, const TLoadProgress& rest) {
-        parsed = true;
-        return LoadFromMemory(text, rest);
-      });
-  if (!parsed && !loading_) {
-    Loaded = true;
-    emit OnChange(this);
-  }
+  const TLoadReport report = Load(this, [&](TLoadReport& findings) {
+    ReadAndParse(
+        fileName, findings, progress,
+        [&](std::string_view text, const TLoadProgress& rest) { Read(text, findings, rest); });
+  });
+  if (!loading_) emit OnChange(this);
   return report;
 }
 
 TLoadReport TModel::LoadFromMemory(std::string_view text, const TLoadProgress& progress) {
-  TLoadReport report;
-  {
-    const TLoadingMark mark(this, report);
-    if (mark.Refused()) return report;
-    WithinMemory(report, [&] {
-      TModelContent content;
-      const TModelHeaders headers{NodesSection.toStdString(), ElementsSection.toStdString()};
-      if (!ReadModel(text, headers, &Nodes, content, report, progress)) return;
-      Clear();
-      static_cast<TNodeList&>(Nodes) = std::move(content.Nodes);
-      static_cast<TNodeList&>(Display) = std::move(content.Display);
-      Elements = std::move(content.Elements);
-      index_ = std::move(content.Index);
-      Size = content.Size;
-      Nodes.NodeRadius = Display.NodeRadius = content.NodeRadius;
-      Nodes.ElementRadius = Display.ElementRadius = content.ElementRadius;
-    });
-  }
-  emit OnChange(this);
+  const TLoadReport report =
+      Load(this, [&](TLoadReport& findings) { Read(text, findings, progress); });
+  if (!loading_) emit OnChange(this);
   return report;
+}
+
+void TModel::Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress) {
+  TModelContent content;
+  const TModelHeaders headers{NodesSection.toStdString(), ElementsSection.toStdString()};
+  if (!ReadModel(text, headers, &Nodes, content, report, progress)) return;
+  Clear();
+  static_cast<TNodeList&>(Nodes) = std::move(content.Nodes);
+  static_cast<TNodeList&>(Display) = std::move(content.Display);
+  Elements = std::move(content.Elements);
+  index_ = std::move(content.Index);
+  Size = content.Size;
+  Nodes.NodeRadius = Display.NodeRadius = content.NodeRadius;
+  Nodes.ElementRadius = Display.ElementRadius = content.ElementRadius;
 }
 
 void TModel::Clear() {
@@ -253,9 +259,11 @@ namespace {
 /// Reads the data sets of one file, one after the other.
 class TDataFileReader {
  public:
-  TDataFileReader(std::string_view text, TModel& model, TLoadReport& report,
+  TDataFileReader(std::string_view text, TModel& model, std::size_t mostNodes, TLoadReport& report,
                   const TLoadProgress& progress)
-      : reading_(text, report, progress), model_{model.Nodes, model.Index()} {}
+      : reading_(text, report, progress),
+        model_{model.Nodes, model.Index()},
+        mostNodes_(mostNodes) {}
 
   /// What a section gives. Nothing if the load was cancelled, or if the nodes of all sections
   /// would take too much memory.
@@ -281,14 +289,11 @@ class TDataFileReader {
   bool Advance(std::size_t characters) { return reading_.Advance(characters); }
 
  private:
-  bool Affordable(std::size_t more) const {
-    constexpr std::size_t kMostMemory = std::size_t{4} << 30;
-    constexpr std::size_t kPerNode = 2 * sizeof(TNode);
-    return nodes_ + more <= kMostMemory / kPerNode;
-  }
+  bool Affordable(std::size_t more) const { return nodes_ + more <= mostNodes_; }
 
   TReading reading_;
   TModelNodes model_;
+  std::size_t mostNodes_;
   std::size_t nodes_ = 0;                               ///< of all sections read
   std::unordered_map<std::size_t, std::size_t> first_;  ///< start of records, index of data set
 };
@@ -297,37 +302,37 @@ class TDataFileReader {
 
 TLoadReport TMeasuredData::LoadFromFile(const QString& fileName, TModel& model,
                                         const TLoadProgress& progress) {
-  bool parsed = false;
-  const TLoadReport report =
-      ReadAndParse(fileName, progress, [&](std::string_view text, const TLoadProgress& rest) {
-        parsed = true;
-        return LoadFromMemory(text, model, rest);
-      });
-  if (!parsed && report.Failed()) Clear();
-  return report;
+  return Load(&model, [&](TLoadReport& report) {
+    bool opened = false;
+    ReadAndParse(fileName, report, progress, [&](std::string_view text, const TLoadProgress& rest) {
+      opened = true;
+      Read(text, model, report, rest);
+    });
+    if (!opened && !report.Cancelled()) Clear();
+  });
 }
 
 TLoadReport TMeasuredData::LoadFromMemory(std::string_view text, TModel& model,
                                           const TLoadProgress& progress) {
-  TLoadReport report;
-  const TLoadingMark mark(&model, report);
-  if (mark.Refused()) return report;
-  WithinMemory(report, [&] {
-    std::vector<std::unique_ptr<TDataNodeList>> lists;
-    if (ReadLists(text, model, report, progress, lists)) Replace(std::move(lists));
-  });
-  return report;
+  return Load(&model, [&](TLoadReport& report) { Read(text, model, report, progress); });
+}
+
+void TMeasuredData::Read(std::string_view text, TModel& model, TLoadReport& report,
+                         const TLoadProgress& progress) {
+  std::vector<std::unique_ptr<TDataNodeList>> lists;
+  if (ReadLists(text, model, report, progress, lists)) Replace(std::move(lists));
 }
 
 bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport& report,
                               const TLoadProgress& progress,
                               std::vector<std::unique_ptr<TDataNodeList>>& lists) const {
-  const std::vector<TSection> sections = ReadSectionIndex(text, kMostDataSets);
+  const std::vector<TSection> sections = ReadSectionIndex(text, kMostDataSets + 1);
   if (sections.empty()) report.Add(0, QStringLiteral("it holds no data sets"));
   if (!sections.empty()) NoteOrder(model, report);
-  TDataFileReader reader(text, model, report, progress);
+  TDataFileReader reader(text, model, MostNodes, report, progress);
   std::vector<const TDataNodeList*> earlier;
   for (const TSection& section : sections) {
+    if (lists.size() == kMostDataSets) break;
     std::optional<TDataContent> content = reader.Read(section, earlier);
     if (!content || !reader.Advance(section.Name.size() + 2)) break;
     auto list = std::make_unique<TDataNodeList>(&model, false);
@@ -345,7 +350,7 @@ bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport&
     lists.push_back(std::move(list));
   }
   if (report.Cancelled()) return false;
-  if (lists.size() < sections.size() || sections.size() == kMostDataSets) {
+  if (lists.size() < sections.size()) {
     report.Add(0, QStringLiteral("only the first %1 data sets were kept").arg(lists.size()));
   }
   return true;

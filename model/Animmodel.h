@@ -11,6 +11,7 @@
 
 #include "model/Color.h"
 #include "model/Loadreport.h"
+#include "model/Motions.h"
 #include "model/Nodeindex.h"
 #include "model/Records.h"
 #include "model/Typedlist.h"
@@ -38,8 +39,15 @@ class TDataNodeList : public TNodeList {
                                            const TLoadProgress& progress = {});
 
   bool GetVisible() const { return visible_; }
-  /// Shows or hides nodes and elements with the list.
+  /// Shows or hides nodes and elements with the list. A visible list has its motions ready.
   void SetVisible(bool visible);
+
+  /// Brings the motions up to date; whoever changes amplitudes, angles or links of a visible list
+  /// calls it before the next frame. Loads do so by themselves.
+  void NodesChanged();
+
+  /// The motions made ready for frames; without entries while the list is hidden.
+  const TMotions& Motions() const { return motions_; }
 
   /// First node with this ID, or null.
   const TNode* FindNode(std::int32_t id) const;
@@ -67,8 +75,11 @@ class TDataNodeList : public TNodeList {
 
  private:
   friend class TMeasuredData;
+  void Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress);
   void Take(TDataContent content);
+
   bool visible_ = false;
+  TMotions motions_;
 };
 
 /// Data sets that belong together. Owns the lists added by Add, refers to those added by Refer.
@@ -155,6 +166,8 @@ class TModel : public QObject {
 
  private:
   friend class TLoadingMark;
+  void Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress);
+
   bool loading_ = false;  ///< a file for this model, or data for it, is being read
   mutable TNodeIndex index_;
 };
@@ -177,6 +190,10 @@ class TMeasuredData {
   /// next load. Sets beyond its end start hidden.
   QString CheckedLabels = QStringLiteral("111");
 
+  /// The most nodes of all data sets together, which with their motions take about 150 bytes each.
+  /// A load keeps the data sets that fit. It bounds what a small file of many sections can ask for.
+  std::size_t MostNodes = 32'000'000;
+
   /// Replaces all data sets by those of a file, aligned to the model's nodes, with the node shape
   /// and colours that All has. A missing file leaves none; a cancelled load leaves the earlier.
   [[nodiscard]] TLoadReport LoadFromFile(const QString& fileName, TModel& model,
@@ -194,6 +211,8 @@ class TMeasuredData {
   void Clear();
 
  private:
+  void Read(std::string_view text, TModel& model, TLoadReport& report,
+            const TLoadProgress& progress);
   bool ReadLists(std::string_view text, TModel& model, TLoadReport& report,
                  const TLoadProgress& progress,
                  std::vector<std::unique_ptr<TDataNodeList>>& lists) const;

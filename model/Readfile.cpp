@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
-#include <new>
 
 namespace {
 
@@ -60,17 +59,10 @@ bool ReadFile(const QString& fileName, TFileText& text, TLoadReport& report,
   return true;
 }
 
-TLoadReport ReadAndParse(
-    const QString& fileName, const TLoadProgress& progress,
-    const std::function<TLoadReport(std::string_view, const TLoadProgress&)>& parse) {
+void ReadAndParse(const QString& fileName, TLoadReport& report, const TLoadProgress& progress,
+                  const std::function<void(std::string_view, const TLoadProgress&)>& parse) {
   constexpr double kReadingShare = 0.2;
-  TLoadReport report;
-  try {
-    TFileText text;
-    if (!ReadFile(fileName, text, report, Part(progress, 0.0, kReadingShare))) return report;
-    return parse(View(text), Part(progress, kReadingShare, 1.0));
-  } catch (const std::bad_alloc&) {
-    report.Fail(QStringLiteral("not enough memory"));
-  }
-  return report;
+  TFileText text;
+  if (!ReadFile(fileName, text, report, Part(progress, 0.0, kReadingShare))) return;
+  parse(View(text), Part(progress, kReadingShare, 1.0));
 }

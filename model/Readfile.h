@@ -17,8 +17,6 @@ inline std::string_view View(const TFileText& text) { return {text.data(), text.
 [[nodiscard]] bool ReadFile(const QString& fileName, TFileText& text, TLoadReport& report,
                             const TLoadProgress& progress = {});
 
-/// Reads a file, then hands its text to `parse` with the progress that is left for it. Memory that
-/// runs out on the way becomes a failure of the report.
-TLoadReport ReadAndParse(
-    const QString& fileName, const TLoadProgress& progress,
-    const std::function<TLoadReport(std::string_view, const TLoadProgress&)>& parse);
+/// Reads a file, then hands its text to `parse` with the progress that is left for it.
+void ReadAndParse(const QString& fileName, TLoadReport& report, const TLoadProgress& progress,
+                  const std::function<void(std::string_view, const TLoadProgress&)>& parse);

@@ -31,10 +31,12 @@ void NoteEnd(TReading& reading, int valueCount, const TNodeRecord& record, int c
     return;
   }
   if (scanner.AtEnd() || scanner.Text()[scanner.Position()] == '[') return;
-  const std::size_t lineEnd = scanner.Text().find('\n', scanner.Position());
+  constexpr std::size_t kLongestLine = 1000;
+  const std::string_view rest = scanner.Text().substr(scanner.Position(), kLongestLine);
+  const std::size_t lineEnd = rest.find('\n');
   if (lineEnd == std::string_view::npos) return;
   TTextScanner behind = scanner;
-  behind.SetPosition(lineEnd + 1);
+  behind.SetPosition(scanner.Position() + lineEnd + 1);
   TNodeRecord next;
   if (ReadNumbers(behind, valueCount, next, nullptr) <= valueCount) return;
   reading.Report.AddAt(scanner, record.Position, [] {
@@ -72,7 +74,7 @@ bool ReadNodeRecord(TReading& reading, int valueCount, TNodeRecord& record) {
   if (outOfRange) {
     reading.Report.AddAt(reading.Scanner, record.Position, [] {
       return QStringLiteral(
-          "a node number does not fit into 32 bits and was cut to the largest that does");
+          "a node number does not fit into 32 bits and was cut to the nearest that does");
     });
   }
   if (count == 1 + valueCount) return true;

@@ -4,14 +4,17 @@
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QOpenGLContext>
-#include <QOpenGLWidget>
+#include <QOpenGLFramebufferObject>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QScreen>
 #include <QWheelEvent>
 #include <cmath>
+#include <utility>
 
 #include "model/Message.h"
 #include "viewer/Glplatform.h"
+#include "viewer/Glsurface.h"
 #include "viewer/Picture.h"
 
 namespace {
@@ -39,47 +42,45 @@ QSurfaceFormat FormatOf(TGLPanel::TPFDFlags flags, int colorBits, int depthBits)
 
 }  // namespace
 
-/// The part of the panel that OpenGL draws; the mouse goes through it to the panel.
-class TGLPanel::TSurface : public QOpenGLWidget {
- public:
-  explicit TSurface(TGLPanel* panel) : QOpenGLWidget(panel), panel_(panel) {
-    setAttribute(Qt::WA_TransparentForMouseEvents);
-  }
-
- protected:
-  void initializeGL() override {
-    glEnable(GL_DEPTH_TEST);
-    emit panel_->OnInit(panel_);
-  }
-  void resizeGL(int, int) override { panel_->ScaleViewPort(); }
-  void paintGL() override { panel_->PaintPicture(); }
-
- private:
-  TGLPanel* const panel_;
-};
-
 TGLPanel::TGLPanel(QWidget* parent) : QWidget(parent) {
   setMinimumSize(1, 1);
-  if (CreateGLContext()) UpdateFormat();
+  if (!PlatformHasOpenGl()) return;
+  surface_ = new TGLSurface(this, [this] { Paint(); });
+  UpdateFormat();
+  container_ = QWidget::createWindowContainer(surface_, this);
+  container_->setFocusPolicy(Qt::NoFocus);
 }
 
-TGLPanel::~TGLPanel() = default;
+TGLPanel::~TGLPanel() { DestroyGLContext(); }
 
 bool TGLPanel::CreateGLContext() {
-  // The surface makes its context itself when it is first shown.
-  if (PlatformHasOpenGl()) surface_ = new TSurface(this);
-  return surface_;
+  if (HasContext() || contextMissed_) return HasContext();
+  auto context = std::make_unique<QOpenGLContext>();
+  context->setFormat(FormatOf(pfdFlags_, pfdNumColorBits_, pfdNumDepthBits_));
+  if (!surface_ || !context->create() || !context->makeCurrent(surface_)) {
+    contextMissed_ = true;
+    ShowMessage(QStringLiteral("Open GL Context Create Failed"));
+    return false;
+  }
+  context_ = std::move(context);
+  rendererName_ = QString::fromLatin1(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+  glEnable(GL_DEPTH_TEST);
+  emit OnInit(this);
+  context_->doneCurrent();
+  return true;
 }
 
-bool TGLPanel::HasContext() const { return surface_ && surface_->isValid(); }
+void TGLPanel::DestroyGLContext() {
+  context_.reset();
+  rendererName_.clear();
+}
 
 TSceneRenderer::TResolver TGLPanel::Resolver() const {
-  return
-      [context = surface_->context()](const char* name) { return context->getProcAddress(name); };
+  return [context = context_.get()](const char* name) { return context->getProcAddress(name); };
 }
 
 void TGLPanel::UpdateFormat() {
-  if (!surface_ || HasContext()) return;
+  if (!surface_ || surface_->handle()) return;
   surface_->setFormat(FormatOf(pfdFlags_, pfdNumColorBits_, pfdNumDepthBits_));
 }
 
@@ -109,22 +110,30 @@ void TGLPanel::ScaleViewPort() {
 }
 
 void TGLPanel::ZoomAndPan() {
-  if (!HasContext() || QOpenGLContext::currentContext() != surface_->context()) return;
+  if (!HasContext() || QOpenGLContext::currentContext() != context_.get()) return;
   const QSize pixels = PixelSize();
   View.Apply(pixels.width(), pixels.height());
 }
 
 void TGLPanel::Invalidate() {
   ZoomAndPan();
-  update();
-  if (surface_) surface_->update();
+  if (surface_) surface_->Redraw();
 }
 
 QSize TGLPanel::PixelSize() const { return (QSizeF(size()) * devicePixelRatioF()).toSize(); }
 
 QImage TGLPanel::Picture() {
-  if (!HasContext()) return {};
-  return surface_->grabFramebuffer().convertToFormat(QImage::Format_RGB32);
+  if (!HasContext() || !MakeCurrent()) return {};
+  // What lies behind another window is not in the window's own picture, so it is drawn apart.
+  QOpenGLFramebufferObject picture(PixelSize(), QOpenGLFramebufferObject::CombinedDepthStencil);
+  QImage image;
+  if (picture.bind()) {
+    Draw();
+    image = picture.toImage().convertToFormat(QImage::Format_RGB32);
+    picture.release();
+  }
+  context_->doneCurrent();
+  return image;
 }
 
 void TGLPanel::CopyToClipboard() {
@@ -132,31 +141,53 @@ void TGLPanel::CopyToClipboard() {
   if (!picture.isNull()) QGuiApplication::clipboard()->setImage(picture);
 }
 
-void TGLPanel::PaintPicture() {
+bool TGLPanel::MakeCurrent() {
+  if (context_->makeCurrent(surface_)) return true;
+  if (!std::exchange(currentFailed_, true)) {
+    ShowMessage(QStringLiteral("wglMakeCurrent: ") +
+                (context_->isValid() ? QStringLiteral("the window cannot be drawn on")
+                                     : QStringLiteral("the context was lost")));
+  }
+  return false;
+}
+
+void TGLPanel::Draw() {
   BeginPicture(View, PixelSize(), BackColor);
   emit OnPaint(this);
   EndPicture();
 }
 
+void TGLPanel::Paint() {
+  if (!CreateGLContext() || !MakeCurrent()) return;
+  Draw();
+  if (pfdFlags_ & f_PFD_DOUBLEBUFFER) context_->swapBuffers(surface_);
+  context_->doneCurrent();
+}
+
 void TGLPanel::paintEvent(QPaintEvent*) {
-  if (!surface_) QPainter(this).fillRect(rect(), BackColor);
+  QPainter painter(this);
+  const bool grabbed = painter.paintEngine()->paintDevice()->devType() == QInternal::Pixmap;
+  // The surface covers the panel on the screen, but is missing where widgets are drawn elsewhere.
+  const QImage picture = grabbed ? Picture() : QImage();
+  if (picture.isNull()) {
+    painter.fillRect(rect(), BackColor);
+  } else {
+    painter.drawImage(rect(), picture);
+  }
 }
 
 void TGLPanel::resizeEvent(QResizeEvent*) {
-  if (surface_) surface_->setGeometry(rect());
+  if (container_) container_->setGeometry(rect());
+  ScaleViewPort();
+  Invalidate();
 }
 
 void TGLPanel::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // A message box must not open while the window is on its way to the screen.
-  QMetaObject::invokeMethod(
-      this, [this] { ReportMissingContext(); }, Qt::QueuedConnection);
-}
-
-void TGLPanel::ReportMissingContext() {
-  if (HasContext() || !isVisible() || contextMissed_) return;
-  contextMissed_ = true;
-  ShowMessage(QStringLiteral("Open GL Context Create Failed"));
+  if (!surface_)
+    QMetaObject::invokeMethod(
+        this, [this] { CreateGLContext(); }, Qt::QueuedConnection);
 }
 
 void TGLPanel::mousePressEvent(QMouseEvent* event) { last_ = event->position().toPoint(); }

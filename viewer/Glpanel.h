@@ -2,9 +2,13 @@
 
 #include <QImage>
 #include <QWidget>
+#include <memory>
 
 #include "viewer/Scenerenderer.h"
 #include "viewer/Viewtransform.h"
+
+class QOpenGLContext;
+class TGLSurface;
 
 /// A panel with an OpenGL context of its own that keeps the view's rotation, zoom and pan, and lets
 /// the mouse change them: left drag turns, middle or Shift drag pans, right or Ctrl drag and the
@@ -43,15 +47,21 @@ class TGLPanel : public QWidget {
   TPFDPixelTypes GetPFDPixelType() const { return pfdPixelType_; }
   int GetPFDNumColorBits() const { return pfdNumColorBits_; }
   int GetPFDNumDepthBits() const { return pfdNumDepthBits_; }
-  /// The pixel format takes effect when the context is made, with the panel's first showing.
+  /// The pixel format takes effect when the context is made. Bit counts outside 0 to 255 are
+  /// ignored.
   void SetPFDFlags(TPFDFlags flags);
   void SetPFDPixelType(TPFDPixelTypes type);
   void SetPFDNumColorBits(int bits);
   void SetPFDNumDepthBits(int bits);
 
-  /// Whether a context exists. It is made when the panel is first shown; if that fails, the text
-  /// "Open GL Context Create Failed" is shown once.
-  bool HasContext() const;
+  /// Makes the context if there is none yet, and calls OnInit in it; the panel does so when it
+  /// comes to the screen. Returns whether a context exists. If none can be made, the text "Open GL
+  /// Context Create Failed" is shown, once.
+  bool CreateGLContext();
+  void DestroyGLContext();
+  bool HasContext() const { return context_ != nullptr; }
+  /// What OpenGL calls the machine that draws; empty without a context.
+  const QString& RendererName() const { return rendererName_; }
   /// Finds OpenGL's functions; only with a context.
   TSceneRenderer::TResolver Resolver() const;
   /// The panel's size in device pixels.
@@ -90,12 +100,10 @@ class TGLPanel : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  class TSurface;
-
-  bool CreateGLContext();
   void UpdateFormat();
-  void ReportMissingContext();
-  void PaintPicture();
+  bool MakeCurrent();
+  void Draw();
+  void Paint();
   void Turn(QPoint moved);
   void Pan(QPoint moved);
   void Zoom(QPoint moved);
@@ -105,9 +113,13 @@ class TGLPanel : public QWidget {
   TPFDPixelTypes pfdPixelType_ = f_PFD_TYPE_RGBA;
   int pfdNumColorBits_ = 24;
   int pfdNumDepthBits_ = 24;
-  TSurface* surface_ = nullptr;  ///< a child over the whole panel; null without OpenGL
+  TGLSurface* surface_ = nullptr;  ///< covers the panel; null without OpenGL
+  QWidget* container_ = nullptr;   ///< owns and places the surface
+  std::unique_ptr<QOpenGLContext> context_;
+  QString rendererName_;
   QPoint last_;  ///< mouse position of the previous move, or of the press that began a drag
   bool contextMissed_ = false;  ///< the user has been told that there is no context
+  bool currentFailed_ = false;  ///< the user has been told that it cannot be made current
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TGLPanel::TPFDFlags)

@@ -4,6 +4,10 @@
 #include <QOpenGLContext>
 #include <QStringList>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
 
 bool Ask() {
@@ -20,4 +24,11 @@ bool PlatformHasOpenGl() {
   if (!qGuiApp) return false;
   static const bool has = Ask();
   return has;
+}
+
+void KeepFreedMemory() {
+#ifdef __GLIBC__
+  mallopt(M_TRIM_THRESHOLD, 64 << 20);
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+#endif
 }

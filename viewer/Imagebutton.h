@@ -4,7 +4,6 @@
 #include <QPixmap>
 #include <QPointer>
 #include <functional>
-#include <vector>
 
 /// Pictures of one size, drawn on request for the pixel density of the screen that shows them.
 /// GUI thread only.
@@ -63,6 +62,8 @@ class TImageButton : public QAbstractButton {
   void SetDisabledIndex(int index);
   /// False clears Down.
   void SetStateButton(bool stateButton);
+  /// Four faces side by side in the list, from `first` on: up, highlight, down, disabled.
+  void SetFaces(int first);
   void SetDown(bool down);
 
   /// Index of the face shown now; it may lie outside the list, which shows an empty face.
@@ -86,6 +87,8 @@ class TImageButton : public QAbstractButton {
   void changeEvent(QEvent* event) override;
 
  private:
+  template <class T>
+  void Change(T& field, T value);
   void ChooseFace();
 
   QPointer<TImageList> images_;

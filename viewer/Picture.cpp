@@ -16,6 +16,7 @@ void EndPicture() {
 }
 
 void TPicture::Init(const TSceneRenderer::TResolver& resolve, TSceneRenderer::TMethod method) {
+  glEnable(GL_DEPTH_TEST);
   Renderer.Init(resolve, method);
   Overlay.Init();
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "viewer/Glplatform.h"
 #include "viewer/Sphereshader.h"
 #include "viewer/Stamps.h"
 #include "viewer/Vertexarrays.h"
@@ -47,6 +48,7 @@ TSceneRenderer::TSceneRenderer() : state_(std::make_unique<TState>()) {}
 TSceneRenderer::~TSceneRenderer() = default;
 
 void TSceneRenderer::Init(const TResolver& resolve, TMethod method) {
+  KeepFreedMemory();
   SetLights();
   const bool shaders = method != TMethod::Batches && state_->shader.Init(resolve);
   state_->method = shaders ? TMethod::Shaders : TMethod::Batches;

@@ -55,3 +55,7 @@ void SaveSettings(const QString& fileName, const TSettings& settings);
 
 /// The settings file that belongs to an executable: same folder and name, extension "ini".
 QString SettingsFileFor(const QString& executable);
+
+/// A bare file name with this folder before it; a name that has a folder part, and an empty one,
+/// as it is.
+QString WithFolder(const QString& name, const QString& folder);

@@ -1,1 +1,56 @@
-int main() { return 0; }
+#include <QMessageBox>
+#include <cstdio>
+#include <cstdlib>
+
+#include "model/Message.h"
+#include "viewer/Animatorabout.h"
+#include "viewer/Commandline.h"
+#include "viewer/Platform.h"
+#include "viewer/Rendering.h"
+#include "viewer/Viewwnd.h"
+
+namespace {
+
+TCommandLine ReadCommandLine(int argc, char** argv) {
+  // Knows the arguments in the system's own encoding.
+  const QCoreApplication scout(argc, argv);
+  return ParseCommandLine(QCoreApplication::arguments());
+}
+
+void ShowMessageBox(const QString& text) {
+  QMessageBox box(QMessageBox::Information, QLatin1String(kProgramTitle), text, QMessageBox::Ok,
+                  QApplication::activeWindow());
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
+int Render(const TCommandLine& line) {
+  const TSettings settings = SettingsOf(line, QCoreApplication::applicationFilePath());
+  return RenderFrames(settings, line.RenderFile, line.Frames, line.Size) ? EXIT_SUCCESS
+                                                                         : EXIT_FAILURE;
+}
+
+int ShowWindow(const TCommandLine& line) {
+  SetMessageSink(ShowMessageBox);
+  const QString executable = QCoreApplication::applicationFilePath();
+  TViewWnd window(SettingsFileOf(line, executable), SettingsOf(line, executable));
+  window.show();
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const TCommandLine line = ReadCommandLine(argc, argv);
+  if (!line.Answer.isEmpty()) {
+    std::fputs(qPrintable(line.Answer), stdout);
+    return EXIT_SUCCESS;
+  }
+  if (!line.Fault.isEmpty()) {
+    ShowMessage(line.Fault);
+    return EXIT_FAILURE;
+  }
+  const bool window = line.RenderFile.isEmpty();
+  const auto application = MakeApplication(argc, argv, window);
+  return window ? ShowWindow(line) : Render(line);
+}

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QRegularExpression>
 #include <cmath>
 #include <numbers>
 
@@ -10,6 +9,7 @@
 #include "examples/generate/Plate.h"
 #include "examples/generate/Rolls.h"
 #include "model/Animmodel.h"
+#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -160,22 +160,12 @@ TEST_F(ExampleData, RollsWhirlForwardAndTheLooseBearingAgainstTheOthers) {
   EXPECT_GT(std::abs(Wrapped(Node(dryersOnce, 30).Angles.y - Node(dryersOnce, 31).Angles.y)), 2.5);
 }
 
-/// The text of the first fence of a kind in docs/file-formats.md.
-QByteArray Fence(const QString& kind) {
-  const QString text =
-      QString::fromStdString(Content(QStringLiteral(VELMORA_SOURCE_DIR "/docs/file-formats.md")));
-  const QRegularExpression fence("```" + kind + "\n(.*?)```",
-                                 QRegularExpression::DotMatchesEverythingOption);
-  const auto match = fence.match(text);
-  EXPECT_TRUE(match.hasMatch()) << kind.toStdString();
-  return match.captured(1).toUtf8();
-}
-
 TEST(ExamplesDocument, WorkedExampleLoadsAsItSays) {
+  const QString document = Document("file-formats.md");
   TModel model;
   TMeasuredData data;
-  EXPECT_TRUE(model.LoadFromMemory(Fence("model").toStdString()).Ok());
-  EXPECT_TRUE(data.LoadFromMemory(Fence("data").toStdString(), model).Ok());
+  EXPECT_TRUE(model.LoadFromMemory(Fence(document, "model").toStdString()).Ok());
+  EXPECT_TRUE(data.LoadFromMemory(Fence(document, "data").toStdString(), model).Ok());
 
   EXPECT_EQ(model.Nodes.Count(), 9u);
   EXPECT_EQ(model.Nodes.NodeRadius, 20.0);
@@ -232,12 +222,11 @@ TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
        "dropped."},
       {"mast.dat", "[", "(", "mast.dat: it holds no data sets."},
   };
-  const QString document =
-      QString::fromStdString(Content(QStringLiteral(VELMORA_SOURCE_DIR "/docs/file-formats.md")));
+  const QString document = Document("file-formats.md");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.message);
     EXPECT_TRUE(document.contains(c.message));
-    QByteArray modelText = Fence("model"), dataText = Fence("data");
+    QByteArray modelText = Fence(document, "model"), dataText = Fence(document, "data");
     QByteArray& faulty = c.file == std::string("mast.mod") ? modelText : dataText;
     EXPECT_TRUE(faulty.contains(c.text));
     faulty.replace(c.text, c.instead);

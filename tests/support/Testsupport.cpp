@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -18,6 +19,8 @@ std::unique_ptr<QTemporaryDir> folder;
 void TakeQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   fprintf(stderr, "%s\n", qPrintable(text));
   if (type == QtDebugMsg || type == QtInfoMsg) return;
+  // The offscreen platform says so of every tool window; there is nothing to raise it over.
+  if (text == QStringLiteral("This plugin does not support raise()")) return;
   for (qsizetype i = 0; i < expectedWarnings.size(); ++i) {
     if (!text.contains(expectedWarnings[i])) continue;
     expectedWarnings.removeAt(i);
@@ -73,4 +76,18 @@ QString WriteTestFile(const QString& name, const QByteArray& content) {
   EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
   EXPECT_EQ(file.write(content), content.size());
   return path;
+}
+
+QString Document(const QString& name) {
+  QFile file(QStringLiteral(VELMORA_SOURCE_DIR "/docs/") + name);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+  return QString::fromUtf8(file.readAll());
+}
+
+QByteArray Fence(const QString& document, const QString& kind) {
+  const QRegularExpression fence("```" + kind + "\n(.*?)```",
+                                 QRegularExpression::DotMatchesEverythingOption);
+  const auto match = fence.match(document);
+  EXPECT_TRUE(match.hasMatch()) << kind.toStdString();
+  return match.captured(1).toUtf8();
 }

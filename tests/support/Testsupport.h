@@ -20,3 +20,9 @@ QString TestFolder();
 
 /// Writes a file into TestFolder() and returns its full name.
 QString WriteTestFile(const QString& name, const QByteArray& content);
+
+/// A file of docs/, whole. Fails the test if it is missing.
+QString Document(const QString& name);
+
+/// The text of a document's first fence of this kind: the lines between "```" + kind and "```".
+QByteArray Fence(const QString& document, const QString& kind);

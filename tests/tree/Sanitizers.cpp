@@ -12,7 +12,7 @@ TEST(Sanitizers, CatchAnAccessBehindAnArray) {
   volatile int index = 4;
   EXPECT_DEATH(
       {
-        int* numbers = new int[4];
+        int* volatile numbers = new int[4];
         numbers[index] = 1;
         delete[] numbers;
       },

@@ -4,8 +4,8 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMainWindow>
 #include <QOpenGLContext>
-#include <QOpenGLWidget>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
@@ -14,6 +14,14 @@
 #include "tests/support/Testsupport.h"
 
 namespace {
+
+/// The native window inside the panel, which the mouse of a real user meets.
+QWindow* SurfaceOf(const TGLPanel&) {
+  for (QWindow* window : QGuiApplication::allWindows()) {
+    if (window->surfaceType() == QSurface::OpenGLSurface) return window;
+  }
+  return nullptr;
+}
 
 /// A panel on the screen.
 class GlPanel : public testing::Test {
@@ -109,6 +117,27 @@ TEST_F(GlPanel, EveryMoveStartsWhereTheLastOneEnded) {
   EXPECT_EQ(panel_.View.Rotation, (TVertex{30.0, -45.0, 0.0}));
 }
 
+TEST_F(GlPanel, TheSurfacePassesTheMouseOn) {
+  QWindow* surface = SurfaceOf(panel_);
+  ASSERT_TRUE(surface);
+  QTest::mousePress(surface, Qt::LeftButton, {}, {100, 100});
+  QTest::mouseMove(surface, {110, 100});
+  QTest::mouseRelease(surface, Qt::LeftButton, {}, {110, 100});
+  EXPECT_DOUBLE_EQ(panel_.View.Rotation.y, -40.0);
+}
+
+TEST_F(GlPanel, IsSeenWhereItsWindowIsGrabbed) {
+  panel_.BackColor = QColor(1, 2, 250);
+  QMainWindow window;
+  panel_.setParent(&window);
+  window.setCentralWidget(&panel_);
+  window.show();
+  QTRY_VERIFY(panel_.HasContext());
+  EXPECT_EQ(window.grab().toImage().pixelColor(window.rect().center()), QColor(1, 2, 250));
+  window.takeCentralWidget();
+  panel_.setParent(nullptr);
+}
+
 TEST_F(GlPanel, WheelNeverTurnsTheViewInsideOut) {
   for (int i = 0; i < 200; ++i) {
     QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
@@ -144,10 +173,11 @@ TEST(GlPanelFormat, FollowsThePixelFormatProperties) {
   TGLPanel panel;
   panel.SetPFDNumDepthBits(16);
   panel.SetPFDNumDepthBits(-1);  // ignored
-  const auto* surface = panel.findChild<QOpenGLWidget*>();
   EXPECT_EQ(panel.property("PFDNumDepthBits").toInt(), 16);
-  EXPECT_EQ(surface->format().depthBufferSize(), 16);
-  EXPECT_EQ(surface->format().profile(), QSurfaceFormat::CompatibilityProfile);
+  const QWindow* surface = SurfaceOf(panel);
+  ASSERT_TRUE(surface);
+  EXPECT_EQ(surface->requestedFormat().depthBufferSize(), 16);
+  EXPECT_EQ(surface->requestedFormat().profile(), QSurfaceFormat::CompatibilityProfile);
 }
 
 }  // namespace

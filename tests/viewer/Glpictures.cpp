@@ -130,6 +130,23 @@ TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
   }
 }
 
+/// The light stands 11 units from the origin, so a model of some size has it in its midst.
+TEST_F(GlPictures, LightStandsInsideALargeModel) {
+  MakeMixedModel(model_, list_);
+  for (TNode* node : model_.Nodes) node->Position = 10.0 * node->Position;
+  for (TElement* element : model_.Elements) {
+    element->Radius *= 10.0;
+    element->RollParam1 *= 10.0;
+  }
+  list_.DrawScale *= 10.0;
+  list_.NodeRadius *= 10.0;
+  list_.ElementRadius *= 10.0;
+  view_.ModelSize *= 10.0;
+  const QImage expected = DrawByPlainCalls();
+  ExpectSamePicture(Draw(TMethod::Batches), expected, "large-batches");
+  ExpectSamePicture(Draw(TMethod::Shaders), expected, "large-shaders");
+}
+
 TEST_F(GlPictures, SphereCutByTheViewVolumeIsCutAlike) {
   // Nodes on the near, far, left and right sides of the view volume.
   for (const TVertex& p : {TVertex{0, 0, 1.95}, {0.5, 0, -2.05}, {-2.65, 0, 0}, {2.7, 1.9, 0}}) {

@@ -1,0 +1,280 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "model/Animmodel.h"
+#include "model/Datareader.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+/// A model of nodes 1, 2 and 3, of size 5 and centred at (1, 1, 1).
+class DataFile : public testing::Test {
+ protected:
+  DataFile() {
+    EXPECT_TRUE(model_.LoadFromMemory("[Nodes]\n1 0 0 0\n2 0 0 2\n3 2 2 0\n").Ok());
+    model_.Size = 5.0;
+  }
+
+  /// IDs and amplitudes of a data set.
+  static std::string Describe(const TDataNodeList& list) {
+    QString text;
+    for (const TNode* n : list) {
+      text += QString("%1:%2,%3,%4 ")
+                  .arg(n->ID)
+                  .arg(n->Position.x)
+                  .arg(n->Position.y)
+                  .arg(n->Position.z);
+    }
+    return text.toStdString();
+  }
+
+  QString Sentence(const std::string& text) {
+    return data_.LoadFromMemory(text, model_).Sentence("m.dat");
+  }
+
+  TModel model_;
+  TMeasuredData data_;
+};
+
+TEST_F(DataFile, GivesOneDataSetPerSectionWithItsFrequency) {
+  const struct {
+    const char* name;
+    double frequency;
+  } cases[] = {{"F = 2.5", 2.5}, {"F = 7", 7},   {"F=1e2 Hz", 100}, {"F \t= -3", -3},
+               {"f = 3", 0},     {" F = 3", 0},  {"F = x", 0},      {"F 3", 0},
+               {"", 0},          {"F = nan", 0}, {"F = inf", 0},    {"F = 1e99", 0}};
+  std::string text;
+  for (const auto& c : cases)
+    text.append("[").append(c.name).append("]\n1 1 1 1\n2 2 2 2\n3 3 3 3\n");
+  EXPECT_TRUE(data_.LoadFromMemory(text, model_).Ok());
+  ASSERT_EQ(data_.All.Count(), std::size(cases));
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(data_.All.Get(i)->Frequency, cases[i].frequency) << cases[i].name;
+    EXPECT_EQ(data_.All.Get(i)->Section, QString("[%1]").arg(cases[i].name));
+    EXPECT_EQ(Describe(*data_.All.Get(i)), "1:1,1,1 2:2,2,2 3:3,3,3 ");
+  }
+  EXPECT_TRUE(model_.Loaded);
+}
+
+TEST_F(DataFile, BringsRecordsIntoTheOrderOfTheModel) {
+  EXPECT_TRUE(data_.LoadFromMemory("[F = 1]\n3 7 8 9\n1 4 5 6\n", model_).Ok());
+  const TDataNodeList& set = *data_.All.Get(0);
+  // Node 2 has no record: a filler with the coordinates of the model node.
+  EXPECT_EQ(Describe(set), "1:4,5,6 2:-1,-1,1 3:7,8,9 ");
+  EXPECT_EQ(set.Get(0)->Link, model_.Nodes.Get(0));
+  EXPECT_EQ(set.Get(1)->Link, nullptr);
+  EXPECT_EQ(set.Get(2)->Link, model_.Nodes.Get(2));
+}
+
+TEST_F(DataFile, DecidesOnAnglesForEachSection) {
+  ASSERT_TRUE(data_
+                  .LoadFromMemory("[F = 1]\n1 1 2 3 .1 .2 .3\n2 0 0 0 0 0 0\n3 0 0 0 1 1 1\n"
+                                  "[F = 2]\n1 1 2 3\n2 0 0 0\n3 0 0 0\n",
+                                  model_)
+                  .Ok());
+  EXPECT_EQ(data_.All.Get(0)->Get(0)->Angles, (TVertex{.1, .2, .3}));
+  EXPECT_EQ(data_.All.Get(0)->Get(2)->Angles, (TVertex{1, 1, 1}));
+  EXPECT_EQ(data_.All.Get(1)->Get(0)->Angles, TVertex{});
+}
+
+TEST_F(DataFile, ScalesTheLargestAmplitudeToAQuarterOfTheModel) {
+  data_.CheckedLabels = "011";
+  ASSERT_TRUE(
+      data_.LoadFromMemory("[F = 1]\n1 3 4 0\n[F = 2]\n2 0 0 .5\n[F = 3]\n3 0 0 0\n", model_).Ok());
+  EXPECT_EQ(data_.All.Get(0)->MaxAmplitude, 5.0);
+  EXPECT_EQ(data_.All.Get(0)->Scale, 0.25);
+  EXPECT_EQ(data_.All.Get(1)->Scale, 2.5) << "fillers do not count";
+  EXPECT_EQ(data_.All.Get(2)->MaxAmplitude, 0.0);
+  EXPECT_EQ(data_.All.Get(2)->Scale, 1.0);
+  EXPECT_EQ(data_.All.GetScale(), 0.25);
+  EXPECT_EQ(data_.Shown.GetMaxAmplitude(), 0.5);
+  EXPECT_EQ(data_.Shown.GetScale(), 2.5);
+
+  // Without an amplitude a scale keeps its value.
+  EXPECT_FALSE(data_.Show({false, true, true}));
+  EXPECT_TRUE(data_.Show({false, false, true}));
+  EXPECT_EQ(data_.Shown.GetMaxAmplitude(), 0.0);
+  EXPECT_EQ(data_.Shown.GetScale(), 2.5);
+}
+
+TEST_F(DataFile, ShowsWhatTheCheckStringSays) {
+  const struct {
+    const char* checked;
+    const char* shown;
+  } cases[] = {{"101", "1010"}, {"", "0000"}, {"011111", "0111"}, {"x1", "0100"}};
+  for (const auto& c : cases) {
+    data_.CheckedLabels = c.checked;
+    ASSERT_TRUE(data_.LoadFromMemory("[a]1 1 1 1[b]1 1 1 1[c]1 1 1 1[d]1 1 1 1", model_).Ok());
+    EXPECT_EQ(data_.MakeCheckString(), c.shown);
+    for (const TDataNodeList* list : data_.All) {
+      EXPECT_EQ(list->ShowNodes, list->GetVisible());
+      EXPECT_EQ(list->ShowElements, list->GetVisible());
+      const bool listed =
+          std::find(data_.Shown.begin(), data_.Shown.end(), list) != data_.Shown.end();
+      EXPECT_EQ(listed, list->GetVisible());
+    }
+  }
+  EXPECT_TRUE(data_.Show({true}));
+  EXPECT_EQ(data_.MakeCheckString(), "1000");
+  data_.Clear();
+  EXPECT_EQ(data_.MakeCheckString(), "1");
+}
+
+TEST_F(DataFile, GivesSetsTheAttributesOfTheirOwners) {
+  data_.All.SetNodeShape(TNodeShape::Cube);
+  data_.All.SetNodeColor(TColor(1));
+  data_.All.SetElementColor(TColor(2));
+  model_.Nodes.NodeRadius = 3;
+  model_.Nodes.ElementRadius = 4;
+  ASSERT_TRUE(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", model_).Ok());
+  const TDataNodeList& set = *data_.All.Get(0);
+  EXPECT_EQ(set.NodeShape, TNodeShape::Cube);
+  EXPECT_EQ(set.NodeColor, TColor(1));
+  EXPECT_EQ(set.ElementColor, TColor(2));
+  EXPECT_EQ(set.EdgeColor, TColor::Black());
+  EXPECT_EQ(set.NodeRadius, 3);
+  EXPECT_EQ(set.ElementRadius, 4);
+  EXPECT_EQ(set.Elements, &model_.Elements);
+  EXPECT_FALSE(set.OwnsNodes);
+
+  data_.All.SetNodeColor(TColor(9));
+  EXPECT_EQ(set.NodeColor, TColor(9));
+}
+
+TEST_F(DataFile, FindsEqualNamesAtTheFirst) {
+  ASSERT_TRUE(data_.LoadFromMemory("[a]1 5 0 0[x[b]1 6 0 0[a]1 7 0 0[b]1 8 0 0", model_).Ok());
+  const char* first[] = {"1:5", "1:6", "1:5", "1:6"};
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(Describe(*data_.All.Get(i)).substr(0, 3), first[i]);
+  EXPECT_EQ(data_.All.Get(2)->Scale, data_.All.Get(0)->Scale);
+}
+
+TEST_F(DataFile, LeavesASectionWithoutRecordsEmpty) {
+  EXPECT_TRUE(data_.LoadFromMemory("[notes]\nby hand\n[F = 1]\n1 1 1 1\n", model_).Ok());
+  ASSERT_EQ(data_.All.Count(), 2u);
+  EXPECT_TRUE(data_.All.Get(0)->Empty());
+  EXPECT_EQ(data_.All.Get(0)->Scale, 1.0);
+  EXPECT_EQ(data_.All.Get(1)->Count(), 3u);
+}
+
+TEST_F(DataFile, ReportsWhatIsWrongAndKeepsTheRest) {
+  const struct {
+    const char* text;
+    const char* sentence;
+    const char* nodes;  ///< of the first data set
+  } cases[] = {
+      {"", "m.dat: it holds no data sets.", nullptr},
+      {"1 2 3 4", "m.dat: it holds no data sets.", nullptr},
+      {"[F = 1]\n1 1 1 1\n9 2 2 2\n",
+       "m.dat, line 3: the model has no node 9; its record was dropped.",
+       "1:1,1,1 2:-1,-1,1 3:1,1,-1 "},
+      {"[F = 1]\n1 1 1 1\n2 2 2 2\n3 3 3 3\n1 4 4 4\n",
+       "m.dat, line 5: the record of node 1 is beyond the number of the model's nodes and was "
+       "dropped.",
+       "1:1,1,1 2:2,2,2 3:3,3,3 "},
+      {"[F = 1]\n1 nan 1 1\n2 2 -inf 1e99\n3 3 3 3\n",
+       "m.dat, line 2: node 1 has a value that is infinite or no number; it was set to 0, and 1 "
+       "more "
+       "fault followed.",
+       "1:0,1,1 2:2,0,0 3:3,3,3 "},
+      {"[F = 1]\n1 1 1 1\n2 2,5 2 2\n",
+       "m.dat, line 3: the record of node 2 is not complete; the records from there on were "
+       "dropped.",
+       "1:1,1,1 2:-1,-1,1 3:1,1,-1 "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(Sentence(c.text), c.sentence);
+    if (c.nodes) {
+      EXPECT_EQ(Describe(*data_.All.Get(0)), c.nodes);
+    } else {
+      EXPECT_TRUE(data_.All.Empty());
+    }
+  }
+}
+
+TEST_F(DataFile, WarnsOfAModelWhoseNodesAreNotInOrder) {
+  ASSERT_TRUE(model_.LoadFromMemory("[Nodes]\n2 0 0 0\n1 1 1 1\n").Ok());
+  EXPECT_EQ(
+      Sentence("[F = 1]\n1 1 1 1\n2 2 2 2\n"),
+      "m.dat: the model's nodes are not in ascending order of their numbers, so shapes may be "
+      "wrong.");
+  EXPECT_EQ(Describe(*data_.All.Get(0)), "1:1,1,1 2:2,2,2 ");
+  ASSERT_TRUE(model_.LoadFromMemory("[Nodes]\n1 0 0 0\n1 1 1 1\n2 2 2 2\n").Ok());
+  EXPECT_EQ(Sentence("[F = 1]\n1 1 1 1\n2 2 2 2\n"), "");
+}
+
+TEST_F(DataFile, LoadsWithoutAModel) {
+  TModel none;
+  EXPECT_EQ(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", none).Count(), 1u);
+  ASSERT_EQ(data_.All.Count(), 1u);
+  EXPECT_TRUE(data_.All.Get(0)->Empty());
+}
+
+TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
+  ASSERT_TRUE(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", model_).Ok());
+  std::string large = "[F = 1]\n";
+  for (int i = 0; i < 200'000; ++i) large += "1 0.25 0.25 0.25\n";
+  const TDataNodeList* kept = data_.All.Get(0);
+  const QString file = WriteTestFile("large.dat", QByteArray::fromStdString(large));
+  EXPECT_TRUE(data_
+                  .LoadFromFile(file, model_,
+                                [&](double done) {
+                                  EXPECT_FALSE(model_.Loaded);
+                                  return done < 0.5;
+                                })
+                  .Cancelled());
+  EXPECT_EQ(data_.All.Get(0), kept);
+  EXPECT_TRUE(model_.Loaded);
+
+  EXPECT_EQ(data_.LoadFromFile(TestFolder() + "/no.dat", model_).Sentence("no.dat"),
+            "Cannot read no.dat: there is no such file.");
+  EXPECT_TRUE(data_.All.Empty() && data_.Shown.Empty());
+  EXPECT_TRUE(model_.Loaded);
+}
+
+TEST_F(DataFile, KeepsOnlyAsManySetsAsItCanHold) {
+  std::string text;
+  for (std::size_t i = 0; i <= kMostDataSets; ++i) text += "[]x";
+  EXPECT_EQ(Sentence(text), "m.dat: only the first 100000 data sets were kept.");
+  EXPECT_EQ(data_.All.Count(), kMostDataSets);
+
+  // Every section, however short, makes a node for each node of the model.
+  data_.MostNodes = 7;
+  EXPECT_EQ(Sentence("[a]1 1 1 1[b][a][c]1 1 1 1[d]"),
+            "m.dat: only the first 3 data sets were kept.");
+  EXPECT_EQ(data_.All.Count(), 3u);
+}
+
+TEST_F(DataFile, ReadsOneListByItself) {
+  TDataNodeList list(&model_, false);
+  list.Section = "[F = 2]";
+  const std::string text = "[F = 1]\n1 1 1 1\n[F = 2]\n2 3 4 0\n";
+  EXPECT_TRUE(list.LoadFromMemory(text).Ok());
+  EXPECT_EQ(Describe(list), "1:-1,-1,-1 2:3,4,0 3:1,1,-1 ");
+  EXPECT_EQ(list.Scale, 0.25);
+
+  EXPECT_TRUE(list.LoadFromFile(TestFolder() + "/none.dat").Failed());
+  EXPECT_EQ(list.Count(), 3u);
+  list.Section = "[F = 3]";
+  EXPECT_EQ(list.LoadFromMemory(text).Sentence("m.dat"), "m.dat: it has no section [F = 3].");
+  EXPECT_TRUE(list.Empty());
+
+  TDataNodeList own(&model_, true);
+  own.Section = "[F = 2]";
+  EXPECT_TRUE(own.LoadFromMemory(text).Ok());
+  EXPECT_EQ(Describe(own), "2:3,4,0 ");
+  EXPECT_EQ(own.Get(0)->Link, nullptr);
+}
+
+TEST_F(DataFile, ListsItsSections) {
+  QStringList names = {"before"};
+  ReadSections(std::string_view("[F = 2.5]1[\xfc][\xc3\xbc]"), names);
+  EXPECT_EQ(names, (QStringList{"before", "F = 2.5", QString(QChar(0xfc)), QString(QChar(0xfc))}));
+  ReadSections(TestFolder() + "/none.dat", names);
+  EXPECT_EQ(names.size(), 4);
+  ReadSections(WriteTestFile("a.dat", "[x]"), names);
+  EXPECT_EQ(names.last(), "x");
+}
+
+}  // namespace

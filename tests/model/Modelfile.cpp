@@ -1,0 +1,322 @@
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <random>
+
+#include "model/Animmodel.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+const std::string kOptions = "[Options]\nNodeRadius=0.5\nElementRadius=0.125\n";
+const std::string kNodes = "[Nodes]\n1 0 0 0\n2 3 4 0\n7 1 1 1\n";
+const std::string kElements = "[Elements]\n2\n1 1 0.25 255 2 1 2\n2 3 -1 3 1 2 7\n";
+
+/// All that a model holds, as one text.
+std::string Describe(const TModel& model) {
+  QString out;
+  QTextStream s(&out);
+  s << model.Size << ' ' << model.Nodes.NodeRadius << ' ' << model.Nodes.ElementRadius << '\n';
+  const auto vertex = [&](const TVertex& v) { s << v.x << ',' << v.y << ',' << v.z << ' '; };
+  for (const TNode* n : model.Nodes) {
+    s << n->ID << ": ";
+    vertex(n->Position);
+    vertex(n->Angles);
+  }
+  for (const TElement* e : model.Elements) {
+    s << '\n'
+      << e->ID << " type " << e->Type << " colour " << e->Color.Value() << " radius " << e->Radius
+      << ' ' << e->RollParam1 << ' ' << e->RollParam2 << " nodes";
+    for (const std::int32_t index : e->Nodes()) s << ' ' << index;
+  }
+  return out.toStdString();
+}
+
+TEST(ModelFile, LoadsRecordsOptionsAndElements) {
+  TModel model;
+  EXPECT_TRUE(model.LoadFromMemory(kOptions + kNodes + kElements).Ok());
+  EXPECT_EQ(Describe(model),
+            "5 0.5 0.125\n"
+            "1: -1.5,-2,-0.5 0,0,0 2: 1.5,2,-0.5 0,0,0 7: -0.5,-1,0.5 0,0,0 \n"
+            "1 type 1 colour 255 radius 0.25 0 0 nodes 0 1\n"
+            "2 type 3 colour -1 radius 0 0 0 nodes 0 1 2");
+  EXPECT_EQ(model.Elements.Get(0)->NodeList, &model.Nodes);
+  EXPECT_EQ(model.Nodes.Elements, &model.Elements);
+  EXPECT_TRUE(model.Loaded);
+}
+
+TEST(ModelFile, GivesEveryNodeADisplayNode) {
+  TModel model;
+  const TDataNodeList* display = &model.Display;
+  ASSERT_TRUE(model.LoadFromMemory(kOptions + kNodes).Ok());
+  ASSERT_EQ(model.Display.Count(), 3u);
+  for (std::size_t i = 0; i < 3; ++i) {
+    const TNode* node = model.Display.Get(i);
+    EXPECT_EQ(node->ID, model.Nodes.Get(i)->ID);
+    EXPECT_EQ(node->Position, TVertex{});
+    EXPECT_EQ(node->Link, model.Nodes.Get(i));
+  }
+  EXPECT_EQ(display->NodeRadius, 0.5);
+  EXPECT_EQ(display->ElementRadius, 0.125);
+  EXPECT_TRUE(display->ShowNodes && display->ShowElements);
+  EXPECT_EQ(display->Elements, &model.Elements);
+}
+
+TEST(ModelFile, TakesTheSectionsInAnyOrder) {
+  TModel straight;
+  ASSERT_TRUE(straight.LoadFromMemory(kOptions + kNodes + kElements).Ok());
+  std::vector<std::string> parts = {kElements, kNodes, kOptions};
+  std::sort(parts.begin(), parts.end());
+  do {
+    TModel model;
+    EXPECT_TRUE(model.LoadFromMemory(parts[0] + parts[1] + parts[2]).Ok());
+    EXPECT_EQ(Describe(model), Describe(straight)) << parts[0];
+  } while (std::next_permutation(parts.begin(), parts.end()));
+}
+
+TEST(ModelFile, FindsRadiiOnlyWithTheirSectionButAnywhere) {
+  const struct {
+    std::string text;
+    double nodeRadius, elementRadius;
+  } cases[] = {
+      {kNodes, 0.05, 0.025},  // by the size of the model
+      {"NodeRadius=7\n" + kNodes, 0.05, 0.025},
+      {"NodeRadius=7\n" + kNodes + "[Options]\n", 7, 3.5},
+      {"[Options]\nElementRadius=2\nNodeRadius=1\n" + kNodes, 1, 2},  // searched on, around the end
+      {"[Options]\nNodeRadius=1\nNodeRadius=9\n" + kNodes, 1, 0.5},
+      {"[Options]\nNodeRadius=x\nElementRadius= 3\n" + kNodes, 0.05, 3},
+      {"[Options]\nNodeRadius=-1\nElementRadius=0\n" + kNodes, 0.05, 0.025},
+      {"[Options]\nNodeRadius=inf\nElementRadius=nan\n" + kNodes, 0.05, 0.025},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    TModel model;
+    EXPECT_TRUE(model.LoadFromMemory(c.text).Ok());
+    EXPECT_DOUBLE_EQ(model.Nodes.NodeRadius, c.nodeRadius);
+    EXPECT_DOUBLE_EQ(model.Display.ElementRadius, c.elementRadius);
+  }
+}
+
+TEST(ModelFile, MeasuresTheSizeFromTheOriginOfTheFile) {
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n2 3 4 0\n").Ok());
+  EXPECT_EQ(model.Size, 5.0);
+  EXPECT_EQ(model.Nodes.Get(0)->Position, (TVertex{-1.5, -2, 0}));
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 1000 0 0\n2 1001 0 0\n").Ok());
+  EXPECT_EQ(model.Size, 1001.0);
+  EXPECT_EQ(model.Nodes.Get(1)->Position, (TVertex{0.5, 0, 0}));
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n").Ok());
+  EXPECT_EQ(model.Size, 0.0);
+}
+
+TEST(ModelFile, ReadsAnglesWhereTheFirstRecordHasThem) {
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0 .1 .2 .3\n2 1 0 0 4 5 6\n").Ok());
+  ASSERT_EQ(model.Nodes.Count(), 2u);
+  EXPECT_EQ(model.Nodes.Get(1)->Angles, (TVertex{4, 5, 6}));
+  // Three numbers on the next line are not angles, but the start of the next record.
+  EXPECT_FALSE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n5 6 7\n").Ok());
+  ASSERT_EQ(model.Nodes.Count(), 1u);
+  EXPECT_EQ(model.Nodes.Get(0)->Angles, TVertex{});
+}
+
+TEST(ModelFile, SeparatesNumbersByAnyWhiteSpace) {
+  TModel model;
+  EXPECT_TRUE(
+      model.LoadFromMemory("[Nodes]\r\n1 0\r\n0 0\t2 3\f4\v0 [Elements] 1 1 1\n0 -1 2 1 2").Ok());
+  EXPECT_EQ(model.Nodes.Count(), 2u);
+  EXPECT_EQ(model.Elements.Count(), 1u);
+}
+
+TEST(ModelFile, ReadsEachTypeOfElementInItsForm) {
+  TModel model;
+  EXPECT_TRUE(model
+                  .LoadFromMemory(kNodes + "[Elements]\n4\n"
+                                           "1 2 0.5 0.25 0.125 -1 2 1 2\n"  // roll
+                                           "2 3 65280 3 1 2 7\n"            // face
+                                           "3 9 0.75 16711680 1 7\n"        // point
+                                           "4 300 1 -1 1 7\n")  // beyond 8 bits: a point too
+                  .Ok());
+  const std::string text = Describe(model);
+  EXPECT_EQ(text.substr(text.find("\n1 type") + 1),
+            "1 type 2 colour -1 radius 0.5 0.25 0.125 nodes 0 1\n"
+            "2 type 3 colour 65280 radius 0 0 0 nodes 0 1 2\n"
+            "3 type 9 colour 16711680 radius 0.75 0 0 nodes 2\n"
+            "4 type 255 colour -1 radius 1 0 0 nodes 2");
+}
+
+TEST(ModelFile, RefersToTheFirstOfSeveralNodesWithOneId) {
+  for (const std::string far : {"3", "2000000000", "-2147483648"}) {  // IDs close and far apart
+    TModel model;
+    EXPECT_TRUE(model
+                    .LoadFromMemory("[Nodes]\n5 0 0 0\n" + far +
+                                    " 9 9 9\n5 1 1 1\n[Elements]\n1\n1 1 0 -1 2 5 " + far)
+                    .Ok());
+    ASSERT_EQ(model.Elements.Count(), 1u) << far;
+    EXPECT_EQ(model.Elements.Get(0)->Nodes()[0], 0);
+    EXPECT_EQ(model.Elements.Get(0)->Nodes()[1], 1);
+    EXPECT_EQ(model.Nodes.FindNode(5), model.Nodes.Get(0));
+    EXPECT_EQ(model.Nodes.IndexOf(4), -1);
+  }
+}
+
+TEST(ModelFile, TakesTheNodesOfASkippedRecordAsTheNextRecord) {
+  TModel model;
+  // 5 1 0 -1 0 has no nodes; what follows is element 7 of type 1.
+  EXPECT_TRUE(model.LoadFromMemory(kNodes + "[Elements]\n2\n5 1 0 -1 0\n7 1 0 -1 2\n1 2\n").Ok());
+  ASSERT_EQ(model.Elements.Count(), 1u);
+  EXPECT_EQ(model.Elements.Get(0)->ID, 7);
+  // Type 0 likewise, with its radius in the form of a bar.
+  EXPECT_TRUE(model.LoadFromMemory(kNodes + "[Elements]\n2\n5 0 .5 -1 2\n7 1 0 -1 2\n1 2\n").Ok());
+  EXPECT_EQ(model.Elements.Count(), 1u);
+}
+
+TEST(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
+  const struct {
+    const char* what;
+    std::string text;
+    std::size_t nodes, elements;
+    QString sentence;
+  } cases[] = {
+      {"empty file", "", 0, 0, "m.mod: it holds no nodes."},
+      {"binary file",
+       std::string("\x7f"
+                   "ELF\0\1\2\xff[Nodes]\0\xfe 1 2",
+                   22),
+       0, 0, "m.mod: it holds no nodes."},
+      {"unknown node", kNodes + "[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 99\n", 3, 1,
+       "m.mod, line 8: element 2 names node 99, which does not exist; the element was dropped."},
+      {"many unknown nodes",
+       kNodes + "[Elements]\n3\n1 1 0 -1 2 8 2\n2 1 0 -1 2 1 9\n3 1 0 -1 2 9 9\n", 3, 0,
+       "m.mod, line 7: element 1 names node 8, which does not exist; the element was dropped, and "
+       "2 "
+       "more faults followed."},
+      {"elements cut short", kNodes + "[Elements]\n3\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1", 3, 1,
+       "m.mod, line 8: the elements end after 1 of 3 records; the missing ones were dropped."},
+      {"more elements", kNodes + "[Elements]\n1\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 2\n", 3, 1,
+       "m.mod, line 8: there are more element records than the 1 announced; the rest was dropped."},
+      {"no number of elements", kNodes + "[Elements]\n" + kOptions, 3, 0,
+       "m.mod, line 5: the number of elements is missing; no elements were read."},
+      {"two thousand million elements", kNodes + "[Elements]\n2147483648\n1 1 0 -1 2 1 2\n", 3, 1,
+       "m.mod, line 5: a number does not fit into 32 bits and was cut to the nearest that does, "
+       "and "
+       "1 more fault followed."},
+      {"element with two thousand million nodes",
+       kNodes + "[Elements]\n1\n1 3 -1 2147483647 1 2 7\n", 3, 0,
+       "m.mod, line 8: the elements end after 0 of 1 records; the missing ones were dropped."},
+      {"decimal commas", "[Nodes]\n1 0,5 1,5 0\n2 1 1 1\n", 0, 0,
+       "m.mod, line 2: the record of node 1 is not complete; the records from there on were "
+       "dropped, "
+       "and 1 more fault followed."},
+      {"record cut short", "[Nodes]\n1 0 0 0\n2 3 4\n", 1, 0,
+       "m.mod, line 3: the record of node 2 is not complete; the records from there on were "
+       "dropped."},
+      {"comment between records", "[Nodes]\n1 0 0 0\n# the roof\n2 3 4 0\n", 1, 0,
+       "m.mod, line 3: text that is no number ends the nodes; the records behind it were dropped."},
+      {"not a number", "[Nodes]\n1 0 0 0\n2 nan 0 0\n3 1 -inf 0\n4 1e300 1 1\n5 1 1 1\n", 2, 0,
+       "m.mod, line 3: node 2 has a value that is infinite or no number; the node was dropped, and "
+       "2 more faults followed."},
+      {"large node number", "[Nodes]\n1 0 0 0\n9999999999 1 1 1\n", 2, 0,
+       "m.mod, line 3: a node number does not fit into 32 bits and was cut to the nearest that "
+       "does."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    TModel model;
+    const TLoadReport report = model.LoadFromMemory(c.text);
+    EXPECT_EQ(report.Sentence("/some/folder/m.mod"), c.sentence);
+    EXPECT_FALSE(report.Failed());
+    EXPECT_EQ(model.Nodes.Count(), c.nodes);
+    EXPECT_EQ(model.Display.Count(), c.nodes);
+    EXPECT_EQ(model.Elements.Count(), c.elements);
+    EXPECT_TRUE(model.Loaded);
+  }
+}
+
+TEST(ModelFile, HasNoFaultInTextBetweenSections) {
+  TModel model;
+  EXPECT_TRUE(
+      model.LoadFromMemory("A plate.\n" + kNodes + "; elements\n\n" + kElements + "end").Ok());
+}
+
+TEST(ModelFile, EndsQuicklyOnHostileText) {
+  const std::size_t size = 64 << 20;
+  std::string unfinished = "[Elements]\n2147483647\n";
+  while (unfinished.size() < size / 8) unfinished += "- ";
+  const std::string texts[] = {std::string(size, '['), "[Nodes]" + std::string(size, '\n'),
+                               "[Nodes]\n1 " + std::string(size, '9'), unfinished};
+  for (const std::string& text : texts) {
+    TModel model;
+    EXPECT_FALSE(model.LoadFromMemory(text).Ok());
+    EXPECT_EQ(model.Nodes.Count(), 0u);
+  }
+}
+
+TEST(ModelFile, ReplacesTheEarlierModelAndTellsOnce) {
+  TModel model;
+  QSignalSpy changes(&model, &TModel::OnChange);
+  QObject::connect(&model, &TModel::OnChange, [&] { EXPECT_TRUE(model.Loaded); });
+  ASSERT_TRUE(model.LoadFromMemory(kOptions + kNodes + kElements).Ok());
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n4 1 2 3\n").Ok());
+  EXPECT_EQ(model.Nodes.Count(), 1u);
+  EXPECT_EQ(model.Elements.Count(), 0u);
+  EXPECT_EQ(model.NodeIndex(4), 0);
+  EXPECT_EQ(model.NodeIndex(1), -1);
+  EXPECT_EQ(changes.count(), 2);
+}
+
+/// A model of many nodes, long enough for several reports of progress.
+std::string LargeModel() {
+  std::string text = "[Nodes]\n";
+  for (int i = 0; i < 300'000; ++i) text += std::to_string(i) + " 1.25 2.5 3.75\n";
+  return text;
+}
+
+TEST(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory(kOptions + kNodes + kElements).Ok());
+  const std::string before = Describe(model);
+  const TNode* first = model.Nodes.Get(0);
+  QSignalSpy changes(&model, &TModel::OnChange);
+
+  std::vector<double> told;
+  const auto cancelAtHalf = [&](double done) {
+    EXPECT_FALSE(model.Loaded);
+    told.push_back(done);
+    return done < 0.5;
+  };
+  const QString file = WriteTestFile("large.mod", QByteArray::fromStdString(LargeModel()));
+  const TLoadReport report = model.LoadFromFile(file, cancelAtHalf);
+  EXPECT_TRUE(report.Cancelled());
+  EXPECT_EQ(report.Sentence(file), "");
+  EXPECT_GT(told.size(), 3u);
+  EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+  EXPECT_EQ(Describe(model), before);
+  EXPECT_EQ(model.Nodes.Get(0), first);
+  EXPECT_TRUE(model.Loaded);
+  EXPECT_EQ(changes.count(), 1);
+}
+
+TEST(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory(kNodes).Ok());
+  const TLoadReport report =
+      model.LoadFromMemory(LargeModel(), [](double) -> bool { throw std::bad_alloc(); });
+  EXPECT_EQ(report.Sentence("a.mod"), "Cannot read a.mod: not enough memory.");
+  EXPECT_EQ(model.Nodes.Count(), 3u);
+  EXPECT_TRUE(model.Loaded);
+}
+
+TEST(ModelFile, RefusesASecondLoadDuringTheFirst) {
+  TModel model;
+  QString inner;
+  const auto reenter = [&](double) {
+    inner = model.LoadFromMemory(kNodes).Sentence("b.mod");
+    return true;
+  };
+  EXPECT_TRUE(model.LoadFromMemory(LargeModel(), reenter).Ok());
+  EXPECT_EQ(inner, "Cannot read b.mod: another file is being read.");
+  EXPECT_EQ(model.Nodes.Count(), 300'000u);
+}
+
+}  // namespace

@@ -1,0 +1,57 @@
+#include "model/Readfile.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <filesystem>
+
+#include "model/Animmodel.h"
+#include "tests/support/Testsupport.h"
+
+#ifdef __unix__
+#include <sys/stat.h>
+#endif
+
+namespace {
+
+TEST(ReadFile, ReadsAllBytesAsTheyAre) {
+  const QByteArray bytes("a\r\nb\0\x1a\xff", 7);
+  TFileText text;
+  TLoadReport report;
+  ASSERT_TRUE(ReadFile(WriteTestFile("bytes", bytes), text, report));
+  EXPECT_EQ(View(text), std::string_view(bytes.data(), 7));
+  ASSERT_TRUE(ReadFile(WriteTestFile("empty", ""), text, report));
+  EXPECT_EQ(View(text), "");
+}
+
+TEST(ReadFile, SaysWhyAFileCannotBeRead) {
+  const QString folder = TestFolder();
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 2 3 4\n").Ok());
+  QSignalSpy changes(&model, &TModel::OnChange);
+  std::vector<std::pair<QString, QString>> cases = {
+      {folder + "/none.mod", "Cannot read none.mod: there is no such file."},
+      {folder, "Cannot read " + QFileInfo(folder).fileName() + ": it is a folder."},
+      {"", "Cannot read : there is no such file."},
+  };
+#ifdef __unix__
+  const QString pipe = folder + "/pipe";
+  ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0);
+  cases.emplace_back(pipe, "Cannot read pipe: it is not a regular file.");
+  cases.emplace_back("/dev/zero", "Cannot read zero: it is not a regular file.");
+#endif
+  const QString huge = WriteTestFile("huge.mod", "");
+  std::filesystem::resize_file(huge.toStdString(), (std::uintmax_t{4} << 30) + 1);
+  cases.emplace_back(huge, "Cannot read huge.mod: it is larger than 4 GiB.");
+
+  for (const auto& [name, sentence] : cases) {
+    const TLoadReport report = model.LoadFromFile(name);
+    EXPECT_TRUE(report.Failed());
+    EXPECT_EQ(report.Sentence(name), sentence);
+    EXPECT_EQ(model.Nodes.Count(), 1u) << "the earlier model stays";
+    EXPECT_TRUE(model.Loaded);
+  }
+  EXPECT_EQ(changes.count(), static_cast<int>(cases.size()));
+}
+
+}  // namespace

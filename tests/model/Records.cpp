@@ -1,0 +1,107 @@
+#include "model/Records.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(TVertex, DividesByZeroToTheZeroVector) {
+  EXPECT_EQ((TVertex{3, -4, 5} / 0.0), TVertex{});
+  EXPECT_EQ((TVertex{3, -4, 5} / 2.0), (TVertex{1.5, -2, 2.5}));
+  EXPECT_EQ(Length({1, 2, 3}, {1, 5, 7}), 5.0);
+}
+
+TEST(TElement, HasRoomForItsNodes) {
+  for (const auto& [asked, made] : {std::pair{1, 1}, {4, 4}, {5, 5}, {0, 2}, {-7, 2}}) {
+    TElement element(TElement::kFace, asked);
+    EXPECT_EQ(element.NodeCount(), made);
+    ASSERT_EQ(element.Nodes().size(), static_cast<std::size_t>(made));
+    for (const std::int32_t index : element.Nodes()) EXPECT_EQ(index, 0);
+  }
+}
+
+/// Two-node elements over five points.
+class Elements : public testing::Test {
+ protected:
+  Elements() {
+    nodes_.Emplace(1, 0, 0, 5);
+    nodes_.Emplace(2, 1, -2, 3);
+    nodes_.Emplace(3, -1, 0, 3);
+    nodes_.Emplace(4, -1, -1, -1);
+    nodes_.Emplace(5, -1, -1, -1);
+  }
+  TElement Bar(std::int32_t a, std::int32_t b) {
+    TElement bar(TElement::kBar, 2);
+    bar.Nodes()[0] = a;
+    bar.Nodes()[1] = b;
+    bar.NodeList = &nodes_;
+    return bar;
+  }
+  TNodeList nodes_;
+};
+
+TEST_F(Elements, HaveTheMaximumOfEachCoordinate) {
+  EXPECT_EQ(MaxNodeCoordinates(Bar(1, 2)), (TVertex{1, 0, 3}));
+  EXPECT_EQ(MaxNodeCoordinates(Bar(3, 4)), (TVertex{-1, -1, -1}));  // below the origin
+  EXPECT_EQ(MaxNodeCoordinates(Bar(3, 99)), (TVertex{-1, -1, -1}));
+  EXPECT_EQ(MaxNodeCoordinates(TElement(TElement::kBar, 2)), TVertex{});
+}
+
+TEST_F(Elements, AreOrderedByZThenYThenX) {
+  const TElement high = Bar(0, 0), right = Bar(1, 1), left = Bar(2, 2), low = Bar(3, 4);
+  EXPECT_EQ(CompareElements(&left, &high), -1);  // z, whatever x says
+  EXPECT_EQ(CompareElements(&left, &right), 1);  // same z, y decides against x
+  const TElement wide = Bar(2, 1);               // (1, 0, 3)
+  EXPECT_EQ(CompareElements(&left, &wide), -1);  // same z and y, x decides
+  EXPECT_EQ(CompareElements(&low, &low), 0);
+  EXPECT_EQ(CompareElements(nullptr, &low), 0);
+  EXPECT_EQ(CompareElements(&low, nullptr), 0);
+}
+
+TEST(CompareNodesID, OrdersByIdAndTakesNullAsEqual) {
+  const TNode small(-2147483647 - 1, {}), large(2147483647, {9, 9, 9});
+  EXPECT_EQ(CompareNodesID(&small, &large), -1);
+  EXPECT_EQ(CompareNodesID(&large, &small), 1);
+  EXPECT_EQ(CompareNodesID(&large, &large), 0);
+  EXPECT_EQ(CompareNodesID(nullptr, &large), 0);
+  EXPECT_EQ(CompareNodesID(&small, nullptr), 0);
+}
+
+/// Writes down when it is freed.
+struct TTold {
+  TTold(std::vector<int>& freed, int name) : freed_(freed), name_(name) {}
+  ~TTold() { freed_.push_back(name_); }
+  std::vector<int>& freed_;
+  int name_;
+};
+
+template <class TList>
+class TypedLists : public testing::Test {};
+using TListTypes = testing::Types<TTypedList<TTold>, TTypedList<TTold, TInBlocks<TTold>>>;
+TYPED_TEST_SUITE(TypedLists, TListTypes);
+
+TYPED_TEST(TypedLists, OwnTheirRecordsAndFreeThemFromTheFront) {
+  std::vector<int> freed;
+  {
+    TypeParam list;
+    std::vector<TTold*> records;
+    for (int i = 0; i < 40; ++i) records.push_back(list.Emplace(freed, i));
+    list.EmplaceAt(0, freed, 40);
+    EXPECT_EQ(list.Get(0)->name_, 40);
+    EXPECT_EQ(list.Get(40), records[39]) << "a record never moves";
+    list.DeleteObject(1);
+    EXPECT_EQ(freed, std::vector<int>{0});
+    list.Emplace(freed, 41);
+    list.Exchange(0, 1);
+
+    TypeParam taken(std::move(list));
+    EXPECT_EQ(taken.Count(), 41u);
+    EXPECT_EQ(taken.Get(0), records[1]);
+    freed.clear();
+  }
+  ASSERT_EQ(freed.size(), 41u);
+  EXPECT_EQ(freed[0], 1);
+  EXPECT_EQ(freed[1], 40);
+  EXPECT_EQ(freed[40], 41);
+}
+
+}  // namespace

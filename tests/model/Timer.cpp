@@ -1,0 +1,219 @@
+#include "model/Timer.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+/// Counts firings, and does something at each.
+class TCounter : public QObject {
+ public:
+  void Count(QObject* sender) {
+    ++count;
+    last = sender;
+    if (then) then();
+  }
+  void Other(QObject*) {}
+
+  int count = 0;
+  QObject* last = nullptr;
+  std::function<void()> then;
+};
+
+std::unique_ptr<TTimerClient> Client(TCounter& counter, quint32 interval = 1) {
+  auto client = std::make_unique<TTimerClient>();
+  client->SetInterval(interval);
+  client->SetEnabled(true);
+  client->SetOnTimer({&counter, &TCounter::Count});
+  return client;
+}
+
+void Tick(int times = 1) {
+  for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
+}
+
+TEST(TTimerClient, FiresEveryIntervalTicksWhileEnabled) {
+  for (const auto& [interval, fired] : {std::pair{0u, 12}, {1u, 12}, {5u, 2}, {12u, 1}, {13u, 0}}) {
+    TCounter counter;
+    const auto client = Client(counter, interval);
+    Tick(12);
+    EXPECT_EQ(counter.count, fired) << interval;
+    client->SetEnabled(false);
+    Tick(20);
+    EXPECT_EQ(counter.count, fired) << interval;
+    if (fired > 0) {
+      EXPECT_EQ(counter.last, client.get());
+    }
+  }
+}
+
+TEST(TTimerClient, StartsDisabledWithOneSecond) {
+  const TTimerClient client;
+  EXPECT_EQ(client.GetInterval(), 100u);
+  EXPECT_FALSE(client.GetEnabled());
+}
+
+TEST(TTimerClient, CountsAnewOnlyAfterARealChange) {
+  TCounter counter;
+  const struct {
+    std::function<void(TTimerClient&)> change;
+    int fired;
+  } cases[] = {
+      {[](TTimerClient& c) { c.SetInterval(5); }, 1},
+      {[](TTimerClient& c) { c.SetEnabled(true); }, 1},
+      {[&](TTimerClient& c) {
+         c.SetOnTimer({&counter, &TCounter::Count});
+       },
+       1},
+      {[](TTimerClient& c) { c.SetInterval(4), c.SetInterval(5); }, 0},
+      {[](TTimerClient& c) { c.SetEnabled(false), c.SetEnabled(true); }, 0},
+      {[&](TTimerClient& c) {
+         c.SetOnTimer({&counter, &TCounter::Other});
+         c.SetOnTimer({&counter, &TCounter::Count});
+       },
+       0},
+  };
+  for (const auto& c : cases) {
+    counter.count = 0;
+    const auto client = Client(counter, 5);
+    Tick(4);
+    c.change(*client);
+    Tick();
+    EXPECT_EQ(counter.count, c.fired) << &c - cases;
+  }
+}
+
+TEST(TTimerServer, LivesAsLongAsItsClients) {
+  EXPECT_EQ(TTimerServer::Instance(), nullptr);
+  auto first = std::make_unique<TTimerClient>();
+  TTimerServer* server = TTimerServer::Instance();
+  ASSERT_NE(server, nullptr);
+  auto second = std::make_unique<TTimerClient>();
+  EXPECT_EQ(TTimerServer::Instance(), server);
+  first.reset();
+  EXPECT_EQ(TTimerServer::Instance(), server);
+  second.reset();
+  EXPECT_EQ(TTimerServer::Instance(), nullptr);
+}
+
+TEST(TTimerServer, ServesOnWhenAnEventDestroysClients) {
+  TCounter counters[4];
+  std::unique_ptr<TTimerClient> clients[4];
+  for (int i = 0; i < 4; ++i) clients[i] = Client(counters[i]);
+  counters[1].then = [&] {  // one that was served, itself, and one that is still to come
+    clients[0].reset();
+    clients[1].reset();
+    clients[2].reset();
+  };
+  Tick();
+  EXPECT_EQ(counters[0].count, 1);
+  EXPECT_EQ(counters[1].count, 1);
+  EXPECT_EQ(counters[2].count, 0);
+  EXPECT_EQ(counters[3].count, 1);
+
+  counters[3].then = [&] { clients[3].reset(); };  // the last one takes the server with it
+  Tick();
+  EXPECT_EQ(counters[3].count, 2);
+  EXPECT_EQ(TTimerServer::Instance(), nullptr);
+}
+
+TEST(TTimerServer, ServesAClientThatAnEventMakes) {
+  TCounter parent, child;
+  std::unique_ptr<TTimerClient> born;
+  const auto client = Client(parent);
+  parent.then = [&] {
+    if (!born) born = Client(child);
+  };
+  Tick(2);
+  EXPECT_EQ(child.count, 2);
+}
+
+TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
+  TCounter bad, good;
+  const auto first = Client(bad);
+  const auto second = Client(good);
+  bad.then = [] { throw std::runtime_error("no"); };
+  Tick();
+  EXPECT_EQ(TakeMessages(), QStringList{"Timer server error!"});
+  EXPECT_EQ(good.count, 0);
+  bad.then = {};
+  Tick();
+  EXPECT_EQ(good.count, 1);
+  EXPECT_EQ(TakeMessages(), QStringList{});
+}
+
+TEST(TTimerServer, EntersNoClientTwice) {
+  TCounter counter;
+  const auto client = Client(counter);
+  counter.then = [] { Tick(); };
+  Tick();
+  EXPECT_EQ(counter.count, 1);
+}
+
+TEST(TTimerServer, SaysThatTheSystemRefusesATimer) {
+  ExpectQtWarning("Timers can only be used with threads started with QThread");
+  std::thread([] {  // a thread without event dispatcher gets no timer
+    TCounter counter;
+    const auto client = Client(counter);
+    Tick();
+    EXPECT_EQ(counter.count, 1) << "the server stays, without ticks of its own";
+  })
+      .join();
+  EXPECT_EQ(TakeMessages(), QStringList{"Can't create timer!"});
+}
+
+TEST(TTimerServer, TicksByItself) {
+  TCounter counter;
+  const auto client = Client(counter);
+  QEventLoop loop;
+  counter.then = [&] { loop.quit(); };
+  loop.exec();
+  EXPECT_EQ(counter.count, 1);
+}
+
+TEST(TStopWatch, WritesSpansWithoutSeparators) {
+  EXPECT_EQ(TStopWatch::MakeTimeStr(0), "000000000");
+  EXPECT_EQ(TStopWatch::MakeTimeStr(((12 * 60 + 34) * 60 + 56) * 1000 + 789), "123456789");
+  EXPECT_EQ(TStopWatch::MakeTimeStr(100 * 3'600'000LL + 5), "1000000005");
+  EXPECT_EQ(TStopWatch::MakeTimeStr(-1), "000000000");
+  EXPECT_EQ(TStopWatch().GetTimeStr().size(), 9);
+}
+
+TEST(TStopWatch, WritesDatesAndTimes) {
+  const QDateTime time(QDate(2024, 2, 29), QTime(3, 4, 5, 67));
+  EXPECT_EQ(TStopWatch::MakeDateTimeStr(TDateTime::FromQDateTime(time)), "20240229 030405067");
+  EXPECT_EQ(TStopWatch::MakeDateTimeStr(TDateTime(0.0)), "18991230 000000000");
+  EXPECT_EQ(TStopWatch::MakeDateTimeStr(TDateTime(1e300)), "");
+  EXPECT_EQ(TStopWatch().GetDateTimeStr().size(), 18);
+}
+
+TEST(TDateTime, CountsDaysFromThirtiethDecember1899) {
+  const struct {
+    double days;
+    QDate date;
+    QTime time;
+  } cases[] = {
+      {0.0, {1899, 12, 30}, {0, 0}},
+      {36526.5, {2000, 1, 1}, {12, 0}},
+      {1.0 + 1.0 / 86400, {1899, 12, 31}, {0, 0, 1}},
+      {-0.25, {1899, 12, 29}, {18, 0}},
+      {1.0 - 1e-12, {1899, 12, 31}, {0, 0}},  // rounds up to the next day
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.days);
+    const QDateTime time = TDateTime(c.days).ToQDateTime();
+    EXPECT_EQ(time, QDateTime(c.date, c.time));
+    EXPECT_NEAR(TDateTime::FromQDateTime(time).Days(), c.days, 1e-11);
+  }
+  for (const double days : {std::nan(""), 1e18, -1e18, 2958466.0, -693594.0}) {
+    EXPECT_FALSE(TDateTime(days).ToQDateTime().isValid()) << days;
+  }
+  EXPECT_TRUE(std::isnan(TDateTime::FromQDateTime(QDateTime()).Days()));
+}
+
+}  // namespace

@@ -1,0 +1,151 @@
+// The main window on a real display: what the mouse, the clipboard and the files get to see.
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QClipboard>
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QTest>
+
+#include "tests/support/Testsupport.h"
+#include "viewer/Glpanel.h"
+#include "viewer/Imagebutton.h"
+#include "viewer/Viewwnd.h"
+
+namespace {
+
+const QByteArray kModel =
+    "[Nodes]\n1 -1 -1 0\n2 1 -1 0\n3 1 1 0\n4 -1 1 0\n[Elements]\n1\n1 3 255 4 1 2 3 4\n";
+const QByteArray kData = "[F = 5]\n1 1 0 0\n2 1 0 0\n3 1 0 0\n4 1 0 0\n";
+
+class GlViewwnd : public testing::Test {
+ protected:
+  GlViewwnd()
+      : window(
+            WriteTestFile("velmora.ini", "[Windows]\nLeft=20\nTop=20\nWidth=900\nHeight=700\n")) {
+    window.OpenModel(WriteTestFile("a.mod", kModel));
+    window.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QCoreApplication::processEvents();
+    panel = window.findChild<TGLPanel*>("P");
+    if (!panel->HasContext()) ADD_FAILURE() << "no OpenGL";
+    Click("ViewZ");
+  }
+  ~GlViewwnd() override { EXPECT_EQ(TakeMessages(), QStringList()); }
+
+  void Click(const char* name) { window.findChild<TImageButton*>(name)->click(); }
+  void Trigger(const char* name) { window.findChild<QAction*>(name)->trigger(); }
+
+  void Drag(Qt::MouseButton button, QPoint by) {
+    const QPoint from = panel->rect().center();
+    QTest::mousePress(panel, button, {}, from);
+    QMouseEvent move(QEvent::MouseMove, from + by, panel->mapToGlobal(from + by), Qt::NoButton,
+                     button, {});
+    QCoreApplication::sendEvent(panel, &move);
+    QTest::mouseRelease(panel, button, {}, from + by);
+  }
+  /// Left and right edge of the red face in the picture's middle row.
+  std::pair<int, int> RedSpan() {
+    const QImage picture = panel->Picture();
+    int first = -1, last = -1;
+    for (int x = 0; x < picture.width(); ++x) {
+      if (picture.pixelColor(x, picture.height() / 2).red() < 60) continue;
+      if (first < 0) first = x;
+      last = x;
+    }
+    return {first, last};
+  }
+  int RedWidth() { return RedSpan().second - RedSpan().first; }
+
+  TViewWnd window;
+  TGLPanel* panel = nullptr;
+};
+
+}  // namespace
+
+TEST_F(GlViewwnd, ShowsTheModelInProportion) {
+  const QImage picture = panel->Picture();
+  EXPECT_EQ(picture.size(), panel->PixelSize());
+  // The square is as wide as high: its side is 2 of the 2 x sqrt(2) units of the smaller side.
+  const double side = qMin(picture.width(), picture.height()) / 1.4142;
+  EXPECT_NEAR(RedWidth(), side, 3.0);
+  Click("View1_1");
+  EXPECT_NEAR(RedWidth(), side, 3.0);
+}
+
+TEST_F(GlViewwnd, TheMouseTurnsMovesAndZooms) {
+  const auto [left, right] = RedSpan();
+  Drag(Qt::MiddleButton, {40, 0});
+  EXPECT_GT(RedSpan().first, left);
+  EXPECT_NEAR(RedWidth(), right - left, 1);
+  Drag(Qt::RightButton, {0, 100});  // down: the view volume grows
+  EXPECT_LT(RedWidth(), right - left);
+  const int narrow = RedWidth();
+  Drag(Qt::LeftButton, {120, 0});  // 60 degrees about the upright axis
+  EXPECT_NEAR(RedWidth(), narrow * 0.5, 4.0);
+}
+
+TEST_F(GlViewwnd, EveryFrameShowsTheDeformedShape) {
+  window.OpenData(WriteTestFile("a.dat", kData));
+  const int at0 = RedSpan().first;
+  Click("AnimForward");
+  const int at36 = RedSpan().first;
+  EXPECT_LT(at36, at0);
+  for (int i = 0; i < 4; ++i) Click("AnimForward");
+  EXPECT_LT(RedSpan().first, at36);
+  for (int i = 0; i < 5; ++i) Click("AnimForward");
+  EXPECT_EQ(RedSpan().first, at0);
+  Trigger("UnloadDataMenu");
+  EXPECT_GT(RedWidth(), 0);  // the undeformed model is back
+  Trigger("ShowModelMenu");
+  EXPECT_EQ(RedWidth(), 0);
+}
+
+TEST_F(GlViewwnd, TheFontColorColorsTheTextOverThePicture) {
+  window.OpenData(WriteTestFile("a.dat", kData));
+  window.Dialogs.Color = [](auto...) { return QColor(0, 0, 255); };
+  Trigger("FontMenu");
+  const QImage corner = panel->Picture().copy(0, 0, 80, 30);
+  int blue = 0;
+  for (int y = 0; y < corner.height(); ++y) {
+    for (int x = 0; x < corner.width(); ++x) {
+      const QColor color = corner.pixelColor(x, y);
+      blue += color.blue() > 100 && color.red() + color.green() == 0;
+    }
+  }
+  EXPECT_GT(blue, 20);
+}
+
+TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
+  const struct {
+    const char *chosen, *file;
+    QByteArray magic;
+  } cases[] = {{"one", "one.bmp", "BM"}, {"two.png", "two.png", "\x89PNG"}, {"v2.1", "v2.1", "BM"}};
+  for (const auto& c : cases) {
+    QString start;
+    window.Dialogs.PictureFile = [&](QWidget*, const QString& folder) {
+      start = folder;
+      return TestFolder() + '/' + c.chosen;
+    };
+    Trigger("SaveBitmapMenu");
+    QFile file(TestFolder() + '/' + c.file);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << c.file;
+    EXPECT_TRUE(file.readAll().startsWith(c.magic)) << c.file;
+    EXPECT_EQ(start, c.chosen == std::string("one") ? QCoreApplication::applicationDirPath()
+                                                    : TestFolder());
+  }
+  EXPECT_EQ(QImage(TestFolder() + "/one.bmp"), panel->Picture());
+  EXPECT_EQ(window.CurrentSettings().SavePath, TestFolder());
+
+  window.Dialogs.PictureFile = [](auto...) { return TestFolder() + "/none/bridge.bmp"; };
+  Trigger("SaveBitmapMenu");
+  EXPECT_EQ(TakeMessages(), QStringList("Cannot write bridge.bmp: No such file or directory."));
+}
+
+TEST_F(GlViewwnd, CopiesThePictureToTheClipboard) {
+  Trigger("CopyMenu");
+  EXPECT_EQ(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+            panel->Picture());
+}

@@ -1,0 +1,147 @@
+#include "viewer/Imagebutton.h"
+
+#include <gtest/gtest.h>
+
+#include <QPainter>
+#include <QTest>
+#include <memory>
+
+#include "viewer/Buttonfaces.h"
+
+namespace {
+
+constexpr QSize kSize(20, 10);
+
+/// Four pictures, each filled with a colour of its own.
+void FillWithColor(QPainter& painter, int index) {
+  constexpr QRgb kColors[] = {0xff102030, 0xff405060, 0xff708090, 0xffa0b0c0};
+  painter.fillRect(QRect(QPoint(), kSize), QColor::fromRgb(kColors[index]));
+}
+
+QRgb Middle(const QPixmap& picture) { return picture.toImage().pixel(picture.rect().center()); }
+
+class ImageButton : public testing::Test {
+ protected:
+  ImageButton() {
+    images.SetImages(4, FillWithColor);
+    button.SetImages(&images);
+    button.SetFaces(0);
+  }
+  TImageList images{kSize};
+  TImageButton button;
+};
+
+/// The mouse comes and goes as the window system would report it.
+void Enter(QWidget& widget) {
+  QEnterEvent event(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
+  QCoreApplication::sendEvent(&widget, &event);
+}
+void Leave(QWidget& widget) {
+  QEvent event(QEvent::Leave);
+  QCoreApplication::sendEvent(&widget, &event);
+}
+
+}  // namespace
+
+TEST_F(ImageButton, ChoosesItsFaceByState) {
+  enum { up, highlight, down, disabled };
+  const struct {
+    bool enabled, isDown, pressed, inside;
+    int face;
+  } cases[] = {
+      {true, false, false, false, up},        {true, false, false, true, highlight},
+      {true, true, false, false, down},       {true, true, false, true, down},
+      {true, false, true, false, down},       {true, false, true, true, down},
+      {false, false, false, false, disabled}, {false, true, false, false, disabled},
+      {false, false, false, true, disabled},  {false, true, false, true, disabled},
+  };
+  button.SetStateButton(true);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.enabled << c.isDown << c.pressed << c.inside);
+    button.setEnabled(c.enabled);
+    button.SetDown(c.isDown);
+    c.inside ? Enter(button) : Leave(button);
+    if (c.pressed) QTest::mousePress(&button, Qt::LeftButton);
+    EXPECT_EQ(button.FaceIndex(), c.face);
+    EXPECT_EQ(Middle(button.Picture()), Middle(images.Image(c.face, 1.0)));
+    if (c.pressed) QTest::mouseRelease(&button, Qt::LeftButton);
+  }
+}
+
+TEST_F(ImageButton, OnlyTheLeftMouseButtonPresses) {
+  QTest::mousePress(&button, Qt::RightButton);
+  EXPECT_EQ(button.FaceIndex(), 0);
+  QTest::mousePress(&button, Qt::LeftButton);
+  EXPECT_EQ(button.FaceIndex(), 2);
+  QTest::mouseRelease(&button, Qt::RightButton);
+  EXPECT_EQ(button.FaceIndex(), 2);
+  QTest::mouseRelease(&button, Qt::LeftButton);
+  EXPECT_EQ(button.FaceIndex(), 0);
+}
+
+TEST_F(ImageButton, IsNotPressedAfterItWasDisabledUnderTheMouse) {
+  QTest::mousePress(&button, Qt::LeftButton);
+  button.setEnabled(false);
+  button.setEnabled(true);
+  EXPECT_EQ(button.FaceIndex(), 0);
+}
+
+TEST_F(ImageButton, HasAnEmptyFaceOutsideItsList) {
+  for (const int index : {-1, 4, 1 << 30}) {
+    button.SetUpIndex(index);
+    EXPECT_TRUE(button.Picture().isNull()) << index;
+    button.grab();
+  }
+  button.SetUpIndex(1);
+  EXPECT_FALSE(button.Picture().isNull());
+}
+
+TEST_F(ImageButton, FollowsItsListAndForgetsItWhenItIsFreed) {
+  images.SetImages(
+      1, [](QPainter& painter, int) { painter.fillRect(QRect(QPoint(), kSize), QColor(1, 2, 3)); });
+  EXPECT_EQ(Middle(button.Picture()), qRgb(1, 2, 3));
+
+  auto list = std::make_unique<TImageList>(kSize);
+  list->SetImages(4, FillWithColor);
+  button.SetImages(list.get());
+  EXPECT_FALSE(button.Picture().isNull());
+  list.reset();
+  EXPECT_EQ(button.GetImages(), nullptr);
+  EXPECT_TRUE(button.Picture().isNull());
+}
+
+TEST_F(ImageButton, AClickChangesDownBeforeItsHandlerRuns) {
+  std::vector<bool> seen;
+  QObject::connect(&button, &TImageButton::OnClick, [&](QObject* sender) {
+    seen.push_back(static_cast<TImageButton*>(sender)->GetDown());
+  });
+  QTest::mouseClick(&button, Qt::LeftButton);
+  button.SetStateButton(true);
+  QTest::mouseClick(&button, Qt::LeftButton);
+  QTest::mouseClick(&button, Qt::LeftButton);
+  button.click();
+  EXPECT_EQ(seen, (std::vector<bool>{false, true, false, true}));
+  button.SetStateButton(false);
+  EXPECT_FALSE(button.GetDown());
+}
+
+TEST_F(ImageButton, DrawsItsFaceForThePixelDensityOfTheScreen) {
+  const QPixmap twice = images.Image(0, 2.0);
+  EXPECT_EQ(twice.size(), kSize * 2);
+  EXPECT_EQ(twice.deviceIndependentSize(), QSizeF(kSize));
+  EXPECT_EQ(button.size(), kSize);
+}
+
+TEST(Buttonfaces, AreAllThereAndAllDifferent) {
+  QObject owner;
+  const TImageList* faces = MakeButtonFaces(&owner);
+  ASSERT_EQ(faces->Count(), 44);
+  EXPECT_EQ(faces->Size(), QSize(56, 48));
+  std::vector<QImage> seen;
+  for (int i = 0; i < faces->Count(); ++i) {
+    const QImage face = faces->Image(i, 1.5).toImage();
+    ASSERT_EQ(face.size(), QSize(84, 72));
+    for (std::size_t j = 0; j < seen.size(); ++j) EXPECT_NE(face, seen[j]) << i << " " << j;
+    seen.push_back(face);
+  }
+}

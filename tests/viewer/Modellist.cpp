@@ -1,0 +1,146 @@
+#include "viewer/Modellist.h"
+
+#include <gtest/gtest.h>
+
+#include <QListWidget>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+const char* const kModel = "[Nodes]\n1 0 0 0\n2 4 0 0\n[Elements]\n1\n1 1 0 -1 2 1 2\n";
+
+QByteArray DataSets(int count) {
+  QByteArray text;
+  for (int i = 1; i <= count; ++i) {
+    text += "[F = " + QByteArray::number(i) + ".5]\n1 0 0 " + QByteArray::number(i) + "\n2 0 0 0\n";
+  }
+  return text;
+}
+
+class Modellist : public testing::Test {
+ protected:
+  Modellist() { EXPECT_TRUE(model.LoadFromMemory(kModel).Ok()); }
+
+  void Load(const QByteArray& text, const QString& checked) {
+    legend.Data.CheckedLabels = checked;
+    const TLoadReport report = legend.LoadFromFile(WriteTestFile("a.dat", text), model);
+    EXPECT_EQ(report.Ok(), !text.isEmpty()) << report.Sentence("a.dat").toStdString();
+  }
+  QString Selected() const {
+    QString text;
+    for (int i = 0; i < labels->count(); ++i) text += labels->item(i)->isSelected() ? '1' : '0';
+    return text;
+  }
+  void Click(int row, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::mouseClick(labels->viewport(), Qt::LeftButton, modifiers,
+                      labels->visualItemRect(labels->item(row)).center());
+  }
+
+  TModel model;
+  TModelListWnd legend;
+  QListWidget* labels = legend.findChild<QListWidget*>("Labels");
+};
+
+}  // namespace
+
+TEST_F(Modellist, IsASmallToolWindowCalledLegend) {
+  EXPECT_EQ(legend.windowTitle(), "Legend");
+  EXPECT_EQ(legend.windowType(), Qt::Tool);
+  EXPECT_EQ(legend.minimumSize(), QSize(158, 158));
+  EXPECT_TRUE(legend.isHidden());
+}
+
+TEST_F(Modellist, TheCheckStringSaysWhatIsShownAfterALoad) {
+  const struct {
+    int sets;
+    const char *checked, *selected, *saved;
+  } cases[] = {
+      {3, "010", "010", "010"}, {4, "101", "1010", "1010"}, {1, "111", "1", "1"},
+      {3, "", "000", "000"},    {3, "1x2", "100", "100"},   {0, "010", "", "1"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.checked);
+    Load(DataSets(c.sets), c.checked);
+    EXPECT_EQ(Selected(), c.selected);
+    EXPECT_EQ(legend.MakeCheckString(), c.saved);
+    EXPECT_EQ(legend.Data.Shown.Count(), QString(c.selected).count('1'));
+  }
+}
+
+TEST_F(Modellist, ListsTheSectionsAsTheFileNamesThem) {
+  Load("[F = 2.5]\n1 1 1 1\n[ rest ]\n1 1 1 1\n[]\n", "111");
+  ASSERT_EQ(labels->count(), 3);
+  EXPECT_EQ(labels->item(0)->text(), "F = 2.5");
+  EXPECT_EQ(labels->item(1)->text(), " rest ");
+  EXPECT_EQ(labels->item(2)->text(), "");
+}
+
+TEST_F(Modellist, AClickShowsAndHidesADataSet) {
+  Load(DataSets(3), "100");
+  legend.show();
+  QSignalSpy shows(&legend, &TModelListWnd::OnShowHide);
+  Click(2);
+  EXPECT_EQ(legend.MakeCheckString(), "101");
+  EXPECT_EQ(legend.Data.Shown.Get(1), legend.Data.All.Get(2));
+  EXPECT_TRUE(legend.Data.All.Get(2)->ShowNodes);
+  Click(0);
+  EXPECT_EQ(legend.MakeCheckString(), "001");
+  EXPECT_FALSE(legend.Data.All.Get(0)->ShowElements);
+  ASSERT_EQ(shows.count(), 2);
+  EXPECT_TRUE(shows[0][1].toBool());
+}
+
+TEST_F(Modellist, TheKeyboardShowsAndHidesToo) {
+  Load(DataSets(3), "000");
+  legend.show();
+  labels->setCurrentRow(1, QItemSelectionModel::NoUpdate);
+  QTest::keyClick(labels, Qt::Key_Space);
+  EXPECT_EQ(legend.MakeCheckString(), "010");
+  QTest::keyClick(labels, Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(legend.MakeCheckString(), "111");
+}
+
+TEST_F(Modellist, HidingASetKeepsTheScaleOfAllAndChangesTheScaleOfTheShown) {
+  Load(DataSets(2), "11");  // amplitudes 1 and 2
+  const double all = legend.Data.All.GetScale();
+  EXPECT_EQ(legend.Data.Shown.GetScale(), all);
+  labels->item(1)->setSelected(false);
+  EXPECT_EQ(legend.Data.All.GetScale(), all);
+  EXPECT_DOUBLE_EQ(legend.Data.Shown.GetScale(), 2 * all);
+}
+
+TEST_F(Modellist, ClearEmptiesEverythingWithoutAWordToAnyone) {
+  Load(DataSets(3), "111");
+  QSignalSpy shows(&legend, &TModelListWnd::OnShowHide);
+  legend.Clear();
+  EXPECT_EQ(labels->count(), 0);
+  EXPECT_TRUE(legend.Data.All.Empty());
+  EXPECT_TRUE(legend.Data.Shown.Empty());
+  EXPECT_EQ(legend.MakeCheckString(), "1");
+  EXPECT_EQ(shows.count(), 0);
+}
+
+TEST_F(Modellist, ASelectedItemStandsOutOnBlack) {
+  Load(DataSets(2), "10");
+  legend.show();
+  const QImage picture = labels->viewport()->grab().toImage();
+  const auto right = [&](int row) {
+    const QRect item = labels->visualItemRect(labels->item(row));
+    return picture.pixelColor(item.right() - 4, item.center().y());
+  };
+  EXPECT_EQ(right(1), QColor(Qt::black));
+  EXPECT_GT(right(0).lightness(), 80);
+}
+
+TEST_F(Modellist, ThousandsOfDataSetsComeAndGo) {
+  constexpr int kSets = 5000;
+  Load(DataSets(kSets), QString("10").repeated(kSets / 2));
+  EXPECT_EQ(labels->selectedItems().size(), kSets / 2);
+  labels->selectAll();
+  EXPECT_EQ(legend.Data.Shown.Count(), kSets);
+  labels->clearSelection();
+  EXPECT_TRUE(legend.Data.Shown.Empty());
+}

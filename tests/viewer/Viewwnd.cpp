@@ -1,0 +1,579 @@
+#include "viewer/Viewwnd.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QScreen>
+#include <QSlider>
+#include <QTest>
+#include <QTimer>
+#include <memory>
+
+#include "tests/support/Testsupport.h"
+#include "viewer/Glpanel.h"
+#include "viewer/Imagebutton.h"
+
+namespace {
+
+const QByteArray kModel =
+    "[Nodes]\n1 0 0 0\n2 3 4 0\n3 3 0 0\n[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 2 3\n";
+const QByteArray kData =
+    "[F = 5]\n1 0 0 1\n2 0 0 0\n3 0 0 0\n[F = 20]\n1 0 0 0\n2 0 2 0\n3 0 0 0\n"
+    "[F = 7.5]\n1 0 0 0\n2 0 0 0\n3 4 0 0\n";
+
+/// A model whose reading takes several steps.
+QByteArray LargeModel() {
+  QByteArray text = "[Nodes]\n";
+  for (int i = 1; i <= 20000; ++i)
+    text += QByteArray::number(i) + " 0.125 0.25 " + QByteArray::number(i) + "\n";
+  return text;
+}
+
+class Viewwnd : public testing::Test {
+ protected:
+  Viewwnd() { Open({}); }
+
+  void Open(const QByteArray& settings) {
+    window.reset();
+    window = std::make_unique<TViewWnd>(WriteTestFile("velmora.ini", settings));
+    window->Dialogs.LoadDelayMs = 1'000'000;  // no load here is worth a dialog
+  }
+  template <class T>
+  T* Find(const char* name) {
+    T* found = window->findChild<T*>(QLatin1String(name));
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+  }
+  void Trigger(const char* name) { Find<QAction>(name)->trigger(); }
+  void Click(const char* name) { Find<TImageButton>(name)->click(); }
+  bool IsDown(const char* name) { return Find<TImageButton>(name)->GetDown(); }
+  bool IsChecked(const char* name) { return Find<QAction>(name)->isChecked(); }
+  QString Text(const char* name) { return Find<QLabel>(name)->text(); }
+  TGLPanel& Panel() { return *Find<TGLPanel>("P"); }
+  TMeasuredData& Data() { return window->Legend().Data; }
+
+  /// Loads through the menu, the file dialog answered by the test.
+  void LoadModel(const QByteArray& text, const QString& name = "a.mod") {
+    window->Dialogs.ModelFile = [file = WriteTestFile(name, text)](auto...) { return file; };
+    Trigger("LoadModelMenu");
+  }
+  void LoadData(const QByteArray& text, const QString& name = "a.dat") {
+    window->Dialogs.DataFile = [file = WriteTestFile(name, text)](auto...) { return file; };
+    Trigger("LoadDataMenu");
+  }
+  void Tick(int times) {
+    for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
+  }
+  /// Closes the window for good and gives what it saved.
+  QByteArray SavedText() {
+    window.reset();
+    QFile file(TestFolder() + "/velmora.ini");
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+  }
+
+  std::unique_ptr<TViewWnd> window;
+};
+
+}  // namespace
+
+TEST_F(Viewwnd, HasTheMenusOfTheProgram) {
+  const struct {
+    const char *path, *item;
+    bool checkable, checked;
+  } cases[] = {
+      {"File", "Load &Model...", false, false},
+      {"File", "Load Data...", false, false},
+      {"File", "Unload Model", false, false},
+      {"File", "Unload Data", false, false},
+      {"File", "Save &As Bitmap...", false, false},
+      {"File", "Exit", false, false},
+      {"Edit", "Copy", false, false},
+      {"Options/Colors", "Background...", false, false},
+      {"Options/Colors", "Font...", false, false},
+      {"Options/Colors", "Elements...", false, false},
+      {"Options/Colors", "Nodes...", false, false},
+      {"Options/Node Shapes", "Sphere", true, true},
+      {"Options/Node Shapes", "Cube", true, false},
+      {"Options", "Show Model", true, true},
+      {"Options", "Show Legend", true, false},
+      {"Options", "Save options on exit", true, true},
+      {"Help", "About...", false, false},
+  };
+  const auto item = [](const QWidget* menu, const QString& text) -> QAction* {
+    for (QAction* action : menu->actions()) {
+      if (action->text() == text) return action;
+    }
+    return nullptr;
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.item);
+    const QWidget* menu = window->menuBar();
+    for (const QString& name : QString(c.path).split('/')) {
+      ASSERT_NE(item(menu, name), nullptr);
+      menu = item(menu, name)->menu();
+    }
+    const QAction* action = item(menu, c.item);
+    ASSERT_NE(action, nullptr);
+    EXPECT_EQ(action->isCheckable(), c.checkable);
+    EXPECT_EQ(action->isChecked(), c.checked);
+  }
+  EXPECT_EQ(Find<QAction>("CopyMenu")->shortcut(), QKeySequence("Ctrl+C"));
+}
+
+TEST_F(Viewwnd, StartsWithItsDefaults) {
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2");
+  const TAppearance& looks = window->Appearance();
+  EXPECT_EQ(looks.BackColor, TColor::Black());
+  EXPECT_EQ(looks.ElementColor, TColor::White());
+  EXPECT_EQ(looks.NodeColor, TColor::Green());
+  EXPECT_EQ(looks.NodeShape, TNodeShape::Sphere);
+  EXPECT_EQ(Find<QSlider>("Speed")->value(), 50);
+  EXPECT_EQ(Find<QSlider>("ScaleBar")->value(), 5);
+  EXPECT_EQ(window->Animation().ViewScale, 0.25);
+  EXPECT_EQ(window->AnimationTimer().GetInterval(), 6u);
+  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
+  EXPECT_TRUE(IsDown("AbsolScale"));
+  EXPECT_TRUE(window->Legend().isHidden());
+  EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
+}
+
+TEST_F(Viewwnd, TheCaptionNamesWhatIsLoaded) {
+  LoadModel(kModel, "frame.mod");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : frame.mod");
+  LoadData(kData, "run.dat");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : frame.mod + run.dat");
+  Trigger("UnloadDataMenu");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : frame.mod");
+  LoadData(kData, "run.dat");
+  LoadModel(kModel, "other.mod");  // takes the data away
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : other.mod");
+  EXPECT_TRUE(Data().All.Empty());
+  LoadData(kData, "run.dat");
+  Trigger("UnloadModelMenu");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2");
+  EXPECT_TRUE(window->Model().Nodes.Empty());
+  EXPECT_TRUE(window->Model().Elements.Empty());
+  EXPECT_TRUE(window->Model().Display.Empty());
+  EXPECT_TRUE(Data().All.Empty());
+  EXPECT_TRUE(TakeMessages().isEmpty());
+  LoadData(kData, "run.dat");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2run.dat");
+}
+
+TEST_F(Viewwnd, ADismissedDialogChangesNothing) {
+  LoadModel(kModel);
+  LoadData(kData);
+  QString modelStart, dataStart;
+  window->Dialogs.ModelFile = [&](QWidget*, const QString& start) {
+    modelStart = start;
+    return QString();
+  };
+  window->Dialogs.DataFile = [&](QWidget*, const QString& start) {
+    dataStart = start;
+    return QString();
+  };
+  window->Dialogs.Color = [](auto...) { return QColor(); };
+  Trigger("LoadModelMenu");
+  Trigger("LoadDataMenu");
+  Trigger("BackgroundMenu");
+  EXPECT_EQ(modelStart, TestFolder() + "/a.mod");
+  EXPECT_EQ(dataStart, TestFolder() + "/a.dat");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
+  EXPECT_EQ(window->Appearance().BackColor, TColor::Black());
+  QFile::remove(TestFolder() + "/a.mod");
+  Trigger("LoadModelMenu");
+  EXPECT_EQ(modelStart, "");
+}
+
+TEST_F(Viewwnd, UnloadingTheDataBringsEveryNodeBackToRest) {
+  LoadModel(kModel);
+  LoadData(kData);
+  Click("SumScale");
+  Click("AnimForward");
+  EXPECT_NE(window->Model().Display.Get(0)->Position, TVertex{});
+  Trigger("UnloadDataMenu");
+  EXPECT_EQ(window->Model().Nodes.Count(), 3u);
+  for (const TNode* node : window->Model().Display) EXPECT_EQ(node->Position, TVertex{});
+}
+
+TEST_F(Viewwnd, TheUndeformedModelIsShownWhileThereAreNoData) {
+  LoadModel(kModel);
+  EXPECT_TRUE(IsChecked("ShowModelMenu"));
+  LoadData(kData);
+  EXPECT_FALSE(IsChecked("ShowModelMenu"));
+  Trigger("ShowModelMenu");
+  EXPECT_TRUE(IsChecked("ShowModelMenu"));
+  EXPECT_TRUE(window->Model().Loaded);
+  Trigger("ShowModelMenu");
+  EXPECT_FALSE(window->Model().Loaded);
+  Trigger("UnloadDataMenu");
+  EXPECT_TRUE(IsChecked("ShowModelMenu"));
+  EXPECT_TRUE(window->Model().Loaded);
+}
+
+TEST_F(Viewwnd, WhatCannotBeReadLeavesTheModelAndSaysSo) {
+  LoadModel(kModel);
+  LoadData(kData);
+  window->OpenModel(TestFolder());
+  window->OpenModel(TestFolder() + "/none.mod");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
+  EXPECT_EQ(Data().All.Count(), 3u);
+  EXPECT_EQ(TakeMessages(),
+            (QStringList{"Cannot read " + QFileInfo(TestFolder()).fileName() + ": it is a folder.",
+                         "Cannot read none.mod: there is no such file."}));
+  window->OpenData(TestFolder() + "/none.dat");
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod");
+  EXPECT_EQ(TakeMessages(), QStringList("Cannot read none.dat: there is no such file."));
+}
+
+TEST_F(Viewwnd, WhatWasDroppedIsSaidAndTheRestIsKept) {
+  LoadModel("[Nodes]\n1 0 0 0\n2 1 0 0\n[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 99\n", "b.mod");
+  EXPECT_EQ(window->Model().Elements.Count(), 1u);
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : b.mod");
+  const QStringList messages = TakeMessages();
+  ASSERT_EQ(messages.size(), 1);
+  EXPECT_TRUE(messages[0].startsWith("b.mod, line 7: ")) << messages[0].toStdString();
+  EXPECT_TRUE(messages[0].contains("99")) << messages[0].toStdString();
+}
+
+TEST_F(Viewwnd, SpeedGivesTheInterval) {
+  const struct {
+    int position;
+    quint32 ticks;
+  } cases[] = {{10, 15}, {11, 14}, {50, 11}, {55, 10}, {60, 10},
+               {61, 9},  {140, 2}, {141, 1}, {150, 1}};
+  for (const auto& c : cases) {
+    Find<QSlider>("Speed")->setValue(c.position);
+    EXPECT_EQ(window->AnimationTimer().GetInterval(), c.ticks) << c.position;
+  }
+}
+
+TEST_F(Viewwnd, TheAnimationStepsOnEveryIntervalAndTheStepButtonsWait) {
+  LoadModel(kModel);
+  LoadData(kData);
+  Find<QSlider>("Speed")->setValue(60);  // ten ticks
+  Click("Anim");
+  EXPECT_FALSE(Find<TImageButton>("AnimBack")->isEnabled());
+  EXPECT_FALSE(Find<TImageButton>("AnimForward")->isEnabled());
+  Tick(9);
+  EXPECT_EQ(window->Animation().Phase, 0.0);
+  Tick(1);
+  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  EXPECT_EQ(Data().Shown.Get(2)->Phase, 0.6283185307179586);
+  Click("Anim");
+  Tick(50);
+  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  Click("AnimBack");
+  EXPECT_EQ(window->Animation().Phase, 0.0);
+  Click("AnimForward");
+  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+}
+
+TEST_F(Viewwnd, TheScaleButtonsAreARadioGroup) {
+  LoadModel(kModel);  // of size 5
+  LoadData(kData);    // amplitudes 1, 2 and 4
+  const struct {
+    const char* button;
+    TScaleType type;
+    double first, third;  ///< draw scales: 0.25 x 0.25 x 5 / amplitude
+  } cases[] = {
+      {"RelatScale", TScaleType::Relative, 0.3125, 0.078125},
+      {"AbsolScale", TScaleType::Absolute, 0.078125, 0.078125},
+      {"AbsolScale", TScaleType::Absolute, 0.078125, 0.078125},
+      {"SumScale", TScaleType::Sum, 0.078125, 0.078125},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.button);
+    Click(c.button);
+    EXPECT_EQ(window->Animation().ScaleType, c.type);
+    for (const char* name : {"AbsolScale", "RelatScale", "SumScale"}) {
+      EXPECT_EQ(IsDown(name), QString(name) == c.button) << name;
+    }
+    EXPECT_DOUBLE_EQ(Data().Shown.Get(0)->DrawScale, c.first);
+    EXPECT_DOUBLE_EQ(Data().Shown.Get(2)->DrawScale, c.third);
+  }
+  EXPECT_DOUBLE_EQ(window->Model().Display.DrawScale, 0.078125);
+  Find<QSlider>("ScaleBar")->setValue(20);
+  EXPECT_DOUBLE_EQ(window->Animation().ViewScale, 1.0);
+  EXPECT_DOUBLE_EQ(window->Model().Display.DrawScale, 0.3125);
+}
+
+TEST_F(Viewwnd, TheLegendChangesWhatIsAnimated) {
+  LoadModel(kModel);
+  LoadData(kData);
+  Click("RelatScale");
+  Click("AnimForward");
+  auto* labels = window->Legend().findChild<QListWidget*>("Labels");
+  labels->item(0)->setSelected(false);
+  labels->item(2)->setSelected(false);
+  EXPECT_EQ(Text("ShownLabel"), "1 of 3 data sets: F = 20");
+  Click("AnimForward");
+  labels->item(0)->setSelected(true);
+  // The newcomer moves in step with the others, at its own scale.
+  EXPECT_EQ(Data().Shown.Get(0)->Phase, Data().Shown.Get(1)->Phase);
+  EXPECT_DOUBLE_EQ(Data().Shown.Get(0)->DrawScale, 0.3125);
+}
+
+TEST_F(Viewwnd, TheViewButtonsTurnTheView) {
+  const struct {
+    const char* button;
+    TVertex rotation;
+  } cases[] = {{"ViewX", {0, -90, 0}},
+               {"ViewY", {90, 0, 0}},
+               {"ViewZ", {0, 0, 0}},
+               {"View3D", {30, -45, 0}}};
+  for (const auto& c : cases) {
+    Panel().View.Rotation = {1, 2, 3};
+    Click(c.button);
+    EXPECT_EQ(Panel().View.Rotation, c.rotation) << c.button;
+  }
+  Panel().View.Zoom = 3.5;
+  Panel().View.PanPosX = 2.0;
+  Panel().resize(400, 200);
+  Click("View1_1");
+  EXPECT_EQ(Panel().View.Zoom, 1.0);
+  EXPECT_EQ(Panel().View.ScaleX, 2.0);
+  EXPECT_EQ(Panel().View.ScaleY, 1.0);
+  EXPECT_EQ(Panel().View.PanPosX, 2.0);
+  EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
+}
+
+TEST_F(Viewwnd, ColorsAndShapeReachTheModelAndAllData) {
+  LoadModel(kModel);
+  LoadData(kData);
+  const auto choose = [&](const char* item, const QColor& color) {
+    window->Dialogs.Color = [color](auto...) { return color; };
+    Trigger(item);
+  };
+  choose("ElementsMenu", QColor(1, 2, 3));
+  choose("NodesMenu", QColor(4, 5, 6));
+  choose("BackgroundMenu", QColor(7, 8, 9));
+  choose("FontMenu", QColor(10, 11, 12));
+  Trigger("CubeMenu");
+  EXPECT_FALSE(IsChecked("SphereMenu"));
+  LoadData(kData);  // new data take the same colours
+  const auto check = [](const TDataNodeList& list) {
+    EXPECT_EQ(list.ElementColor, TColor::FromRgb(1, 2, 3));
+    EXPECT_EQ(list.NodeColor, TColor::FromRgb(4, 5, 6));
+    EXPECT_EQ(list.NodeShape, TNodeShape::Cube);
+  };
+  check(window->Model().Nodes);
+  check(window->Model().Display);
+  for (const TDataNodeList* list : Data().All) check(*list);
+  EXPECT_EQ(Panel().BackColor, QColor(7, 8, 9));
+  EXPECT_EQ(window->Appearance().FontColor, TColor::FromRgb(10, 11, 12));
+}
+
+TEST_F(Viewwnd, TheStatusBarTellsWhatIsThereAndWhereItStands) {
+  EXPECT_EQ(Text("CountLabel"), "");
+  LoadModel(kModel);
+  EXPECT_EQ(Text("CountLabel"), "3 nodes, 2 elements");
+  EXPECT_EQ(Text("ShownLabel"), "");
+  LoadData(kData);
+  EXPECT_EQ(Text("ShownLabel"), "3 of 3 data sets: F = 5, 20, 7.5");
+  EXPECT_EQ(Text("FrameLabel"), "Phase 0\u00b0, frame 1 of 10");
+  Click("AnimForward");
+  EXPECT_EQ(Text("FrameLabel"), "Phase 36\u00b0, frame 2 of 10");
+  Click("SumScale");
+  Click("AnimForward");
+  EXPECT_EQ(Text("FrameLabel"), "Time 0.005, frame 2 of 10");
+  Trigger("UnloadModelMenu");
+  EXPECT_EQ(Text("CountLabel") + Text("ShownLabel") + Text("FrameLabel"), "");
+}
+
+TEST_F(Viewwnd, ACancelledLoadLeavesTheEarlierState) {
+  LoadModel(kModel);
+  LoadData(kData);
+  window->Dialogs.LoadDelayMs = 0;
+  int cancels = 0;
+  const auto cancelSoon = [&] {
+    QTimer::singleShot(0, window.get(), [&] {
+      auto* dialog = window->findChild<QProgressDialog*>();
+      ASSERT_NE(dialog, nullptr);
+      dialog->findChild<QPushButton*>()->click();
+      ++cancels;
+    });
+  };
+  cancelSoon();
+  LoadModel(LargeModel(), "large.mod");
+  cancelSoon();
+  LoadData(kData.repeated(5000), "large.dat");
+  EXPECT_EQ(cancels, 2);
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
+  EXPECT_EQ(window->Model().Nodes.Count(), 3u);
+  EXPECT_EQ(Data().All.Count(), 3u);
+  EXPECT_FALSE(IsChecked("ShowModelMenu"));
+  EXPECT_TRUE(TakeMessages().isEmpty());
+}
+
+TEST_F(Viewwnd, NothingElseHappensWhileALoadIsOnItsWay) {
+  LoadModel(kModel);
+  LoadData(kData);
+  Find<QSlider>("Speed")->setValue(150);
+  Click("Anim");
+  window->Dialogs.LoadDelayMs = 0;
+  const QString other = WriteTestFile("other.mod", kModel);
+  bool ran = false;
+  QTimer::singleShot(0, window.get(), [&] {
+    ran = true;
+    EXPECT_NE(window->findChild<QProgressDialog*>(), nullptr);
+    Tick(3);
+    EXPECT_EQ(window->Animation().Phase, 0.0);
+    window->OpenFiles({other});
+    Trigger("UnloadModelMenu");
+    EXPECT_FALSE(window->close());
+  });
+  LoadModel(LargeModel(), "large.mod");
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(window->Model().Nodes.Count(), 20000u);
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : large.mod");
+}
+
+TEST_F(Viewwnd, DroppedFilesAreToldApartByTheirContent) {
+  const QString model = WriteTestFile("x.txt", kModel), data = WriteTestFile("y.txt", kData);
+  const auto drop = [&](const QStringList& names) {
+    QMimeData mime;
+    QList<QUrl> urls;
+    for (const QString& name : names) urls << QUrl::fromLocalFile(name);
+    mime.setUrls(urls);
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event({9, 9}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window.get(), &event);
+    QCoreApplication::processEvents();
+  };
+  drop({data, model});
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : x.txt + y.txt");
+  drop({model});
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : x.txt");
+  drop({data});
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : x.txt + y.txt");
+  EXPECT_TRUE(TakeMessages().isEmpty());
+  drop({model, model});
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : x.txt + y.txt");
+  EXPECT_EQ(TakeMessages(),
+            QStringList("Only one model file and one data file can be opened at a time."));
+
+  QMimeData text;
+  text.setText("no file");
+  QDragEnterEvent enter({9, 9}, Qt::CopyAction, &text, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(window.get(), &enter);
+  EXPECT_FALSE(enter.isAccepted());
+}
+
+TEST_F(Viewwnd, ComesBackAsItWasLeft) {
+  window->setGeometry(30, 40, 700, 500);
+  LoadModel(kModel);
+  LoadData(kData);
+  Trigger("ShowLegendMenu");
+  window->Legend().setGeometry(100, 120, 210, 240);
+  window->Legend().findChild<QListWidget*>("Labels")->item(1)->setSelected(false);
+  Click("RelatScale");
+  Click("ViewX");
+  Click("Anim");
+  Trigger("CubeMenu");
+  Find<QSlider>("Speed")->setValue(99);
+  Find<QSlider>("ScaleBar")->setValue(9);
+  Panel().View.Zoom = 0.7;
+  Panel().View.PanPosY = -1.25;
+  const QByteArray saved = SavedText();
+  Open(saved);
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
+  EXPECT_EQ(window->Legend().MakeCheckString(), "101");
+  EXPECT_FALSE(window->Legend().isHidden());
+  EXPECT_EQ(window->Animation().ScaleType, TScaleType::Relative);
+  EXPECT_EQ(window->AnimationTimer().GetInterval(), 6u);  // (150 - 99 + 10) / 10
+  EXPECT_TRUE(window->AnimationTimer().GetEnabled());
+  EXPECT_TRUE(IsChecked("CubeMenu"));
+  EXPECT_EQ(SavedText(), saved);
+}
+
+TEST_F(Viewwnd, SavesOnlyWhatItMay) {
+  Trigger("CanSaveMenu");
+  EXPECT_EQ(SavedText(), "");
+  Open("; mine\n[General]\nCanSave=0\nAnimationSpeed=70\n");
+  EXPECT_EQ(SavedText(), "; mine\n[General]\nCanSave=0\nAnimationSpeed=70\n");
+  window = std::make_unique<TViewWnd>(TestFolder() + "/none.ini");
+  window.reset();
+  EXPECT_FALSE(QFileInfo::exists(TestFolder() + "/none.ini"));
+}
+
+TEST_F(Viewwnd, NonsenseInTheSettingsStillMakesASaneWindow) {
+  const QByteArray windows =
+      "[Windows]\nLeft=-30000\nTop=2147483647\nWidth=0\nHeight=-5\n"
+      "LabelsLeft=99999\nLabelsTop=-99999\nLabelsWidth=1000000\nLabelsHeight=1\n";
+  Open(
+      "[General]\nModelFile=/none/at/all.mod\nDataFile=/none.dat\nAnimationSpeed=9999\nRotX=nan\n"
+      "ScaleZ=1e300\nScaleType=7\nViewScale=-3\nSavePath=/none\n" +
+      windows + "[Colors]\nNodeShape=9\n");
+  const QRect screen = window->screen()->availableGeometry();
+  EXPECT_TRUE(screen.contains(QRect(window->pos(), window->size())));
+  EXPECT_TRUE(screen.contains(QRect(window->Legend().pos(), window->Legend().size())));
+  EXPECT_GE(window->height(), 300);
+  EXPECT_EQ(Find<QSlider>("Speed")->value(), 150);
+  EXPECT_EQ(window->AnimationTimer().GetInterval(), 1u);
+  EXPECT_EQ(Find<QSlider>("ScaleBar")->value(), 1);
+  EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
+  EXPECT_EQ(Panel().View.Zoom, 1.0);
+  EXPECT_TRUE(IsDown("AbsolScale"));
+  EXPECT_TRUE(IsChecked("SphereMenu"));
+  EXPECT_FALSE(IsChecked("CubeMenu"));
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2");
+  EXPECT_TRUE(TakeMessages().isEmpty());
+  EXPECT_TRUE(SavedText().contains("\nModelFile=\n"));
+}
+
+TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
+  window->show();
+  Trigger("ShowLegendMenu");
+  EXPECT_TRUE(window->Legend().isVisible());
+  window->Legend().close();
+  EXPECT_FALSE(IsChecked("ShowLegendMenu"));
+  Trigger("ShowLegendMenu");
+  EXPECT_TRUE(window->Legend().isVisible());
+  // Closing the program closes the legend too; it is remembered as shown.
+  window->close();
+  window->Legend().close();
+  EXPECT_TRUE(SavedText().contains("LabelsVisible=1"));
+  QCoreApplication::processEvents();
+  TakeMessages();
+}
+
+TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
+  LoadModel(kModel);
+  LoadData(kData);
+  window->show();
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  const auto press = [&](Qt::Key key) { QTest::keyClick(window.get(), key); };
+  press(Qt::Key_Right);
+  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  press(Qt::Key_Left);
+  EXPECT_EQ(window->Animation().Phase, 0.0);
+  press(Qt::Key_Space);
+  EXPECT_TRUE(window->AnimationTimer().GetEnabled());
+  press(Qt::Key_R);
+  EXPECT_EQ(window->Animation().ScaleType, TScaleType::Relative);
+  press(Qt::Key_S);
+  EXPECT_EQ(window->Animation().ScaleType, TScaleType::Sum);
+  press(Qt::Key_A);
+  EXPECT_EQ(window->Animation().ScaleType, TScaleType::Absolute);
+  press(Qt::Key_X);
+  EXPECT_EQ(Panel().View.Rotation.y, -90);
+  press(Qt::Key_3);
+  EXPECT_EQ(Panel().View.Rotation.y, -45);
+  TakeMessages();
+}

@@ -1,0 +1,176 @@
+#include "viewer/Commandline.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <array>
+#include <utility>
+
+#include "viewer/Animatorabout.h"
+#include "viewer/Savepicture.h"
+#include "viewer/Viewstate.h"
+
+namespace {
+
+constexpr int kMostFrames = 100'000;
+
+/// The parser with all it knows, in the order in which the help lists it.
+struct TOptions {
+  TOptions();
+
+  QCommandLineParser Parser;
+  QCommandLineOption Help{{"h", "help"}, "Show this help."};
+  QCommandLineOption Version{{"v", "version"}, "Show the version."};
+  QCommandLineOption Animate{"animate", "Start with the animation on."};
+  QCommandLineOption View{"view", "View along an axis, or the oblique 3D view.", "x|y|z|3d"};
+  QCommandLineOption ScaleType{"scale-type", "How data sets are shown together.",
+                               "absolute|relative|sum"};
+  QCommandLineOption Settings{"settings", "Settings file instead of the one beside the program.",
+                              "FILE"};
+  QCommandLineOption Render{"render", "Write the picture to FILE instead of opening a window.",
+                            "FILE.png"};
+  QCommandLineOption Frames{
+      "frames", "With --render: write N frames of the animation, FILE-001.png and on.", "N"};
+  QCommandLineOption Size{"size", "With --render: size of the picture; 1280x800 if not given.",
+                          "WxH"};
+};
+
+TOptions::TOptions() {
+  Parser.setApplicationDescription(
+      QStringLiteral("Shows a structure move with its measured vibration."));
+  Parser.addPositionalArgument("MODEL", "Model file.", "[MODEL");
+  Parser.addPositionalArgument("DATA", "Data file for the model.", "[DATA]]");
+  for (const QCommandLineOption& option :
+       {Help, Version, Animate, View, ScaleType, Settings, Render, Frames, Size}) {
+    Parser.addOption(option);
+  }
+}
+
+QString NoFile(const QString& name) {
+  return QStringLiteral("Cannot read %1: there is no such file.").arg(name);
+}
+
+/// Each of these takes one option's text and returns what is wrong with it, or nothing.
+
+QString TakeFiles(const QStringList& names, TCommandLine& line) {
+  if (names.size() > 2) {
+    return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
+        .arg(names.size());
+  }
+  for (const QString& name : names) {
+    if (!QFileInfo::exists(name)) return NoFile(name);
+  }
+  line.ModelFile = names.value(0);
+  line.DataFile = names.value(1);
+  return {};
+}
+
+QString TakeRender(const QString& name, TCommandLine& line) {
+  if (!IsPictureName(name)) {
+    return QStringLiteral("--render needs the name of a picture such as picture.png, not \"%1\".")
+        .arg(name);
+  }
+  line.RenderFile = name;
+  return {};
+}
+
+QString TakeView(const QString& name, TCommandLine& line) {
+  const std::array<std::pair<QString, TVertex>, 4> views = {
+      {{"x", kAlongX}, {"y", kAlongY}, {"z", kAlongZ}, {"3d", kOblique}}};
+  for (const auto& [known, rotation] : views) {
+    if (name == known) line.Rotation = rotation;
+  }
+  return line.Rotation ? QString()
+                       : QStringLiteral("--view is x, y, z or 3d, not \"%1\".").arg(name);
+}
+
+QString TakeScaleType(const QString& name, TCommandLine& line) {
+  const QStringList names = {"absolute", "relative", "sum"};
+  const auto type = names.indexOf(name);
+  if (type < 0) {
+    return QStringLiteral("--scale-type is absolute, relative or sum, not \"%1\".").arg(name);
+  }
+  line.ScaleType = static_cast<TScaleType>(type);
+  return {};
+}
+
+QString TakeFrames(const QString& text, TCommandLine& line) {
+  bool isNumber = false;
+  line.Frames = text.toInt(&isNumber);
+  if (isNumber && line.Frames >= 1 && line.Frames <= kMostFrames) return {};
+  return QStringLiteral("--frames is a number from 1 to %1, not \"%2\".")
+      .arg(kMostFrames)
+      .arg(text);
+}
+
+QString TakeSize(const QString& text, TCommandLine& line) {
+  static const QRegularExpression form(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
+  const QRegularExpressionMatch match = form.match(text);
+  line.Size = {match.captured(1).toInt(), match.captured(2).toInt()};
+  if (match.hasMatch() && !line.Size.isEmpty()) return {};
+  return QStringLiteral("--size is a width and a height such as 1280x800, not \"%1\".").arg(text);
+}
+
+QString TakeSettings(const QString& name, TCommandLine& line) {
+  line.SettingsFile = name;
+  return QFileInfo::exists(name) ? QString() : NoFile(name);
+}
+
+QString TakeOptions(const TOptions& options, TCommandLine& line) {
+  const QCommandLineParser& parser = options.Parser;
+  const std::pair<const QCommandLineOption&, QString (*)(const QString&, TCommandLine&)> takers[] =
+      {{options.Settings, TakeSettings},   {options.Render, TakeRender}, {options.View, TakeView},
+       {options.ScaleType, TakeScaleType}, {options.Frames, TakeFrames}, {options.Size, TakeSize}};
+  for (const auto& [option, take] : takers) {
+    if (!parser.isSet(option)) continue;
+    if (QString fault = take(parser.value(option), line); !fault.isEmpty()) return fault;
+  }
+  for (const QCommandLineOption& option : {options.Frames, options.Size}) {
+    if (parser.isSet(option) && line.RenderFile.isEmpty()) {
+      return QStringLiteral("--%1 is of use with --render alone.").arg(option.names().front());
+    }
+  }
+  line.Animate = parser.isSet(options.Animate);
+  return TakeFiles(parser.positionalArguments(), line);
+}
+
+}  // namespace
+
+TCommandLine ParseCommandLine(const QStringList& arguments) {
+  TCommandLine line;
+  TOptions options;
+  if (!options.Parser.parse(arguments)) {
+    line.Fault = options.Parser.errorText();
+  } else if (options.Parser.isSet(options.Help)) {
+    line.Answer = options.Parser.helpText();
+  } else if (options.Parser.isSet(options.Version)) {
+    line.Answer =
+        QStringLiteral("%1 %2\n").arg(QLatin1String(kProgramTitle), QLatin1String(kProgramVersion));
+  } else {
+    line.Fault = TakeOptions(options, line);
+  }
+  return line;
+}
+
+QString SettingsFileOf(const TCommandLine& commandLine, const QString& executable) {
+  return commandLine.SettingsFile.isEmpty() ? SettingsFileFor(executable)
+                                            : commandLine.SettingsFile;
+}
+
+TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable) {
+  TSettings settings = LoadSettings(SettingsFileOf(commandLine, executable));
+  const QString folder = QFileInfo(executable).path();
+  settings.ModelFile = WithFolder(settings.ModelFile, folder);
+  settings.DataFile = WithFolder(settings.DataFile, folder);
+  if (!commandLine.ModelFile.isEmpty()) {
+    settings.ModelFile = commandLine.ModelFile;
+    settings.DataFile = commandLine.DataFile;
+  }
+  if (commandLine.Rotation) {
+    settings.RotX = commandLine.Rotation->x;
+    settings.RotY = commandLine.Rotation->y;
+  }
+  if (commandLine.ScaleType) settings.ScaleType = static_cast<int>(*commandLine.ScaleType);
+  if (commandLine.Animate) settings.AnimationOn = true;
+  return settings;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "model/Animation.h"
+#include "viewer/Settings.h"
+
+/// What the user asked for on the command line.
+struct TCommandLine {
+  QString ModelFile;  ///< empty: the settings say
+  QString DataFile;
+  QString SettingsFile;  ///< empty: the one beside the executable
+  QString RenderFile;    ///< empty: a window is wanted
+  int Frames = 1;
+  QSize Size = {1280, 800};         ///< of rendered pictures, pixels
+  std::optional<TVertex> Rotation;  ///< degrees
+  std::optional<TScaleType> ScaleType;
+  bool Animate = false;
+
+  QString Answer;  ///< help or version, which is all the user wants to see
+  QString Fault;   ///< one sentence: what is wrong with the arguments
+};
+
+/// The first argument is the program. Checks that named files are there.
+TCommandLine ParseCommandLine(const QStringList& arguments);
+
+/// The settings file that counts. `executable`: with its full path.
+QString SettingsFileOf(const TCommandLine& commandLine, const QString& executable);
+
+/// The settings, bare names completed with the executable's folder, and overridden by what the
+/// command line says.
+TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable);

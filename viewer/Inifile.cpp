@@ -1,0 +1,108 @@
+#include "viewer/Inifile.h"
+
+namespace {
+
+constexpr char kByteOrderMark[] = "\xef\xbb\xbf";
+
+bool Same(QByteArrayView a, QByteArrayView b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+
+bool IsComment(QByteArrayView line) { return line.startsWith(';') || line.startsWith('#'); }
+
+/// The name in a header line "[name]"; null for any other line.
+QByteArrayView SectionName(QByteArrayView line) {
+  line = line.trimmed();
+  const qsizetype end = line.indexOf(']');
+  if (!line.startsWith('[') || end < 0) return {};
+  return line.sliced(1, end - 1).trimmed();
+}
+
+bool IsHeader(QByteArrayView line) { return !SectionName(line).isNull(); }
+
+/// The key of a "key=value" line; null for any other line.
+QByteArrayView KeyName(QByteArrayView line) {
+  line = line.trimmed();
+  const qsizetype equals = line.indexOf('=');
+  if (equals < 0 || IsComment(line)) return {};
+  return line.first(equals).trimmed();
+}
+
+#ifdef Q_OS_WIN
+constexpr char kSystemLineEnd[] = "\r\n";
+#else
+constexpr char kSystemLineEnd[] = "\n";
+#endif
+
+}  // namespace
+
+TIniFile::TIniFile(const QByteArray& text) {
+  qsizetype begin = 0;
+  if (text.startsWith(kByteOrderMark)) {
+    lines_ << kByteOrderMark;
+    begin = lines_.front().size();
+  }
+  const qsizetype firstEnd = text.indexOf('\n');
+  lineEnd_ = firstEnd < 0                                 ? kSystemLineEnd
+             : firstEnd > 0 && text[firstEnd - 1] == '\r' ? "\r\n"
+                                                          : "\n";
+  while (begin < text.size()) {
+    const qsizetype end = text.indexOf('\n', begin);
+    const qsizetype next = end < 0 ? text.size() : end + 1;
+    lines_ << text.sliced(begin, next - begin);
+    begin = next;
+  }
+}
+
+qsizetype TIniFile::SectionLine(QByteArrayView section) const {
+  for (qsizetype i = 0; i < lines_.size(); ++i) {
+    if (IsHeader(lines_[i]) && Same(SectionName(lines_[i]), section)) return i;
+  }
+  return -1;
+}
+
+qsizetype TIniFile::SectionEnd(qsizetype header) const {
+  qsizetype end = header + 1;
+  while (end < lines_.size() && !IsHeader(lines_[end])) ++end;
+  return end;
+}
+
+qsizetype TIniFile::KeyLine(qsizetype header, QByteArrayView key) const {
+  const qsizetype end = SectionEnd(header);
+  for (qsizetype i = header + 1; i < end; ++i) {
+    if (Same(KeyName(lines_[i]), key)) return i;
+  }
+  return -1;
+}
+
+std::optional<QByteArray> TIniFile::Value(QByteArrayView section, QByteArrayView key) const {
+  const qsizetype header = SectionLine(section);
+  const qsizetype line = header < 0 ? -1 : KeyLine(header, key);
+  if (line < 0) return std::nullopt;
+  return lines_[line].mid(lines_[line].indexOf('=') + 1).trimmed();
+}
+
+void TIniFile::SetValue(QByteArrayView section, QByteArrayView key, const QByteArray& value) {
+  if (!HasSection(section)) AddSection(section);
+  const qsizetype header = SectionLine(section);
+  const qsizetype line = KeyLine(header, key);
+  if (line >= 0) {
+    lines_[line] = lines_[line].first(lines_[line].indexOf('=') + 1) + value + lineEnd_;
+    return;
+  }
+  qsizetype place = SectionEnd(header);
+  if (place == lines_.size()) CloseLastLine();
+  while (lines_[place - 1].trimmed().isEmpty()) --place;
+  lines_.insert(place, key.toByteArray() + '=' + value + lineEnd_);
+}
+
+void TIniFile::AddSection(QByteArrayView section) {
+  CloseLastLine();
+  if (!lines_.isEmpty() && !lines_.back().trimmed().isEmpty() && lines_.back() != kByteOrderMark) {
+    lines_ << lineEnd_;
+  }
+  lines_ << '[' + section.toByteArray() + ']' + lineEnd_;
+}
+
+void TIniFile::CloseLastLine() {
+  if (lines_.isEmpty() || lines_.back().endsWith('\n') || lines_.back() == kByteOrderMark) return;
+  lines_.back() += lineEnd_;
+}

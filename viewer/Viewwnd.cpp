@@ -1,0 +1,469 @@
+#include "viewer/Viewwnd.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QColorDialog>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMimeData>
+#include <QScopedValueRollback>
+#include <QScreen>
+#include <QSlider>
+#include <utility>
+
+#include "model/Message.h"
+#include "viewer/Animatorabout.h"
+#include "viewer/Filekind.h"
+#include "viewer/Frametext.h"
+#include "viewer/Glpanel.h"
+#include "viewer/Imagebutton.h"
+#include "viewer/Loaddialog.h"
+#include "viewer/Savepicture.h"
+#include "viewer/Windowplace.h"
+
+namespace {
+
+constexpr QSize kFirstSize(1100, 760);
+constexpr QSize kMinSize(400, 300);
+constexpr quint32 kFirstInterval = 6;  ///< ticks of 10 ms
+
+QString FileNameOf(const QString& path) { return QFileInfo(path).fileName(); }
+
+QString FolderOf(const QString& path) {
+  return path.isEmpty() ? QString() : QFileInfo(path).absolutePath();
+}
+
+QString IfItExists(const QString& path) { return QFileInfo::exists(path) ? path : QString(); }
+
+QStringList LocalFiles(const QMimeData* data) {
+  QStringList files;
+  for (const QUrl& url : data->urls()) {
+    if (url.isLocalFile()) files << url.toLocalFile();
+  }
+  return files;
+}
+
+QString AskPictureFile(QWidget* parent, const QString& folder) {
+  QFileDialog dialog(parent, QObject::tr("Save As Bitmap"), folder,
+                     QObject::tr("Bitmaps (*.bmp);;PNG pictures (*.png);;All files (*)"));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(QStringLiteral("bmp"));
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+TViewDialogs::TAskFile AskFileToOpen(const QString& caption, const QString& filter) {
+  return [=](QWidget* parent, const QString& start) {
+    return QFileDialog::getOpenFileName(parent, caption, start, filter);
+  };
+}
+
+}  // namespace
+
+TViewDialogs::TViewDialogs()
+    : ModelFile(AskFileToOpen(QObject::tr("Load Model"),
+                              QObject::tr("Model files (*.mod);;All files (*)"))),
+      DataFile(AskFileToOpen(QObject::tr("Load Data"),
+                             QObject::tr("Data files (*.dat);;All files (*)"))),
+      PictureFile(AskPictureFile),
+      Color([](QWidget* parent, const QColor& present) {
+        return QColorDialog::getColor(present, parent);
+      }) {}
+
+TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings)
+    : form_(*this), legend_(new TModelListWnd(this)), settingsFile_(settingsFile) {
+  setMinimumSize(kMinSize);
+  resize(kFirstSize);
+  setAcceptDrops(true);
+  timer_.SetInterval(kFirstInterval);
+  timer_.SetOnTimer({this, &TViewWnd::AnimateModel});
+  ConnectMenus();
+  ConnectButtons();
+  ConnectView();
+  UpdateAppearance();
+  ApplySettings(settings);
+}
+
+TViewWnd::~TViewWnd() {
+  if (form_.CanSaveMenu->isChecked()) SaveSettings(settingsFile_, CurrentSettings());
+}
+
+void TViewWnd::ConnectMenus() {
+  const auto call = [this](QAction* item, void (TViewWnd::*handler)()) {
+    connect(item, &QAction::triggered, this, [this, handler] { (this->*handler)(); });
+  };
+  const auto callWithSender = [this](QAction* item, void (TViewWnd::*handler)(QObject*)) {
+    connect(item, &QAction::triggered, this, [this, item, handler] { (this->*handler)(item); });
+  };
+  call(form_.LoadModelMenu, &TViewWnd::LoadModelFile);
+  call(form_.LoadDataMenu, &TViewWnd::LoadDataFile);
+  callWithSender(form_.UnloadModelMenu, &TViewWnd::ClearModels);
+  callWithSender(form_.UnloadDataMenu, &TViewWnd::ClearModels);
+  call(form_.SaveBitmapMenu, &TViewWnd::SaveBitmap);
+  call(form_.ExitMenu, &TViewWnd::ExitMenuClick);
+  call(form_.CopyMenu, &TViewWnd::CopyToClipboard);
+  callWithSender(form_.BackgroundMenu, &TViewWnd::SetColors);
+  callWithSender(form_.FontMenu, &TViewWnd::SetColors);
+  callWithSender(form_.ElementsMenu, &TViewWnd::SetColors);
+  callWithSender(form_.NodesMenu, &TViewWnd::SetColors);
+  call(form_.SphereMenu, &TViewWnd::ChangeNodeShape);
+  call(form_.CubeMenu, &TViewWnd::ChangeNodeShape);
+  call(form_.ShowModelMenu, &TViewWnd::ShowModelClick);
+  call(form_.ShowLegendMenu, &TViewWnd::ShowHideMLW);
+  call(form_.AboutMenu, &TViewWnd::AboutMenuClick);
+}
+
+void TViewWnd::ConnectButtons() {
+  for (TImageButton* button :
+       {form_.ViewX, form_.ViewY, form_.ViewZ, form_.View3D, form_.View1_1}) {
+    connect(button, &TImageButton::OnClick, this, &TViewWnd::SetView);
+  }
+  for (TImageButton* button : {form_.AnimBack, form_.AnimForward}) {
+    connect(button, &TImageButton::OnClick, this, &TViewWnd::AnimateModel);
+  }
+  connect(form_.Anim, &TImageButton::OnClick, this, &TViewWnd::AnimClick);
+  for (TImageButton* button : {form_.AbsolScale, form_.RelatScale, form_.SumScale}) {
+    connect(button, &TImageButton::OnClick, this, &TViewWnd::SetScaleType);
+  }
+  connect(form_.Speed, &QSlider::valueChanged, this, &TViewWnd::SetSpeed);
+  connect(form_.ScaleBar, &QSlider::valueChanged, this, &TViewWnd::SetViewScale);
+}
+
+void TViewWnd::ConnectView() {
+  connect(form_.P, &TGLPanel::OnInit, this, &TViewWnd::GLPanelInit);
+  connect(form_.P, &TGLPanel::OnPaint, this, &TViewWnd::GLPanelPaint);
+  connect(&model_, &TModel::OnChange, this, &TViewWnd::FitView);
+  connect(legend_, &TModelListWnd::OnShowHide, this, [this] {
+    UpdateScale();
+    UpdateShown();
+  });
+  connect(legend_, &TModelListWnd::OnClose, this, [this] {
+    // On the way out all windows are closed; the settings are to remember the legend as it was.
+    if (isVisible()) form_.ShowLegendMenu->setChecked(false);
+  });
+}
+
+void TViewWnd::GLPanelInit() {
+  picture_.Init(form_.P->Resolver());
+  FitView();
+}
+
+void TViewWnd::GLPanelPaint() {
+  picture_.Paint(form_.P->View, form_.P->PixelSize(), form_.P->devicePixelRatioF(), model_,
+                 legend_->Data, animation_.ScaleType, form_.ShowModelMenu->isChecked());
+}
+
+void TViewWnd::ApplySettings(const TSettings& settings) {
+  form_.Anim->SetDown(settings.AnimationOn);
+  if (settings.AnimationSpeed) {
+    form_.Speed->setValue(*settings.AnimationSpeed);
+    SetSpeed();
+  }
+  ApplyView(settings, form_.P->View);
+  animation_.ScaleType = ScaleTypeOf(settings.ScaleType);
+  form_.ScaleBar->setValue(settings.ViewScale.value_or(form_.ScaleBar->value()));
+  form_.ShowModelMenu->setChecked(settings.ShowModel);
+  form_.CanSaveMenu->setChecked(settings.CanSave);
+  savePath_ = settings.SavePath;
+  ApplyBounds(settings);
+  legend_->Data.CheckedLabels = settings.CheckedLabels;
+  appearance_ = AppearanceOf(settings);
+  UpdateAppearance();
+  if (QFileInfo::exists(settings.ModelFile)) OpenModel(settings.ModelFile);
+  if (QFileInfo::exists(settings.DataFile)) OpenData(settings.DataFile);
+  SetScaleType();
+  SetViewScale();
+  AnimClick();
+  UpdateCaption();
+  form_.SphereMenu->setChecked(appearance_.NodeShape == TNodeShape::Sphere);
+  form_.CubeMenu->setChecked(appearance_.NodeShape == TNodeShape::Cube);
+}
+
+void TViewWnd::ApplyBounds(const TSettings& s) {
+  QList<QRect> screens;
+  for (const QScreen* screen : QGuiApplication::screens()) screens << screen->availableGeometry();
+  const auto place = [&](QWidget& window, std::optional<int> left, std::optional<int> top,
+                         std::optional<int> width, std::optional<int> height) {
+    if (!left && !top && !width && !height) return;
+    const QRect wanted(left.value_or(window.x()), top.value_or(window.y()),
+                       width.value_or(window.width()), height.value_or(window.height()));
+    const QRect bounds = FitToScreens(wanted, screens, window.minimumSize());
+    window.resize(bounds.size());
+    window.move(bounds.topLeft());
+  };
+  place(*this, s.Left, s.Top, s.Width, s.Height);
+  place(*legend_, s.LabelsLeft, s.LabelsTop, s.LabelsWidth, s.LabelsHeight);
+  form_.ShowLegendMenu->setChecked(s.LabelsVisible.value_or(form_.ShowLegendMenu->isChecked()));
+  ShowHideMLW();
+}
+
+TSettings TViewWnd::CurrentSettings() const {
+  const TViewTransform& view = form_.P->View;
+  const QRect bounds = isMaximized() || isFullScreen() ? normalGeometry() : QRect(pos(), size());
+  TSettings s;
+  s.ModelFile = modelFile_;
+  s.DataFile = dataFile_;
+  s.AnimationOn = form_.Anim->GetDown();
+  s.AnimationSpeed = form_.Speed->value();
+  s.RotX = view.Rotation.x;
+  s.RotY = view.Rotation.y;
+  s.ScaleX = view.ScaleX;
+  s.ScaleY = view.ScaleY;
+  s.ScaleZ = view.Zoom;
+  s.PanPosX = view.PanPosX;
+  s.PanPosY = view.PanPosY;
+  s.ScaleType = static_cast<int>(animation_.ScaleType);
+  s.ViewScale = form_.ScaleBar->value();
+  s.ShowModel = form_.ShowModelMenu->isChecked();
+  s.CanSave = form_.CanSaveMenu->isChecked();
+  s.SavePath = savePath_;
+  s.Left = bounds.x();
+  s.Top = bounds.y();
+  s.Width = bounds.width();
+  s.Height = bounds.height();
+  s.LabelsLeft = legend_->x();
+  s.LabelsTop = legend_->y();
+  s.LabelsWidth = legend_->width();
+  s.LabelsHeight = legend_->height();
+  s.LabelsVisible = form_.ShowLegendMenu->isChecked();
+  s.CheckedLabels = legend_->MakeCheckString();
+  s.BackColor = appearance_.BackColor;
+  s.ElementColor = appearance_.ElementColor;
+  s.NodeColor = appearance_.NodeColor;
+  s.FontColor = appearance_.FontColor;
+  s.NodeShape = static_cast<int>(appearance_.NodeShape);
+  return s;
+}
+
+void TViewWnd::LoadModelFile() {
+  const QString fileName = Dialogs.ModelFile(this, IfItExists(modelFile_));
+  if (!fileName.isEmpty()) OpenModel(fileName);
+}
+
+void TViewWnd::LoadDataFile() {
+  const QString present = IfItExists(dataFile_);
+  const QString start = present.isEmpty() ? FolderOf(modelFile_) : present;
+  const QString fileName = Dialogs.DataFile(this, start);
+  if (!fileName.isEmpty()) OpenData(fileName);
+}
+
+TLoadReport TViewWnd::Read(const QString& fileName,
+                           const std::function<TLoadReport(const TLoadProgress&)>& read) {
+  const QScopedValueRollback guard(reading_, true);
+  TLoadDialog dialog(this, fileName, Dialogs.LoadDelayMs);
+  return read(dialog.Progress());
+}
+
+void TViewWnd::OpenModel(const QString& fileName) {
+  if (reading_) return;
+  const TLoadReport report = Read(fileName, [&](const TLoadProgress& progress) {
+    return model_.LoadFromFile(fileName, progress);
+  });
+  if (!report.Cancelled() && !report.Failed()) {
+    modelFile_ = model_.Nodes.Empty() ? QString() : QFileInfo(fileName).absoluteFilePath();
+    UnloadData();
+  }
+  if (const QString fault = report.Sentence(fileName); !fault.isEmpty()) ShowMessage(fault);
+}
+
+void TViewWnd::OpenData(const QString& fileName) {
+  if (reading_) return;
+  const TLoadReport report = Read(fileName, [&](const TLoadProgress& progress) {
+    return legend_->LoadFromFile(fileName, model_, progress);
+  });
+  if (!report.Cancelled()) {
+    const bool empty = legend_->Data.All.Empty();
+    dataFile_ = empty ? QString() : QFileInfo(fileName).absoluteFilePath();
+    UpdateScale();
+    UpdateShown();
+    UpdateCaption();
+  }
+  if (const QString fault = report.Sentence(fileName); !fault.isEmpty()) ShowMessage(fault);
+}
+
+void TViewWnd::OpenFiles(const QStringList& fileNames) {
+  QStringList models;
+  QStringList others;
+  for (const QString& name : fileNames) (IsModelFile(name) ? models : others) << name;
+  if (models.size() > 1 || others.size() > 1) {
+    ShowMessage(QStringLiteral("Only one model file and one data file can be opened at a time."));
+    return;
+  }
+  for (const QString& name : models) OpenModel(name);
+  for (const QString& name : others) OpenData(name);
+}
+
+void TViewWnd::ClearModels(QObject* sender) {
+  if (reading_) return;
+  if (sender == form_.UnloadModelMenu) {
+    model_.Clear();
+    modelFile_.clear();
+  }
+  UnloadData();
+}
+
+void TViewWnd::UnloadData() {
+  for (TNode* node : model_.Display) node->Position = node->Angles = {};
+  legend_->Clear();
+  dataFile_.clear();
+  UpdateShown();
+  UpdateCaption();
+  form_.P->Invalidate();
+}
+
+void TViewWnd::UpdateCaption() {
+  QString caption =
+      QStringLiteral("%1 %2").arg(QLatin1String(kProgramTitle), QLatin1String(kProgramVersion));
+  if (!modelFile_.isEmpty()) caption += " : " + FileNameOf(modelFile_);
+  if (!dataFile_.isEmpty()) {
+    if (!modelFile_.isEmpty()) caption += " + ";
+    caption += FileNameOf(dataFile_);
+  }
+  setWindowTitle(caption);
+  form_.ShowModelMenu->setChecked(dataFile_.isEmpty());
+  if (dataFile_.isEmpty()) model_.Loaded = true;  // else "Show Model" would be checked in vain
+}
+
+void TViewWnd::SaveBitmap() {
+  const bool known = !savePath_.isEmpty() && QFileInfo(savePath_).isDir();
+  const QString chosen =
+      Dialogs.PictureFile(this, known ? savePath_ : QCoreApplication::applicationDirPath());
+  if (chosen.isEmpty()) return;
+  const QString fileName = WithPictureSuffix(chosen);
+  const QString fault = SavePicture(form_.P->Picture(), fileName);
+  if (!fault.isEmpty()) return ShowMessage(fault);
+  savePath_ = FolderOf(fileName);
+}
+
+void TViewWnd::ExitMenuClick() { close(); }
+
+void TViewWnd::CopyToClipboard() { form_.P->CopyToClipboard(); }
+
+void TViewWnd::SetColors(QObject* sender) {
+  const std::pair<QObject*, TColor*> colors[] = {
+      {form_.BackgroundMenu, &appearance_.BackColor},
+      {form_.FontMenu, &appearance_.FontColor},
+      {form_.ElementsMenu, &appearance_.ElementColor},
+      {form_.NodesMenu, &appearance_.NodeColor},
+  };
+  for (const auto& [item, color] : colors) {
+    if (sender != item) continue;
+    const QColor chosen = Dialogs.Color(this, color->ToQColor());
+    if (!chosen.isValid()) return;
+    *color = TColor::FromQColor(chosen);
+    UpdateAppearance();
+  }
+}
+
+void TViewWnd::ChangeNodeShape() {
+  appearance_.NodeShape = form_.CubeMenu->isChecked() ? TNodeShape::Cube : TNodeShape::Sphere;
+  UpdateAppearance();
+}
+
+void TViewWnd::UpdateAppearance() {
+  ApplyAppearance(appearance_, model_, legend_->Data);
+  form_.P->BackColor = appearance_.BackColor.ToQColor();
+  picture_.Overlay.SetColor(appearance_.FontColor.ToQColor());
+  form_.P->Invalidate();
+}
+
+void TViewWnd::ShowModelClick() {
+  model_.Loaded = form_.ShowModelMenu->isChecked();
+  form_.P->Invalidate();
+}
+
+void TViewWnd::ShowHideMLW() { legend_->setVisible(form_.ShowLegendMenu->isChecked()); }
+
+void TViewWnd::AboutMenuClick() { TAnimatorAbout(form_.P->RendererName(), this).exec(); }
+
+void TViewWnd::SetView(QObject* sender) {
+  TViewTransform& view = form_.P->View;
+  if (sender == form_.ViewX) view.Rotation = kAlongX;
+  if (sender == form_.ViewY) view.Rotation = kAlongY;
+  if (sender == form_.ViewZ) view.Rotation = kAlongZ;
+  if (sender == form_.View3D) view.Rotation = kOblique;
+  if (sender == form_.View1_1) {
+    view.ScaleX = view.ScaleY = view.Zoom = 1.0;
+    form_.P->ScaleViewPort();  // else the picture would be squeezed until the next resize
+  }
+  form_.P->Invalidate();
+}
+
+void TViewWnd::FitView() {
+  form_.P->View.ModelSize = ModelSizeOf(model_);
+  form_.P->Invalidate();
+}
+
+void TViewWnd::AnimateModel(QObject* sender) {
+  if (reading_) return;
+  if (!animation_.Step(legend_->Data, model_, sender == form_.AnimBack)) return;
+  UpdateFrameText();
+  form_.P->Invalidate();
+}
+
+void TViewWnd::AnimClick() {
+  const bool on = form_.Anim->GetDown();
+  timer_.SetEnabled(on);
+  form_.AnimBack->setEnabled(!on);
+  form_.AnimForward->setEnabled(!on);
+}
+
+void TViewWnd::SetSpeed() {
+  timer_.SetInterval(
+      static_cast<quint32>((form_.Speed->maximum() - form_.Speed->value() + 10) / 10));
+}
+
+void TViewWnd::SetViewScale() {
+  animation_.ViewScale = ViewScaleAt(form_.ScaleBar->value());
+  UpdateScale();
+}
+
+void TViewWnd::SetScaleType(QObject* button) {
+  TImageButton* const buttons[] = {form_.AbsolScale, form_.RelatScale, form_.SumScale};
+  for (int type = 0; type < 3; ++type) {
+    if (button == buttons[type]) animation_.ScaleType = static_cast<TScaleType>(type);
+  }
+  for (int type = 0; type < 3; ++type) {
+    buttons[type]->SetDown(animation_.ScaleType == static_cast<TScaleType>(type));
+  }
+  UpdateScale();
+}
+
+void TViewWnd::UpdateScale() {
+  animation_.UpdateScale(legend_->Data, model_);
+  UpdateFrameText();
+  form_.P->Invalidate();
+}
+
+void TViewWnd::UpdateShown() {
+  for (TDataNodeList* list : legend_->Data.Shown) list->Phase = animation_.Phase;
+  picture_.Overlay.SetLines(OverlayLines(legend_->Data));
+  form_.ShownLabel->setText(ShownText(legend_->Data));
+  form_.CountLabel->setText(CountText(model_));
+  UpdateFrameText();
+}
+
+void TViewWnd::UpdateFrameText() {
+  form_.FrameLabel->setText(FrameText(animation_, legend_->Data));
+}
+
+void TViewWnd::closeEvent(QCloseEvent* event) {
+  // The reader goes on behind this event; its progress dialog is the way to end it.
+  if (reading_) return event->ignore();
+  QMainWindow::closeEvent(event);
+}
+
+void TViewWnd::dragEnterEvent(QDragEnterEvent* event) {
+  event->setAccepted(!reading_ && !LocalFiles(event->mimeData()).isEmpty());
+}
+
+void TViewWnd::dragMoveEvent(QDragMoveEvent* event) { event->accept(); }
+
+void TViewWnd::dropEvent(QDropEvent* event) {
+  const QStringList files = LocalFiles(event->mimeData());
+  event->acceptProposedAction();
+  // Where the files came from waits for the answer to the drop; it need not wait for the load.
+  QMetaObject::invokeMethod(
+      this, [this, files] { OpenFiles(files); }, Qt::QueuedConnection);
+}

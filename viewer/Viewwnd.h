@@ -1,0 +1,130 @@
+#pragma once
+
+#include <QColor>
+#include <QMainWindow>
+#include <functional>
+
+#include "model/Animation.h"
+#include "model/Timer.h"
+#include "viewer/Modellist.h"
+#include "viewer/Picture.h"
+#include "viewer/Settings.h"
+#include "viewer/Viewform.h"
+#include "viewer/Viewstate.h"
+
+/// The questions that the main window asks. An empty or invalid answer means cancelled.
+struct TViewDialogs {
+  /// `start`: the file or folder to begin with, perhaps empty.
+  using TAskFile = std::function<QString(QWidget* parent, const QString& start)>;
+  using TAskColor = std::function<QColor(QWidget* parent, const QColor& present)>;
+
+  TViewDialogs();  ///< the system's dialogs
+
+  TAskFile ModelFile;
+  TAskFile DataFile;
+  TAskFile PictureFile;  ///< where to save
+  TAskColor Color;
+  int LoadDelayMs = 500;  ///< before a load shows its progress
+};
+
+/// The program's main window: shows the model in the panel P, animates it with the data sets of the
+/// legend, and offers the commands of the menus and the button bar. Owns the model, the animation
+/// and the legend, which owns the data. GUI thread only.
+class TViewWnd : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  /// Applies the settings, which may load a model and data. `settingsFile` is where they are saved
+  /// when the window is destroyed, if "Save options on exit" is checked.
+  TViewWnd(const QString& settingsFile, const TSettings& settings);
+  explicit TViewWnd(const QString& settingsFile)
+      : TViewWnd(settingsFile, LoadSettings(settingsFile)) {}
+  ~TViewWnd() override;
+
+  /// Reads a model file and unloads the data. A file that cannot be read, or a cancel, leaves
+  /// everything as it was; what was dropped is shown to the user.
+  void OpenModel(const QString& fileName);
+  /// Replaces the data by those of a file. A cancel leaves the earlier ones, a file that cannot be
+  /// read leaves none.
+  void OpenData(const QString& fileName);
+  /// Opens a model file, a data file or one of each, told apart by their content.
+  void OpenFiles(const QStringList& fileNames);
+
+  const QString& ModelFile() const { return modelFile_; }  ///< empty if no model is loaded
+  const QString& DataFile() const { return dataFile_; }    ///< empty if no data are loaded
+  const TModel& Model() const { return model_; }
+  const TAnimation& Animation() const { return animation_; }
+  const TTimerClient& AnimationTimer() const { return timer_; }
+  const TAppearance& Appearance() const { return appearance_; }
+  TModelListWnd& Legend() { return *legend_; }
+
+  /// What would be saved now.
+  TSettings CurrentSettings() const;
+
+  TViewDialogs Dialogs;
+
+ public slots:
+  void LoadModelFile();
+  void LoadDataFile();
+  /// `sender`: the menu item "Unload Model", which takes the data along, or "Unload Data".
+  void ClearModels(QObject* sender);
+  void SaveBitmap();
+  void ExitMenuClick();
+  void CopyToClipboard();
+  /// `sender`: the menu item of the colour to be chosen.
+  void SetColors(QObject* sender);
+  void ChangeNodeShape();
+  void ShowModelClick();
+  void ShowHideMLW();
+  void AboutMenuClick();
+
+  /// `sender`: the button of the view.
+  void SetView(QObject* sender);
+  /// One frame, back if the sender is the back button.
+  void AnimateModel(QObject* sender);
+  void AnimClick();
+  void SetSpeed();
+  void SetViewScale();
+  /// `button`: the scale button that was pressed; without one the buttons follow the scale type.
+  void SetScaleType(QObject* button = nullptr);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void ConnectMenus();
+  void ConnectButtons();
+  void ConnectView();
+
+  void GLPanelInit();
+  void GLPanelPaint();
+
+  void ApplySettings(const TSettings& settings);
+  void ApplyBounds(const TSettings& settings);
+
+  TLoadReport Read(const QString& fileName,
+                   const std::function<TLoadReport(const TLoadProgress&)>& read);
+  void UnloadData();
+  void FitView();
+  void UpdateAppearance();
+  void UpdateScale();
+  void UpdateCaption();
+  void UpdateShown();
+  void UpdateFrameText();
+
+  TViewForm form_;
+  TModelListWnd* legend_;  ///< a child of this window
+  TModel model_;
+  TAnimation animation_;
+  TTimerClient timer_;
+  TPicture picture_;
+  TAppearance appearance_;
+  QString settingsFile_;
+  QString modelFile_;
+  QString dataFile_;
+  QString savePath_;      ///< folder of the last saved bitmap
+  bool reading_ = false;  ///< a load is on its way: nothing else may touch model or data
+};

@@ -1,0 +1,41 @@
+#include "viewer/Windowplace.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Far beyond any screen, and small enough for sums and products of rectangles.
+constexpr int kFar = 100'000;
+
+qint64 Area(const QRect& rect) {
+  return rect.isEmpty() ? 0 : static_cast<qint64>(rect.width()) * rect.height();
+}
+
+QRect Tamed(const QRect& rect, QSize minimum) {
+  const auto tame = [](int value) { return std::clamp(value, -kFar, kFar); };
+  const QSize size(tame(rect.width()), tame(rect.height()));
+  return {QPoint(tame(rect.x()), tame(rect.y())), size.expandedTo(minimum)};
+}
+
+}  // namespace
+
+QRect FitToScreens(const QRect& wanted, const QList<QRect>& screens, QSize minimum) {
+  QRect bounds = Tamed(wanted, minimum);
+  if (screens.isEmpty()) return bounds;
+  qint64 seen = 0;
+  qint64 most = 0;
+  QRect home = screens.front();
+  for (const QRect& screen : screens) {
+    const qint64 overlap = Area(screen.intersected(bounds));
+    seen += overlap;
+    if (overlap > most) {
+      most = overlap;
+      home = screen;
+    }
+  }
+  if (seen >= Area(bounds)) return bounds;
+  bounds.setSize(bounds.size().boundedTo(home.size()));
+  bounds.moveLeft(std::clamp(bounds.left(), home.left(), home.right() - bounds.width() + 1));
+  bounds.moveTop(std::clamp(bounds.top(), home.top(), home.bottom() - bounds.height() + 1));
+  return bounds;
+}
