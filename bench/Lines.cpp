@@ -1,6 +1,7 @@
 // One line series drawn into an 800 x 600 picture, the pulling of its points included.
 //
 //   bench_lines [--quick]      a table of milliseconds, one row per number of points
+//   peers/bench_peer_*         the rows of other libraries, built where these are installed
 
 #include <QApplication>
 #include <QImage>

@@ -19,19 +19,17 @@ TDateTime TDateTime::FromQDateTime(const QDateTime& time) {
                    local.time().msecsSinceStartOfDay() / static_cast<double>(kMillisecondsPerDay));
 }
 
-QDateTime TDateTime::ToQDateTime() const {
-  static const auto kFirst = static_cast<double>(kEpoch.daysTo(QDate(1, 1, 1)));
-  static const auto kBehindLast = static_cast<double>(kEpoch.daysTo(QDate(10000, 1, 1)));
-  if (!(days_ >= kFirst && days_ < kBehindLast)) return {};
+TDateTime::TClock TDateTime::Clock() const {
+  constexpr auto kDay = static_cast<double>(kMillisecondsPerDay);
+  const double milliseconds = std::round(days_ * kDay);
+  const double day = std::floor(milliseconds / kDay);
+  if (!(std::abs(day) < 4.0e6)) return {};  // far outside the years that count
+  const QDate date = kEpoch.addDays(static_cast<qint64>(day));
+  if (date.year() < 1 || date.year() > 9999) return {};
+  return {date, QTime::fromMSecsSinceStartOfDay(static_cast<int>(milliseconds - day * kDay))};
+}
 
-  const double whole = std::floor(days_);
-  qint64 day = static_cast<qint64>(whole);
-  qint64 milliseconds = std::llround((days_ - whole) * static_cast<double>(kMillisecondsPerDay));
-  if (milliseconds == kMillisecondsPerDay) {
-    milliseconds = 0;
-    ++day;
-  }
-  const QDateTime time(kEpoch.addDays(day),
-                       QTime::fromMSecsSinceStartOfDay(static_cast<int>(milliseconds)));
-  return time.date().year() <= 9999 ? time : QDateTime();
+QDateTime TDateTime::ToQDateTime() const {
+  const TClock clock = Clock();
+  return clock.date.isValid() ? QDateTime(clock.date, clock.time) : QDateTime();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <cmath>
 #include <compare>
 
 /// A date and time as days since 30 December 1899, 00:00 local time; the fraction is the time of
@@ -26,15 +25,7 @@ class TDateTime {
     QDate date;
     QTime time;
   };
-  TClock Clock() const {
-    constexpr double kDay = 86400000.0;  // ms
-    const double ms = std::round(days_ * kDay);
-    const double day = std::floor(ms / kDay);
-    if (!(std::abs(day) < 4.0e6)) return {};
-    const QDate date = QDate(1899, 12, 30).addDays(static_cast<qint64>(day));
-    if (date.year() < 1 || date.year() > 9999) return {};
-    return {date, QTime::fromMSecsSinceStartOfDay(static_cast<int>(ms - day * kDay))};
-  }
+  TClock Clock() const;
 
   friend constexpr auto operator<=>(TDateTime, TDateTime) = default;
   friend constexpr bool operator==(TDateTime, TDateTime) = default;

@@ -11,6 +11,8 @@ namespace {
 
 constexpr int kMarkerReach = 3;  // logical pixels from the centre of a marker to its edge
 constexpr double kVectorGrid = 8.0;
+constexpr double kDashes =
+    4.0 * 6.0 * 8.0 * 10.0;  // holds every dash pattern a whole number of times
 
 QPen LinePen(const TSeriesStyle& style, double grid) {
   static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine,
@@ -53,15 +55,23 @@ double DeviceGrid(const QPainter& painter) {
 }
 
 TCurvePainter::TCurvePainter(QPainter& painter, const TSeriesStyle& style, const TPlotArea& area)
-    : painter_(painter), style_(style), area_(area) {
+    : painter_(painter),
+      style_(style),
+      area_(area),
+      linePen_(LinePen(style, area.grid)),
+      pointPen_(PointPen(style, area.grid)),
+      lineRect_(Reach(area.rect, style.GetLineWeight(), area.grid)),
+      markerRect_(Reach(area.rect, kMarkerReach, area.grid)) {
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing, false);
   if (area_.grid != 1.0) painter_.scale(1.0 / area_.grid, 1.0 / area_.grid);
-  if (style_.GetPointStyle() != TSeriesStyle::psNone) return;
-  const QPen pen = style_.IsLineClear() ? QPen(Qt::NoPen) : LinePen(style_, area_.grid);
-  const QRect visible = Reach(area_.rect, style_.GetLineWeight(), area_.grid);
-  sink_ = MakeLineSink(painter_, pen, visible);
-  path_.emplace(area_.x, area_.y, visible, *sink_);
+  if (style_.GetPointStyle() != TSeriesStyle::psNone) {
+    const TColor fill = style_.GetFillColor();
+    painter_.setBrush(fill.IsNone() ? QBrush(Qt::NoBrush) : QBrush(fill.ToQColor()));
+    return;
+  }
+  sink_ = MakeLineSink(painter_, linePen_, lineRect_);
+  path_.emplace(area_.x, area_.y, lineRect_, LineReach(linePen_), *sink_);
 }
 
 TCurvePainter::~TCurvePainter() {
@@ -77,27 +87,37 @@ void TCurvePainter::Add(std::span<const TCoordinate> points) {
 /// Point by point, for each line crosses the marker before it and is crossed by the next one.
 void TCurvePainter::AddMarked(const TCoordinate& point, const TCoordinate& extent) {
   if (!std::isfinite(point.X) || !std::isfinite(point.Y)) {
-    hasPrevious_ = false;
+    hasPrevious_ = settled_ = false;
     return;
   }
   const TPlace place{area_.x.Place(point.X), area_.y.Place(point.Y)};
-  const bool repeats = hasPrevious_ && place == previous_;
-  QLine line;
-  if (hasPrevious_ && !repeats && !style_.IsLineClear() &&
-      CutLine(previous_, place, Reach(area_.rect, style_.GetLineWeight(), area_.grid), line)) {
-    UseLinePen();
-    painter_.drawLine(line);
-  }
   if (style_.IsBar()) {
+    if (hasPrevious_) DrawPiece(previous_, place);
     DrawBar(point, extent);
-  } else if (!isFirst_ && !(repeats && previousMarked_) &&
-             CutLine(place, place, Reach(area_.rect, kMarkerReach, area_.grid), line)) {
-    DrawMarker(line.p1());
+  } else if (!(settled_ && place == previous_)) {
+    settled_ = hasPrevious_;
+    if (hasPrevious_) DrawPiece(previous_, place);
+    QLine centre;
+    if (!isFirst_ && CutLine(place, place, markerRect_, 0, centre)) DrawMarker(centre.p1());
   }
-  previousMarked_ = !isFirst_;
   isFirst_ = false;
   hasPrevious_ = true;
   previous_ = place;
+}
+
+void TCurvePainter::DrawPiece(const TPlace& from, const TPlace& to) {
+  if (style_.IsLineClear()) return;
+  QLine line;
+  if (CutLine(from, to, lineRect_, LineReach(linePen_), line)) {
+    UseLinePen();
+    painter_.drawLine(line);
+  }
+  // Dashes run on from piece to piece.
+  if (linePen_.style() == Qt::SolidLine) return;
+  tool_ = TTool::kNone;
+  const double length =
+      std::hypot(static_cast<double>(to.x - from.x), static_cast<double>(to.y - from.y));
+  linePen_.setDashOffset(std::fmod(linePen_.dashOffset() + length / linePen_.widthF(), kDashes));
 }
 
 void TCurvePainter::DrawMarker(QPoint centre) {
@@ -151,15 +171,11 @@ void TCurvePainter::DrawBar(const TCoordinate& point, const TCoordinate& extent)
 void TCurvePainter::UseLinePen() {
   if (tool_ == TTool::kLine) return;
   tool_ = TTool::kLine;
-  painter_.setPen(LinePen(style_, area_.grid));
+  painter_.setPen(linePen_);
 }
 
 void TCurvePainter::UsePointPen() {
   if (tool_ == TTool::kPoint) return;
-  if (tool_ == TTool::kNone) {
-    const TColor fill = style_.GetFillColor();
-    painter_.setBrush(fill.IsNone() ? QBrush(Qt::NoBrush) : QBrush(fill.ToQColor()));
-  }
   tool_ = TTool::kPoint;
-  painter_.setPen(PointPen(style_, area_.grid));
+  painter_.setPen(pointPen_);
 }

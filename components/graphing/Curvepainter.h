@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPen>
 #include <QRect>
 #include <memory>
 #include <optional>
@@ -42,6 +43,7 @@ class TCurvePainter {
 
  private:
   void AddMarked(const TCoordinate& point, const TCoordinate& extent);
+  void DrawPiece(const TPlace& from, const TPlace& to);
   void DrawMarker(QPoint centre);
   void DrawBar(const TCoordinate& point, const TCoordinate& extent);
   void UseLinePen();
@@ -50,6 +52,10 @@ class TCurvePainter {
   QPainter& painter_;
   const TSeriesStyle& style_;
   const TPlotArea area_;
+  QPen linePen_;
+  const QPen pointPen_;
+  const QRect lineRect_;    ///< where a piece of the line can be seen
+  const QRect markerRect_;  ///< where the centre of a marker can be seen from
 
   // Points without markers are merged.
   std::unique_ptr<TLineSink> sink_;
@@ -59,6 +65,7 @@ class TCurvePainter {
   TTool tool_ = TTool::kNone;  ///< which pen the painter has
   bool isFirst_ = true;
   bool hasPrevious_ = false;
-  bool previousMarked_ = false;
+  bool settled_ = false;  ///< the previous point has its marker and a line to it: drawing it again
+                          ///< changes nothing
   TPlace previous_;
 };

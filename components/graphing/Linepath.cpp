@@ -5,10 +5,6 @@
 
 namespace {
 
-// Pixels by which a line may reach out of its rectangle. Cutting it there moves what is left by
-// less than a hundredth of a pixel at the rectangle.
-constexpr int kReach = 8192;
-
 bool Misses(const TPlace& a, const TPlace& b, const QRect& rect) {
   return std::max(a.x, b.x) < rect.left() || std::min(a.x, b.x) > rect.right() ||
          std::max(a.y, b.y) < rect.top() || std::min(a.y, b.y) > rect.bottom();
@@ -46,15 +42,15 @@ bool Clip(const TPlace& from, const TPlace& to, const QRect& rect, QLine& line) 
 
 }  // namespace
 
-bool CutLine(TPlace from, TPlace to, const QRect& rect, QLine& line) {
+bool CutLine(TPlace from, TPlace to, const QRect& rect, int reach, QLine& line) {
   if (Misses(from, to, rect)) return false;
-  const QRect reach = rect.adjusted(-kReach, -kReach, kReach, kReach);
-  if (!Holds(reach, from) || !Holds(reach, to)) return Clip(from, to, reach, line);
+  const QRect whole = rect.adjusted(-reach, -reach, reach, reach);
+  if (!Holds(whole, from) || !Holds(whole, to)) return Clip(from, to, whole, line);
   line = QLine(ToPoint(from), ToPoint(to));
   return true;
 }
 
-TLinePath::TLinePath(const TPixelScale& x, const TPixelScale& y, const QRect& visible,
+TLinePath::TLinePath(const TPixelScale& x, const TPixelScale& y, const QRect& visible, int reach,
                      TLineSink& sink)
     : x_(x),
       y_(y),
@@ -62,6 +58,7 @@ TLinePath::TLinePath(const TPixelScale& x, const TPixelScale& y, const QRect& vi
       visible_(visible),
       right_(visible.left() + visible.width()),
       bottom_(visible.top() + visible.height()),
+      reach_(reach),
       sink_(sink) {}
 
 void TLinePath::Add(std::span<const TCoordinate> points) {
@@ -186,5 +183,5 @@ void TLinePath::EmitSpan(std::int64_t first, std::int64_t last) {
 
 void TLinePath::EmitJoin(const TPlace& from, const TPlace& to) {
   QLine line;
-  if (CutLine(from, to, visible_, line)) sink_.Join(line);
+  if (CutLine(from, to, visible_, reach_, line)) sink_.Join(line);
 }

@@ -17,10 +17,10 @@ struct TPlace {
   friend bool operator==(const TPlace&, const TPlace&) = default;
 };
 
-/// Cuts a straight line to what lies near a rectangle: near enough for paint devices with 16 bits
-/// for a coordinate, and so far out that the pixels inside stay what they were. False if the line
-/// misses the rectangle.
-bool CutLine(TPlace from, TPlace to, const QRect& rect, QLine& line);
+/// Cuts a straight line to what lies within `reach` pixels of a rectangle; false if the line misses
+/// the rectangle. The cut ends are rounded to pixels, so that the farther the reach, the less does
+/// the part inside the rectangle move.
+bool CutLine(TPlace from, TPlace to, const QRect& rect, int reach, QLine& line);
 
 /// Takes the pieces of a line in pixels. The end of a piece is the start of the next one.
 class TLineSink {
@@ -46,8 +46,10 @@ class TLineSink {
 /// What lies outside the visible pixels is left out. A point that is not finite makes a gap.
 class TLinePath {
  public:
-  /// `visible`: the pixels that matter, with room for the width of the line.
-  TLinePath(const TPixelScale& x, const TPixelScale& y, const QRect& visible, TLineSink& sink);
+  /// `visible`: the pixels that matter, with room for the width of the line. `reach`: how far out
+  /// of them a coordinate may lie, see CutLine.
+  TLinePath(const TPixelScale& x, const TPixelScale& y, const QRect& visible, int reach,
+            TLineSink& sink);
 
   void Add(double x, double y) {
     if (x >= xLow_ && x <= xHigh_ && y > yFloor_ && y <= DBL_MAX) {
@@ -89,6 +91,7 @@ class TLinePath {
   const QRect visible_;
   const int right_;   ///< one past the last visible column
   const int bottom_;  ///< one past the last visible row
+  const int reach_;
   TLineSink& sink_;
 
   // The column being filled: the values that surely fall into it, and the extremes met in it.

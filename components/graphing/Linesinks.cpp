@@ -10,6 +10,8 @@
 
 namespace {
 
+bool IsThin(const QPen& pen) { return pen.style() == Qt::SolidLine && pen.widthF() <= 1.0; }
+
 /// Rows of one pixel column, from `top` to `bottom`; none if they are the wrong way round.
 struct TRows {
   int top = 0;
@@ -202,7 +204,8 @@ class TChainedLines : public TLineSink {
 }  // namespace
 
 std::unique_ptr<TLineSink> MakeLineSink(QPainter& painter, const QPen& pen, const QRect& visible) {
-  const bool thin = pen.style() == Qt::SolidLine && pen.widthF() <= 1.0;
-  if (thin) return std::make_unique<TThinLines>(painter, pen, visible);
+  if (IsThin(pen)) return std::make_unique<TThinLines>(painter, pen, visible);
   return std::make_unique<TChainedLines>(painter, pen);
 }
+
+int LineReach(const QPen& pen) { return IsThin(pen) ? 1 << 20 : 1 << 13; }

@@ -92,6 +92,14 @@ TEST(TBinList, HostileValuesTakeNoMemoryAndSpoilNothing) {
   EXPECT_EQ(list.GetLostCount(), 9.0);
 }
 
+TEST(TBinList, MakesNoBinsThatCannotBeToldApart) {
+  TBinList list;
+  list.SetAnchor(1e17);  // where the next number is 16 away
+  list.AddValues(1.0, 1e17 + 16.0);
+  EXPECT_TRUE(list.Empty());
+  EXPECT_EQ(list.GetLostCount(), 1.0);
+}
+
 TEST(TBinList, ReportsValuesByCallbackAndChangesBySignal) {
   TBinList list;
   int added = 0;

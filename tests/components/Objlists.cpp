@@ -71,6 +71,18 @@ TEST(TDataList, AReusedRowComesWithItsOldValues) {
   EXPECT_EQ(list.GetValues(1, TFloatList::kTime), 41.0);
 }
 
+TEST(TDataList, ARowMovesWithItsValuesInAListGrownBeyondItsMaximum) {
+  TDataList back(1), front(1);
+  for (TDataList* list : {&back, &front}) {
+    list->SetMaxCount(2);
+    Fill(*list, {1, 2, 3});
+  }
+  back.PushBackRow();
+  EXPECT_THAT(Column(back, 0), ElementsAre(2, 3, 1));
+  front.PushRow();
+  EXPECT_THAT(Column(front, 0), ElementsAre(3, 1, 2));
+}
+
 TEST(TDataList, WithoutAMaximumItGrowsTo65536RowsAndThenRecycles) {
   TDataList list(1);
   for (int value = 0; value < 65536; ++value) list.PushBackRow()[0] = value;
@@ -275,6 +287,9 @@ TEST(TDataList, SavesAndLoadsEveryNumber) {
   copy.SetMaxCount(5);
   copy.setProperty("DataValues", text);
   EXPECT_TRUE(copy.SameAs(&list));
+  QSignalSpy changes(&copy, &TDataList::OnChange);
+  copy.setProperty("DataValues", text);
+  EXPECT_EQ(changes.count(), 0) << "the same again";
   EXPECT_EQ(text, "0 0.3333333333333333\n0 -1e+300\n0 5e-324\n0 inf\n0 nan\n");
   copy.SetDataValues("");
   EXPECT_EQ(copy.Count(), 0);
@@ -325,6 +340,10 @@ TEST(TDataList, AssignCopiesIntoListsOfAsManyColumns) {
   EXPECT_THAT(Column(copy, 1), ElementsAre(3, 4, 5));
   EXPECT_FALSE(copy.SameAs(&source));
 
+  TDataList plain(2);
+  source.SetMaxCount(50);
+  plain.Assign(&source);
+  EXPECT_EQ(plain.Capacity(), 50) << "it can be filled without allocating";
   TDataList other(3);
   other.Assign(&source);
   EXPECT_EQ(other.Count(), 0);
