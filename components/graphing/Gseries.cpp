@@ -141,7 +141,7 @@ void TSeries::Draw(QPainter* painter) {
 void TSeries::UpdateRangeX() {
   if (!DataSource) return;
   TBounds bounds;
-  const bool bar = GetStyle()->IsBar();
+  const bool bar = GetStyle()->GetPointStyle() == TSeriesStyle::psXBar;
   PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
     bounds.Add(point.X);
     if (bar) bounds.Add(point.X - extent.X);

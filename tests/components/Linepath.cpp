@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "components/graphing/Curvepainter.h"
+#include "tests/components/Panelfixture.h"
 
 namespace {
 
@@ -61,14 +62,6 @@ QImage DrawnPlainly(const std::vector<TCoordinate>& points, const TPlotArea& are
       painter.drawLine(area.x.Pixel(a.X), area.y.Pixel(a.Y), area.x.Pixel(b.X), area.y.Pixel(b.Y));
     }
   });
-}
-
-int CountPixels(const QImage& image, QColor color) {
-  int count = 0;
-  for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) count += image.pixelColor(x, y) == color;
-  }
-  return count;
 }
 
 /// Random curves of many kinds, in pixels of a panel.
