@@ -109,6 +109,7 @@ void TCustomGraphSeries::AssignTo(TPersistent* destination) const {
   auto* series = qobject_cast<TCustomGraphSeries*>(destination);
   if (!series || series == this) return;
   series->DataSource = DataSource;
+  series->BlockSource = BlockSource;
   CopyPublished(*this, *series);
 }
 

@@ -77,7 +77,7 @@ class TCustomGraphSeries : public TPersistent {
   virtual bool Drag(QPoint pixel);
   virtual void Release() {}
 
-  /// Copies the published properties and the data source.
+  /// Copies the published properties and the data sources.
   void AssignTo(TPersistent* destination) const override;
   /// Compares the published properties.
   bool SameAs(const TPersistent* other) const override;
@@ -273,6 +273,9 @@ class TSeriesList : public TPersistent {
   /// refused with a reason and leaves the list as it is.
   QString WriteProperties() const;
   [[nodiscard]] bool ReadProperties(const QString& text, QString* error = nullptr);
+  /// Gives the series of the list the properties of those in a text that have the same place and
+  /// class. The series stay, with their sources. A damaged text changes nothing.
+  void RestoreProperties(const QString& text);
 
   /// Gives the destination copies of the owned series in place of its own.
   void AssignTo(TPersistent* destination) const override;

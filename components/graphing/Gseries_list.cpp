@@ -53,14 +53,16 @@ void TSeriesList::AddOwned(std::unique_ptr<TCustomGraphSeries> series) {
 }
 
 void TSeriesList::Borrow(const TSeriesList& owner) {
+  bool added = false;
   for (const TEntry& entry : owner.entries_) {
     if (IndexOf(entry.series) >= 0) continue;
+    added = true;
     // A series shows in one panel: it leaves the one that it is in.
     if (entry.series->panel_) static_cast<void>(entry.series->panel_->RemoveSeries(entry.series));
     entry.series->panel_ = panel_;
     entries_.push_back({entry.series, nullptr});
   }
-  Changed();
+  if (added) Changed();
 }
 
 /// The panel forgets a series that is about to leave the list.
@@ -139,6 +141,17 @@ bool TSeriesList::ReadProperties(const QString& text, QString* error) {
   }
   ReplaceOwned(std::move(read));
   return true;
+}
+
+void TSeriesList::RestoreProperties(const QString& text) {
+  TSeriesList read;
+  if (!read.ReadProperties(text)) return;
+  for (int i = 0; i < std::min(Count(), read.Count()); ++i) {
+    if (Get(i)->metaObject() != read.Get(i)->metaObject()) continue;
+    read.Get(i)->DataSource = Get(i)->DataSource;
+    read.Get(i)->BlockSource = Get(i)->BlockSource;
+    Get(i)->Assign(read.Get(i));
+  }
 }
 
 /// The new series come first, as they do in a form that has not been linked yet.

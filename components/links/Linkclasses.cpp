@@ -1,0 +1,134 @@
+#include "components/links/Linkclasses.h"
+
+#include "components/graphing/Graph.h"
+
+TCustomGraphLink::TCustomGraphLink(QObject* owner)
+    : TPersistent(owner), graph_(owner, &TKorvalGraph::staticMetaObject) {
+  connect(&graph_, &TKorvalCompList::OnItemChanged, this,
+          [this](QObject*, QObject* graph, TListAction action) { GraphChanged(graph, action); });
+  connect(&series_, &TSeriesList::OnChange, this, &TCustomGraphLink::ShowSeries);
+}
+
+TCustomGraphLink::~TCustomGraphLink() {
+  // The series go with their list and leave the panel then; nobody is told that the link changes.
+  blockSignals(true);
+}
+
+TKorvalGraph* TCustomGraphLink::GetGraph() const {
+  return graph_.Empty() ? nullptr : graph_.Get<TKorvalGraph>(0);
+}
+
+void TCustomGraphLink::SetGraph(TKorvalGraph* graph) {
+  if (graph == GetGraph()) return;
+  graph_.Clear();
+  if (graph) graph_.Add(graph);
+}
+
+QString TCustomGraphLink::GetGraphName() const { return graph_.GetNames().value(0); }
+
+void TCustomGraphLink::SetGraphName(const QString& name) {
+  if (name == GetGraphName()) return;
+  graph_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
+}
+
+void TCustomGraphLink::Loaded() { graph_.GetComponentsByNames(); }
+
+void TCustomGraphLink::GraphChanged(QObject* graph, TListAction action) {
+  if (action == laAdded) {
+    Attached();
+    ShowSeries();
+  } else {
+    // Of a graph that is being destroyed the panel is gone already, and its series know it.
+    for (int i = 0; i < series_.Count(); ++i) {
+      TDataPanel* panel = series_.Get(i)->Panel();
+      if (panel) static_cast<void>(panel->RemoveSeries(series_.Get(i)));
+    }
+  }
+  Q_UNUSED(graph)
+  emit OnGraphChanged(this);
+  emit OnChange(this);
+}
+
+void TCustomGraphLink::ShowSeries() {
+  if (TKorvalGraph* graph = GetGraph()) graph->GetDataPanel()->AddSeries(series_);
+}
+
+void TCustomGraphLink::SetUpdateInterval(int interval) {
+  if (interval == updateInterval_ || interval < 1) return;
+  updateInterval_ = interval;
+  updates_ = 0;
+  emit OnChange(this);
+}
+
+void TCustomGraphLink::Update() {
+  if (++updates_ < updateInterval_) return;
+  updates_ = 0;
+  UpdateNow();
+}
+
+void TCustomGraphLink::UpdateNow() {
+  emit OnUpdate(this);
+  Replay();
+}
+
+void TCustomGraphLink::Replay() {
+  if (TKorvalGraph* graph = GetGraph()) graph->Replay();
+}
+
+void TCustomGraphLink::AssignTo(TPersistent* destination) const {
+  auto* link = qobject_cast<TCustomGraphLink*>(destination);
+  if (!link || link == this) return;
+  link->SetGraph(GetGraph());
+  link->SetUpdateInterval(updateInterval_);
+  link->SetSeriesData(GetSeriesData());
+}
+
+bool TCustomGraphLink::SameAs(const TPersistent* other) const {
+  const auto* link = qobject_cast<const TCustomGraphLink*>(other);
+  return link && graph_.SameAs(&link->graph_) && updateInterval_ == link->updateInterval_ &&
+         series_.SameAs(&link->series_);
+}
+
+TSliderLink::TSliderLink(QObject* owner)
+    : TCustomGraphLink(owner), slider_(AddSeries(std::make_unique<TSliderSeries>())) {
+  slider_->SetShowGridX(true);
+  connect(slider_, &TSliderSeries::OnDragged, this, [this] {
+    if (WriteValue) WriteValue(GetSliderPos());
+  });
+}
+
+void TSliderLink::SetSliderAxis(TSliderAxis axis) {
+  if (axis == axis_ || axis < saX || axis > saY) return;
+  axis_ = axis;
+  slider_->SetShowGridX(axis == saX);
+  slider_->SetShowGridY(axis == saY);
+  if (IsAttached()) Attached();
+  emit OnChange(this);
+}
+
+double TSliderLink::GetSliderPos() const {
+  return axis_ == saX ? slider_->GetPositionX() : slider_->GetPositionY();
+}
+
+void TSliderLink::SetSliderPos(double value) {
+  if (axis_ == saX) {
+    slider_->SetPositionX(value);
+  } else {
+    slider_->SetPositionY(value);
+  }
+}
+
+void TSliderLink::Attached() {
+  if (ReadValue) SetSliderPos(ReadValue());
+}
+
+void TSliderLink::AssignTo(TPersistent* destination) const {
+  TCustomGraphLink::AssignTo(destination);
+  auto* link = qobject_cast<TSliderLink*>(destination);
+  if (link && link != this) link->SetSliderAxis(axis_);
+}
+
+bool TSliderLink::SameAs(const TPersistent* other) const {
+  const auto* link = qobject_cast<const TSliderLink*>(other);
+  return link && TCustomGraphLink::SameAs(other) && axis_ == link->axis_;
+}

@@ -1,0 +1,219 @@
+#include "components/links/Linkclasses.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+#include <limits>
+#include <memory>
+
+#include "components/graphing/Graph.h"
+
+namespace {
+
+/// Points of the diagonal; counts how often they are drawn.
+TProvideGraphData Diagonal(int& pulls) {
+  return [&pulls](int& index, TCoordinate& point, TCoordinate&) {
+    if (index == 0) ++pulls;
+    if (index > 10) return false;
+    point = {static_cast<double>(index), static_cast<double>(index)};
+    ++index;
+    return true;
+  };
+}
+
+TEST(GraphLink, RedrawsWithEveryIntervalthUpdateAndFiresItsEventFirst) {
+  TKorvalGraph graph;
+  TGraphLink link;
+  int pulls = 0;
+  link.AddSeries(std::make_unique<TSeries>())->DataSource = Diagonal(pulls);
+  link.SetGraph(&graph);
+  std::vector<int> pullsAtEvent;
+  QObject::connect(&link, &TGraphLink::OnUpdate, [&] { pullsAtEvent.push_back(pulls); });
+  link.SetUpdateInterval(3);
+  link.SetUpdateInterval(0);
+  EXPECT_EQ(link.GetUpdateInterval(), 3);
+
+  pulls = 0;
+  link.Update();
+  link.Update();
+  EXPECT_TRUE(pullsAtEvent.empty());
+  EXPECT_EQ(pulls, 0);
+  link.Update();
+  EXPECT_EQ(pullsAtEvent, std::vector<int>{0});
+  EXPECT_GT(pulls, 0);
+  for (int i = 4; i <= 7; ++i) link.Update();
+  EXPECT_EQ(pullsAtEvent.size(), 2u);
+
+  pulls = 0;
+  link.UpdateNow();
+  EXPECT_EQ(pullsAtEvent.size(), 3u);
+  EXPECT_EQ(pullsAtEvent.back(), 0);
+  EXPECT_GT(pulls, 0);
+  pulls = 0;
+  link.Replay();
+  EXPECT_EQ(pullsAtEvent.size(), 3u);
+  EXPECT_GT(pulls, 0);
+  // 0 to 10 in steps of one unit.
+  EXPECT_EQ(graph.GetHorizontalAx()->WorkingMax(), 10.0);
+}
+
+TEST(GraphLink, FiresItsEventWithoutAGraphToo) {
+  TGraphLink link;
+  QSignalSpy updates(&link, &TGraphLink::OnUpdate);
+  link.Update();
+  link.UpdateNow();
+  EXPECT_EQ(updates.count(), 2);
+}
+
+TEST(GraphLink, MovesItsSeriesFromGraphToGraph) {
+  TKorvalGraph first;
+  TKorvalGraph second;
+  first.GetDataPanel()->AddSeries(std::make_unique<TSeries>());
+  TGraphLink link;
+  QSignalSpy changes(&link, &TGraphLink::OnGraphChanged);
+  auto* series = link.AddSeries(std::make_unique<TSeries>());
+  EXPECT_FALSE(link.IsAttached());
+
+  link.SetGraph(&first);
+  link.SetGraph(&first);
+  EXPECT_TRUE(link.IsAttached());
+  EXPECT_EQ(changes.count(), 1);
+  EXPECT_EQ(series->Panel(), first.GetDataPanel());
+  EXPECT_EQ(first.GetDataPanel()->GetSeriesList().Count(), 2);
+  auto* later = link.AddSeries(std::make_unique<TArraySeries>());
+  EXPECT_EQ(later->Panel(), first.GetDataPanel());
+
+  link.SetGraph(&second);
+  EXPECT_EQ(first.GetDataPanel()->GetSeriesList().Count(), 1);
+  EXPECT_EQ(second.GetDataPanel()->GetSeriesList().Count(), 2);
+  EXPECT_EQ(link.GetGraph(), &second);
+  link.SetGraph(nullptr);
+  EXPECT_EQ(second.GetDataPanel()->GetSeriesList().Count(), 0);
+  EXPECT_EQ(link.GetSeriesList().Count(), 2);
+}
+
+TEST(GraphLink, SurvivesItsGraph) {
+  TGraphLink link;
+  auto* series = link.AddSeries(std::make_unique<TSeries>());
+  auto graph = std::make_unique<TKorvalGraph>();
+  link.SetGraph(graph.get());
+  QSignalSpy changes(&link, &TGraphLink::OnGraphChanged);
+  graph.reset();
+  EXPECT_EQ(link.GetGraph(), nullptr);
+  EXPECT_EQ(changes.count(), 1);
+  EXPECT_EQ(series->Panel(), nullptr);
+  series->GetStyle()->SetLineWeight(2);
+  link.UpdateNow();
+
+  TKorvalGraph other;
+  link.SetGraph(&other);
+  EXPECT_EQ(series->Panel(), other.GetDataPanel());
+}
+
+TEST(GraphLink, TakesItsSeriesAlongWhenItGoesFirst) {
+  TKorvalGraph graph;
+  int pulls = 0;
+  {
+    TGraphLink link;
+    link.AddSeries(std::make_unique<TSeries>())->DataSource = Diagonal(pulls);
+    link.AddSeries(std::make_unique<TSeries>());
+    link.SetGraph(&graph);
+  }
+  EXPECT_EQ(graph.GetDataPanel()->GetSeriesList().Count(), 0);
+  pulls = 0;
+  graph.Replay();
+  graph.Picture();
+  EXPECT_EQ(pulls, 0);
+}
+
+TEST(GraphLink, FindsItsGraphByNameOnceTheFormIsComplete) {
+  QWidget form;
+  QObject* component = new QObject(&form);
+  TGraphLink link(component);
+  link.SetGraphName(QStringLiteral("Spectrum"));
+  link.AddSeries(std::make_unique<TSeries>());
+  auto* graph = new TKorvalGraph(&form);
+  graph->setObjectName(QStringLiteral("Spectrum"));
+  EXPECT_FALSE(link.IsAttached());
+  EXPECT_EQ(link.GetGraphName(), QStringLiteral("Spectrum"));
+  link.Loaded();
+  EXPECT_EQ(link.GetGraph(), graph);
+  EXPECT_EQ(link.GetGraphName(), QStringLiteral("Spectrum"));
+  EXPECT_EQ(graph->GetDataPanel()->GetSeriesList().Count(), 1);
+}
+
+TEST(GraphLink, AFormKeepsTheLookOfTheSeriesAndLeavesTheirSources) {
+  int pulls = 0;
+  TGraphLink link;
+  auto* series = link.AddSeries(std::make_unique<TSeries>());
+  series->GetStyle()->SetLineColor(TColor::Green());
+  const QString text = link.property("SeriesData").toString();
+
+  TGraphLink other;
+  auto* restored = other.AddSeries(std::make_unique<TSeries>());
+  restored->DataSource = Diagonal(pulls);
+  other.setProperty("SeriesData", text.chopped(1));
+  EXPECT_EQ(restored->GetStyle()->GetLineColor(), TColor::Blue());
+  other.setProperty("SeriesData", text);
+  EXPECT_EQ(restored->GetStyle()->GetLineColor(), TColor::Green());
+  EXPECT_EQ(other.GetSeriesList().Get(0), restored);
+  EXPECT_TRUE(restored->DataSource);
+  EXPECT_TRUE(other.SameAs(&link));
+}
+
+TEST(SliderLink, ReadsTheValueWhenAttachedAndFollowsIt) {
+  TKorvalGraph graph;
+  TSliderLink link;
+  link.ReadValue = [] { return 4.5; };
+  int written = 0;
+  link.WriteValue = [&](double) { ++written; };
+  EXPECT_EQ(link.GetSliderPos(), 0.0);
+  link.SetGraph(&graph);
+  EXPECT_EQ(link.GetSliderPos(), 4.5);
+  EXPECT_EQ(link.Slider()->GetPosition(), (TCoordinate{4.5, 0.0}));
+  link.SetSliderPos(6.0);
+  EXPECT_EQ(link.Slider()->GetPositionX(), 6.0);
+  link.SetSliderPos(std::numeric_limits<double>::quiet_NaN());
+  EXPECT_EQ(link.GetSliderPos(), 6.0);
+  link.SetSliderAxis(TSliderLink::saY);
+  EXPECT_EQ(link.Slider()->GetPosition(), (TCoordinate{6.0, 4.5}));
+  EXPECT_EQ(written, 0) << "moving the slider is no news to the value";
+}
+
+TEST(SliderLink, WritesTheValueThatTheUserDragsTo) {
+  TKorvalGraph graph;
+  graph.resize(400, 300);
+  for (TAxis* axis : {graph.GetHorizontalAx(), graph.GetVerticalAx()}) {
+    axis->SetAutoMin(false);
+    axis->SetAutoMax(false);
+    axis->SetMinMax(0.0, 10.0);
+  }
+  TSliderLink link;
+  double value = 5.0;
+  int written = 0;
+  link.ReadValue = [&] { return value; };
+  link.WriteValue = [&](double v) {
+    ++written;
+    value = 2.0 * v;
+    link.SetSliderPos(value);  // the owner shows what became of the value
+  };
+  link.SetGraph(&graph);
+  graph.Replay();
+  const auto pixel = [&](double x) {
+    QPoint point;
+    TCoordinate at{x, 5.0};
+    graph.GetDataPanel()->LocateValue(point, at);
+    return point;
+  };
+  QTest::mousePress(&graph, Qt::LeftButton, {}, pixel(5.0));
+  QTest::mouseMove(&graph, pixel(2.0));
+  EXPECT_EQ(written, 1);
+  EXPECT_NEAR(value, 4.0, 0.05);  // two values of half a pixel
+  EXPECT_EQ(link.GetSliderPos(), value);
+  QTest::mouseRelease(&graph, Qt::LeftButton, {}, pixel(2.0));
+  EXPECT_EQ(written, 1);
+}
+
+}  // namespace
