@@ -11,6 +11,7 @@
 
 #include "components/graphing/Axiseditor.h"
 #include "components/graphing/Plotfont.h"
+#include "components/graphing/Serieseditor.h"
 
 namespace {
 
@@ -65,6 +66,9 @@ TKorvalGraph::TKorvalGraph(QWidget* parent)
   SetUpAxis(*horizontalAx_);
 
   dataPanel_->SetFillColor(TColor::None());
+  dataPanel_->GetSeriesList().Editor = [this](TSeriesList& list) {
+    TSeriesEditor(list, this).exec();
+  };
   connect(dataPanel_.get(), &TDataPanel::OnChange, this, &TKorvalGraph::UpdateGraph);
   connect(dataPanel_.get(), &TDataPanel::OnRepaint, this, &TKorvalGraph::Redraw);
 

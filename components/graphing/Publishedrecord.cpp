@@ -1,32 +1,17 @@
 #include "components/graphing/Publishedrecord.h"
 
 #include <QMetaEnum>
-#include <QMetaProperty>
 #include <climits>
 #include <cmath>
 #include <limits>
 #include <optional>
 
-#include "components/links/Propclasses.h"
 #include "model/Color.h"
 
 namespace {
 
 bool IsColor(const QMetaProperty& property) {
   return property.metaType() == QMetaType::fromType<TColor>();
-}
-
-/// The sub-object behind a property; null for a plain value.
-TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property) {
-  return qobject_cast<TPersistent*>(property.read(&object).value<QObject*>());
-}
-
-template <class Visit>
-void ForEachPublished(const TPersistent& object, Visit visit) {
-  const QMetaObject* meta = object.metaObject();
-  for (int i = QObject::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
-    visit(meta->property(i));
-  }
 }
 
 QJsonValue ToJson(const QMetaProperty& property, const QVariant& value) {
@@ -89,6 +74,10 @@ bool ReadProperty(const QString& name, const QJsonValue& value, TPersistent& obj
 }
 
 }  // namespace
+
+TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property) {
+  return qobject_cast<TPersistent*>(property.read(&object).value<QObject*>());
+}
 
 QJsonObject WritePublished(const TPersistent& object) {
   QJsonObject record;

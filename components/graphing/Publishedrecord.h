@@ -1,12 +1,25 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QMetaProperty>
 #include <QString>
 
-class TPersistent;
+#include "components/links/Propclasses.h"
 
 /// Published properties as a record: one value per name, enumerations by their names, sub-objects
 /// as records of their own. Works on whatever properties the class of the object publishes.
+
+/// Calls `visit` with each published property of the object's class, in the order of publication.
+template <class TVisit>
+void ForEachPublished(const TPersistent& object, TVisit visit) {
+  const QMetaObject* meta = object.metaObject();
+  for (int i = QObject::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
+    visit(meta->property(i));
+  }
+}
+
+/// The sub-object behind a property; null for a plain value.
+TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property);
 
 QJsonObject WritePublished(const TPersistent& object);
 
