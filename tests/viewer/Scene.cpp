@@ -229,6 +229,29 @@ TEST_F(TSceneTest, BarsInsideTheirNodesAreLeftOut) {
   }
 }
 
+TEST_F(TSceneTest, CapsAreLeftOutOnlyWhereNodesHideThem) {
+  // A cube of edge 1 hides a ball of radius 0.5, a sphere one of radius 1.
+  const struct {
+    TNodeShape shape;
+    double radius;
+    bool own, cap;
+  } cases[] = {{TNodeShape::Sphere, 0.99, true, false},  {TNodeShape::Sphere, 1.01, true, true},
+               {TNodeShape::Cube, 0.49, true, false},    {TNodeShape::Cube, 0.51, true, true},
+               {TNodeShape::Sphere, 0.99, false, false}, {TNodeShape::Cube, 0.51, false, true}};
+  TElement* bar = Join(TElement::kBar, {{0, 0, -4}, {0, 0, 4}});
+  model.Nodes.ShowNodes = true;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.radius << ' ' << c.own);
+    model.Nodes.NodeShape = c.shape;
+    bar->Radius = c.own ? c.radius : 0.0;
+    model.Nodes.ElementRadius = c.radius;
+    Build({0.6, 0.0, 0.8});
+    bool cap = false;
+    for (const TMeshVertex& vertex : scene.Cylinders().vertices) cap |= vertex.normal.z == 127;
+    EXPECT_EQ(cap, c.cap);
+  }
+}
+
 TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
   model.Nodes.EdgeColor = TColor::Yellow();
   Join(TElement::kFace, {{0, 0, 1}, {2, 0, 1}, {2, 2, 1}, {0, 2, 1}})->Color = TColor::Blue();
