@@ -139,6 +139,7 @@ TEST_F(GlPictures, LightStandsInsideALargeModel) {
     element->Radius *= 10.0;
     element->RollParam1 *= 10.0;
   }
+  list_.NodesChanged();
   list_.DrawScale *= 10.0;
   list_.NodeRadius *= 10.0;
   list_.ElementRadius *= 10.0;
