@@ -266,6 +266,56 @@ TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
   EXPECT_EQ(scene.Outlines()[7].color, TRgba(TColor::Yellow()));
 }
 
+double Area(const TMesh& mesh) {
+  double area = 0.0;
+  for (std::size_t i = 0; i < mesh.indices.size(); i += 3) {
+    const TPoint a = mesh.vertices[mesh.indices[i]].position;
+    const TPoint n = Cross(mesh.vertices[mesh.indices[i + 1]].position - a,
+                           mesh.vertices[mesh.indices[i + 2]].position - a);
+    EXPECT_GE(n.z, 0.0f);  // all on one side
+    area += 0.5 * n.z;
+  }
+  return area;
+}
+
+TEST_F(TSceneTest, FacesWithDentsAreFilledWithinTheirOutline) {
+  const struct {
+    std::vector<TVertex> corners;
+    double area;
+  } cases[] = {
+      {{{0, 0, 0}, {4, 0, 0}, {4, 1, 0}, {1, 1, 0}, {1, 4, 0}, {0, 4, 0}}, 7.0},  // an L
+      {{{1, 1, 0}, {0, 4, 0}, {0, 0, 0}, {4, 0, 0}}, 4.0},                        // an arrow
+      {{{0, 0, 0}, {5, 0, 0}, {5, 3, 0}, {4, 3, 0}, {4, 1, 0}, {1, 1, 0}, {1, 3, 0}, {0, 3, 0}},
+       9.0},                                                           // a U
+      {{{0, 0, 0}, {2, 0, 0}, {4, 0, 0}, {4, 2, 0}, {0, 2, 0}}, 8.0},  // a corner on an edge
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.corners.size());
+    // From every first corner, since the fill must not depend on it.
+    for (std::size_t turn = 0; turn < c.corners.size(); ++turn) {
+      model.Clear();
+      TElement* face =
+          model.Elements.Emplace(TElement::kFace, static_cast<std::int32_t>(c.corners.size()));
+      for (std::size_t i = 0; i < c.corners.size(); ++i) {
+        model.Nodes.Emplace(1, c.corners[(i + turn) % c.corners.size()]);
+        face->Nodes()[i] = static_cast<std::int32_t>(i);
+      }
+      Build();
+      EXPECT_NEAR(Area(scene.Faces()), c.area, 1e-5);
+      EXPECT_EQ(scene.Faces().indices.size(), 3 * (c.corners.size() - 2));
+    }
+  }
+}
+
+TEST_F(TSceneTest, FacesThatCrossThemselvesOrHaveNoAreaDoNoHarm) {
+  Join(TElement::kFace, {{0, 0, 0}, {4, 0, 0}, {1, 3, 0}, {4, 4, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 0, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
+  Build();
+  EXPECT_EQ(scene.Faces().indices.size(), 6u);
+  EXPECT_EQ(scene.Outlines().size(), 2u * (4 + 4 + 3));
+}
+
 TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {
   Join(4, {{1, 2, 3}, {0, 0, 0}});
   Join(200, {{4, 5, 6}})->Radius = 2.0;
