@@ -11,9 +11,10 @@ program=$here/build/release/velmora-animator
 if [ $# -gt 0 ]; then
   exec "$program" "$@"
 fi
-example=("$here/examples/bridge.mod" "$here/examples/bridge.dat")
+example=("$here/examples/bridge.mod" "$here/examples/bridge.dat"
+         --settings "$here/examples/bridge.ini")
 if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
-  exec "$program" "${example[@]}" --animate
+  exec "$program" "${example[@]}"
 fi
 pictures=$here/build/pictures
 mkdir -p "$pictures"

@@ -1,5 +1,67 @@
 #!/usr/bin/env bash
-# Makes the pictures of the documentation again with the built program. Needs ImageMagick to put
-# them together, and a display (or Xvfb and xdotool) for the picture of the window.
+# Makes the pictures of the documentation again, with the built program. Besides what the program
+# needs it takes ImageMagick to put frames together and xdotool to find the window.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/display.sh
+use_display
+
+program=build/release/velmora-animator
+pictures=docs/pictures
+frames=$(mktemp -d)
+mkdir -p "$pictures"
+
+# settings NAME CHECKED ZOOM [LINE...]: a settings file for one picture.
+settings() {
+  local name=$1 checked=$2 zoom=$3
+  shift 3
+  printf '%s\n' "[General]" "ScaleZ=$zoom" "CanSave=0" "$@" "[Windows]" \
+    "CheckedLabels=$checked" "LabelsVisible=1" >"$frames/$name.ini"
+}
+
+# render NAME EXAMPLE SIZE COUNT TYPE: COUNT frames with the settings of that name.
+render() {
+  "$program" "examples/$2.mod" "examples/$2.dat" --settings "$frames/$1.ini" \
+    --render "$frames/$1.png" --size "$3" --frames "$4" --scale-type "$5"
+}
+
+moving() {
+  settings plate 000100 0.86 RotX=28 RotY=-40
+  settings bridge 000001 0.74 RotX=14 RotY=-32
+  settings rolls 0010 0.82 RotX=18 RotY=-35
+  local n
+  for n in plate bridge rolls; do render "$n" "$n" 400x290 10 relative; done
+  for n in $(seq -f %03g 10); do
+    convert "$frames"/{plate,bridge,rolls}-"$n".png +append +repage "$frames/moving-$n.png"
+  done
+  convert -delay 9 -loop 0 "$frames"/moving-*.png +dither -colors 128 -layers optimize \
+    "$pictures/moving.gif"
+}
+
+scale_types() {
+  settings absolute 00001 0.72
+  settings relative 00001 0.72
+  settings sum 111111 0.72
+  local type
+  for type in absolute relative sum; do render $type plate 480x280 3 $type; done
+  convert "$frames"/{absolute,relative,sum}-001.png +append +repage +dither -colors 128 \
+    "$pictures/scale-types.png"
+}
+
+window() {
+  settings window 000001 0.75 ScaleType=1
+  printf '%s\n' Left=0 Top=0 Width=1100 Height=720 LabelsLeft=880 LabelsTop=140 \
+    LabelsWidth=180 LabelsHeight=190 >>"$frames/window.ini"
+  "$program" examples/bridge.mod examples/bridge.dat --settings "$frames/window.ini" &
+  local process=$!
+  xdotool search --sync --onlyvisible --pid $process --name Legend >/dev/null
+  sleep 2 # until all of it is painted
+  import -window root -crop 1100x720+0+0 +repage +dither -colors 255 "$pictures/window.png"
+  kill $process
+}
+
+moving
+scale_types
+window
+rm -r "$frames"
+ls -l "$pictures"

@@ -123,12 +123,10 @@ bool InModelOrder(const TNodeList& nodes, const TNodeList& model) {
 
 void AlignNodes(TNodeList& nodes, const TNodeList& model, const TNodeIndex& index) {
   while (nodes.Count() < model.Count()) nodes.Emplace(-1, TVertex{});
-  if (!InModelOrder(nodes, model)) TAligner(nodes, model, index).Align();
+  const bool inOrder = InModelOrder(nodes, model);
+  if (!inOrder) TAligner(nodes, model, index).Align();
   while (nodes.Count() > model.Count()) nodes.DeleteObject(nodes.Count() - 1);
-
-  const auto before = [](const TNode* a, const TNode* b) { return CompareNodesID(a, b) < 0; };
-  TNodeList::TRecords& records = nodes.Records();
-  if (!std::is_sorted(records.begin(), records.end(), before)) {
-    std::stable_sort(records.begin(), records.end(), before);
-  }
+  if (inOrder && index.Ascending()) return;
+  std::stable_sort(nodes.Records().begin(), nodes.Records().end(),
+                   [](const TNode* a, const TNode* b) { return CompareNodesID(a, b) < 0; });
 }

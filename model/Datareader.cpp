@@ -1,6 +1,7 @@
 #include "model/Datareader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "model/Alignment.h"
@@ -42,9 +43,9 @@ void NoteUnknown(TReading& reading, const TNodeRecord& record) {
 }
 
 double LargestAmplitude(const TNodeList& nodes) {
-  double largest = 0.0;
-  for (const TNode* node : nodes) largest = std::max(largest, Length(node->Position));
-  return largest;
+  double square = 0.0;
+  for (const TNode* node : nodes) square = std::max(square, SquaredLength(node->Position));
+  return std::sqrt(square);
 }
 
 }  // namespace

@@ -23,10 +23,10 @@ struct TLargeAllocator {
   TLargeAllocator(const TLargeAllocator<U>&) {}
 
   T* allocate(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_alloc();
-    return static_cast<T*>(AllocateLarge(count * sizeof(T)));
+    if (count > std::numeric_limits<std::size_t>::max() / kEach) throw std::bad_alloc();
+    return static_cast<T*>(AllocateLarge(count * kEach));
   }
-  void deallocate(T* memory, std::size_t count) noexcept { FreeLarge(memory, count * sizeof(T)); }
+  void deallocate(T* memory, std::size_t count) noexcept { FreeLarge(memory, count * kEach); }
 
   template <class U>
   void construct(U* place) {
@@ -38,4 +38,8 @@ struct TLargeAllocator {
   }
 
   friend bool operator==(const TLargeAllocator&, const TLargeAllocator&) { return true; }
+
+ private:
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are elements like others
+  static constexpr std::size_t kEach = sizeof(T);
 };

@@ -53,7 +53,7 @@ class TExtent {
   void Add(const TVertex& p) {
     low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y), std::min(low_.z, p.z)};
     high_ = {std::max(high_.x, p.x), std::max(high_.y, p.y), std::max(high_.z, p.z)};
-    square_ = std::max(square_, p.x * p.x + p.y * p.y + p.z * p.z);
+    square_ = std::max(square_, SquaredLength(p));
   }
   TVertex Centre() const { return (low_ + high_) / 2.0; }
   /// Largest distance of a point from the origin.

@@ -64,10 +64,6 @@ bool TReading::Search(std::string_view text) {
   });
 }
 
-bool TNodeRecord::IsUsable() const {
-  return std::all_of(Values.begin(), Values.end(), [](double v) { return ::IsUsable(v); });
-}
-
 bool ReadNodeRecord(TReading& reading, int valueCount, TNodeRecord& record) {
   bool outOfRange = false;
   const int count = ReadNumbers(reading.Scanner, valueCount, record, &outOfRange);

@@ -39,7 +39,11 @@ struct TNodeRecord {
   std::int32_t ID = 0;
   std::array<double, 6> Values = {};  ///< x, y, z, then the angles, 0 where there are none
 
-  bool IsUsable() const;
+  bool IsUsable() const {
+    bool usable = true;
+    for (const double value : Values) usable &= ::IsUsable(value);
+    return usable;
+  }
 };
 
 /// Reads the records that follow up to the first that is not whole and hands each to `take`. A

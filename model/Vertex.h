@@ -31,8 +31,11 @@ struct TVertex {
   }
 };
 
+/// Square of Length; the largest of many lengths is the root of the largest square.
+constexpr double SquaredLength(const TVertex& v) { return v.x * v.x + v.y * v.y + v.z * v.z; }
+
 /// Euclidean distance of a vertex from the origin.
-inline double Length(const TVertex& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+inline double Length(const TVertex& v) { return std::sqrt(SquaredLength(v)); }
 
 /// Euclidean distance between two vertices.
 inline double Length(const TVertex& a, const TVertex& b) { return Length(b - a); }

@@ -26,24 +26,40 @@ QByteArrayView KeyName(QByteArrayView line) {
   return line.first(equals).trimmed();
 }
 
+/// Puts `value` into a "key=value" line in place of the old one.
+void ReplaceValue(QByteArray& line, const QByteArray& value) {
+  const auto isBlank = [&](qsizetype i) {
+    return QByteArrayView(line).sliced(i, 1).trimmed().isEmpty();
+  };
+  qsizetype begin = line.indexOf('=') + 1;
+  qsizetype end = line.size();
+  while (end > begin && isBlank(end - 1)) --end;
+  while (begin < end && isBlank(begin)) ++begin;
+  line.replace(begin, end - begin, value);
+}
+
 #ifdef Q_OS_WIN
 constexpr char kSystemLineEnd[] = "\r\n";
 #else
 constexpr char kSystemLineEnd[] = "\n";
 #endif
 
+/// How the first line ends decides for those that are added.
+QByteArray LineEndOf(const QByteArray& text) {
+  const qsizetype end = text.indexOf('\n');
+  if (end < 0) return text.endsWith('\r') ? "\r\n" : kSystemLineEnd;
+  return end > 0 && text[end - 1] == '\r' ? "\r\n" : "\n";
+}
+
 }  // namespace
 
 TIniFile::TIniFile(const QByteArray& text) {
   qsizetype begin = 0;
   if (text.startsWith(kByteOrderMark)) {
-    lines_ << kByteOrderMark;
-    begin = lines_.front().size();
+    mark_ = kByteOrderMark;
+    begin = mark_.size();
   }
-  const qsizetype firstEnd = text.indexOf('\n');
-  lineEnd_ = firstEnd < 0                                 ? kSystemLineEnd
-             : firstEnd > 0 && text[firstEnd - 1] == '\r' ? "\r\n"
-                                                          : "\n";
+  lineEnd_ = LineEndOf(text);
   while (begin < text.size()) {
     const qsizetype end = text.indexOf('\n', begin);
     const qsizetype next = end < 0 ? text.size() : end + 1;
@@ -84,10 +100,7 @@ void TIniFile::SetValue(QByteArrayView section, QByteArrayView key, const QByteA
   if (!HasSection(section)) AddSection(section);
   const qsizetype header = SectionLine(section);
   const qsizetype line = KeyLine(header, key);
-  if (line >= 0) {
-    lines_[line] = lines_[line].first(lines_[line].indexOf('=') + 1) + value + lineEnd_;
-    return;
-  }
+  if (line >= 0) return ReplaceValue(lines_[line], value);
   qsizetype place = SectionEnd(header);
   if (place == lines_.size()) CloseLastLine();
   while (lines_[place - 1].trimmed().isEmpty()) --place;
@@ -96,13 +109,13 @@ void TIniFile::SetValue(QByteArrayView section, QByteArrayView key, const QByteA
 
 void TIniFile::AddSection(QByteArrayView section) {
   CloseLastLine();
-  if (!lines_.isEmpty() && !lines_.back().trimmed().isEmpty() && lines_.back() != kByteOrderMark) {
+  if (!lines_.isEmpty() && !lines_.back().trimmed().isEmpty()) {
     lines_ << lineEnd_;
   }
   lines_ << '[' + section.toByteArray() + ']' + lineEnd_;
 }
 
 void TIniFile::CloseLastLine() {
-  if (lines_.isEmpty() || lines_.back().endsWith('\n') || lines_.back() == kByteOrderMark) return;
-  lines_.back() += lineEnd_;
+  if (lines_.isEmpty() || lines_.back().endsWith('\n')) return;
+  lines_.back() += lines_.back().endsWith('\r') ? QByteArray("\n") : lineEnd_;
 }

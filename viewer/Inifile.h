@@ -21,7 +21,7 @@ class TIniFile {
   /// the file. `value` is one line.
   void SetValue(QByteArrayView section, QByteArrayView key, const QByteArray& value);
 
-  QByteArray Text() const { return lines_.join(); }
+  QByteArray Text() const { return mark_ + lines_.join(); }
 
  private:
   qsizetype SectionLine(QByteArrayView section) const;            ///< of the header, or -1
@@ -30,6 +30,7 @@ class TIniFile {
   void AddSection(QByteArrayView section);
   void CloseLastLine();
 
-  QByteArrayList lines_;  ///< each with its line end; a byte order mark is a line of its own
+  QByteArray mark_;       ///< the byte order mark, if the text begins with one
+  QByteArrayList lines_;  ///< each with its line end
   QByteArray lineEnd_;
 };

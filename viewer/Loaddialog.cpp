@@ -39,6 +39,7 @@ void TLoadDialog::Open() {
   dialog_->setWindowTitle(QStringLiteral("Velmora Animator"));
   dialog_->setWindowModality(Qt::ApplicationModal);
   dialog_->setMinimumDuration(0);
+  dialog_->setMinimumWidth(360);
   dialog_->setAutoReset(false);
   dialog_->setAutoClose(false);
   dialog_->show();

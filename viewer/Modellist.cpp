@@ -37,6 +37,7 @@ TModelListWnd::TModelListWnd(QWidget* parent)
   setWindowTitle(QStringLiteral("Legend"));
   setMinimumSize(kMinSize, kMinSize);
   resize(kFirstSize);
+  setAttribute(Qt::WA_ShowWithoutActivating);  // the keys stay with the main window
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(labels_);

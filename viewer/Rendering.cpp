@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr int kSmoothing = 2;
+
 QString NumberedName(const QString& fileName, int number, int digits) {
   const QFileInfo file(fileName);
   return file.path() + '/' + file.completeBaseName() +
@@ -30,7 +32,7 @@ class TRendering {
 
  private:
   bool Check(const TLoadReport& report, const QString& fileName);
-  bool DrawFrame(TOffscreenGl& gl, const QString& fileName, QSize size);
+  bool DrawFrame(TOffscreenGl& gl, const QString& fileName);
 
   TSettings settings_;
   TAppearance appearance_;
@@ -77,7 +79,7 @@ bool TRendering::Load() {
 
 bool TRendering::Draw(const QString& fileName, int frames, QSize size) {
   TOffscreenGl gl;
-  if (!gl.Create(size)) {
+  if (!gl.Create(size, kSmoothing)) {
     ShowMessage(QStringLiteral("Cannot draw: %1.").arg(gl.Error()));
     return false;
   }
@@ -88,17 +90,18 @@ bool TRendering::Draw(const QString& fileName, int frames, QSize size) {
   const int digits = std::max(3, static_cast<int>(QString::number(frames).size()));
   for (int frame = 1; frame <= frames; ++frame) {
     const QString name = frames == 1 ? fileName : NumberedName(fileName, frame, digits);
-    if (!DrawFrame(gl, name, size)) return false;
+    if (!DrawFrame(gl, name)) return false;
     animation_.Step(data_, model_);
   }
   return true;
 }
 
-bool TRendering::DrawFrame(TOffscreenGl& gl, const QString& fileName, QSize size) {
+bool TRendering::DrawFrame(TOffscreenGl& gl, const QString& fileName) {
   const bool showModel = data_.All.Empty();  // as the window does while no data are loaded
   const QImage image = gl.Render([&] {
-    BeginPicture(view_, size, appearance_.BackColor.ToQColor());
-    picture_.Paint(view_, size, 1.0, model_, data_, animation_.ScaleType, showModel);
+    BeginPicture(view_, gl.DrawnSize(), appearance_.BackColor.ToQColor());
+    picture_.Paint(view_, gl.DrawnSize(), gl.Smoothing(), model_, data_, animation_.ScaleType,
+                   showModel);
     EndPicture();
   });
   const QString fault = image.isNull() ? QStringLiteral("Cannot draw: OpenGL was lost.")

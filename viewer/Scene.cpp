@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "viewer/Polygon.h"
+
 namespace {
 
 constexpr int kOwnRadiusSlices = 20;
@@ -144,9 +146,7 @@ void TScene::AddRoll(const TElement& element, const TStyle& style) {
   }
 }
 
-void TScene::AddFace(const TElement& element, const TStyle& style) {
-  const auto nodes = element.Nodes();
-  // Newell's method, from the first corner: the mean normal also of a face that is not flat.
+std::optional<TPoint> TScene::FaceNormal(std::span<const std::int32_t> nodes) const {
   double x = 0.0, y = 0.0, z = 0.0;
   const TPoint origin = At(nodes[0]);
   TPoint last = At(nodes.back()) - origin;
@@ -158,15 +158,20 @@ void TScene::AddFace(const TElement& element, const TStyle& style) {
     last = p;
   }
   const double length = std::sqrt(x * x + y * y + z * z);
-  if (length > 0.0) {
-    const TNormal normal(TPoint{static_cast<float>(x / length), static_cast<float>(y / length),
-                                static_cast<float>(z / length)});
+  if (length == 0.0) return std::nullopt;
+  return TPoint{static_cast<float>(x / length), static_cast<float>(y / length),
+                static_cast<float>(z / length)};
+}
+
+void TScene::AddFace(const TElement& element, const TStyle& style) {
+  const auto nodes = element.Nodes();
+  if (const auto normal = FaceNormal(nodes)) {
     const TRgba color = style.ColorOf(element);
     const auto first = static_cast<std::uint32_t>(faces_.vertices.size());
-    for (const std::int32_t node : nodes) faces_.vertices.push_back({At(node), normal, color});
-    for (std::uint32_t i = 2; i < nodes.size(); ++i) {
-      faces_.indices.insert(faces_.indices.end(), {first, first + i - 1, first + i});
+    for (const std::int32_t node : nodes) {
+      faces_.vertices.push_back({At(node), TNormal(*normal), color});
     }
+    FillPolygon(faces_, first, *normal);
   }
   const TRgba edge(style.edgeColor);
   for (std::size_t i = 0; i < nodes.size(); ++i) {

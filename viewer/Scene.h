@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "model/Animation.h"
@@ -54,6 +56,10 @@ class TScene {
   void AddFace(const TElement& element, const TStyle& style);
   void AddPoint(const TElement& element, const TStyle& style);
   void AddNodes(const TDataNodeList& list);
+
+  /// Mean unit normal by Newell's method, good for faces that are not flat too; none for a face
+  /// without area.
+  std::optional<TPoint> FaceNormal(std::span<const std::int32_t> nodes) const;
 
   /// Whether the list being added has this node and it can be drawn.
   bool CanDraw(std::int32_t node) const;

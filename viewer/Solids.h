@@ -28,6 +28,10 @@ struct TPoint {
 
 constexpr float Dot(const TPoint& a, const TPoint& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
+constexpr TPoint Cross(const TPoint& a, const TPoint& b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
 /// Red, green, blue and an opaque alpha, one byte each.
 struct TRgba {
   TRgba() = default;

@@ -8,7 +8,7 @@ TAppearance AppearanceOf(const TSettings& settings) {
 }
 
 void ApplyAppearance(const TAppearance& appearance, TModel& model, TMeasuredData& data) {
-  model.Nodes.SetVisible(true);
+  model.Nodes.ShowNodes = model.Nodes.ShowElements = true;
   for (TDataNodeList* list : {&model.Nodes, &model.Display}) {
     list->ElementColor = appearance.ElementColor;
     list->NodeColor = appearance.NodeColor;

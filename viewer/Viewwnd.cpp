@@ -87,6 +87,9 @@ TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings)
 
 TViewWnd::~TViewWnd() {
   if (form_.CanSaveMenu->isChecked()) SaveSettings(settingsFile_, CurrentSettings());
+  // They go with the base class, when there is nothing left here to draw or to scale.
+  form_.P->disconnect(this);
+  legend_->disconnect(this);
 }
 
 void TViewWnd::ConnectMenus() {

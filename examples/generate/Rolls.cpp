@@ -144,7 +144,7 @@ void AddFrameElements(TStructure& s, std::size_t side) {
 /// Ties the two sides of the frame together at both ends of the machine.
 void AddTies(TStructure& s) {
   for (const int column : {-4, 4}) {
-    for (const std::size_t level : {0u, 2u, 4u}) {
+    for (const std::size_t level : {0u, 2u, 3u}) {
       s.AddBar(FrameNode(0, level, column), FrameNode(1, level, column), kTie);
     }
   }

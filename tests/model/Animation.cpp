@@ -141,6 +141,9 @@ TEST(ScaleComplexNode, MovesALinkedNodeAboutItsPlace) {
   EXPECT_DOUBLE_EQ(p.z, 24);
 }
 
+/// A number as files hold it, whatever the user's locale is.
+std::string Text(double value) { return QByteArray::number(value).toStdString(); }
+
 TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
   std::string nodes = "[Nodes]\n", records = "[F = 3]\n";
   std::mt19937 random(5);
@@ -148,9 +151,8 @@ TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
   for (int i = 0; i < 100; ++i) {
     nodes += std::to_string(i);
     records += std::to_string(i);
-    for (int k = 0; k < 3; ++k) nodes += ' ' + std::to_string(any(random));
-    for (int k = 0; k < 6; ++k)
-      records += ' ' + std::to_string(i % 10 == 0 && k > 2 ? 0 : any(random));
+    for (int k = 0; k < 3; ++k) nodes += ' ' + Text(any(random));
+    for (int k = 0; k < 6; ++k) records += ' ' + Text(i % 10 == 0 && k > 2 ? 0 : any(random));
     nodes += '\n';
     records += i % 7 ? "\n" : " \n";
   }

@@ -168,15 +168,15 @@ TEST(ExamplesDocument, WorkedExampleLoadsAsItSays) {
   EXPECT_TRUE(data.LoadFromMemory(Fence(document, "data").toStdString(), model).Ok());
 
   EXPECT_EQ(model.Nodes.Count(), 9u);
-  EXPECT_EQ(model.Nodes.NodeRadius, 20.0);
-  EXPECT_EQ(model.Nodes.ElementRadius, 12.0);
+  EXPECT_EQ(model.Nodes.NodeRadius, 0.02);
+  EXPECT_EQ(model.Nodes.ElementRadius, 0.012);
   ASSERT_EQ(model.Elements.Count(), 6u);
   EXPECT_EQ(model.Elements.Get(0)->Color.ToQColor(), QColor(128, 128, 128));
   EXPECT_TRUE(model.Elements.Get(2)->Color.IsInherited());
   const TElement& drum = *model.Elements.Get(4);
   EXPECT_EQ(drum.Type, TElement::kRoll);
-  EXPECT_EQ(drum.Radius, 90.0);
-  EXPECT_EQ(drum.RollParam1, 30.0);
+  EXPECT_EQ(drum.Radius, 0.09);
+  EXPECT_EQ(drum.RollParam1, 0.03);
   EXPECT_EQ(drum.RollParam2, 0.2);
   EXPECT_EQ(model.Elements.Get(5)->Color.ToQColor(), QColor(255, 0, 0));
 
@@ -203,10 +203,10 @@ TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
       {"mast.mod", "]\n6\n", "]\n5\n",
        "mast.mod, line 23: there are more element records than the 5 announced; the rest was "
        "dropped."},
-      {"mast.mod", " 9      0   1400   -300\n", "# drive side\n 9      0   1400   -300\n",
+      {"mast.mod", " 9   0    1.4", "# drive side\n 9   0    1.4",
        "mast.mod, line 14: text that is no number ends the nodes; the records behind it were "
        "dropped, and 1 more fault followed."},
-      {"mast.mod", " 1   -600", " 5   -600",
+      {"mast.mod", " 1  -0.6", " 5  -0.6",
        "mast.dat: the model's nodes are not in ascending order of their numbers, so shapes may be "
        "wrong"},
       {"mast.dat", "0.35", "0,35",

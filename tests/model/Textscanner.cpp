@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <locale.h>
+
 #include <bit>
 #include <cstdio>
 #include <random>
@@ -85,8 +87,11 @@ TEST(TTextScanner, ReadsRealsAsFormattedInputDoes) {
 #ifdef __GLIBC__
 /// What "%lf" makes of a text: whether it reads, the bits of the value, the characters it takes.
 bool ScanWithLibrary(std::string& text, double& value, long& position) {
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  const locale_t users = uselocale(plain);
   std::FILE* file = fmemopen(text.data(), text.size(), "r");
   const bool read = std::fscanf(file, "%lf", &value) == 1;
+  uselocale(users);
   position = std::ftell(file);
   std::fclose(file);
   return read;

@@ -134,10 +134,12 @@ TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
 TEST_F(GlPictures, LightStandsInsideALargeModel) {
   MakeMixedModel(model_, list_);
   for (TNode* node : model_.Nodes) node->Position = 10.0 * node->Position;
+  list_.NodesChanged();
   for (TElement* element : model_.Elements) {
     element->Radius *= 10.0;
     element->RollParam1 *= 10.0;
   }
+  list_.NodesChanged();
   list_.DrawScale *= 10.0;
   list_.NodeRadius *= 10.0;
   list_.ElementRadius *= 10.0;

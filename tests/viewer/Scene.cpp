@@ -229,6 +229,29 @@ TEST_F(TSceneTest, BarsInsideTheirNodesAreLeftOut) {
   }
 }
 
+TEST_F(TSceneTest, CapsAreLeftOutOnlyWhereNodesHideThem) {
+  // A cube of edge 1 hides a ball of radius 0.5, a sphere one of radius 1.
+  const struct {
+    TNodeShape shape;
+    double radius;
+    bool own, cap;
+  } cases[] = {{TNodeShape::Sphere, 0.99, true, false},  {TNodeShape::Sphere, 1.01, true, true},
+               {TNodeShape::Cube, 0.49, true, false},    {TNodeShape::Cube, 0.51, true, true},
+               {TNodeShape::Sphere, 0.99, false, false}, {TNodeShape::Cube, 0.51, false, true}};
+  TElement* bar = Join(TElement::kBar, {{0, 0, -4}, {0, 0, 4}});
+  model.Nodes.ShowNodes = true;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.radius << ' ' << c.own);
+    model.Nodes.NodeShape = c.shape;
+    bar->Radius = c.own ? c.radius : 0.0;
+    model.Nodes.ElementRadius = c.radius;
+    Build({0.6, 0.0, 0.8});
+    bool cap = false;
+    for (const TMeshVertex& vertex : scene.Cylinders().vertices) cap |= vertex.normal.z == 127;
+    EXPECT_EQ(cap, c.cap);
+  }
+}
+
 TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
   model.Nodes.EdgeColor = TColor::Yellow();
   Join(TElement::kFace, {{0, 0, 1}, {2, 0, 1}, {2, 2, 1}, {0, 2, 1}})->Color = TColor::Blue();
@@ -241,6 +264,56 @@ TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
   EXPECT_TRUE(Near(scene.Outlines()[6].position, {0, 2, 1}));
   EXPECT_TRUE(Near(scene.Outlines()[7].position, {0, 0, 1}));  // closed
   EXPECT_EQ(scene.Outlines()[7].color, TRgba(TColor::Yellow()));
+}
+
+double Area(const TMesh& mesh) {
+  double area = 0.0;
+  for (std::size_t i = 0; i < mesh.indices.size(); i += 3) {
+    const TPoint a = mesh.vertices[mesh.indices[i]].position;
+    const TPoint n = Cross(mesh.vertices[mesh.indices[i + 1]].position - a,
+                           mesh.vertices[mesh.indices[i + 2]].position - a);
+    EXPECT_GE(n.z, 0.0f);  // all on one side
+    area += 0.5 * n.z;
+  }
+  return area;
+}
+
+TEST_F(TSceneTest, FacesWithDentsAreFilledWithinTheirOutline) {
+  const struct {
+    std::vector<TVertex> corners;
+    double area;
+  } cases[] = {
+      {{{0, 0, 0}, {4, 0, 0}, {4, 1, 0}, {1, 1, 0}, {1, 4, 0}, {0, 4, 0}}, 7.0},  // an L
+      {{{1, 1, 0}, {0, 4, 0}, {0, 0, 0}, {4, 0, 0}}, 4.0},                        // an arrow
+      {{{0, 0, 0}, {5, 0, 0}, {5, 3, 0}, {4, 3, 0}, {4, 1, 0}, {1, 1, 0}, {1, 3, 0}, {0, 3, 0}},
+       9.0},                                                           // a U
+      {{{0, 0, 0}, {2, 0, 0}, {4, 0, 0}, {4, 2, 0}, {0, 2, 0}}, 8.0},  // a corner on an edge
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.corners.size());
+    // From every first corner, since the fill must not depend on it.
+    for (std::size_t turn = 0; turn < c.corners.size(); ++turn) {
+      model.Clear();
+      TElement* face =
+          model.Elements.Emplace(TElement::kFace, static_cast<std::int32_t>(c.corners.size()));
+      for (std::size_t i = 0; i < c.corners.size(); ++i) {
+        model.Nodes.Emplace(1, c.corners[(i + turn) % c.corners.size()]);
+        face->Nodes()[i] = static_cast<std::int32_t>(i);
+      }
+      Build();
+      EXPECT_NEAR(Area(scene.Faces()), c.area, 1e-5);
+      EXPECT_EQ(scene.Faces().indices.size(), 3 * (c.corners.size() - 2));
+    }
+  }
+}
+
+TEST_F(TSceneTest, FacesThatCrossThemselvesOrHaveNoAreaDoNoHarm) {
+  Join(TElement::kFace, {{0, 0, 0}, {4, 0, 0}, {1, 3, 0}, {4, 4, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 0, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
+  Build();
+  EXPECT_EQ(scene.Faces().indices.size(), 6u);
+  EXPECT_EQ(scene.Outlines().size(), 2u * (4 + 4 + 3));
 }
 
 TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {

@@ -114,7 +114,8 @@ TEST(Settings, KeepsEverythingElseInTheFile) {
   ini.SetValue("New", "z", "2");
   EXPECT_EQ(
       ini.Text(),
-      "\xef\xbb\xbf; mine\r\n\r\n[windows] ; big screen\r\n; about Left\r\n  left =42\r\nTop=1\r\n"
+      "\xef\xbb\xbf; mine\r\n\r\n[windows] ; big screen\r\n; about Left\r\n  left =  "
+      "42\r\nTop=1\r\n"
       "no key at all\r\nHeight=3\r\n[Mine]\r\nLeft=99\r\nx=\"quoted\"\r\n; tail\r\ny=1\r\n\r\n\r\n"
       "[Windows]\r\nLeft=5\r\n; end\r\n\r\n[New]\r\nz=2\r\n");
 }
@@ -151,7 +152,7 @@ TEST(Settings, TheOldPlaceOfTwoColorsIsReadAndTheNewOneWins) {
   EXPECT_EQ(ParseSettings(old + "[Colors]\nBackColor=7\n").BackColor.Value(), 7);
   EXPECT_EQ(ParseSettings(old + "[Colors]\nBackColor=7\n").ElementColor.Value(), 6);
   const QByteArray updated = UpdateSettings(old, TSettings());
-  EXPECT_TRUE(updated.startsWith(old.chopped(0))) << updated.toStdString();
+  EXPECT_TRUE(updated.startsWith(old)) << updated.toStdString();
   EXPECT_TRUE(updated.contains("[Colors]\nBackColor=0\nElementColor=16777215\n"));
 }
 
@@ -202,9 +203,9 @@ TEST(Settings, ANameWithALineEndDoesNotBecomeTwoLines) {
 
 TEST(Settings, SavingTwiceIsSavingOnceWhateverTheFileHolds) {
   std::mt19937 random(20240501);
-  const QByteArrayList pieces = {"[General]", "[Windows",    "]",    "\n",         "\r\n",
-                                 "Left",      "=",           "1",    ";",          " ",
-                                 "[colors]",  "NodeShape=1", "\xff", "ModelFile=a"};
+  const QByteArrayList pieces = {
+      "[General]", "[Windows", "]",        "\n",          "\r\n",         "Left", "=",          "1",
+      ";",         " ",        "[colors]", "NodeShape=1", "\xef\xbb\xbf", "\r",   "ModelFile=a"};
   for (int i = 0; i < 500; ++i) {
     QByteArray text;
     for (int n = random() % 40; n > 0; --n) text += pieces[random() % pieces.size()];
