@@ -285,8 +285,11 @@ class TDataFileReader {
     return content;
   }
 
-  /// Counts what lies between the sections as done. False once the user has cancelled.
-  bool Advance(std::size_t characters) { return reading_.Advance(characters); }
+  /// Counts what lies between the sections, and the nodes of one, as done. False once the user has
+  /// cancelled.
+  bool Advance(std::size_t characters, std::size_t nodes) {
+    return reading_.Advance(characters, nodes);
+  }
 
  private:
   bool Affordable(std::size_t more) const { return nodes_ + more <= mostNodes_; }
@@ -334,7 +337,7 @@ bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport&
   for (const TSection& section : sections) {
     if (lists.size() == kMostDataSets) break;
     std::optional<TDataContent> content = reader.Read(section, earlier);
-    if (!content || !reader.Advance(section.Name.size() + 2)) break;
+    if (!content || !reader.Advance(section.Name.size() + 2, content->Nodes.Count())) break;
     auto list = std::make_unique<TDataNodeList>(&model, false);
     const QString name = FromBytes(section.Name);
     list->Section = '[' + name + ']';

@@ -233,6 +233,14 @@ TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
   EXPECT_TRUE(model_.Loaded);
 }
 
+TEST_F(DataFile, ShowsProgressWhereShortSectionsMakeManyNodes) {
+  std::string nodes = "[Nodes]\n", sections;
+  for (int i = 0; i < 1000; ++i) nodes += std::to_string(i) + " 1 1 1\n";
+  for (int i = 0; i < 100; ++i) sections += "[" + std::to_string(i) + "]7 1 1 1\n";
+  ASSERT_TRUE(model_.LoadFromMemory(nodes).Ok());
+  EXPECT_TRUE(data_.LoadFromMemory(sections, model_, [](double) { return false; }).Cancelled());
+}
+
 TEST_F(DataFile, KeepsOnlyAsManySetsAsItCanHold) {
   std::string text;
   for (std::size_t i = 0; i <= kMostDataSets; ++i) text += "[]x";
