@@ -186,7 +186,7 @@ void TNodesSet::SetNodeShape(TNodeShape shape) {
   for (TDataNodeList* list : members_) list->NodeShape = shape;
 }
 
-TModel::TModel(QObject* parent) : QObject(parent), Nodes(this, true), Display(this, false) {
+TModel::TModel(QObject* parent) : QObject(parent), Nodes(nullptr, true), Display(this, false) {
   Nodes.Elements = &Elements;
   Display.Elements = &Elements;
   Display.ShowNodes = true;
@@ -230,6 +230,7 @@ void TModel::Clear() {
   Display.ClearObjects();
   Nodes.ClearObjects();
   Elements.ClearObjects();
+  index_ = {};
 }
 
 const TNodeIndex& TModel::Index() const {

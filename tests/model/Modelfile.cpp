@@ -265,6 +265,15 @@ TEST(ModelFile, ReplacesTheEarlierModelAndTellsOnce) {
   EXPECT_EQ(changes.count(), 2);
 }
 
+TEST(ModelFile, FindsNodesThatReplaceAsManyOthers) {
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n4 1 2 3\n").Ok());
+  model.Clear();
+  model.Nodes.Emplace(7, TVertex{});
+  EXPECT_EQ(model.NodeIndex(7), 0);
+  EXPECT_EQ(model.NodeIndex(4), -1);
+}
+
 /// A model of many nodes, long enough for several reports of progress.
 std::string LargeModel() {
   std::string text = "[Nodes]\n";
