@@ -286,6 +286,17 @@ class TDataFileReader {
     return content;
   }
 
+  /// The frequency in a section's name.
+  double Frequency(const TSection& section) {
+    TTextScanner name(section.Name);
+    const double frequency = FrequencyOf(name);
+    if (name.AtDecimalComma()) {
+      const char* const text = reading_.Scanner.Text().data();
+      NoteDecimalComma(reading_, static_cast<std::size_t>(section.Name.data() - text));
+    }
+    return frequency;
+  }
+
   /// Counts what lies between the sections, and the nodes of one, as done. False once the user has
   /// cancelled.
   bool Advance(std::size_t characters, std::size_t nodes) {
@@ -342,7 +353,7 @@ bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport&
     auto list = std::make_unique<TDataNodeList>(&model, false);
     const QString name = FromBytes(section.Name);
     list->Section = '[' + name + ']';
-    list->Frequency = FrequencyOf(section.Name);
+    list->Frequency = reader.Frequency(section);
     list->NodeShape = All.GetNodeShape();
     list->NodeColor = All.GetNodeColor();
     list->ElementColor = All.GetElementColor();

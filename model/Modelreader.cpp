@@ -21,7 +21,9 @@ struct TElementRecord {
 
 void ReadRadius(TReading& reading, std::string_view key, double& radius) {
   double value = 0.0;
-  if (reading.Search(key) && reading.Scanner.ReadReal(value) && IsUsable(value)) radius = value;
+  if (!reading.Search(key) || !reading.Scanner.ReadReal(value)) return;
+  if (IsUsable(value)) radius = value;
+  if (reading.Scanner.AtDecimalComma()) NoteDecimalComma(reading, reading.Scanner.Position());
 }
 
 void ReadOptions(TReading& reading, TModelContent& content) {
@@ -42,7 +44,8 @@ std::size_t ExpectedRecords(const TTextScanner& scanner) {
 
 void NoteUnusable(TReading& reading, const TNodeRecord& record) {
   reading.Report.AddAt(reading.Scanner, record.Position, [&] {
-    return QStringLiteral("node %1 has a value that is infinite or no number; the node was dropped")
+    return QStringLiteral(
+               "node %1 has a value that is no number or beyond 1e30; the node was dropped")
         .arg(record.ID);
   });
 }
@@ -168,6 +171,7 @@ class TElementReader {
             .arg(missingId_);
       });
     } else {
+      MakeUsable(record, start);
       Keep(record);
     }
     return CountWhole();
@@ -199,6 +203,21 @@ class TElementReader {
     return all;
   }
 
+  void MakeUsable(TElementRecord& record, std::size_t start) {
+    bool usable = true;
+    for (double* value : {&record.Radius, &record.RollParam1, &record.RollParam2}) {
+      if (IsUsable(*value)) continue;
+      *value = 0.0;
+      usable = false;
+    }
+    if (usable) return;
+    Note(start, [&record] {
+      return QStringLiteral(
+                 "element %1 has a value that is no number or beyond 1e30; it was set to 0")
+          .arg(record.ID);
+    });
+  }
+
   void Keep(const TElementRecord& record) {
     // Types beyond 8 bits are points like all the others beyond a face.
     const auto type = static_cast<std::uint8_t>(
@@ -207,9 +226,9 @@ class TElementReader {
     std::copy(indices_.begin(), indices_.end(), element->Nodes().begin());
     element->ID = record.ID;
     element->Color = TColor(record.Color);
-    if (IsUsable(record.Radius)) element->Radius = record.Radius;
-    if (IsUsable(record.RollParam1)) element->RollParam1 = record.RollParam1;
-    if (IsUsable(record.RollParam2)) element->RollParam2 = record.RollParam2;
+    element->Radius = record.Radius;
+    element->RollParam1 = record.RollParam1;
+    element->RollParam2 = record.RollParam2;
     element->NodeList = nodeList_;
   }
 

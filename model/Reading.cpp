@@ -66,6 +66,12 @@ bool TReading::Search(std::string_view text) {
   });
 }
 
+void NoteDecimalComma(TReading& reading, std::size_t position) {
+  reading.Report.AddAt(reading.Scanner, position, [] {
+    return QStringLiteral("numbers have a decimal point; the digits behind the comma were dropped");
+  });
+}
+
 bool ReadNodeRecord(TReading& reading, int valueCount, TNodeRecord& record) {
   bool outOfRange = false;
   const int count = ReadNumbers(reading.Scanner, valueCount, record, &outOfRange);

@@ -31,6 +31,9 @@ class TReading {
   std::size_t untold_ = 0;  ///< work since progress was told, in characters
 };
 
+/// Notes at `position` that a decimal comma has cut a number.
+void NoteDecimalComma(TReading& reading, std::size_t position);
+
 /// A value that can be drawn and reckoned with: finite, and not absurdly large.
 inline bool IsUsable(double value) { return std::abs(value) <= 1e30; }
 
