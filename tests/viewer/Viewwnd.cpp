@@ -552,6 +552,23 @@ TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
   TakeMessages();
 }
 
+TEST_F(Viewwnd, InTheLegendTheSpaceBarIsTheLegends) {
+  LoadModel(kModel);
+  LoadData(kData);
+  window->show();
+  Trigger("ShowLegendMenu");
+  window->Legend().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window->Legend()));
+  auto* labels = window->Legend().findChild<QListWidget*>("Labels");
+  labels->setCurrentRow(1, QItemSelectionModel::NoUpdate);
+  QTest::keyClick(labels, Qt::Key_Space);
+  EXPECT_EQ(window->Legend().MakeCheckString(), "101");
+  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
+  QTest::keyClick(labels, Qt::Key_Right);
+  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  TakeMessages();
+}
+
 TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
   LoadModel(kModel);
   LoadData(kData);
