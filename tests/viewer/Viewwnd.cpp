@@ -536,6 +536,12 @@ TEST_F(Viewwnd, NonsenseInTheSettingsStillMakesASaneWindow) {
   EXPECT_TRUE(SavedText().contains("\nModelFile=\n"));
 }
 
+TEST_F(Viewwnd, FirstLiesOnTheScreenWithTheLegendInsideIt) {
+  const QRect bounds(window->pos(), window->size());
+  EXPECT_TRUE(window->screen()->availableGeometry().contains(bounds));
+  EXPECT_TRUE(bounds.contains(QRect(window->Legend().pos(), window->Legend().size())));
+}
+
 TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
   window->show();
   Trigger("ShowLegendMenu");
