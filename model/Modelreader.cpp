@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "model/Reading.h"
@@ -99,7 +100,7 @@ class TElementReader {
       : reading_(reading), scanner_(reading.Scanner), nodeList_(nodeList), content_(content) {}
 
   void Read() {
-    const std::size_t start = scanner_.Position();
+    const std::size_t start = told_ = scanner_.Position();
     if (!scanner_.ReadInt(announced_, &outOfRange_)) {
       Note(start, [] {
         return QStringLiteral("the number of elements is missing; no elements were read");
@@ -108,11 +109,11 @@ class TElementReader {
     }
     NoteRange(start);
     // A read that fails without moving fails for ever, so the rest of the count can be left out.
-    for (read_ = 0; read_ < announced_; ++read_) {
+    for (std::int32_t i = 0; i < announced_; ++i) {
       scanner_.SkipWhiteSpace();
       const std::size_t before = scanner_.Position();
       if (!ReadElement() && scanner_.Position() == before) break;
-      if (!reading_.Advance(scanner_.Position() - before)) return;
+      if (!Tell()) return;
     }
     NoteWrongCount();
   }
@@ -131,6 +132,12 @@ class TElementReader {
       });
     }
     outOfRange_ = false;
+  }
+
+  /// Tells the progress. False once the user has cancelled.
+  bool Tell() {
+    const std::size_t from = std::exchange(told_, scanner_.Position());
+    return reading_.Advance(told_ - from);
   }
 
   bool Int(std::int32_t& value) { return scanner_.ReadInt(value, &outOfRange_); }
@@ -183,9 +190,11 @@ class TElementReader {
   }
 
   bool ReadNodeIds(std::int32_t count) {
+    constexpr std::int32_t kTellEvery = 1 << 16;
     indices_.clear();
     bool all = true;
     for (std::int32_t i = 0; i < count; ++i) {
+      if (i % kTellEvery == kTellEvery - 1 && !Tell()) return false;
       const std::size_t before = scanner_.Position();
       std::int32_t id = 0;
       if (!Int(id)) {
@@ -260,8 +269,8 @@ class TElementReader {
   const TNodeList* nodeList_;
   TModelContent& content_;
   std::int32_t announced_ = 0;
-  std::int32_t read_ = 0;   ///< records tried
   std::int32_t whole_ = 0;  ///< records of which every number was there
+  std::size_t told_ = 0;    ///< position up to which the progress was told
   bool outOfRange_ = false;
   bool missing_ = false;
   std::int32_t missingId_ = 0;

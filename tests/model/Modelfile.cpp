@@ -311,6 +311,21 @@ TEST(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
   EXPECT_EQ(changes.count(), 1);
 }
 
+TEST(ModelFile, ShowsProgressWithinOneLargeElement) {
+  std::string text = kNodes + "[Elements]\n1\n1 3 -1 2000000";
+  for (int i = 0; i < 2'000'000; ++i) text += " 1";
+  TModel model;
+  std::vector<double> told;
+  EXPECT_TRUE(model
+                  .LoadFromMemory(text,
+                                  [&](double done) {
+                                    told.push_back(done);
+                                    return done < 0.4;
+                                  })
+                  .Cancelled());
+  EXPECT_LT(told.back(), 0.9) << "cancelled before the element ends";
+}
+
 TEST(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {
   TModel model;
   ASSERT_TRUE(model.LoadFromMemory(kNodes).Ok());
