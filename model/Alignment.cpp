@@ -68,7 +68,7 @@ class TAligner {
   void Align() {
     for (const TNode* wanted : model_) {
       if (tail_[next_]->ID != wanted->ID && !Fetch(IdOf(wanted))) {
-        Append(nodes_.Emplace(wanted->ID, wanted->Position));
+        Append(MakeFiller(*wanted));
         continue;
       }
       places_.Remove(IdOf(tail_[next_]), TailPlace(next_));
@@ -103,6 +103,17 @@ class TAligner {
     places_.Add(id, frontPlace);
     places_.Add(IdOf(found), place);
     return true;
+  }
+
+  /// A node for a model node without a record. Every one that is inserted pushes the last of the
+  /// list beyond the model's count in the end, so the last is taken for it unless it may be fetched
+  /// before: a section of few records needs no more memory than one of many.
+  TNode* MakeFiller(const TNode& wanted) {
+    TNode* const last = tail_.back();
+    if (IdOf(last) >= 0) return nodes_.Emplace(wanted.ID, wanted.Position);
+    tail_.pop_back();
+    *last = TNode(wanted.ID, wanted.Position);
+    return last;
   }
 
   TNodeList& nodes_;

@@ -186,7 +186,7 @@ void TNodesSet::SetNodeShape(TNodeShape shape) {
   for (TDataNodeList* list : members_) list->NodeShape = shape;
 }
 
-TModel::TModel(QObject* parent) : QObject(parent), Nodes(this, true), Display(this, false) {
+TModel::TModel(QObject* parent) : QObject(parent), Nodes(nullptr, true), Display(this, false) {
   Nodes.Elements = &Elements;
   Display.Elements = &Elements;
   Display.ShowNodes = true;
@@ -230,6 +230,7 @@ void TModel::Clear() {
   Display.ClearObjects();
   Nodes.ClearObjects();
   Elements.ClearObjects();
+  index_ = {};
 }
 
 const TNodeIndex& TModel::Index() const {
@@ -285,8 +286,22 @@ class TDataFileReader {
     return content;
   }
 
-  /// Counts what lies between the sections as done. False once the user has cancelled.
-  bool Advance(std::size_t characters) { return reading_.Advance(characters); }
+  /// The frequency in a section's name.
+  double Frequency(const TSection& section) {
+    TTextScanner name(section.Name);
+    const double frequency = FrequencyOf(name);
+    if (name.AtDecimalComma()) {
+      const char* const text = reading_.Scanner.Text().data();
+      NoteDecimalComma(reading_, static_cast<std::size_t>(section.Name.data() - text));
+    }
+    return frequency;
+  }
+
+  /// Counts what lies between the sections, and the nodes of one, as done. False once the user has
+  /// cancelled.
+  bool Advance(std::size_t characters, std::size_t nodes) {
+    return reading_.Advance(characters, nodes);
+  }
 
  private:
   bool Affordable(std::size_t more) const { return nodes_ + more <= mostNodes_; }
@@ -334,11 +349,11 @@ bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport&
   for (const TSection& section : sections) {
     if (lists.size() == kMostDataSets) break;
     std::optional<TDataContent> content = reader.Read(section, earlier);
-    if (!content || !reader.Advance(section.Name.size() + 2)) break;
+    if (!content || !reader.Advance(section.Name.size() + 2, content->Nodes.Count())) break;
     auto list = std::make_unique<TDataNodeList>(&model, false);
     const QString name = FromBytes(section.Name);
     list->Section = '[' + name + ']';
-    list->Frequency = FrequencyOf(section.Name);
+    list->Frequency = reader.Frequency(section);
     list->NodeShape = All.GetNodeShape();
     list->NodeColor = All.GetNodeColor();
     list->ElementColor = All.GetElementColor();

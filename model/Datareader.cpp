@@ -23,15 +23,17 @@ void MakeUsable(TReading& reading, TNodeRecord& record) {
     if (!IsUsable(value)) value = 0.0;
   }
   reading.Report.AddAt(reading.Scanner, record.Position, [&record] {
-    return QStringLiteral("node %1 has a value that is infinite or no number; it was set to 0")
+    return QStringLiteral("node %1 has a value that is no number or beyond 1e30; it was set to 0")
         .arg(record.ID);
   });
 }
 
-void NoteExcess(TReading& reading, const TNodeRecord& record) {
-  reading.Report.AddAt(reading.Scanner, record.Position, [&record] {
-    return QStringLiteral(
-               "the record of node %1 is beyond the number of the model's nodes and was dropped")
+void NoteExcess(TReading& reading, const TNodeRecord& record, bool hasModel) {
+  reading.Report.AddAt(reading.Scanner, record.Position, [&record, hasModel] {
+    return (hasModel ? QStringLiteral("the record of node %1 is beyond the number of the model's "
+                                      "nodes and was dropped")
+                     : QStringLiteral("there is no model for the record of node %1; it was "
+                                      "dropped"))
         .arg(record.ID);
   });
 }
@@ -55,7 +57,7 @@ bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& cont
   const bool goOn = ReadNodeRecords(reading, [&](TNodeRecord& record) {
     if (std::exchange(first, false)) content.Nodes.Reserve(model.Nodes.Count());
     if (content.Nodes.Count() >= model.Nodes.Count()) {
-      NoteExcess(reading, record);
+      NoteExcess(reading, record, !model.Nodes.Empty());
       return;
     }
     MakeUsable(reading, record);
@@ -87,13 +89,13 @@ TDataContent CopyOf(const TNodeList& nodes, double maxAmplitude) {
   return copy;
 }
 
-double FrequencyOf(std::string_view sectionName) {
-  TTextScanner scanner(sectionName);
-  if (sectionName.empty() || sectionName[0] != 'F') return 0.0;
-  scanner.SetPosition(1);
-  scanner.SkipWhiteSpace();
-  if (scanner.AtEnd() || sectionName[scanner.Position()] != '=') return 0.0;
-  scanner.SetPosition(scanner.Position() + 1);
+double FrequencyOf(TTextScanner& sectionName) {
+  const std::string_view text = sectionName.Text();
+  if (text.empty() || text[0] != 'F') return 0.0;
+  sectionName.SetPosition(1);
+  sectionName.SkipWhiteSpace();
+  if (sectionName.AtEnd() || text[sectionName.Position()] != '=') return 0.0;
+  sectionName.SetPosition(sectionName.Position() + 1);
   double frequency = 0.0;
-  return scanner.ReadReal(frequency) && IsUsable(frequency) ? frequency : 0.0;
+  return sectionName.ReadReal(frequency) && IsUsable(frequency) ? frequency : 0.0;
 }

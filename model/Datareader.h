@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string_view>
-
 #include "model/Nodeindex.h"
 #include "model/Reading.h"
 #include "model/Records.h"
@@ -20,7 +18,7 @@ struct TDataContent {
 };
 
 /// Reads the records that follow the reading's position as a data set, aligned to the model. A
-/// value that is infinite or no number counts as 0. False if cancelled.
+/// value that is no number or beyond 1e30 counts as 0. False if cancelled.
 [[nodiscard]] bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& content);
 
 /// Reads the records that follow without a model: they are kept as they are. False if cancelled.
@@ -29,6 +27,6 @@ struct TDataContent {
 /// A copy of what an earlier section gave.
 TDataContent CopyOf(const TNodeList& nodes, double maxAmplitude);
 
-/// The frequency in a section's name "F = 12.5", 0 if the name has another form or the value is
-/// infinite or no number.
-double FrequencyOf(std::string_view sectionName);
+/// The frequency in a section's name "F = 12.5", 0 if the name has another form or the value is no
+/// number or beyond 1e30. Leaves the scanner behind what it took for the number.
+double FrequencyOf(TTextScanner& sectionName);

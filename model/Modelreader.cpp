@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "model/Reading.h"
@@ -21,7 +22,9 @@ struct TElementRecord {
 
 void ReadRadius(TReading& reading, std::string_view key, double& radius) {
   double value = 0.0;
-  if (reading.Search(key) && reading.Scanner.ReadReal(value) && IsUsable(value)) radius = value;
+  if (!reading.Search(key) || !reading.Scanner.ReadReal(value)) return;
+  if (IsUsable(value)) radius = value;
+  if (reading.Scanner.AtDecimalComma()) NoteDecimalComma(reading, reading.Scanner.Position());
 }
 
 void ReadOptions(TReading& reading, TModelContent& content) {
@@ -42,7 +45,8 @@ std::size_t ExpectedRecords(const TTextScanner& scanner) {
 
 void NoteUnusable(TReading& reading, const TNodeRecord& record) {
   reading.Report.AddAt(reading.Scanner, record.Position, [&] {
-    return QStringLiteral("node %1 has a value that is infinite or no number; the node was dropped")
+    return QStringLiteral(
+               "node %1 has a value that is no number or beyond 1e30; the node was dropped")
         .arg(record.ID);
   });
 }
@@ -96,7 +100,7 @@ class TElementReader {
       : reading_(reading), scanner_(reading.Scanner), nodeList_(nodeList), content_(content) {}
 
   void Read() {
-    const std::size_t start = scanner_.Position();
+    const std::size_t start = told_ = scanner_.Position();
     if (!scanner_.ReadInt(announced_, &outOfRange_)) {
       Note(start, [] {
         return QStringLiteral("the number of elements is missing; no elements were read");
@@ -105,11 +109,11 @@ class TElementReader {
     }
     NoteRange(start);
     // A read that fails without moving fails for ever, so the rest of the count can be left out.
-    for (read_ = 0; read_ < announced_; ++read_) {
+    for (std::int32_t i = 0; i < announced_; ++i) {
       scanner_.SkipWhiteSpace();
       const std::size_t before = scanner_.Position();
       if (!ReadElement() && scanner_.Position() == before) break;
-      if (!reading_.Advance(scanner_.Position() - before)) return;
+      if (!Tell()) return;
     }
     NoteWrongCount();
   }
@@ -128,6 +132,12 @@ class TElementReader {
       });
     }
     outOfRange_ = false;
+  }
+
+  /// Tells the progress. False once the user has cancelled.
+  bool Tell() {
+    const std::size_t from = std::exchange(told_, scanner_.Position());
+    return reading_.Advance(told_ - from);
   }
 
   bool Int(std::int32_t& value) { return scanner_.ReadInt(value, &outOfRange_); }
@@ -168,6 +178,7 @@ class TElementReader {
             .arg(missingId_);
       });
     } else {
+      MakeUsable(record, start);
       Keep(record);
     }
     return CountWhole();
@@ -179,9 +190,11 @@ class TElementReader {
   }
 
   bool ReadNodeIds(std::int32_t count) {
+    constexpr std::int32_t kTellEvery = 1 << 16;
     indices_.clear();
     bool all = true;
     for (std::int32_t i = 0; i < count; ++i) {
+      if (i % kTellEvery == kTellEvery - 1 && !Tell()) return false;
       const std::size_t before = scanner_.Position();
       std::int32_t id = 0;
       if (!Int(id)) {
@@ -199,6 +212,21 @@ class TElementReader {
     return all;
   }
 
+  void MakeUsable(TElementRecord& record, std::size_t start) {
+    bool usable = true;
+    for (double* value : {&record.Radius, &record.RollParam1, &record.RollParam2}) {
+      if (IsUsable(*value)) continue;
+      *value = 0.0;
+      usable = false;
+    }
+    if (usable) return;
+    Note(start, [&record] {
+      return QStringLiteral(
+                 "element %1 has a value that is no number or beyond 1e30; it was set to 0")
+          .arg(record.ID);
+    });
+  }
+
   void Keep(const TElementRecord& record) {
     // Types beyond 8 bits are points like all the others beyond a face.
     const auto type = static_cast<std::uint8_t>(
@@ -207,9 +235,9 @@ class TElementReader {
     std::copy(indices_.begin(), indices_.end(), element->Nodes().begin());
     element->ID = record.ID;
     element->Color = TColor(record.Color);
-    if (IsUsable(record.Radius)) element->Radius = record.Radius;
-    if (IsUsable(record.RollParam1)) element->RollParam1 = record.RollParam1;
-    if (IsUsable(record.RollParam2)) element->RollParam2 = record.RollParam2;
+    element->Radius = record.Radius;
+    element->RollParam1 = record.RollParam1;
+    element->RollParam2 = record.RollParam2;
     element->NodeList = nodeList_;
   }
 
@@ -241,8 +269,8 @@ class TElementReader {
   const TNodeList* nodeList_;
   TModelContent& content_;
   std::int32_t announced_ = 0;
-  std::int32_t read_ = 0;   ///< records tried
   std::int32_t whole_ = 0;  ///< records of which every number was there
+  std::size_t told_ = 0;    ///< position up to which the progress was told
   bool outOfRange_ = false;
   bool missing_ = false;
   std::int32_t missingId_ = 0;

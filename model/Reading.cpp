@@ -5,6 +5,7 @@
 namespace {
 
 constexpr std::size_t kTellEvery = 1 << 20;
+constexpr std::size_t kCharactersPerNode = 32;  ///< of the same work
 
 /// How far a try to read one record came: the ID and each value count one.
 int ReadNumbers(TTextScanner& scanner, int valueCount, TNodeRecord& record, bool* outOfRange) {
@@ -47,10 +48,11 @@ void NoteEnd(TReading& reading, int valueCount, const TNodeRecord& record, int c
 
 }  // namespace
 
-bool TReading::Advance(std::size_t characters) {
+bool TReading::Advance(std::size_t characters, std::size_t nodes) {
   done_ += characters;
-  if (done_ - told_ < kTellEvery || !progress_) return !Report.Cancelled();
-  told_ = done_;
+  untold_ += characters + nodes * kCharactersPerNode;
+  if (untold_ < kTellEvery || !progress_) return !Report.Cancelled();
+  untold_ = 0;
   const double part = static_cast<double>(done_) / static_cast<double>(Scanner.Text().size());
   if (!progress_(std::min(part, 1.0))) Report.Cancel();
   return !Report.Cancelled();
@@ -61,6 +63,12 @@ bool TReading::Search(std::string_view text) {
     const double part = static_cast<double>(done_) / static_cast<double>(Scanner.Text().size());
     if (progress_ && !progress_(std::min(part, 1.0))) Report.Cancel();
     return !Report.Cancelled();
+  });
+}
+
+void NoteDecimalComma(TReading& reading, std::size_t position) {
+  reading.Report.AddAt(reading.Scanner, position, [] {
+    return QStringLiteral("numbers have a decimal point; the digits behind the comma were dropped");
   });
 }
 

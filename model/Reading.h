@@ -17,18 +17,22 @@ class TReading {
   TTextScanner Scanner;
   TLoadReport& Report;
 
-  /// Tells how many characters more have been dealt with; what is passed in vain counts nothing.
-  /// False, and noted in the report, once the user has cancelled.
-  bool Advance(std::size_t characters);
+  /// Tells how many characters more have been dealt with, and how many nodes were made besides:
+  /// they take time too. What is passed in vain counts nothing. False, and noted in the report,
+  /// once the user has cancelled.
+  bool Advance(std::size_t characters, std::size_t nodes = 0);
 
   /// Moves behind the next occurrence of `text`; false if there is none or the user cancelled.
   bool Search(std::string_view text);
 
  private:
   TLoadProgress progress_;
-  std::size_t done_ = 0;
-  std::size_t told_ = 0;
+  std::size_t done_ = 0;    ///< characters dealt with
+  std::size_t untold_ = 0;  ///< work since progress was told, in characters
 };
+
+/// Notes at `position` that a decimal comma has cut a number.
+void NoteDecimalComma(TReading& reading, std::size_t position);
 
 /// A value that can be drawn and reckoned with: finite, and not absurdly large.
 inline bool IsUsable(double value) { return std::abs(value) <= 1e30; }

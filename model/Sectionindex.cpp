@@ -33,7 +33,7 @@ std::vector<std::size_t> LengthsOf(const TPlaces& places) {
 void FindInsideNames(std::string_view text, const std::vector<std::string_view>& names,
                      TPlaces& places) {
   const std::vector<std::size_t> lengths = LengthsOf(places);
-  std::size_t work = 16 * text.size() + 1'000'000;
+  std::size_t work = 2 * text.size() + 1'000'000;
   for (const std::string_view name : names) {
     if (name.find('[') == std::string_view::npos) continue;
     const auto open = static_cast<std::size_t>(name.data() - text.data()) - 1;

@@ -225,6 +225,10 @@ bool TTextScanner::ReadAnyReal(double& value) {
   return valid;
 }
 
+bool TTextScanner::AtDecimalComma() const {
+  return position_ + 1 < text_.size() && text_[position_] == ',' && IsDigit(text_[position_ + 1]);
+}
+
 std::size_t TTextScanner::LineAt(std::size_t position) const {
   const auto before = text_.substr(0, position);
   return 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));

@@ -26,6 +26,9 @@ class TTextScanner {
   /// "%lf": decimal and hexadecimal forms, "inf", "infinity" and "nan" in any case.
   [[nodiscard]] bool ReadReal(double& value);
 
+  /// Whether a number just read was cut at a decimal comma: a comma with a digit behind it.
+  bool AtDecimalComma() const;
+
   /// White space in a format: skips space, tab, line feed, vertical tab, form feed and return.
   void SkipWhiteSpace();
 

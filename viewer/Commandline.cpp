@@ -36,6 +36,7 @@ struct TOptions {
 };
 
 TOptions::TOptions() {
+  Parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
   Parser.setApplicationDescription(
       QStringLiteral("Shows a structure move with its measured vibration."));
   Parser.addPositionalArgument("MODEL", "Model file.", "[MODEL");

@@ -49,6 +49,8 @@ TGLPanel::TGLPanel(QWidget* parent) : QWidget(parent) {
   UpdateFormat();
   container_ = QWidget::createWindowContainer(surface_, this);
   container_->setFocusPolicy(Qt::NoFocus);
+  // It would hand what is dropped to the surface, which hands it to the window, and so on for ever.
+  container_->setAcceptDrops(false);
 }
 
 TGLPanel::~TGLPanel() { DestroyGLContext(); }

@@ -36,6 +36,7 @@ class TImageList : public QObject {
 /// keeps a Down state, changed by a click before the click handlers run. GUI thread only.
 class TImageButton : public QAbstractButton {
   Q_OBJECT
+  Q_PROPERTY(TImageList* Images READ GetImages WRITE SetImages)
   Q_PROPERTY(int UpIndex READ GetUpIndex WRITE SetUpIndex)
   Q_PROPERTY(int DownIndex READ GetDownIndex WRITE SetDownIndex)
   Q_PROPERTY(int HighlightIndex READ GetHighlightIndex WRITE SetHighlightIndex)

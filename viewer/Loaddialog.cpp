@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QLabel>
 
 namespace {
 
@@ -33,9 +34,10 @@ bool TLoadDialog::Advance(double done) {
 }
 
 void TLoadDialog::Open() {
-  dialog_ = std::make_unique<QProgressDialog>(
-      QObject::tr("Reading %1...").arg(QFileInfo(fileName_).fileName()), QObject::tr("Cancel"), 0,
-      kSteps, parent_);
+  dialog_ = std::make_unique<QProgressDialog>(QString(), QObject::tr("Cancel"), 0, kSteps, parent_);
+  auto* label = new QLabel(QObject::tr("Reading %1...").arg(QFileInfo(fileName_).fileName()));
+  label->setTextFormat(Qt::PlainText);  // whatever a file may be called
+  dialog_->setLabel(label);
   dialog_->setWindowTitle(QStringLiteral("Velmora Animator"));
   dialog_->setWindowModality(Qt::ApplicationModal);
   dialog_->setMinimumDuration(0);

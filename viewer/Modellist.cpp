@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QItemSelection>
+#include <QKeyEvent>
 #include <QListWidget>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
@@ -14,8 +15,23 @@ namespace {
 constexpr int kMinSize = 158;
 constexpr QSize kFirstSize(190, 280);
 
+/// The list of data sets. It keeps the space bar, which shows or hides the current one, from the
+/// main window, where it starts the animation; the other keys are the main window's.
+class TLabels : public QListWidget {
+ public:
+  using QListWidget::QListWidget;
+
+ protected:
+  bool event(QEvent* event) override {
+    const bool keeps = event->type() == QEvent::ShortcutOverride &&
+                       static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space;
+    if (keeps) event->accept();
+    return keeps || QListWidget::event(event);
+  }
+};
+
 QListWidget* MakeLabels(QWidget* parent) {
-  auto* labels = new QListWidget(parent);
+  auto* labels = new TLabels(parent);
   labels->setObjectName(QStringLiteral("Labels"));
   labels->setSelectionMode(QAbstractItemView::MultiSelection);
   labels->setUniformItemSizes(true);

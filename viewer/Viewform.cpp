@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QPainter>
 #include <QShortcut>
 #include <QSlider>
 #include <QStatusBar>
@@ -62,12 +63,25 @@ QSlider* AddSlider(QWidget* box, int row, const QString& label, const char* name
   return slider;
 }
 
+/// A line of text that ends in dots where it does not fit.
+class TElidedLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+  QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    const QRect room = contentsRect();
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+    QPainter(this).drawText(room, Qt::AlignLeft | Qt::AlignVCenter, shown);
+  }
+};
+
 QLabel* AddLabel(QStatusBar* bar, const char* name, int stretch) {
-  auto* label = new QLabel(bar);
+  auto* label = new TElidedLabel(bar);
   label->setObjectName(QLatin1String(name));
   // New text never changes the layout, so a frame costs no more than its words.
   label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-  label->setMinimumWidth(label->fontMetrics().averageCharWidth() * 26);
   label->setContentsMargins(6, 0, 6, 0);
   bar->addWidget(label, stretch);
   return label;
@@ -135,6 +149,10 @@ void TViewForm::MakeButtons(QMainWindow& window) {
   QToolBar* bar = window.addToolBar(QStringLiteral("Buttons"));
   bar->setObjectName(QStringLiteral("ButtonBar"));
   bar->setMovable(false);
+  // In a narrow window the bar opens over the panel, whose surface is a window of the system and
+  // would cover anything less.
+  bar->setAttribute(Qt::WA_DontCreateNativeAncestors);
+  bar->setAttribute(Qt::WA_NativeWindow);
   window.setContextMenuPolicy(Qt::NoContextMenu);  // the bar cannot be hidden
   TImageList* faces = MakeButtonFaces(&window);
   window.setWindowIcon(faces->Image(bfView3D, 2.0));
@@ -167,6 +185,7 @@ void TViewForm::MakeButtons(QMainWindow& window) {
   auto* bars = new QWidget(bar);
   auto* layout = new QGridLayout(bars);
   layout->setContentsMargins(6, 0, 6, 0);
+  layout->setHorizontalSpacing(3);
   layout->setVerticalSpacing(2);
   Speed = AddSlider(bars, 0, QStringLiteral("Speed :"), "Speed", QStringLiteral("Animation speed"));
   Speed->setRange(10, 150);

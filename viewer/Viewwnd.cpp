@@ -27,7 +27,8 @@ namespace {
 
 constexpr QSize kFirstSize(1100, 760);
 constexpr QSize kMinSize(400, 300);
-constexpr quint32 kFirstInterval = 6;  ///< ticks of 10 ms
+constexpr QPoint kLegendOffset(-24, 120);  ///< its first place: in the picture's right top corner
+constexpr quint32 kFirstInterval = 6;      ///< ticks of 10 ms
 
 QString FileNameOf(const QString& path) { return QFileInfo(path).fileName(); }
 
@@ -50,6 +51,9 @@ QString AskPictureFile(QWidget* parent, const QString& folder) {
                      QObject::tr("Bitmaps (*.bmp);;PNG pictures (*.png);;All files (*)"));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(QStringLiteral("bmp"));
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
+    dialog.setDefaultSuffix(filter.contains("*.png") ? "png" : "bmp");
+  });
   return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
@@ -188,14 +192,15 @@ void TViewWnd::ApplyBounds(const TSettings& s) {
   for (const QScreen* screen : QGuiApplication::screens()) screens << screen->availableGeometry();
   const auto place = [&](QWidget& window, std::optional<int> left, std::optional<int> top,
                          std::optional<int> width, std::optional<int> height) {
-    if (!left && !top && !width && !height) return;
     const QRect wanted(left.value_or(window.x()), top.value_or(window.y()),
                        width.value_or(window.width()), height.value_or(window.height()));
     const QRect bounds = FitToScreens(wanted, screens, window.minimumSize());
     window.resize(bounds.size());
     window.move(bounds.topLeft());
   };
+  move(screen()->availableGeometry().center() - rect().center());
   place(*this, s.Left, s.Top, s.Width, s.Height);
+  legend_->move(frameGeometry().topRight() - QPoint(legend_->width(), 0) + kLegendOffset);
   place(*legend_, s.LabelsLeft, s.LabelsTop, s.LabelsWidth, s.LabelsHeight);
   form_.ShowLegendMenu->setChecked(s.LabelsVisible.value_or(form_.ShowLegendMenu->isChecked()));
   ShowHideMLW();

@@ -145,16 +145,20 @@ TEST(ScaleComplexNode, MovesALinkedNodeAboutItsPlace) {
 std::string Text(double value) { return QByteArray::number(value).toStdString(); }
 
 TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
+  constexpr int kNodes = 700;
   std::string nodes = "[Nodes]\n", records = "[F = 3]\n";
   std::mt19937 random(5);
   std::uniform_real_distribution<double> any(-4.0, 4.0);
-  for (int i = 0; i < 100; ++i) {
-    nodes += std::to_string(i);
-    records += std::to_string(i);
-    for (int k = 0; k < 3; ++k) nodes += ' ' + Text(any(random));
-    for (int k = 0; k < 6; ++k) records += ' ' + Text(i % 10 == 0 && k > 2 ? 0 : any(random));
-    nodes += '\n';
-    records += i % 7 ? "\n" : " \n";
+  const auto values = [&](int count, bool angles) {
+    std::string text;
+    for (int k = 0; k < count; ++k)
+      text += ' ' + std::to_string(k > 2 && !angles ? 0 : any(random));
+    return text + '\n';
+  };
+  for (int i = 0; i < kNodes; ++i) {
+    nodes += std::to_string(i) + values(3, false);
+    // One node without a record, so without a link; some without angles.
+    if (i != 5) records += std::to_string(i) + values(6, i % 10 != 0);
   }
   ASSERT_TRUE(model_.LoadFromMemory(nodes).Ok());
   Load(records);
@@ -163,8 +167,8 @@ TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
   std::vector<TVertex> positions;
   for (set.Phase = 0.0; set.Phase < 7.0; set.Phase += 0.7) {
     PlaceNodes(set, positions);
-    ASSERT_EQ(positions.size(), 100u);
-    for (std::size_t i = 0; i < 100; ++i) {
+    ASSERT_EQ(positions.size(), std::size_t{kNodes});
+    for (std::size_t i = 0; i < kNodes; ++i) {
       const TVertex expected = ScaleComplexNode(*set.Get(i), set.Phase, set.DrawScale);
       EXPECT_NEAR(Length(positions[i], expected), 0.0, 1e-14);
       if (i % 10 == 0) {
@@ -172,6 +176,13 @@ TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
       }
     }
   }
+  animation_.ScaleType = TScaleType::Sum;
+  animation_.Step(data_, model_);
+  for (std::size_t i = 0; i < kNodes; ++i) {  // of the only set: a tenth of its period
+    const TVertex expected = Displacement(*set.Get(i), 2 * kPi / 10);
+    EXPECT_NEAR(Length(model_.Display.Get(i)->Position, expected), 0.0, 1e-13);
+  }
+
   set.Get(1)->Position = {1, 2, 3};
   set.NodesChanged();
   PlaceNodes(set, positions);

@@ -172,8 +172,11 @@ TEST_F(DataFile, ReportsWhatIsWrongAndKeepsTheRest) {
        "m.dat, line 5: the record of node 1 is beyond the number of the model's nodes and was "
        "dropped.",
        "1:1,1,1 2:2,2,2 3:3,3,3 "},
+      {"[x]\n[F = 1,5]\n1 1 1 1\n",
+       "m.dat, line 2: numbers have a decimal point; the digits behind the comma were dropped.",
+       ""},
       {"[F = 1]\n1 nan 1 1\n2 2 -inf 1e99\n3 3 3 3\n",
-       "m.dat, line 2: node 1 has a value that is infinite or no number; it was set to 0, and 1 "
+       "m.dat, line 2: node 1 has a value that is no number or beyond 1e30; it was set to 0, and 1 "
        "more "
        "fault followed.",
        "1:0,1,1 2:2,0,0 3:3,3,3 "},
@@ -206,7 +209,8 @@ TEST_F(DataFile, WarnsOfAModelWhoseNodesAreNotInOrder) {
 
 TEST_F(DataFile, LoadsWithoutAModel) {
   TModel none;
-  EXPECT_EQ(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", none).Count(), 1u);
+  EXPECT_EQ(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", none).Sentence("m.dat"),
+            "m.dat, line 2: there is no model for the record of node 1; it was dropped.");
   ASSERT_EQ(data_.All.Count(), 1u);
   EXPECT_TRUE(data_.All.Get(0)->Empty());
 }
@@ -231,6 +235,14 @@ TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
             "Cannot read no.dat: there is no such file.");
   EXPECT_TRUE(data_.All.Empty() && data_.Shown.Empty());
   EXPECT_TRUE(model_.Loaded);
+}
+
+TEST_F(DataFile, ShowsProgressWhereShortSectionsMakeManyNodes) {
+  std::string nodes = "[Nodes]\n", sections;
+  for (int i = 0; i < 1000; ++i) nodes += std::to_string(i) + " 1 1 1\n";
+  for (int i = 0; i < 100; ++i) sections += "[" + std::to_string(i) + "]7 1 1 1\n";
+  ASSERT_TRUE(model_.LoadFromMemory(nodes).Ok());
+  EXPECT_TRUE(data_.LoadFromMemory(sections, model_, [](double) { return false; }).Cancelled());
 }
 
 TEST_F(DataFile, KeepsOnlyAsManySetsAsItCanHold) {

@@ -213,7 +213,7 @@ TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
        "mast.dat, line 7: the record of node 6 is not complete; the records from there on were "
        "dropped."},
       {"mast.dat", "0.35", "nan",
-       "mast.dat, line 7: node 6 has a value that is infinite or no number; it was set to 0."},
+       "mast.dat, line 7: node 6 has a value that is no number or beyond 1e30; it was set to 0."},
       {"mast.dat", " 6 ", "16 ",
        "mast.dat, line 7: the model has no node 16; its record was dropped, and 1 more fault "
        "followed."},

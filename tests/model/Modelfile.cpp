@@ -208,13 +208,18 @@ TEST(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
        "m.mod, line 2: the record of node 1 is not complete; the records from there on were "
        "dropped, "
        "and 1 more fault followed."},
+      {"decimal comma in a radius", "[Options]\nNodeRadius=0,5\n" + kNodes, 3, 0,
+       "m.mod, line 2: numbers have a decimal point; the digits behind the comma were dropped."},
+      {"radius that is no number", kNodes + "[Elements]\n1\n1 2 nan inf 0 -1 2 1 2\n", 3, 1,
+       "m.mod, line 7: element 1 has a value that is no number or beyond 1e30; it was set to 0."},
       {"record cut short", "[Nodes]\n1 0 0 0\n2 3 4\n", 1, 0,
        "m.mod, line 3: the record of node 2 is not complete; the records from there on were "
        "dropped."},
       {"comment between records", "[Nodes]\n1 0 0 0\n# the roof\n2 3 4 0\n", 1, 0,
        "m.mod, line 3: text that is no number ends the nodes; the records behind it were dropped."},
       {"not a number", "[Nodes]\n1 0 0 0\n2 nan 0 0\n3 1 -inf 0\n4 1e300 1 1\n5 1 1 1\n", 2, 0,
-       "m.mod, line 3: node 2 has a value that is infinite or no number; the node was dropped, and "
+       "m.mod, line 3: node 2 has a value that is no number or beyond 1e30; the node was dropped, "
+       "and "
        "2 more faults followed."},
       {"large node number", "[Nodes]\n1 0 0 0\n9999999999 1 1 1\n", 2, 0,
        "m.mod, line 3: a node number does not fit into 32 bits and was cut to the nearest that "
@@ -265,6 +270,15 @@ TEST(ModelFile, ReplacesTheEarlierModelAndTellsOnce) {
   EXPECT_EQ(changes.count(), 2);
 }
 
+TEST(ModelFile, FindsNodesThatReplaceAsManyOthers) {
+  TModel model;
+  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n4 1 2 3\n").Ok());
+  model.Clear();
+  model.Nodes.Emplace(7, TVertex{});
+  EXPECT_EQ(model.NodeIndex(7), 0);
+  EXPECT_EQ(model.NodeIndex(4), -1);
+}
+
 /// A model of many nodes, long enough for several reports of progress.
 std::string LargeModel() {
   std::string text = "[Nodes]\n";
@@ -295,6 +309,21 @@ TEST(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
   EXPECT_EQ(model.Nodes.Get(0), first);
   EXPECT_TRUE(model.Loaded);
   EXPECT_EQ(changes.count(), 1);
+}
+
+TEST(ModelFile, ShowsProgressWithinOneLargeElement) {
+  std::string text = kNodes + "[Elements]\n1\n1 3 -1 2000000";
+  for (int i = 0; i < 2'000'000; ++i) text += " 1";
+  TModel model;
+  std::vector<double> told;
+  EXPECT_TRUE(model
+                  .LoadFromMemory(text,
+                                  [&](double done) {
+                                    told.push_back(done);
+                                    return done < 0.4;
+                                  })
+                  .Cancelled());
+  EXPECT_LT(told.back(), 0.9) << "cancelled before the element ends";
 }
 
 TEST(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {

@@ -5,9 +5,17 @@
 #include <QAction>
 #include <QClipboard>
 #include <QDir>
+#include <QDropEvent>
 #include <QGuiApplication>
 #include <QImage>
+#include <QMimeData>
+#include <QScreen>
+#include <QSlider>
 #include <QTest>
+#include <QToolBar>
+#include <QToolButton>
+#include <QWindow>
+#include <initializer_list>
 
 #include "tests/support/Testsupport.h"
 #include "viewer/Glpanel.h"
@@ -142,6 +150,39 @@ TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
   window.Dialogs.PictureFile = [](auto...) { return TestFolder() + "/none/bridge.bmp"; };
   Trigger("SaveBitmapMenu");
   EXPECT_EQ(TakeMessages(), QStringList("Cannot write bridge.bmp: No such file or directory."));
+}
+
+TEST_F(GlViewwnd, InANarrowWindowTheButtonBarOpensOverTheView) {
+  Trigger("UnloadModelMenu");  // all black
+  window.resize(400, 500);
+  auto* bar = window.findChild<QToolBar*>("ButtonBar");
+  auto* more = bar->findChild<QToolButton*>("qt_toolbar_ext_button");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return more->isVisible(); }));
+  more->click();
+  const auto* slider = window.findChild<QSlider*>("ScaleBar");
+  // The slider's groove as the screen shows it, where the black picture was.
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    const QPoint place = slider->mapToGlobal(slider->rect().center());
+    const QPixmap shown = window.screen()->grabWindow(0, place.x(), place.y(), 1, 1);
+    return panel->rect().contains(panel->mapFromGlobal(place)) &&
+           shown.toImage().pixelColor(0, 0).lightness() > 60;
+  }));
+}
+
+TEST_F(GlViewwnd, TakesFilesDroppedOnTheView) {
+  const QPoint place = panel->mapTo(&window, panel->rect().center());
+  QMimeData mime;
+  mime.setUrls({QUrl::fromLocalFile(WriteTestFile("dropped.dat", kData))});
+  QDragEnterEvent enter(place, Qt::CopyAction, &mime, Qt::LeftButton, {});
+  QDragMoveEvent move(place, Qt::CopyAction, &mime, Qt::LeftButton, {});
+  QDropEvent drop(place, Qt::CopyAction, &mime, Qt::LeftButton, {});
+  // By way of the system's window, as from another program.
+  for (QEvent* event : std::initializer_list<QEvent*>{&enter, &move, &drop}) {
+    QCoreApplication::sendEvent(window.windowHandle(), event);
+    EXPECT_TRUE(event->isAccepted()) << event->type();
+  }
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.windowTitle(), "Velmora Animator 2.2 : a.mod + dropped.dat");
 }
 
 TEST_F(GlViewwnd, CopiesThePictureToTheClipboard) {

@@ -536,6 +536,12 @@ TEST_F(Viewwnd, NonsenseInTheSettingsStillMakesASaneWindow) {
   EXPECT_TRUE(SavedText().contains("\nModelFile=\n"));
 }
 
+TEST_F(Viewwnd, FirstLiesOnTheScreenWithTheLegendInsideIt) {
+  const QRect bounds(window->pos(), window->size());
+  EXPECT_TRUE(window->screen()->availableGeometry().contains(bounds));
+  EXPECT_TRUE(bounds.contains(QRect(window->Legend().pos(), window->Legend().size())));
+}
+
 TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
   window->show();
   Trigger("ShowLegendMenu");
@@ -549,6 +555,23 @@ TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
   window->Legend().close();
   EXPECT_TRUE(SavedText().contains("LabelsVisible=1"));
   QCoreApplication::processEvents();
+  TakeMessages();
+}
+
+TEST_F(Viewwnd, InTheLegendTheSpaceBarIsTheLegends) {
+  LoadModel(kModel);
+  LoadData(kData);
+  window->show();
+  Trigger("ShowLegendMenu");
+  window->Legend().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window->Legend()));
+  auto* labels = window->Legend().findChild<QListWidget*>("Labels");
+  labels->setCurrentRow(1, QItemSelectionModel::NoUpdate);
+  QTest::keyClick(labels, Qt::Key_Space);
+  EXPECT_EQ(window->Legend().MakeCheckString(), "101");
+  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
+  QTest::keyClick(labels, Qt::Key_Right);
+  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
   TakeMessages();
 }
 
