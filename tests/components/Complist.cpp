@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <functional>
 #include <memory>
 
 namespace {
@@ -82,6 +83,21 @@ TEST_F(TKorvalCompListTest, SurvivesAHookThatDestroysTheComponentItIsAskedAbout)
   list.OnBeforeChange = [](QObject* item, TListAction, bool&) { delete item; };
   EXPECT_FALSE(list.Delete(0));
   EXPECT_EQ(list.Count(), 0);
+}
+
+TEST_F(TKorvalCompListTest, SurvivesAListenerThatTakesOthersAway) {
+  const std::function<void(TKorvalCompList&)> changes[] = {
+      [](TKorvalCompList& l) { l.SetBaseClass(&QPushButton::staticMetaObject); },
+      [](TKorvalCompList& l) { l.Clear(); },
+      [](TKorvalCompList& l) { l.Assign(std::make_unique<TKorvalCompList>().get()); },
+  };
+  for (const auto& change : changes) {
+    TKorvalCompList shrinking(&form, &QLabel::staticMetaObject);
+    for (const char* name : {"a", "b", "c"}) shrinking.Add(At(name));
+    QObject::connect(&shrinking, &TKorvalCompList::OnItemChanged, [&] { shrinking.Delete(0); });
+    change(shrinking);
+    EXPECT_EQ(shrinking.Count(), 0);
+  }
 }
 
 TEST_F(TKorvalCompListTest, ResolvesNamesInTheirPlacesAndKeepsUnknownOnes) {
