@@ -15,6 +15,10 @@ constexpr int kLabelGap = 4;             ///< pixels between two labels of a hor
 constexpr int kLabelDistance = 2;        ///< pixels between a vertical axis's tick and its label
 constexpr std::size_t kMostTexts = 256;  ///< kept per axis; a moving axis leaves old ones behind
 
+/// Characters that are measured and drawn of a text: more than fit on any paper, few enough that
+/// one of a damaged file holds nothing up.
+constexpr qsizetype kLongestText = 1000;
+
 /// Height of a line of text with a pixel of air above and below, which keeps labels, titles and the
 /// frame of the graph apart.
 constexpr int kAir = 1;
@@ -261,7 +265,7 @@ const TTickLabel::TText& TTickLabel::Text(double value) const {
   }
   if (nextText_ == texts_.size()) {
     if (texts_.size() >= kMostTexts) texts_.clear();
-    const QString text = numFormat_->FormatedValue(value);
+    const QString text = numFormat_->FormatedValue(value).left(kLongestText);
     texts_.push_back({value, text, metrics_.horizontalAdvance(text)});
     nextText_ = texts_.size() - 1;
   }
@@ -368,8 +372,8 @@ void TAxisTitle::SetTimeCaption(const QString& caption) {
 
 void TAxisTitle::PropertiesChanged() { emit OnChange(this); }
 
-const QString& TAxisTitle::Text() const {
-  return axis_->GetScale() == TAxis::asTime ? timeCaption_ : caption_;
+QString TAxisTitle::Text() const {
+  return (axis_->GetScale() == TAxis::asTime ? timeCaption_ : caption_).left(kLongestText);
 }
 
 void TAxisTitle::CalculateOverlap() {

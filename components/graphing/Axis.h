@@ -193,8 +193,9 @@ class TAxisTitle : public TPersistent {
   /// What a time axis shows; set by the axis whenever it chooses its ticks.
   void SetTimeCaption(const QString& caption);
 
-  /// The text that is drawn: the time caption on a time axis, the caption otherwise.
-  const QString& Text() const;
+  /// The text that is drawn: the time caption on a time axis, the caption otherwise; of a very long
+  /// one its beginning.
+  QString Text() const;
 
   QMargins Overlap() const { return overlap_; }
   void CalculateOverlap();
