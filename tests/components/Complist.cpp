@@ -157,4 +157,11 @@ TEST_F(TKorvalCompListTest, ANewBaseClassSendsTheOthersAway) {
   EXPECT_EQ(Names(), "a");
 }
 
+TEST_F(TKorvalCompListTest, AllOthersGoThoughAListenerMovesThem) {
+  for (const char* name : {"a", "b", "c"}) list.Add(At(name));
+  QObject::connect(&list, &TKorvalCompList::OnItemChanged, [&] { list.Insert(0, At("x")); });
+  list.SetBaseClass(&QPushButton::staticMetaObject);
+  EXPECT_EQ(Names(), "x");
+}
+
 }  // namespace
