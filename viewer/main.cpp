@@ -18,7 +18,7 @@ TCommandLine ReadCommandLine(int argc, char** argv) {
 }
 
 void ShowMessageBox(const QString& text) {
-  QMessageBox box(QMessageBox::Information, QLatin1String(kProgramTitle), text, QMessageBox::Ok,
+  QMessageBox box(QMessageBox::Warning, QLatin1String(kProgramTitle), text, QMessageBox::Ok,
                   QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
   box.exec();

@@ -1,13 +1,14 @@
 #include "components/graphing/Anchoring.h"
 
 #include <QEvent>
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 /// The near edge and the extent of a control along one direction, after its parent has grown.
 std::pair<int, int> Followed(int near, int extent, int growth, bool keepNear, bool keepFar) {
-  if (keepNear && keepFar) return {near, extent + growth};
+  if (keepNear && keepFar) return {near, std::max(0, extent + growth)};
   if (keepNear) return {near, extent};
   if (keepFar) return {near + growth, extent};
   return {near + growth / 2, extent};
@@ -26,13 +27,17 @@ void TAnchoring::SetAlign(TAlign align) {
   Dock();
 }
 
+void TAnchoring::SetAnchors(TAnchors anchors) {
+  anchors_ = anchors;
+  followed_ = QRect();
+}
+
 bool TAnchoring::eventFilter(QObject* watched, QEvent* event) {
   if (watched == control_ && event->type() == QEvent::ParentChange) WatchParent();
   if (watched == parent_ && event->type() == QEvent::Resize) {
-    const QSize growth = parent_->size() - parentSize_;
-    parentSize_ = parent_->size();
+    const QSize before = std::exchange(parentSize_, parent_->size());
     if (!parent_->layout()) {
-      if (align_ == alNone) Follow(growth);
+      if (align_ == alNone) Follow(before);
       Dock();
     }
   }
@@ -44,6 +49,7 @@ void TAnchoring::WatchParent() {
   parent_ = control_->parentWidget();
   if (!parent_) return;
   parentSize_ = parent_->size();
+  followed_ = QRect();
   parent_->installEventFilter(this);
   Dock();
 }
@@ -73,11 +79,16 @@ void TAnchoring::Dock() {
   control_->setGeometry(place);
 }
 
-void TAnchoring::Follow(QSize growth) {
-  const QRect now = control_->geometry();
-  const auto [x, width] = Followed(now.x(), now.width(), growth.width(), anchors_.testFlag(akLeft),
-                                   anchors_.testFlag(akRight));
-  const auto [y, height] = Followed(now.y(), now.height(), growth.height(),
+void TAnchoring::Follow(QSize before) {
+  if (control_->geometry() != followed_) {
+    home_ = control_->geometry();
+    homeParentSize_ = before;
+  }
+  const QSize growth = parentSize_ - homeParentSize_;
+  const auto [x, width] = Followed(home_.x(), home_.width(), growth.width(),
+                                   anchors_.testFlag(akLeft), anchors_.testFlag(akRight));
+  const auto [y, height] = Followed(home_.y(), home_.height(), growth.height(),
                                     anchors_.testFlag(akTop), anchors_.testFlag(akBottom));
   control_->setGeometry(x, y, width, height);
+  followed_ = control_->geometry();
 }

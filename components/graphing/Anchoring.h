@@ -25,18 +25,24 @@ class TAnchoring : public QObject {
   TAlign GetAlign() const { return align_; }
   TAnchors GetAnchors() const { return anchors_; }
   void SetAlign(TAlign align);
-  void SetAnchors(TAnchors anchors) { anchors_ = anchors; }
+  void SetAnchors(TAnchors anchors);
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void WatchParent();
   void Dock();
-  void Follow(QSize growth);
+  /// Places the control in its parent, which had the size `before` until now.
+  void Follow(QSize before);
 
   QWidget* control_;  ///< the owner
   QPointer<QWidget> parent_;
   QSize parentSize_;
+  /// Where the control stood when it was last placed by others, and its parent's size then: from
+  /// there each place is worked out, so that halves of pixels and sizes cut at 0 do not add up.
+  QRect home_;
+  QSize homeParentSize_;
+  QRect followed_;  ///< where Follow left it; empty if home_ is to be taken anew
   TAlign align_ = alNone;
   TAnchors anchors_ = TAnchors(akLeft) | akTop;
 };

@@ -11,10 +11,13 @@
 
 namespace {
 
-constexpr int kLargestTick = 1000;       ///< pixels
 constexpr int kLabelGap = 4;             ///< pixels between two labels of a horizontal axis
 constexpr int kLabelDistance = 2;        ///< pixels between a vertical axis's tick and its label
 constexpr std::size_t kMostTexts = 256;  ///< kept per axis; a moving axis leaves old ones behind
+
+/// Characters that are measured and drawn of a text: more than fit on any paper, few enough that
+/// one of a damaged file holds nothing up.
+constexpr qsizetype kLongestText = 1000;
 
 /// Height of a line of text with a pixel of air above and below, which keeps labels, titles and the
 /// frame of the graph apart.
@@ -98,7 +101,7 @@ void TTick::SetPos(TTickPos pos) {
 }
 
 void TTick::SetSize(int size) {
-  if (size == size_ || size < 0 || size > kLargestTick) return;
+  if (size == size_ || size < 0 || size > kLargestSize) return;
   size_ = size;
   CalculateCoordinate();
   emit OnChange(this);
@@ -107,7 +110,7 @@ void TTick::SetSize(int size) {
 void TTick::SetRange(double start, double end, int count) {
   start_ = start;
   end_ = end;
-  count_ = count;
+  count_ = std::max(1, count);
 }
 
 double TTick::Value(int index) const {
@@ -168,7 +171,7 @@ QPoint TTick::LabelAnchor(int position) const {
 }
 
 void TTick::DrawLinear(QPainter& painter, const TTickLabel* label) const {
-  if (pos_ == tpNone || count_ < 1) return;
+  if (pos_ == tpNone) return;
   const bool labelled = label && label->GetPos() != TTickLabel::lpNone;
   const bool endsOnly = labelled && label->GetSpacing() == TTickLabel::lsMinMax;
   const double first = axis_->NearPixel(start_);
@@ -185,7 +188,7 @@ void TTick::DrawLinear(QPainter& painter, const TTickLabel* label) const {
 }
 
 void TTick::DrawLog(QPainter& painter) const {
-  if (pos_ == tpNone || count_ < 1 || axis_->GetLineColor().IsNone()) return;
+  if (pos_ == tpNone || axis_->GetLineColor().IsNone()) return;
   const double first = axis_->NearPixel(start_);
   const double decade = (axis_->FarPixel(end_) - first) / count_;  // negative on a vertical axis
   for (int i = 0; i < count_; ++i) {
@@ -262,7 +265,7 @@ const TTickLabel::TText& TTickLabel::Text(double value) const {
   }
   if (nextText_ == texts_.size()) {
     if (texts_.size() >= kMostTexts) texts_.clear();
-    const QString text = numFormat_->FormatedValue(value);
+    const QString text = numFormat_->FormatedValue(value).left(kLongestText);
     texts_.push_back({value, text, metrics_.horizontalAdvance(text)});
     nextText_ = texts_.size() - 1;
   }
@@ -369,8 +372,8 @@ void TAxisTitle::SetTimeCaption(const QString& caption) {
 
 void TAxisTitle::PropertiesChanged() { emit OnChange(this); }
 
-const QString& TAxisTitle::Text() const {
-  return axis_->GetScale() == TAxis::asTime ? timeCaption_ : caption_;
+QString TAxisTitle::Text() const {
+  return (axis_->GetScale() == TAxis::asTime ? timeCaption_ : caption_).left(kLongestText);
 }
 
 void TAxisTitle::CalculateOverlap() {
@@ -579,8 +582,8 @@ void TAxis::AutoScale() {
   OnQueryRange(autoMin_ ? workingMin_ : unusedMin, autoMax_ ? workingMax_ : unusedMax);
   // A range that is drawn already keeps its ticks. Choosing again could widen it: 0..11 may be the
   // outcome for 0.95..10.85, and would become 0..12 under a mouse that holds it.
-  if ((workingMin_ == drawnMin || workingMin_ == chosenForMin_) &&
-      (workingMax_ == drawnMax || workingMax_ == chosenForMax_)) {
+  if (workingMin_ == (autoMin_ ? drawnMin : chosenForMin_) &&
+      workingMax_ == (autoMax_ ? drawnMax : chosenForMax_)) {
     workingMin_ = drawnMin;
     workingMax_ = drawnMax;
     return;

@@ -35,15 +35,17 @@ class TTick : public TPersistent {
   Q_PROPERTY(int Size READ GetSize WRITE SetSize)
 
  public:
+  static constexpr int kLargestSize = 1000;
+
   explicit TTick(TAxis* axis, int size = 4);
 
   TAxis* GetAxis() const { return axis_; }
   TTickPos GetPos() const { return pos_; }
   int GetSize() const { return size_; }
   void SetPos(TTickPos pos);
-  void SetSize(int size);  ///< pixels; 0 to 1000
+  void SetSize(int size);  ///< pixels; 0 to kLargestSize
 
-  /// Value of the first and the last tick, and the number of intervals between them.
+  /// Value of the first and the last tick, and the number of intervals between them, at least 1.
   double Start() const { return start_; }
   double End() const { return end_; }
   int Count() const { return count_; }
@@ -191,8 +193,9 @@ class TAxisTitle : public TPersistent {
   /// What a time axis shows; set by the axis whenever it chooses its ticks.
   void SetTimeCaption(const QString& caption);
 
-  /// The text that is drawn: the time caption on a time axis, the caption otherwise.
-  const QString& Text() const;
+  /// The text that is drawn: the time caption on a time axis, the caption otherwise; of a very long
+  /// one its beginning.
+  QString Text() const;
 
   QMargins Overlap() const { return overlap_; }
   void CalculateOverlap();
@@ -300,8 +303,7 @@ class TAxis : public TPersistent {
   QRect Origin() const { return origin_; }
   void SetOrigin(const QRect& rect);
   /// The area that labels and title may not leave on the right, where they move left instead of
-  /// being cut off.
-  /// Empty: no such limit.
+  /// being cut off. Empty: no such limit.
   void SetBounds(const QRect& bounds) { bounds_ = bounds; }
   QRect Bounds() const { return bounds_; }
 

@@ -144,7 +144,7 @@ QWidget* TAxisEditor::TickGroup(const QString& title, TTick& tick) {
       {tr("None"), tr("Inside"), tr("Across"), tr("Outside")}, [&tick] { return tick.GetPos(); },
       [&tick](auto pos) { tick.SetPos(pos); });
   AddNumber(
-      form, name + QStringLiteral(".Size"), tr("Length in pixels"), 0, 100,
+      form, name + QStringLiteral(".Size"), tr("Length in pixels"), 0, TTick::kLargestSize,
       [&tick] { return tick.GetSize(); }, [&tick](int size) { tick.SetSize(size); });
   return group;
 }

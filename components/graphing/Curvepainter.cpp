@@ -31,6 +31,17 @@ QPen PointPen(const TSeriesStyle& style, double grid) {
   return QPen(style.GetPointColor().ToQColor(), grid);
 }
 
+/// SVG files written by Qt know no clipping.
+bool Clips(const QPainter& painter) {
+  return !painter.paintEngine() || painter.paintEngine()->type() != QPaintEngine::SVG;
+}
+
+/// The nearest pixel of a rectangle.
+QPoint Within(const TPlace& place, const QRect& rect) {
+  return {static_cast<int>(std::clamp<std::int64_t>(place.x, rect.left(), rect.right())),
+          static_cast<int>(std::clamp<std::int64_t>(place.y, rect.top(), rect.bottom()))};
+}
+
 /// The rectangle and what reaches into it from around it.
 QRect Reach(const QRect& rect, int logicalPixels, double grid) {
   const int room = static_cast<int>(std::ceil(logicalPixels * grid)) + 1;
@@ -60,8 +71,11 @@ TCurvePainter::TCurvePainter(QPainter& painter, const TSeriesStyle& style, const
       area_(area),
       linePen_(LinePen(style, area.grid)),
       pointPen_(PointPen(style, area.grid)),
-      lineRect_(Reach(area.rect, style.GetLineWeight(), area.grid)),
-      markerRect_(Reach(area.rect, kMarkerReach, area.grid)) {
+      clips_(Clips(painter)),
+      lineRect_(clips_ ? Reach(area.rect, style.GetLineWeight(), area.grid) : area.rect),
+      markerRect_(clips_ ? Reach(area.rect, kMarkerReach, area.grid) : area.rect),
+      barRect_(clips_ ? Reach(area.rect, 1, area.grid) : area.rect),
+      lineReach_(clips_ ? LineReach(linePen_) : 0) {
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing, false);
   if (area_.grid != 1.0) painter_.scale(1.0 / area_.grid, 1.0 / area_.grid);
@@ -71,7 +85,7 @@ TCurvePainter::TCurvePainter(QPainter& painter, const TSeriesStyle& style, const
     return;
   }
   sink_ = MakeLineSink(painter_, linePen_, lineRect_);
-  path_.emplace(area_.x, area_.y, lineRect_, LineReach(linePen_), *sink_);
+  path_.emplace(area_.x, area_.y, lineRect_, lineReach_, *sink_);
 }
 
 TCurvePainter::~TCurvePainter() {
@@ -108,7 +122,7 @@ void TCurvePainter::AddMarked(const TCoordinate& point, const TCoordinate& exten
 void TCurvePainter::DrawPiece(const TPlace& from, const TPlace& to) {
   if (style_.IsLineClear()) return;
   QLine line;
-  if (CutLine(from, to, lineRect_, LineReach(linePen_), line)) {
+  if (CutLine(from, to, lineRect_, lineReach_, line)) {
     UseLinePen();
     painter_.drawLine(line);
   }
@@ -147,24 +161,19 @@ void TCurvePainter::DrawBar(const TCoordinate& point, const TCoordinate& extent)
   const bool upright = style_.GetPointStyle() == TSeriesStyle::psXBar;
   const TCoordinate base{upright ? point.X - extent.X : point.X,
                          upright ? point.Y : point.Y - extent.Y};
-  const auto column = [this](double x) {
-    return static_cast<int>(
-        std::clamp<std::int64_t>(area_.x.Place(x), area_.rect.left() - 2, area_.rect.right() + 2));
-  };
-  const auto row = [this](double y) {
-    return static_cast<int>(
-        std::clamp<std::int64_t>(area_.y.Place(y), area_.rect.top() - 2, area_.rect.bottom() + 2));
-  };
   if (!std::isfinite(base.X) || !std::isfinite(base.Y)) return;
-  const QPoint a(column(point.X), row(point.Y));
-  const QPoint b(upright ? column(base.X) : area_.rect.left(),
-                 upright ? area_.rect.top() + area_.rect.height() - 1 : row(base.Y));
+  const TPlace top{area_.x.Place(point.X), area_.y.Place(point.Y)};
+  const TPlace foot{upright ? area_.x.Place(base.X) : area_.rect.left(),
+                    upright ? area_.rect.bottom() : area_.y.Place(base.Y)};
+  if (Misses(top, foot, area_.rect)) return;
+  const QPoint a = Within(top, barRect_);
+  const QPoint b = Within(foot, barRect_);
   UsePointPen();
   if (upright ? a.x() == b.x() : a.y() == b.y()) {
     painter_.drawLine(a, b);
   } else {
-    painter_.drawRect(QRect(std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::abs(a.x() - b.x()),
-                            std::abs(a.y() - b.y())));
+    painter_.drawRect(std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::abs(a.x() - b.x()),
+                      std::abs(a.y() - b.y()));
   }
 }
 

@@ -27,7 +27,8 @@ struct TPlotArea {
 double DeviceGrid(const QPainter& painter);
 
 /// Draws the points of one curve as they are handed in: lines, markers or bars. Scales the painter
-/// to the grid until it is destroyed. Drawing is clipped by the caller.
+/// to the grid until it is destroyed. Drawing is clipped by the caller, and here
+/// where the device cannot.
 class TCurvePainter {
  public:
   TCurvePainter(QPainter& painter, const TSeriesStyle& style, const TPlotArea& area);
@@ -54,8 +55,11 @@ class TCurvePainter {
   const TPlotArea area_;
   QPen linePen_;
   const QPen pointPen_;
+  const bool clips_;        ///< the device leaves out what lies outside the panel
   const QRect lineRect_;    ///< where a piece of the line can be seen
   const QRect markerRect_;  ///< where the centre of a marker can be seen from
+  const QRect barRect_;     ///< to which bars are cut
+  const int lineReach_;     ///< see CutLine
 
   // Points without markers are merged.
   std::unique_ptr<TLineSink> sink_;

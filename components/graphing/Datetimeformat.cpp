@@ -50,12 +50,10 @@ class TDateTimeWriter {
         pattern = pattern.mid(Mark(pattern));
         continue;
       }
-      const auto* end = std::find_if(pattern.begin(), pattern.end(),
-                                     [letter](QChar other) { return other.toLower() != letter; });
-      const qsizetype run = end - pattern.begin();
       if (letter == 'a') {
         pattern = pattern.mid(HalfOfDay(pattern));
       } else if (IsSpecifier(letter)) {
+        const qsizetype run = RunOf(letter, pattern);
         const bool minutes = letter == 'm' && previous == 'h' && run <= 2;
         Specifier(minutes ? QChar('n') : letter, static_cast<int>(run), pattern.mid(run));
         pattern = pattern.mid(run);
@@ -65,6 +63,13 @@ class TDateTimeWriter {
       }
       previous = letter;
     }
+  }
+
+  /// How often `letter` stands at the beginning, in either case.
+  static qsizetype RunOf(QChar letter, QStringView pattern) {
+    return std::find_if(pattern.begin(), pattern.end(),
+                        [letter](QChar other) { return other.toLower() != letter; }) -
+           pattern.begin();
   }
 
   static bool IsSpecifier(QChar letter) { return QStringView(u"cdeghmnstyz").contains(letter); }

@@ -40,6 +40,16 @@ void PullBlocks(const TProvideGraphBlock& source, Visit visit) {
   }
 }
 
+/// The same for a series, from whichever source it has.
+template <class Visit>
+void PullSeries(const TSeries& series, Visit visit) {
+  if (series.BlockSource) {
+    PullBlocks(series.BlockSource, visit);
+  } else {
+    PullPoints(series.DataSource, visit);
+  }
+}
+
 /// Calls `visit` with every point of a source and its extent.
 template <class Visit>
 void PullBars(const TProvideGraphData& source, Visit visit) {
@@ -127,37 +137,44 @@ TSeries::TSeries(QObject* owner) : TCustomDataSeries(std::make_unique<TSeriesSty
 void TSeries::Draw(QPainter* painter) {
   if (!Panel() || !DataSource || GetStyle()->IsInvisible()) return;
   TCurvePainter curve(*painter, *GetStyle(), Panel()->PlotArea(DeviceGrid(*painter)));
-  const auto add = [&](std::span<const TCoordinate> points) { curve.Add(points); };
   if (GetStyle()->IsBar()) {
     PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
       curve.AddBar(point, extent);
     });
-  } else if (BlockSource) {
-    PullBlocks(BlockSource, add);
   } else {
-    PullPoints(DataSource, add);
+    PullSeries(*this, [&](std::span<const TCoordinate> points) { curve.Add(points); });
   }
 }
 
 void TSeries::UpdateRangeX() {
   if (!DataSource) return;
   TBounds bounds;
-  const bool bar = GetStyle()->GetPointStyle() == TSeriesStyle::psXBar;
-  PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
-    bounds.Add(point.X);
-    if (bar) bounds.Add(point.X - extent.X);
-  });
+  if (GetStyle()->GetPointStyle() == TSeriesStyle::psXBar) {
+    PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
+      bounds.Add(point.X);
+      bounds.Add(point.X - extent.X);
+    });
+  } else {
+    PullSeries(*this, [&](std::span<const TCoordinate> points) {
+      for (const TCoordinate& point : points) bounds.Add(point.X);
+    });
+  }
   bounds.Fill(rangeX_);
 }
 
 void TSeries::UpdateRangeY() {
   if (!DataSource) return;
   TBounds bounds;
-  const bool bar = GetStyle()->GetPointStyle() == TSeriesStyle::psYBar;
-  PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
-    bounds.Add(point.Y);
-    if (bar) bounds.Add(point.Y - extent.Y);
-  });
+  if (GetStyle()->GetPointStyle() == TSeriesStyle::psYBar) {
+    PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
+      bounds.Add(point.Y);
+      bounds.Add(point.Y - extent.Y);
+    });
+  } else {
+    PullSeries(*this, [&](std::span<const TCoordinate> points) {
+      for (const TCoordinate& point : points) bounds.Add(point.Y);
+    });
+  }
   bounds.Fill(rangeY_);
 }
 

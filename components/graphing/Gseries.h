@@ -60,7 +60,8 @@ class TCustomGraphSeries : public TPersistent {
 
   /// Points of the series; a series without a source has none.
   TProvideGraphData DataSource;
-  /// The same points in blocks, beside DataSource and in its place where no extents are needed.
+  /// The same points in blocks, beside DataSource and used in its place where no extents are
+  /// needed.
   TProvideGraphBlock BlockSource;
 
   virtual void Draw(QPainter* painter) { Q_UNUSED(painter) }

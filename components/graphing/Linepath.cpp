@@ -5,11 +5,6 @@
 
 namespace {
 
-bool Misses(const TPlace& a, const TPlace& b, const QRect& rect) {
-  return std::max(a.x, b.x) < rect.left() || std::min(a.x, b.x) > rect.right() ||
-         std::max(a.y, b.y) < rect.top() || std::min(a.y, b.y) > rect.bottom();
-}
-
 bool Holds(const QRect& rect, const TPlace& p) {
   return p.x >= rect.left() && p.x <= rect.right() && p.y >= rect.top() && p.y <= rect.bottom();
 }
@@ -41,6 +36,11 @@ bool Clip(const TPlace& from, const TPlace& to, const QRect& rect, QLine& line) 
 }
 
 }  // namespace
+
+bool Misses(const TPlace& a, const TPlace& b, const QRect& rect) {
+  return std::max(a.x, b.x) < rect.left() || std::min(a.x, b.x) > rect.right() ||
+         std::max(a.y, b.y) < rect.top() || std::min(a.y, b.y) > rect.bottom();
+}
 
 bool CutLine(TPlace from, TPlace to, const QRect& rect, int reach, QLine& line) {
   if (Misses(from, to, rect)) return false;

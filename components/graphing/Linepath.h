@@ -17,6 +17,9 @@ struct TPlace {
   friend bool operator==(const TPlace&, const TPlace&) = default;
 };
 
+/// The box between two places has no pixel of the rectangle.
+bool Misses(const TPlace& a, const TPlace& b, const QRect& rect);
+
 /// Cuts a straight line to what lies within `reach` pixels of a rectangle; false if the line misses
 /// the rectangle. The cut ends are rounded to pixels, so that the farther the reach, the less does
 /// the part inside the rectangle move.

@@ -8,10 +8,13 @@ TKorvalCompList::TKorvalCompList(QObject* owner, const QMetaObject* baseClass)
 
 void TKorvalCompList::SetBaseClass(const QMetaObject* baseClass) {
   baseClass_ = baseClass;
-  for (int index = Count() - 1; index >= 0; --index) {
-    QObject* item = Get(index);
-    if (item && !item->metaObject()->inherits(baseClass_)) Remove(item);
+  for (const TItem& item : ItemsFromEnd()) {
+    if (item.alive && !item.alive->metaObject()->inherits(baseClass_)) Remove(item.component);
   }
+}
+
+std::vector<TKorvalCompList::TItem> TKorvalCompList::ItemsFromEnd() const {
+  return {items_.rbegin(), items_.rend()};
 }
 
 int TKorvalCompList::IndexOf(const QObject* component) const {
@@ -62,7 +65,7 @@ void TKorvalCompList::Remove(QObject* component) {
 
 void TKorvalCompList::Clear() {
   InOneChange([this] {
-    for (int index = Count() - 1; index >= 0; --index) Delete(index);
+    for (const TItem& item : ItemsFromEnd()) DeleteComponent(item.component);
     pending_.clear();
   });
 }
@@ -139,11 +142,12 @@ void TKorvalCompList::GetComponentsByNames() {
 void TKorvalCompList::AssignTo(TPersistent* destination) const {
   auto* other = qobject_cast<TKorvalCompList*>(destination);
   if (!other || other == this) return;
-  other->InOneChange([this, other] {
-    for (int index = other->Count() - 1; index >= 0; --index) {
-      if (!Contains(other->Get(index))) other->Delete(index);
+  const std::vector<TItem> items = items_;
+  other->InOneChange([this, other, &items] {
+    for (const TItem& item : other->ItemsFromEnd()) {
+      if (!Contains(item.component)) other->DeleteComponent(item.component);
     }
-    for (const TItem& item : items_) other->Add(item.alive);
+    for (const TItem& item : items) other->Add(item.alive);
     std::stable_sort(other->items_.begin(), other->items_.end(),
                      [this](const TItem& a, const TItem& b) {
                        return IndexOf(a.component) < IndexOf(b.component);

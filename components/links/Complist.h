@@ -87,6 +87,8 @@ class TKorvalCompList : public TPersistent {
     friend bool operator==(const TPending&, const TPending&) = default;
   };
 
+  /// A copy for loops in which a listener may change the list.
+  std::vector<TItem> ItemsFromEnd() const;
   bool Allows(QObject* item, TListAction action) const;
   void Remove(QObject* component);
   QObject* Find(const QString& name) const;

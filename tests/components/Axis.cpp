@@ -447,6 +447,20 @@ TEST(Axis, DrawsNothingWithoutRoomAndSurvivesEveryRange) {
   }
 }
 
+/// Texts of a million characters, as a damaged form may hold them, took seconds each.
+TEST(Axis, DrawsTheBeginningOfAVeryLongText) {
+  const QString longText(1'000'000, 'x');
+  TAxisOnPaper paper(TAxis::alLeft);
+  paper.axis.GetLabel()->GetNumFormat()->SetIsTimeFormat(true);
+  paper.axis.GetLabel()->GetNumFormat()->SetTimeFormatStr(longText);
+  paper.axis.GetTitle()->SetCaption(longText);
+  paper.Draw();
+  EXPECT_LT(paper.axis.Overlap().left(), 20'000);
+  EXPECT_EQ(paper.axis.GetTitle()->GetCaption(), longText) << "nothing of it is lost";
+  EXPECT_TRUE(longText.startsWith(paper.axis.GetTitle()->Text()));
+  EXPECT_LT(paper.axis.GetTitle()->Text().size(), 10'000);
+}
+
 TEST(Axis, IsSharpAtEveryDevicePixelRatio) {
   TAxisOnPaper paper(TAxis::alBottom);
   paper.axis.GetLabel()->SetPos(TTickLabel::lpNone);

@@ -226,7 +226,17 @@ TEST(AxisTicks, OfARangeThatIsDrawnAlreadyStay) {
   ExpectTicks(axis, 0, 11, 11, 22);
   ShowRange(axis, TAxis::asLinear, 0, 11);  // chosen anew this would be 0..12
   ExpectTicks(axis, 0, 11, 11, 22);
-  ShowRange(axis, TAxis::asLinear, 0, 11.5);
+  ShowRange(axis, TAxis::asLinear, 0, 10.85);  // one bound of each: other data
+  ExpectTicks(axis, 0, 12, 6, 30);
+
+  axis.SetAutoMin(false);
+  axis.SetMin(0.95);
+  ShowRange(axis, TAxis::asLinear, -50, 10.85);
+  ExpectTicks(axis, 0, 11, 11, 22);
+  ShowRange(axis, TAxis::asLinear, -50, 11);  // the fixed bound has not moved
+  ExpectTicks(axis, 0, 11, 11, 22);
+  axis.SetMin(0.5);
+  axis.AutoScale();
   ExpectTicks(axis, 0, 12, 6, 30);
 }
 

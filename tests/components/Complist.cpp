@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <functional>
 #include <memory>
 
 namespace {
@@ -84,6 +85,21 @@ TEST_F(TKorvalCompListTest, SurvivesAHookThatDestroysTheComponentItIsAskedAbout)
   EXPECT_EQ(list.Count(), 0);
 }
 
+TEST_F(TKorvalCompListTest, SurvivesAListenerThatTakesOthersAway) {
+  const std::function<void(TKorvalCompList&)> changes[] = {
+      [](TKorvalCompList& l) { l.SetBaseClass(&QPushButton::staticMetaObject); },
+      [](TKorvalCompList& l) { l.Clear(); },
+      [](TKorvalCompList& l) { l.Assign(std::make_unique<TKorvalCompList>().get()); },
+  };
+  for (const auto& change : changes) {
+    TKorvalCompList shrinking(&form, &QLabel::staticMetaObject);
+    for (const char* name : {"a", "b", "c"}) shrinking.Add(At(name));
+    QObject::connect(&shrinking, &TKorvalCompList::OnItemChanged, [&] { shrinking.Delete(0); });
+    change(shrinking);
+    EXPECT_EQ(shrinking.Count(), 0);
+  }
+}
+
 TEST_F(TKorvalCompListTest, ResolvesNamesInTheirPlacesAndKeepsUnknownOnes) {
   list.setProperty("Components", QStringList{"later", "b", "x", "a"});
   EXPECT_EQ(list.Count(), 0);
@@ -139,6 +155,13 @@ TEST_F(TKorvalCompListTest, ANewBaseClassSendsTheOthersAway) {
   for (const char* name : {"a", "x"}) EXPECT_TRUE(list.Add(At(name)));
   list.SetBaseClass(&QLabel::staticMetaObject);
   EXPECT_EQ(Names(), "a");
+}
+
+TEST_F(TKorvalCompListTest, AllOthersGoThoughAListenerMovesThem) {
+  for (const char* name : {"a", "b", "c"}) list.Add(At(name));
+  QObject::connect(&list, &TKorvalCompList::OnItemChanged, [&] { list.Insert(0, At("x")); });
+  list.SetBaseClass(&QPushButton::staticMetaObject);
+  EXPECT_EQ(Names(), "x");
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QSignalSpy>
+#include <QSvgGenerator>
+#include <QSvgRenderer>
 #include <limits>
 
 #include "components/graphing/Gseries.h"
@@ -89,6 +92,45 @@ TEST(DataPanel, NothingIsDrawnOutsideItsRectangle) {
   const int inside = CountPixels(image, Qt::white, TPanelFixture::kRect);
   EXPECT_LT(inside, 101 * 201);
   EXPECT_EQ(CountPixels(image, Qt::white), 150 * 230 - 101 * 201 + inside);
+}
+
+/// The panel written as a file that knows no clipping, and read again.
+QImage ThroughSvg(TPanelFixture& f) {
+  QBuffer file;
+  QSvgGenerator generator;
+  generator.setOutputDevice(&file);
+  generator.setViewBox(QRect(0, 0, 150, 230));
+  {
+    QPainter painter(&generator);
+    f.panel.Draw(&painter);
+  }
+  QImage image(150, 230, QImage::Format_RGB32);
+  image.fill(Qt::white);
+  QPainter painter(&image);
+  QSvgRenderer(file.data()).render(&painter);
+  return image;
+}
+
+TEST(DataPanel, NothingIsDrawnOutsideInAFileThatKnowsNoClipping) {
+  const std::vector<TCoordinate> points = {{-5.0, -5.0}, {15.0, 15.0}, {5.0, -1.0e9},
+                                           {1.0e9, 5.0}, {-50.0, 5.0}, {4.0, 20.0}};
+  TPanelFixture f;
+  TPanelFixture aside;
+  for (int style = TSeriesStyle::psNone; style <= TSeriesStyle::psYBar; ++style) {
+    const auto pointStyle = static_cast<TSeriesStyle::TPointStyle>(style);
+    f.AddCurve(points, {2.0, 2.0})->GetStyle()->SetPointStyle(pointStyle);
+    aside.AddCurve({{-20.0, 20.0}, {-20.0, 5.0}}, {2.0, 2.0})
+        ->GetStyle()
+        ->SetPointStyle(pointStyle);
+  }
+  // Half a line's width, or of a marker's, may reach over the border.
+  const QImage image = ThroughSvg(f);
+  const QRect around = TPanelFixture::kRect.adjusted(-4, -4, 4, 4);
+  const int inside = CountPixels(image, Qt::white, around);
+  EXPECT_LT(inside, 109 * 209 - 500);
+  EXPECT_EQ(CountPixels(image, Qt::white), 150 * 230 - 109 * 209 + inside);
+  aside.panel.DeleteSeries(TSeriesStyle::psYBar);  // stands on the left border
+  EXPECT_EQ(CountPixels(ThroughSvg(aside), Qt::white), 150 * 230);
 }
 
 TEST(DataPanel, VisibleSeriesMakeTheRanges) {

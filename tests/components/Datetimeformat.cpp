@@ -160,6 +160,16 @@ TEST(FormatDateTime, ReadsTheClockToTheNearestMillisecond) {
   }
 }
 
+/// One that is read again for every letter would take minutes.
+TEST(FormatDateTime, ReadsALongPatternOnce) {
+  constexpr qsizetype kLetters = 1'000'000;
+  for (const char letter : {'x', 'a', '-'}) {
+    const QString pattern(kLetters, letter);
+    EXPECT_EQ(FormatDateTime(pattern, kMorning), pattern);
+  }
+  EXPECT_EQ(FormatDateTime(QString(kLetters, 'z'), kMorning), "045");
+}
+
 /// 26 March 2000, 02:30 does not exist in central Europe, yet a logger may have run through it.
 TEST(FormatDateTime, ShowsTheHourThatSummerTimeLeavesOut) {
   EXPECT_EQ(Text("dd hh:nn", At(85, 2, 30, 0)), "26 02:30");

@@ -404,4 +404,33 @@ TEST(GraphPlace, FollowsTheSizeOfItsParent) {
   }
 }
 
+TEST(GraphPlace, ComesBackAfterManySmallStepsAndASqueeze) {
+  using A = TAnchoring;
+  const struct {
+    A::TAnchors anchors;
+    QRect wide, back;
+  } cases[] = {
+      {{}, {25, 30, 100, 80}, {20, 30, 100, 80}},
+      {A::akLeft | A::akTop | A::akRight, {20, 30, 110, 80}, {20, 30, 100, 80}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    QWidget form;
+    form.resize(300, 200);
+    auto* graph = new TKorvalGraph(&form);
+    graph->setGeometry(20, 30, 100, 80);
+    graph->SetAnchors(c.anchors);
+    form.show();
+    for (int width = 301; width <= 310; ++width) form.resize(width, 200);
+    EXPECT_EQ(graph->geometry(), c.wide);
+    form.resize(100, 200);
+    form.resize(300, 200);
+    EXPECT_EQ(graph->geometry(), c.back);
+
+    graph->move(40, 50);  // its user's new place counts from now on
+    form.resize(302, 200);
+    EXPECT_EQ(graph->pos(), QPoint(c.anchors ? 40 : 41, 50));
+  }
+}
+
 }  // namespace

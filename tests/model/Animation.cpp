@@ -151,8 +151,7 @@ TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
   std::uniform_real_distribution<double> any(-4.0, 4.0);
   const auto values = [&](int count, bool angles) {
     std::string text;
-    for (int k = 0; k < count; ++k)
-      text += ' ' + std::to_string(k > 2 && !angles ? 0 : any(random));
+    for (int k = 0; k < count; ++k) text += ' ' + Text(k > 2 && !angles ? 0 : any(random));
     return text + '\n';
   };
   for (int i = 0; i < kNodes; ++i) {

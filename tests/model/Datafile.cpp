@@ -240,7 +240,9 @@ TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
 TEST_F(DataFile, ShowsProgressWhereShortSectionsMakeManyNodes) {
   std::string nodes = "[Nodes]\n", sections;
   for (int i = 0; i < 1000; ++i) nodes += std::to_string(i) + " 1 1 1\n";
-  for (int i = 0; i < 100; ++i) sections += "[" + std::to_string(i) + "]7 1 1 1\n";
+  for (int i = 0; i < 100; ++i) {
+    sections.append("[").append(std::to_string(i)).append("]7 1 1 1\n");
+  }
   ASSERT_TRUE(model_.LoadFromMemory(nodes).Ok());
   EXPECT_TRUE(data_.LoadFromMemory(sections, model_, [](double) { return false; }).Cancelled());
 }

@@ -183,6 +183,19 @@ TEST(GlCommandline, WritesTheFramesOfACycle) {
   }
 }
 
+TEST(GlCommandline, TheSumOfOneDataSetMovesAsThatSetDoes) {
+  const QString model = WriteTestFile("a.mod", kModel);
+  const QString data = WriteTestFile("a.dat", "[F = 5]\n1 0 0 1\n2 1 0 0\n");
+  for (const char* type : {"absolute", "sum"}) {
+    const TRun run = RunProgram({model, data, "--render", QString(type) + ".png", "--frames", "4",
+                                 "--size", "200x150", "--scale-type", type});
+    ASSERT_EQ(run.status, 0) << run.err.toStdString();
+  }
+  // The sum has no picture of time 0: its first frame is the second of the others.
+  EXPECT_EQ(Picture("sum-001.png"), Picture("absolute-002.png"));
+  EXPECT_EQ(Picture("sum-003.png"), Picture("absolute-004.png"));
+}
+
 TEST(GlCommandline, WhatIsNearHidesWhatIsFar) {
   const QString model = WriteTestFile(
       "a.mod",
