@@ -191,8 +191,8 @@ void DrawNamed(QPainter& painter, const QString& name) {
 
 }  // namespace
 
-void RegisterIconImage(const QString& name, TIconPainter draw) {
-  Images().insert(name, std::move(draw));
+void RegisterIconImage(const QString& name, const TIconPainter& draw) {
+  Images().insert(name, draw);
 }
 
 bool HasIconImage(const QString& name) { return Images().contains(name); }

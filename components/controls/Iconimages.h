@@ -13,7 +13,7 @@ class QPainter;
 using TIconPainter = std::function<void(QPainter& painter)>;
 
 /// Adds a picture, or replaces the one of this name.
-void RegisterIconImage(const QString& name, TIconPainter draw);
+void RegisterIconImage(const QString& name, const TIconPainter& draw);
 bool HasIconImage(const QString& name);
 
 /// Draws a picture into the largest square in the middle of `box`. A name that ends in "Active",

@@ -204,8 +204,8 @@ QWidget* TAxisEditor::FormatGroup() {
 
 template <typename T>
 void TAxisEditor::AddChoice(QFormLayout* form, const QString& name, const QString& caption,
-                            const QStringList& choices, std::function<T()> get,
-                            std::function<void(T)> set) {
+                            const QStringList& choices, const std::function<T()>& get,
+                            const std::function<void(T)>& set) {
   auto* box = new QComboBox;
   box->setObjectName(name);
   box->addItems(choices);
@@ -219,8 +219,8 @@ void TAxisEditor::AddChoice(QFormLayout* form, const QString& name, const QStrin
 }
 
 void TAxisEditor::AddNumber(QFormLayout* form, const QString& name, const QString& caption,
-                            int from, int to, std::function<int()> get,
-                            std::function<void(int)> set) {
+                            int from, int to, const std::function<int()>& get,
+                            const std::function<void(int)>& set) {
   auto* box = new QSpinBox;
   box->setObjectName(name);
   box->setRange(from, to);
@@ -232,7 +232,8 @@ void TAxisEditor::AddNumber(QFormLayout* form, const QString& name, const QStrin
 }
 
 void TAxisEditor::AddColor(QFormLayout* form, const QString& name, bool noneAllowed,
-                           std::function<TColor()> get, std::function<void(TColor)> set) {
+                           const std::function<TColor()>& get,
+                           const std::function<void(TColor)>& set) {
   auto* picker = new TColorPicker(noneAllowed);
   picker->setObjectName(name);
   connect(picker, &TColorPicker::OnPick, this, set);
@@ -240,8 +241,8 @@ void TAxisEditor::AddColor(QFormLayout* form, const QString& name, bool noneAllo
   form->addRow(tr("Colour"), picker);
 }
 
-void TAxisEditor::AddFont(QFormLayout* form, const QString& name, std::function<QFont()> get,
-                          std::function<void(const QFont&)> set) {
+void TAxisEditor::AddFont(QFormLayout* form, const QString& name, const std::function<QFont()>& get,
+                          const std::function<void(const QFont&)>& set) {
   auto* picker = new TFontPicker;
   picker->setObjectName(name);
   connect(picker, &TFontPicker::OnPick, this, set);
@@ -249,8 +250,8 @@ void TAxisEditor::AddFont(QFormLayout* form, const QString& name, std::function<
   form->addRow(tr("Font"), picker);
 }
 
-QLineEdit* TAxisEditor::Text(const QString& name, std::function<QString()> get,
-                             std::function<void(const QString&)> set) {
+QLineEdit* TAxisEditor::Text(const QString& name, const std::function<QString()>& get,
+                             const std::function<void(const QString&)>& set) {
   auto* edit = new QLineEdit;
   edit->setObjectName(name);
   connect(edit, &QLineEdit::textEdited, this, set);
@@ -260,9 +261,10 @@ QLineEdit* TAxisEditor::Text(const QString& name, std::function<QString()> get,
   return edit;
 }
 
-QWidget* TAxisEditor::Bound(const QString& name, std::function<double()> get,
-                            std::function<void(double)> set, std::function<bool()> isAuto,
-                            std::function<void(bool)> setAuto) {
+QWidget* TAxisEditor::Bound(const QString& name, const std::function<double()>& get,
+                            const std::function<void(double)>& set,
+                            const std::function<bool()>& isAuto,
+                            const std::function<void(bool)>& setAuto) {
   auto* row = new QWidget;
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);

@@ -32,17 +32,19 @@ class TAxisEditor : public QDialog {
   // Each adds a row that shows a property and sets it; `get` also feeds Refresh.
   template <typename T>
   void AddChoice(QFormLayout* form, const QString& name, const QString& caption,
-                 const QStringList& choices, std::function<T()> get, std::function<void(T)> set);
+                 const QStringList& choices, const std::function<T()>& get,
+                 const std::function<void(T)>& set);
   void AddNumber(QFormLayout* form, const QString& name, const QString& caption, int from, int to,
-                 std::function<int()> get, std::function<void(int)> set);
+                 const std::function<int()>& get, const std::function<void(int)>& set);
   void AddColor(QFormLayout* form, const QString& name, bool noneAllowed,
-                std::function<TColor()> get, std::function<void(TColor)> set);
-  void AddFont(QFormLayout* form, const QString& name, std::function<QFont()> get,
-               std::function<void(const QFont&)> set);
-  QWidget* Bound(const QString& name, std::function<double()> get, std::function<void(double)> set,
-                 std::function<bool()> isAuto, std::function<void(bool)> setAuto);
-  QLineEdit* Text(const QString& name, std::function<QString()> get,
-                  std::function<void(const QString&)> set);
+                const std::function<TColor()>& get, const std::function<void(TColor)>& set);
+  void AddFont(QFormLayout* form, const QString& name, const std::function<QFont()>& get,
+               const std::function<void(const QFont&)>& set);
+  QWidget* Bound(const QString& name, const std::function<double()>& get,
+                 const std::function<void(double)>& set, const std::function<bool()>& isAuto,
+                 const std::function<void(bool)>& setAuto);
+  QLineEdit* Text(const QString& name, const std::function<QString()>& get,
+                  const std::function<void(const QString&)>& set);
 
   /// Shows the axis as it is: a setter may have refused, swapped or rounded what was entered.
   void Refresh();
