@@ -231,7 +231,7 @@ bool TArraySeries::ReadSeries(const QJsonObject& record, QString* error) {
   std::vector<TCoordinate> points;
   points.reserve(static_cast<std::size_t>(array.size()));
   const auto isNumber = [](const QJsonValue& v) { return v.isDouble() || v.isNull(); };
-  for (const QJsonValue& item : array) {
+  for (const auto& item : array) {
     const QJsonArray pair = item.toArray();
     if (pair.size() != 2 || !isNumber(pair[0]) || !isNumber(pair[1])) {
       return refuse(

@@ -128,7 +128,7 @@ bool TSeriesList::ReadProperties(const QString& text, QString* error) {
   if (!document.isArray()) return refuse(QStringLiteral("The text is no list of series"));
 
   std::vector<TEntry> read;
-  for (const QJsonValue& value : document.array()) {
+  for (const auto& value : document.array()) {
     const QString where = QStringLiteral("Series %1: ").arg(read.size() + 1);
     QJsonObject record = value.toObject();
     const QString className = record.take(QLatin1String(kClassKey)).toString();
