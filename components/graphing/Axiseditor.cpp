@@ -82,6 +82,7 @@ TAxisEditor::~TAxisEditor() = default;
 void TAxisEditor::Apply() { before_.Assign(&axis_); }
 
 void TAxisEditor::reject() {
+  setFocus();  // a bound that is being typed is taken now, and not when the dialog hides
   axis_.Assign(&before_);
   QDialog::reject();
 }

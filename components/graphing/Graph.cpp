@@ -5,17 +5,20 @@
 #include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <algorithm>
 #include <cmath>
 
 #include "components/graphing/Axiseditor.h"
+#include "components/graphing/Curvepainter.h"
 #include "components/graphing/Plotfont.h"
 #include "components/graphing/Serieseditor.h"
 
 namespace {
 
-constexpr int kBevel = 1;  ///< pixels of a frame on each side
+constexpr int kBevel = 1;                ///< pixels of a frame on each side
+constexpr qint64 kMostPixels = 1 << 26;  ///< of a picture or a buffer, four bytes each
 
 /// Largest of the two on each side.
 QMargins Largest(const QMargins& a, const QMargins& b) {
@@ -44,6 +47,20 @@ QString ValueText(const TAxis& axis, double value, double nextPixel) {
   return QString::number(shown, 'g', std::clamp(digits, 1, 15));
 }
 
+bool Fits(QSize pixels) { return qint64{pixels.width()} * pixels.height() <= kMostPixels; }
+
+/// Runs a dialog modally. It survives its parent's end, which takes the dialog along.
+void Execute(QDialog* dialog) {
+  const QPointer<QDialog> alive(dialog);
+  dialog->exec();
+  delete alive;
+}
+
+/// The painter's device shows more than a pixmap holds: paper, a file, a larger picture.
+bool IsFiner(const QPainter& painter, const QPixmap& buffer) {
+  return DeviceGrid(painter) > 1.01 * buffer.devicePixelRatio();
+}
+
 }  // namespace
 
 TKorvalGraph::TKorvalGraph(QWidget* parent)
@@ -67,7 +84,7 @@ TKorvalGraph::TKorvalGraph(QWidget* parent)
 
   dataPanel_->SetFillColor(TColor::None());
   dataPanel_->GetSeriesList().Editor = [this](TSeriesList& list) {
-    TSeriesEditor(list, this).exec();
+    Execute(new TSeriesEditor(list, this));
   };
   connect(dataPanel_.get(), &TDataPanel::OnChange, this, &TKorvalGraph::UpdateGraph);
   connect(dataPanel_.get(), &TDataPanel::OnRepaint, this, &TKorvalGraph::Redraw);
@@ -76,7 +93,14 @@ TKorvalGraph::TKorvalGraph(QWidget* parent)
   ready_ = true;
 }
 
-TKorvalGraph::~TKorvalGraph() { ready_ = false; }
+TKorvalGraph::~TKorvalGraph() {
+  ready_ = false;
+  // An open editor goes before what it edits.
+  if (auto* editor = findChild<QDialog*>(QString(), Qt::FindDirectChildrenOnly)) {
+    editor->hide();
+    delete editor;
+  }
+}
 
 /// What both axes have in common.
 void TKorvalGraph::SetUpAxis(TAxis& axis) {
@@ -147,9 +171,9 @@ void TKorvalGraph::UpdateGraph() {
   if (!ready_ || updating_) return;
   const QScopedValueRollback<bool> guard(updating_, true);
   if (!HasBufferOfItsSize()) {
-    const double ratio = devicePixelRatioF();
-    backBuffer_ = QPixmap(QSizeF(QSizeF(size()) * ratio).toSize().expandedTo({1, 1}));
-    backBuffer_.setDevicePixelRatio(ratio);
+    const QSize pixels = BufferSize();
+    backBuffer_ = Fits(pixels) ? QPixmap(pixels) : QPixmap();
+    backBuffer_.setDevicePixelRatio(devicePixelRatioF());
     stale_ = true;
   }
   horizontalAx_->UpdateAxis();
@@ -198,10 +222,14 @@ void TKorvalGraph::AdjustOrigin() {
   }
 }
 
+/// In device pixels.
+QSize TKorvalGraph::BufferSize() const {
+  return (QSizeF(size()) * devicePixelRatioF()).toSize().expandedTo({1, 1});
+}
+
 bool TKorvalGraph::HasBufferOfItsSize() const {
-  return !backBuffer_.isNull() && backBuffer_.devicePixelRatio() == devicePixelRatioF() &&
-         backBuffer_.size() ==
-             QSizeF(QSizeF(size()) * devicePixelRatioF()).toSize().expandedTo({1, 1});
+  return backBuffer_.size() == BufferSize() &&
+         backBuffer_.devicePixelRatio() == devicePixelRatioF();
 }
 
 void TKorvalGraph::Resize() {
@@ -257,7 +285,9 @@ void TKorvalGraph::DrawFrame(QPainter& painter) const {
 }
 
 QImage TKorvalGraph::Picture(double ratio) {
-  QImage picture((QSizeF(size()) * ratio).toSize().expandedTo({1, 1}), QImage::Format_RGB32);
+  const QSize pixels = (QSizeF(size()) * ratio).toSize().expandedTo({1, 1});
+  QImage picture(Fits(pixels) ? pixels : QSize(), QImage::Format_RGB32);
+  if (picture.isNull()) return picture;
   picture.setDevicePixelRatio(ratio);
   picture.fill(Qt::white);
   QPainter painter(&picture);
@@ -269,20 +299,28 @@ void TKorvalGraph::CopyToClipboardAsBitmap() {
   QApplication::clipboard()->setImage(Picture(devicePixelRatioF()));
 }
 
-void TKorvalGraph::DrawBuffer() {
-  Resize();
-  if (!stale_) return;
-  stale_ = false;
-  // A background that is not painted shows what lies below the graph.
-  backBuffer_.fill(color_.IsNone() ? palette().color(backgroundRole()) : color_.ToQColor());
-  QPainter painter(&backBuffer_);
+/// A background that is not painted shows what lies below the graph.
+void TKorvalGraph::DrawOpaque(QPainter& painter) {
+  if (color_.IsNone()) painter.fillRect(rect(), palette().color(backgroundRole()));
   Draw(painter);
 }
 
+void TKorvalGraph::DrawBuffer() {
+  if (!stale_) return;
+  stale_ = false;
+  QPainter painter(&backBuffer_);
+  DrawOpaque(painter);
+}
+
 void TKorvalGraph::paintEvent(QPaintEvent*) {
-  DrawBuffer();
+  Resize();
   QPainter painter(this);
-  painter.drawPixmap(0, 0, backBuffer_);
+  if (backBuffer_.isNull() || IsFiner(painter, backBuffer_)) {
+    DrawOpaque(painter);
+  } else {
+    DrawBuffer();
+    painter.drawPixmap(0, 0, backBuffer_);
+  }
   if (showCoordinates_) DrawCoordinates(painter);
 }
 
@@ -290,6 +328,10 @@ void TKorvalGraph::resizeEvent(QResizeEvent*) { Resize(); }
 
 bool TKorvalGraph::event(QEvent* event) {
   if (event->type() == QEvent::PaletteChange && color_.IsNone()) Redraw();
+  // A menu or a dialog is about to be given the release that ends the drag.
+  const bool losesMouse =
+      event->type() == QEvent::ContextMenu || event->type() == QEvent::WindowBlocked;
+  if (losesMouse && dataPanel_->SelSlider()) LetGo(Qt::NoModifier, hover_);
   return QWidget::event(event);
 }
 
@@ -356,12 +398,17 @@ void TKorvalGraph::mouseReleaseEvent(QMouseEvent* event) {
   const QPoint at = event->position().toPoint();
   if (event->button() != Qt::LeftButton) return;
   if (dataPanel_->SelSlider()) {
-    dataPanel_->ReleaseSelSlider(event->modifiers(), at.x(), at.y());
-    Replay();
+    LetGo(event->modifiers(), at);
   } else if (dataPanel_->GetAllowSelection()) {
     dataPanel_->EndSelection(event->modifiers(), at.x(), at.y());
     Redraw();
   }
+}
+
+/// Releases the slider; the axes may take their automatic ranges again.
+void TKorvalGraph::LetGo(Qt::KeyboardModifiers modifiers, QPoint at) {
+  dataPanel_->ReleaseSelSlider(modifiers, at.x(), at.y());
+  Replay();
 }
 
 void TKorvalGraph::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -372,7 +419,7 @@ void TKorvalGraph::mouseDoubleClickEvent(QMouseEvent* event) {
     if (EditAxis) {
       EditAxis(*axis);
     } else {
-      TAxisEditor(*axis, this).exec();
+      Execute(new TAxisEditor(*axis, this));
     }
     return;
   }

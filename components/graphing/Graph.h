@@ -15,8 +15,9 @@
 /// A graph: two axes along the sides of a plot rectangle, and a data panel with the series in it.
 ///
 /// Everything is painted into a back buffer, at the device pixel ratio of the screen; a paint event
-/// copies it. The left mouse button drags sliders and, if the data panel allows it, a selection; a
-/// double click opens the editor of what lies under it. GUI thread only.
+/// copies it, or draws directly on a device that shows more than the buffer, such as paper. The
+/// left mouse button drags sliders and, if the data panel allows it, a selection; a double click
+/// opens the editor of what lies under it. GUI thread only.
 class TKorvalGraph : public QWidget {
   Q_OBJECT
   Q_PROPERTY(TDataPanel* DataPanel READ GetDataPanel WRITE SetDataPanel)
@@ -78,7 +79,8 @@ class TKorvalGraph : public QWidget {
   /// Paints the graph in its own size, in logical pixels, on any device. Lays it out first if its
   /// size has changed since it was last.
   void Draw(QPainter& painter);
-  /// The graph as a picture of its size, `ratio` device pixels to a logical one.
+  /// The graph as a picture of its size, `ratio` device pixels to a logical one; null if that
+  /// were more than 67 million pixels.
   QImage Picture(double ratio = 1.0);
   /// Puts the picture on the clipboard.
   void CopyToClipboardAsBitmap();
@@ -117,15 +119,18 @@ class TKorvalGraph : public QWidget {
  private:
   void SetUpAxis(TAxis& axis);
   void Resize();
+  QSize BufferSize() const;
   bool HasBufferOfItsSize() const;
   void CalculateOverlap();
   void AdjustOrigin();
   void DrawFrame(QPainter& painter) const;
+  void DrawOpaque(QPainter& painter);
   void DrawBuffer();
   void DrawCoordinates(QPainter& painter) const;
   void HoverAt(QPoint pixel);
+  void LetGo(Qt::KeyboardModifiers modifiers, QPoint at);
 
-  QPixmap backBuffer_;
+  QPixmap backBuffer_;  ///< null for a graph too large for one, which is painted directly
   std::unique_ptr<TAxis> verticalAx_;
   std::unique_ptr<TAxis> horizontalAx_;
   std::unique_ptr<TDataPanel> dataPanel_;

@@ -30,6 +30,7 @@ std::optional<TGraphFile> KindOf(const QString& fileName) {
 }
 
 void WriteSvg(TKorvalGraph& graph, QIODevice& file) {
+  if (graph.size().isEmpty()) return;
   QSvgGenerator svg;
   svg.setOutputDevice(&file);
   svg.setResolution(static_cast<int>(kPixelsPerInch));
@@ -41,6 +42,7 @@ void WriteSvg(TKorvalGraph& graph, QIODevice& file) {
 }
 
 void WritePdf(TKorvalGraph& graph, QIODevice& file) {
+  if (graph.size().isEmpty()) return;
   QPdfWriter pdf(&file);
   pdf.setPageSize(QPageSize(QSizeF(graph.size()) * 72.0 / kPixelsPerInch, QPageSize::Point,
                             QString(), QPageSize::ExactMatch));
@@ -97,6 +99,13 @@ bool SaveGraph(TKorvalGraph& graph, const QString& fileName, QString* message) {
     return false;
   }
   const QByteArray bytes = GraphToBytes(graph, *kind);
+  if (bytes.isEmpty()) {
+    *message = QStringLiteral("Cannot write %1: a graph of %2 x %3 pixels has no such picture")
+                   .arg(fileName)
+                   .arg(graph.width())
+                   .arg(graph.height());
+    return false;
+  }
   QSaveFile file(fileName);
   if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) {
     return true;
@@ -107,7 +116,7 @@ bool SaveGraph(TKorvalGraph& graph, const QString& fileName, QString* message) {
 
 bool PrintGraph(TKorvalGraph& graph, QPagedPaintDevice& device) {
   QPainter painter;
-  if (!painter.begin(&device)) return false;
+  if (graph.size().isEmpty() || !painter.begin(&device)) return false;
   const QSizeF page(device.width(), device.height());
   const double scale = std::min(page.width() / graph.width(), page.height() / graph.height());
   painter.scale(scale, scale);

@@ -83,6 +83,32 @@ class TBounds {
   double max_ = -std::numeric_limits<double>::infinity();
 };
 
+/// The range of one coordinate of a series' points. Bars of the style `bar` lie along it and widen
+/// it by their size.
+template <double TCoordinate::*kPart>
+void PullRange(const TSeries& series, TSeriesStyle::TPointStyle bar, TRange& range) {
+  if (!series.DataSource) return;
+  TBounds bounds;
+  if (series.GetStyle()->GetPointStyle() == bar) {
+    PullBars(series.DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
+      bounds.Add(point.*kPart);
+      bounds.Add(point.*kPart - extent.*kPart);
+    });
+  } else {
+    PullSeries(series, [&](std::span<const TCoordinate> points) {
+      for (const TCoordinate& point : points) bounds.Add(point.*kPart);
+    });
+  }
+  bounds.Fill(range);
+}
+
+template <double TCoordinate::*kPart>
+void TakeRange(const std::vector<TCoordinate>& points, TRange& range) {
+  TBounds bounds;
+  for (const TCoordinate& point : points) bounds.Add(point.*kPart);
+  bounds.Fill(range);
+}
+
 }  // namespace
 
 TCustomGraphSeries::~TCustomGraphSeries() {
@@ -146,37 +172,8 @@ void TSeries::Draw(QPainter* painter) {
   }
 }
 
-void TSeries::UpdateRangeX() {
-  if (!DataSource) return;
-  TBounds bounds;
-  if (GetStyle()->GetPointStyle() == TSeriesStyle::psXBar) {
-    PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
-      bounds.Add(point.X);
-      bounds.Add(point.X - extent.X);
-    });
-  } else {
-    PullSeries(*this, [&](std::span<const TCoordinate> points) {
-      for (const TCoordinate& point : points) bounds.Add(point.X);
-    });
-  }
-  bounds.Fill(rangeX_);
-}
-
-void TSeries::UpdateRangeY() {
-  if (!DataSource) return;
-  TBounds bounds;
-  if (GetStyle()->GetPointStyle() == TSeriesStyle::psYBar) {
-    PullBars(DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
-      bounds.Add(point.Y);
-      bounds.Add(point.Y - extent.Y);
-    });
-  } else {
-    PullSeries(*this, [&](std::span<const TCoordinate> points) {
-      for (const TCoordinate& point : points) bounds.Add(point.Y);
-    });
-  }
-  bounds.Fill(rangeY_);
-}
+void TSeries::UpdateRangeX() { PullRange<&TCoordinate::X>(*this, TSeriesStyle::psXBar, rangeX_); }
+void TSeries::UpdateRangeY() { PullRange<&TCoordinate::Y>(*this, TSeriesStyle::psYBar, rangeY_); }
 
 TArraySeries::TArraySeries(int pointCount, QObject* owner)
     : TCustomDataSeries(std::make_unique<TSeriesStyle>(this), owner),
@@ -197,17 +194,8 @@ void TArraySeries::Draw(QPainter* painter) {
   curve.Add(points_);
 }
 
-void TArraySeries::UpdateRangeX() {
-  TBounds bounds;
-  for (const TCoordinate& point : points_) bounds.Add(point.X);
-  bounds.Fill(rangeX_);
-}
-
-void TArraySeries::UpdateRangeY() {
-  TBounds bounds;
-  for (const TCoordinate& point : points_) bounds.Add(point.Y);
-  bounds.Fill(rangeY_);
-}
+void TArraySeries::UpdateRangeX() { TakeRange<&TCoordinate::X>(points_, rangeX_); }
+void TArraySeries::UpdateRangeY() { TakeRange<&TCoordinate::Y>(points_, rangeY_); }
 
 void TArraySeries::WriteSeries(QJsonObject& record) const {
   TCustomDataSeries::WriteSeries(record);

@@ -27,7 +27,7 @@ class TDataPanel;
 
 /// Yields the point at `index`, moves the index on and returns true; false at the end. A bar style
 /// takes the bar's size from `extent`: a psXBar reaches from X - extent.X to X, a psYBar from
-/// Y - extent.Y to Y. Both arguments come in as zeros.
+/// Y - extent.Y to Y. `extent` comes in as zeros to a bar style.
 using TProvideGraphData = std::function<bool(int& index, TCoordinate& point, TCoordinate& extent)>;
 
 /// Fills `points` from the point at `index` on and returns how many it gave, 0 at the end. For
@@ -250,8 +250,12 @@ class TSeriesList : public TPersistent {
     AddOwned(std::move(series));
     return added;
   }
-  /// Shows the series of another list, which still owns them. One that is there already stays.
+  /// Shows the series of a link's list, which still owns them. One that is there already stays; the
+  /// series of another panel stay in that one.
   void Borrow(const TSeriesList& owner);
+  /// Takes out what was borrowed from another list, all at once: nobody asks one of them for points
+  /// any more.
+  void Return(const TSeriesList& owner);
   /// Takes the series out and frees it if the list owns it; other indices are ignored.
   void Delete(int index);
   /// Takes the series out; the caller gets it if the list owned it.
@@ -336,6 +340,7 @@ class TDataPanel : public TPersistent {
   }
   /// The panel shows the series of a link, which keeps them.
   void AddSeries(const TSeriesList& list) { list_.Borrow(list); }
+  void RemoveSeries(const TSeriesList& list) { list_.Return(list); }
   /// Frees the series if the panel owns it; an index outside the list is ignored.
   void DeleteSeries(int index) { list_.Delete(index); }
   /// Hands the series over if the panel owned it.

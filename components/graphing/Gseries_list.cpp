@@ -53,6 +53,7 @@ void TSeriesList::AddOwned(std::unique_ptr<TCustomGraphSeries> series) {
 }
 
 void TSeriesList::Borrow(const TSeriesList& owner) {
+  if (owner.panel_) return;
   bool added = false;
   for (const TEntry& entry : owner.entries_) {
     if (IndexOf(entry.series) >= 0) continue;
@@ -65,9 +66,21 @@ void TSeriesList::Borrow(const TSeriesList& owner) {
   if (added) Changed();
 }
 
-/// The panel forgets a series that is about to leave the list.
+void TSeriesList::Return(const TSeriesList& owner) {
+  const auto gone = std::erase_if(entries_, [&](const TEntry& entry) {
+    if (entry.owned || owner.IndexOf(entry.series) < 0) return false;
+    Leave(*entry.series);
+    return true;
+  });
+  if (gone > 0) Changed();
+}
+
+/// The panel forgets a series that is about to leave the list, and so does one that borrowed it.
 void TSeriesList::Leave(TCustomGraphSeries& series) {
-  if (!panel_) return;
+  if (!panel_) {
+    if (series.panel_) static_cast<void>(series.panel_->RemoveSeries(&series));
+    return;
+  }
   if (panel_->selSlider_ == &series) panel_->selSlider_ = nullptr;
   series.panel_ = nullptr;
 }

@@ -16,6 +16,21 @@ TPixelScale::TAxisRange RangeOf(const TAxis& axis) {
   return {axis.GetScale() == TAxis::asLog, axis.WorkingMin(), axis.ScaleFactor()};
 }
 
+/// The common range of the visible series, each brought up to date first.
+template <auto kUpdate, auto kRange>
+void Collect(const TSeriesList& list, TRange& range) {
+  if (list.Empty()) return;
+  range.SetReset(true);
+  for (int i = 0; i < list.Count(); ++i) {
+    TCustomGraphSeries* series = list.Get(i);
+    if (!series->GetVisible()) continue;
+    (series->*kUpdate)();
+    const TRange& own = (series->*kRange)();
+    // A series without a finite value covers nothing.
+    if (!own.GetReset()) range.GetBounds(&own);
+  }
+}
+
 }  // namespace
 
 TDataPanel::TDataPanel(const TAxis* horizontal, const TAxis* vertical, QObject* owner)
@@ -53,26 +68,11 @@ void TDataPanel::SetSeriesData(const QString& text) {
 }
 
 void TDataPanel::UpdateRangeX() {
-  if (list_.Empty()) return;
-  rangeX_.SetReset(true);
-  for (int i = 0; i < list_.Count(); ++i) {
-    TCustomGraphSeries* series = list_.Get(i);
-    if (!series->GetVisible()) continue;
-    series->UpdateRangeX();
-    // A series without a finite value covers nothing.
-    if (!series->RangeX().GetReset()) rangeX_.GetBounds(&series->RangeX());
-  }
+  Collect<&TCustomGraphSeries::UpdateRangeX, &TCustomGraphSeries::RangeX>(list_, rangeX_);
 }
 
 void TDataPanel::UpdateRangeY() {
-  if (list_.Empty()) return;
-  rangeY_.SetReset(true);
-  for (int i = 0; i < list_.Count(); ++i) {
-    TCustomGraphSeries* series = list_.Get(i);
-    if (!series->GetVisible()) continue;
-    series->UpdateRangeY();
-    if (!series->RangeY().GetReset()) rangeY_.GetBounds(&series->RangeY());
-  }
+  Collect<&TCustomGraphSeries::UpdateRangeY, &TCustomGraphSeries::RangeY>(list_, rangeY_);
 }
 
 TPixelScale TDataPanel::ScaleX(double grid) const {

@@ -7,6 +7,7 @@
 #include <QMetaEnum>
 #include <QScopedValueRollback>
 #include <QSpinBox>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <climits>
 
@@ -58,6 +59,7 @@ void TPropertyForm::Show(const TField& field, TShow show) {
 
 /// Null for a kind of property that has no editor.
 QWidget* TPropertyForm::MakeEditor(const TField& field) {
+  if (field.property.isFlagType()) return MakeSet(field);
   if (field.property.isEnumType()) return MakeChoice(field);
   if (field.property.metaType() == QMetaType::fromType<TColor>()) {
     auto* picker = new TColorPicker(true);
@@ -99,6 +101,29 @@ QWidget* TPropertyForm::MakeChoice(const TField& field) {
           [this, field, box](int index) { Write(field, box->itemData(index)); });
   Show(field, [box](const QVariant& value) { box->setCurrentIndex(box->findData(value.toInt())); });
   return box;
+}
+
+/// A box for each member of the set, which bears its name.
+QWidget* TPropertyForm::MakeSet(const TField& field) {
+  auto* boxes = new QWidget;
+  auto* layout = new QVBoxLayout(boxes);
+  layout->setContentsMargins(0, 0, 0, 0);
+  const QMetaEnum members = field.property.enumerator();
+  for (int i = 0; i < members.keyCount(); ++i) {
+    const int member = members.value(i);
+    auto* box = new QCheckBox(Words(QLatin1String(members.key(i)), true));
+    box->setObjectName(QLatin1String(members.key(i)));
+    layout->addWidget(box);
+    connect(box, &QCheckBox::toggled, this, [this, field, member](bool on) {
+      if (!field.object) return;
+      const int set = field.property.read(field.object).toInt();
+      Write(field, on ? set | member : set & ~member);
+    });
+    Show(field, [box, member](const QVariant& value) {
+      box->setChecked((value.toInt() & member) == member);
+    });
+  }
+  return boxes;
 }
 
 QWidget* TPropertyForm::MakeText(const TField& field) {

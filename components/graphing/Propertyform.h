@@ -39,6 +39,7 @@ class TPropertyForm : public QWidget {
   void AddRows(QFormLayout& form, TPersistent& object);
   QWidget* MakeEditor(const TField& field);
   QWidget* MakeChoice(const TField& field);
+  QWidget* MakeSet(const TField& field);
   QWidget* MakeText(const TField& field);
   void Write(const TField& field, const QVariant& value);
   void Refresh();

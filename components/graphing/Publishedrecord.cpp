@@ -16,7 +16,7 @@ bool IsColor(const QMetaProperty& property) {
 
 QJsonValue ToJson(const QMetaProperty& property, const QVariant& value) {
   if (property.isEnumType()) {
-    return QString::fromLatin1(property.enumerator().valueToKey(value.toInt()));
+    return QString::fromLatin1(property.enumerator().valueToKeys(value.toInt()));
   }
   if (IsColor(property)) return value.value<TColor>().Value();
   return QJsonValue::fromVariant(value);
@@ -31,9 +31,11 @@ std::optional<int> ToInt(const QJsonValue& value) {
 /// The value as the property has it; nothing if it is of another kind.
 QVariant FromJson(const QMetaProperty& property, const QJsonValue& value) {
   if (property.isEnumType()) {
-    bool known = false;
-    const int key = property.enumerator().keyToValue(value.toString().toLatin1(), &known);
-    return known && value.isString() ? QVariant(key) : QVariant();
+    if (!value.isString()) return {};
+    const QByteArray keys = value.toString().toLatin1();
+    bool known = property.isFlagType() && keys.isEmpty();
+    const int key = known ? 0 : property.enumerator().keysToValue(keys.constData(), &known);
+    return known ? QVariant(key) : QVariant();
   }
   if (IsColor(property) || property.typeId() == QMetaType::Int) {
     const std::optional<int> number = ToInt(value);

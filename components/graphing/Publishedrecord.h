@@ -6,8 +6,9 @@
 
 #include "components/links/Propclasses.h"
 
-/// Published properties as a record: one value per name, enumerations by their names, sub-objects
-/// as records of their own. Works on whatever properties the class of the object publishes.
+/// Published properties as a record: one value per name, enumerations and sets by their names,
+/// sub-objects as records of their own. Works on whatever properties the class of the object
+/// publishes.
 
 /// Calls `visit` with each published property of the object's class, in the order of publication.
 template <class TVisit>

@@ -58,6 +58,7 @@ void TSeriesEditor::Apply() {
 }
 
 void TSeriesEditor::reject() {
+  setFocus();  // a text that is being typed is taken now, and not when the dialog hides
   for (TPropertyForm* form : forms_) form->Revert();
   QDialog::reject();
 }

@@ -5,13 +5,13 @@
 TCustomGraphLink::TCustomGraphLink(QObject* owner)
     : TPersistent(owner), graph_(owner, &TKorvalGraph::staticMetaObject) {
   connect(&graph_, &TKorvalCompList::OnItemChanged, this,
-          [this](QObject*, QObject* graph, TListAction action) { GraphChanged(graph, action); });
+          [this](QObject*, QObject*, TListAction action) { GraphChanged(action); });
   connect(&series_, &TSeriesList::OnChange, this, &TCustomGraphLink::ShowSeries);
 }
 
 TCustomGraphLink::~TCustomGraphLink() {
-  // The series go with their list and leave the panel then; nobody is told that the link changes.
   blockSignals(true);
+  LeaveGraph();
 }
 
 TKorvalGraph* TCustomGraphLink::GetGraph() const {
@@ -33,24 +33,26 @@ void TCustomGraphLink::SetGraphName(const QString& name) {
 
 void TCustomGraphLink::Loaded() { graph_.GetComponentsByNames(); }
 
-void TCustomGraphLink::GraphChanged(QObject* graph, TListAction action) {
+void TCustomGraphLink::GraphChanged(TListAction action) {
   if (action == laAdded) {
     Attached();
     ShowSeries();
   } else {
-    // Of a graph that is being destroyed the panel is gone already, and its series know it.
-    for (int i = 0; i < series_.Count(); ++i) {
-      TDataPanel* panel = series_.Get(i)->Panel();
-      if (panel) static_cast<void>(panel->RemoveSeries(series_.Get(i)));
-    }
+    LeaveGraph();
   }
-  Q_UNUSED(graph)
   emit OnGraphChanged(this);
   emit OnChange(this);
 }
 
 void TCustomGraphLink::ShowSeries() {
   if (TKorvalGraph* graph = GetGraph()) graph->GetDataPanel()->AddSeries(series_);
+}
+
+/// Of a graph that is being destroyed the panel is gone already, and its series know it.
+void TCustomGraphLink::LeaveGraph() {
+  for (int i = 0; i < series_.Count(); ++i) {
+    if (TDataPanel* panel = series_.Get(i)->Panel()) panel->RemoveSeries(series_);
+  }
 }
 
 void TCustomGraphLink::SetUpdateInterval(int interval) {

@@ -74,8 +74,9 @@ class TCustomGraphLink : public TPersistent {
   virtual void Attached() {}
 
  private:
-  void GraphChanged(QObject* graph, TListAction action);
+  void GraphChanged(TListAction action);
   void ShowSeries();
+  void LeaveGraph();
 
   TSeriesList series_{this};
   TKorvalCompList graph_;  ///< one at most

@@ -2,12 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QClipboard>
 #include <QPainter>
 #include <QSignalSpy>
+#include <QSvgGenerator>
 #include <QTest>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <cmath>
+#include <limits>
+#include <random>
+
+#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -353,6 +360,39 @@ TEST_F(GraphTest, TellsTheValuesUnderTheMouse) {
   EXPECT_EQ(graph.grab().toImage(), without);
 }
 
+TEST_F(GraphTest, LetsGoOfASliderBeforeADialogTakesTheMouse) {
+  AddSlider(100, 50);
+  series->reach = 95;
+  Settle();
+  Press(At(100, 50));
+  series->reach = 100000;
+  QEvent dialog(QEvent::WindowBlocked);
+  QCoreApplication::sendEvent(&graph, &dialog);
+  EXPECT_EQ(graph.GetDataPanel()->SelSlider(), nullptr);
+  EXPECT_EQ(graph.GetHorizontalAx()->WorkingMax(), 100000.0);
+}
+
+TEST_F(GraphTest, DrawsDirectlyOnWhatShowsMoreThanItsBuffer) {
+  series->draws = 0;
+  QBuffer file;
+  file.open(QIODevice::WriteOnly);
+  QSvgGenerator svg;
+  svg.setOutputDevice(&file);
+  QPainter painter(&svg);
+  graph.render(&painter);
+  painter.end();
+  EXPECT_EQ(series->draws, 1);
+  EXPECT_TRUE(file.data().contains(">X-axis<")) << "texts stay texts";
+}
+
+TEST_F(GraphTest, PaintsDirectlyWhereABufferWouldTakeAllMemory) {
+  graph.hide();
+  graph.resize(100000, 100000);
+  graph.SetColor(TColor::Yellow());
+  EXPECT_EQ(graph.grab(QRect(20, 20, 5, 5)).toImage().pixelColor(2, 2), QColor(Qt::yellow));
+  EXPECT_TRUE(graph.Picture().isNull());
+}
+
 TEST_F(GraphTest, CopiesItsPictureToTheClipboard) {
   graph.CopyToClipboardAsBitmap();
   EXPECT_EQ(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
@@ -370,6 +410,83 @@ TEST_F(GraphTest, CopiesSizeAxesAndPanelIntoAnother) {
   EXPECT_TRUE(other.GetHorizontalAx()->SameAs(graph.GetHorizontalAx()));
   EXPECT_TRUE(other.GetVerticalAx()->SameAs(graph.GetVerticalAx()));
   EXPECT_EQ(other.GetDataPanel()->GetLineColor(), TColor::Blue());
+}
+
+/// Values at the ends of what a double can hold, and others among them.
+double HostileValue(std::mt19937& random) {
+  static constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  static constexpr double kValues[] = {
+      0.0,     -0.0,      1.0,        -1.0, 1e308, -1e308,    1e-6,        5e-324,
+      -5e-324, kInfinity, -kInfinity, 1e17, 43000, 43000.001, 1.0 + 1e-15, std::nan("")};
+  return kValues[random() % std::size(kValues)];
+}
+
+TEST(Graph, DrawsWhateverItsSeriesHoldAtAnySize) {
+  std::mt19937 random(20);
+  const auto any = [&random](int count) { return static_cast<int>(random() % count); };
+  for (int round = 0; round < 300; ++round) {
+    SCOPED_TRACE(round);
+    TKorvalGraph graph;
+    graph.resize(any(3) ? any(400) : any(3), any(3) ? any(300) : any(3));
+    for (TAxis* axis : {graph.GetHorizontalAx(), graph.GetVerticalAx()}) {
+      axis->SetScale(static_cast<TAxis::TAxisScale>(any(3)));
+      axis->SetAutoMin(any(2));
+      axis->SetMinMax(HostileValue(random), HostileValue(random));
+    }
+    auto* series = graph.GetDataPanel()->AddSeries(std::make_unique<TArraySeries>(any(40)));
+    for (int i = 0; i < series->PointCount(); ++i) {
+      series->SetPoint(i, {HostileValue(random), HostileValue(random)});
+    }
+    auto* bars = graph.GetDataPanel()->AddSeries(std::make_unique<TSeries>());
+    bars->DataSource = [&random](int& index, TCoordinate& point, TCoordinate& extent) {
+      point = {HostileValue(random), HostileValue(random)};
+      extent = {HostileValue(random), HostileValue(random)};
+      return ++index < 10;
+    };
+    for (TSeriesStyle* style : {series->GetStyle(), bars->GetStyle()}) {
+      style->SetLineStyle(static_cast<TSeriesStyle::TPenStyle>(any(6)));
+      style->SetPointStyle(static_cast<TSeriesStyle::TPointStyle>(any(6)));
+      style->SetLineWeight(any(2) ? 1 : 1 + any(100));
+    }
+    auto* slider = graph.GetDataPanel()->AddSeries(std::make_unique<TSliderSeries>());
+    slider->SetPosition({HostileValue(random), HostileValue(random)});
+    slider->SetShowGridX(true);
+    graph.Replay();
+    EXPECT_FALSE(graph.Picture(1.0 + any(3)).isNull());
+    for (int i = 0; i < 3; ++i) {
+      graph.GetDataPanel()->GetSelSlider({}, any(400), any(300));
+      graph.GetDataPanel()->MoveSelSlider({}, any(400), any(300));
+      graph.CoordinateText({any(400), any(300)});
+    }
+    EXPECT_TRUE(std::isfinite(slider->GetPositionX()));
+    for (const TAxis* axis : {graph.GetHorizontalAx(), graph.GetVerticalAx()}) {
+      EXPECT_LT(axis->WorkingMin(), axis->WorkingMax());
+      EXPECT_TRUE(std::isfinite(axis->WorkingMax() - axis->WorkingMin()));
+    }
+  }
+}
+
+TEST(Graph, TakesAnOpenEditorAlongWhenItGoes) {
+  for (const bool ofAxis : {true, false}) {
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+      ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
+    }
+    auto graph = std::make_unique<TKorvalGraph>();
+    graph->resize(300, 200);
+    graph->show();
+    const QRect plot = graph->PlotRect();
+    const QPointF at(plot.center().x(), ofAxis ? plot.bottom() + 2 : plot.center().y());
+    bool opened = false;
+    QTimer::singleShot(0, [&] {
+      opened = QApplication::activeModalWidget() != nullptr;
+      graph.reset();
+    });
+    QMouseEvent twice(QEvent::MouseButtonDblClick, at, graph->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(graph.get(), &twice);
+    EXPECT_TRUE(opened);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  }
 }
 
 TEST(GraphPlace, FollowsTheSizeOfItsParent) {

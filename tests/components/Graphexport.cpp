@@ -87,6 +87,28 @@ TEST_F(GraphExport, SaysWhyItCannotSave) {
   EXPECT_EQ(message, "Cannot write " + lost + ": No such file or directory");
 }
 
+TEST_F(GraphExport, WritesNoFileWithoutAPicture) {
+  const struct {
+    QSize size;
+    const char* name;
+    const char* message;
+  } cases[] = {
+      {{100000, 100000}, "a.png", ": a graph of 100000 x 100000 pixels has no such picture"},
+      {{0, 50}, "b.svg", ": a graph of 0 x 50 pixels has no such picture"},
+      {{50, 0}, "c.pdf", ": a graph of 50 x 0 pixels has no such picture"},
+  };
+  for (const auto& c : cases) {
+    graph.resize(c.size);
+    const QString name = TestFolder() + '/' + c.name;
+    QString message;
+    EXPECT_FALSE(SaveGraph(graph, name, &message));
+    EXPECT_EQ(message, "Cannot write " + name + c.message);
+    EXPECT_FALSE(QFile::exists(name));
+  }
+  QPdfWriter page(TestFolder() + "/page.pdf");
+  EXPECT_FALSE(PrintGraph(graph, page));
+}
+
 TEST_F(GraphExport, PrintsAsLargeAsThePageAllows) {
   const QString name = TestFolder() + "/page.pdf";
   QPdfWriter page(name);

@@ -305,6 +305,25 @@ TEST(SeriesList, ASeriesShownElsewhereMoves) {
   EXPECT_EQ(owner.Get(0)->Panel(), &second.panel);
 }
 
+TEST(SeriesList, ThePanelShowsOnlyWhatItsLinkStillHas) {
+  TSeriesList owner;
+  TSeries* series = owner.Add(std::make_unique<TSeries>());
+  TPanelFixture f;
+  f.panel.AddSeries(owner);
+  const auto taken = owner.Remove(series);
+  EXPECT_EQ(f.panel.GetSeriesList().Count(), 0);
+  EXPECT_EQ(series->Panel(), nullptr);
+}
+
+TEST(SeriesList, APanelDoesNotLendItsSeries) {
+  TPanelFixture first;
+  TPanelFixture second;
+  TSeries* series = first.AddCurve({});
+  second.panel.AddSeries(first.panel.GetSeriesList());
+  EXPECT_EQ(second.panel.GetSeriesList().Count(), 0);
+  EXPECT_EQ(series->Panel(), &first.panel);
+}
+
 /// A list with one series of each class, none of them in its initial state.
 void Fill(TSeriesList& list) {
   auto* series = list.Add(std::make_unique<TSeries>());

@@ -117,12 +117,13 @@ TEST(GraphLink, TakesItsSeriesAlongWhenItGoesFirst) {
   int pulls = 0;
   {
     TGraphLink link;
-    link.AddSeries(std::make_unique<TSeries>())->DataSource = Diagonal(pulls);
-    link.AddSeries(std::make_unique<TSeries>());
+    for (int i = 0; i < 2; ++i) {
+      link.AddSeries(std::make_unique<TSeries>())->DataSource = Diagonal(pulls);
+    }
     link.SetGraph(&graph);
+    pulls = 0;  // from here on the sources may be half destroyed
   }
   EXPECT_EQ(graph.GetDataPanel()->GetSeriesList().Count(), 0);
-  pulls = 0;
   graph.Replay();
   graph.Picture();
   EXPECT_EQ(pulls, 0);

@@ -97,6 +97,21 @@ TEST_F(SeriesEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
   EXPECT_EQ(editor->result(), QDialog::Rejected);
 }
 
+TEST_F(SeriesEditor, CancelDropsATextThatIsBeingTyped) {
+  if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+    ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
+  }
+  editor->show();
+  editor->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(editor.get()));
+  auto& label = Find<QLineEdit>(0, "Label");
+  label.setFocus();
+  QTest::keyClicks(&label, QStringLiteral("half"));
+  QTest::keyClick(&label, Qt::Key_Escape);
+  EXPECT_FALSE(editor->isVisible());
+  EXPECT_EQ(curve->GetLabel(), QStringLiteral("Curve"));
+}
+
 TEST_F(SeriesEditor, OkKeepsTheEdits) {
   Find<QSpinBox>(0, "LineWeight").setValue(3);
   Push(QDialogButtonBox::Ok);
