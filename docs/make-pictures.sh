@@ -63,5 +63,6 @@ window() {
 moving
 scale_types
 window
+QT_QPA_PLATFORM=offscreen build/release/examples/gallery/gallery --render "$pictures/gallery.png"
 rm -r "$frames"
 ls -l "$pictures"
