@@ -22,7 +22,7 @@ class TGLPanel : public QWidget {
   Q_PROPERTY(int PFDNumDepthBits READ GetPFDNumDepthBits WRITE SetPFDNumDepthBits)
 
  public:
-  enum TPFDFlag {
+  enum TPFDFlag : int {
     f_PFD_DRAW_TO_WINDOW = 1 << 0,
     f_PFD_DRAW_TO_BITMAP = 1 << 1,
     f_PFD_SUPPORT_GDI = 1 << 2,
@@ -37,7 +37,7 @@ class TGLPanel : public QWidget {
   };
   Q_DECLARE_FLAGS(TPFDFlags, TPFDFlag)
   Q_FLAG(TPFDFlags)
-  enum TPFDPixelTypes { f_PFD_TYPE_RGBA, f_PFD_TYPE_COLORINDEX };
+  enum TPFDPixelTypes : int { f_PFD_TYPE_RGBA, f_PFD_TYPE_COLORINDEX };
   Q_ENUM(TPFDPixelTypes)
 
   explicit TGLPanel(QWidget* parent = nullptr);

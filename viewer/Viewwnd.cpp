@@ -192,9 +192,9 @@ void TViewWnd::ApplyBounds(const TSettings& s) {
   for (const QScreen* screen : QGuiApplication::screens()) screens << screen->availableGeometry();
   const auto place = [&](QWidget& window, std::optional<int> left, std::optional<int> top,
                          std::optional<int> width, std::optional<int> height) {
-    const QRect wanted(left.value_or(window.x()), top.value_or(window.y()),
-                       width.value_or(window.width()), height.value_or(window.height()));
-    const QRect bounds = FitToScreens(wanted, screens, window.minimumSize());
+    const QPoint position(left.value_or(window.x()), top.value_or(window.y()));
+    const QSize size(width.value_or(window.width()), height.value_or(window.height()));
+    const QRect bounds = FitToScreens(position, size, screens, window.minimumSize());
     window.resize(bounds.size());
     window.move(bounds.topLeft());
   };

@@ -11,16 +11,16 @@ qint64 Area(const QRect& rect) {
   return rect.isEmpty() ? 0 : static_cast<qint64>(rect.width()) * rect.height();
 }
 
-QRect Tamed(const QRect& rect, QSize minimum) {
+QRect Tamed(QPoint place, QSize size, QSize minimum) {
   const auto tame = [](int value) { return std::clamp(value, -kFar, kFar); };
-  const QSize size(tame(rect.width()), tame(rect.height()));
-  return {QPoint(tame(rect.x()), tame(rect.y())), size.expandedTo(minimum)};
+  const QSize tamed(tame(size.width()), tame(size.height()));
+  return {QPoint(tame(place.x()), tame(place.y())), tamed.expandedTo(minimum)};
 }
 
 }  // namespace
 
-QRect FitToScreens(const QRect& wanted, const QList<QRect>& screens, QSize minimum) {
-  QRect bounds = Tamed(wanted, minimum);
+QRect FitToScreens(QPoint place, QSize size, const QList<QRect>& screens, QSize minimum) {
+  QRect bounds = Tamed(place, size, minimum);
   if (screens.isEmpty()) return bounds;
   qint64 seen = 0;
   qint64 most = 0;

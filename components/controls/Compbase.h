@@ -24,7 +24,7 @@ class TIconControl : public QWidget {
 
  public:
   /// Where the caption stands beside the picture; cpNone shows no caption.
-  enum TCaptionPos { cpNone, cpTop, cpBottom, cpLeft, cpRight };
+  enum TCaptionPos : int { cpNone, cpTop, cpBottom, cpLeft, cpRight };
   Q_ENUM(TCaptionPos)
 
   explicit TIconControl(QWidget* parent = nullptr);

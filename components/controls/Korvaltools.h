@@ -14,7 +14,7 @@ struct TBevel {
   Q_GADGET
 
  public:
-  enum TBevelKind {
+  enum TBevelKind : int {
     bvNone,     ///< nothing
     bvLowered,  ///< dark above and left, light below and right
     bvRaised,   ///< light above and left, dark below and right

@@ -12,11 +12,11 @@ class TAnchoring : public QObject {
   Q_OBJECT
 
  public:
-  enum TAlign { alNone, alTop, alBottom, alLeft, alRight, alClient };
+  enum TAlign : int { alNone, alTop, alBottom, alLeft, alRight, alClient };
   Q_ENUM(TAlign)
   /// The sides of the parent that keep their distance; with neither of two opposite sides the
   /// control stays in the middle between them.
-  enum TAnchor { akLeft = 1, akTop = 2, akRight = 4, akBottom = 8 };
+  enum TAnchor : int { akLeft = 1, akTop = 2, akRight = 4, akBottom = 8 };
   Q_DECLARE_FLAGS(TAnchors, TAnchor)
   Q_FLAG(TAnchors)
 

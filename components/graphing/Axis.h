@@ -26,7 +26,7 @@ class TTick : public TPersistent {
   Q_OBJECT
 
  public:
-  enum TTickPos { tpNone, tpInside, tpCross, tpOutside };
+  enum TTickPos : int { tpNone, tpInside, tpCross, tpOutside };
   Q_ENUM(TTickPos)
 
  private:
@@ -88,9 +88,9 @@ class TTickLabel : public TPersistent {
   Q_OBJECT
 
  public:
-  enum TLabelPos { lpNone, lpNextToAxis };
+  enum TLabelPos : int { lpNone, lpNextToAxis };
   Q_ENUM(TLabelPos)
-  enum TLabelSpacing {
+  enum TLabelSpacing : int {
     lsAuto,   ///< a label at every major tick that has room for one
     lsMinMax  ///< labels only at the first and the last major tick
   };
@@ -167,7 +167,7 @@ class TAxisTitle : public TPersistent {
 
  public:
   /// Position along the axis; on a vertical axis left is the bottom end.
-  enum TTitlePos { tiNone, tiLeft, tiCenter, tiRight };
+  enum TTitlePos : int { tiNone, tiLeft, tiCenter, tiRight };
   Q_ENUM(TTitlePos)
 
  private:
@@ -232,14 +232,14 @@ class TAxis : public TPersistent {
   Q_OBJECT
 
  public:
-  enum TAxisScale { asLinear, asLog, asTime };
+  enum TAxisScale : int { asLinear, asLog, asTime };
   Q_ENUM(TAxisScale)
-  enum TAxisOrientation { aoHorizontal, aoVertical };
+  enum TAxisOrientation : int { aoHorizontal, aoVertical };
   Q_ENUM(TAxisOrientation)
   /// The side of the plot rectangle on which the axis lies.
-  enum TAxisAlign { alLeft, alTop, alRight, alBottom };
+  enum TAxisAlign : int { alLeft, alTop, alRight, alBottom };
   Q_ENUM(TAxisAlign)
-  enum TAxisShape {
+  enum TAxisShape : int {
     shLine,  ///< a line on the axis's side
     shFrame  ///< a frame around the whole plot rectangle
   };

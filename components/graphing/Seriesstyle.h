@@ -11,7 +11,7 @@ class TBasicSeriesStyle : public TPersistent {
   Q_OBJECT
 
  public:
-  enum TPenStyle { psSolid, psDash, psDot, psDashDot, psDashDotDot, psClear };
+  enum TPenStyle : int { psSolid, psDash, psDot, psDashDot, psDashDotDot, psClear };
   Q_ENUM(TPenStyle)
 
   using TPersistent::TPersistent;
@@ -62,7 +62,7 @@ class TSeriesStyle : public TBasicSeriesStyle {
   Q_OBJECT
 
  public:
-  enum TPointStyle { psNone, psCircle, psRectangle, psCross, psXBar, psYBar };
+  enum TPointStyle : int { psNone, psCircle, psRectangle, psCross, psXBar, psYBar };
   Q_ENUM(TPointStyle)
 
  private:

@@ -12,7 +12,7 @@ class TNumberFormat : public TPersistent {
   Q_OBJECT
 
  public:
-  enum TFloatFormat { ffGeneral, ffExponent, ffFixed, ffNumber, ffCurrency };
+  enum TFloatFormat : int { ffGeneral, ffExponent, ffFixed, ffNumber, ffCurrency };
   Q_ENUM(TFloatFormat)
 
  private:

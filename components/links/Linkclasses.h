@@ -101,7 +101,7 @@ class TSliderLink : public TCustomGraphLink {
 
  public:
   /// The axis along which the value lies.
-  enum TSliderAxis { saX, saY };
+  enum TSliderAxis : int { saX, saY };
   Q_ENUM(TSliderAxis)
 
  private:

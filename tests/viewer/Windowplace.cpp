@@ -28,17 +28,16 @@ TEST(Windowplace, KeepsAWindowWhereTheUserCanReachIt) {
       {"too large on the right", {2000, 20, 900, 9000}, {2000, 0, 900, 984}},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(FitToScreens(c.wanted, {kLeft, kRight}, kMinimum), c.got) << c.what;
+    EXPECT_EQ(FitToScreens(c.wanted.topLeft(), c.wanted.size(), {kLeft, kRight}, kMinimum), c.got)
+        << c.what;
   }
 }
 
 TEST(Windowplace, TakesAnyNumbers) {
   for (const int a : {INT_MIN, -1, 0, INT_MAX}) {
     for (const int b : {INT_MIN, 0, INT_MAX}) {
-      QRect wanted;
-      wanted.setRect(a / 2, b / 2, b / 2, a / 2);
-      EXPECT_TRUE(kLeft.contains(FitToScreens(wanted, {kLeft}, kMinimum))) << a << ' ' << b;
+      EXPECT_TRUE(kLeft.contains(FitToScreens({a, b}, {b, a}, {kLeft}, kMinimum))) << a << ' ' << b;
     }
   }
-  EXPECT_EQ(FitToScreens({1, 2, 500, 500}, {}, kMinimum), QRect(1, 2, 500, 500));
+  EXPECT_EQ(FitToScreens({1, 2}, {500, 500}, {}, kMinimum), QRect(1, 2, 500, 500));
 }
