@@ -42,6 +42,11 @@ TIconLayout LayOutIcon(QSize image, QSize text, TIconControl::TCaptionPos pos) {
 
 // TIconControl
 
+bool IsLoading(const QObject* object) {
+  const auto* component = qobject_cast<const TIconControl*>(object);
+  return component && component->IsLoading();
+}
+
 TIconControl::TIconControl(QWidget* parent) : QWidget(parent) { TIconControl::UpdateVisibility(); }
 
 void TIconControl::SetCaption(const QString& caption) {

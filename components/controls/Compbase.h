@@ -44,6 +44,14 @@ class TIconControl : public QWidget {
   /// Of the picture, in logical pixels; sizes below 1 are ignored. Initially 24 x 24.
   QSize GetImageSize() const { return imageSize_; }
 
+  /// While its form is being read: setters store, and pass nothing on to other components.
+  bool IsLoading() const { return loading_; }
+  /// To be called by whoever reads a form, after making the component.
+  void BeginLoading() { loading_ = true; }
+  /// To be called once all components of the form have their properties. Descendants look up here
+  /// the components that they know by name, and call their base last, which ends the loading.
+  virtual void Loaded() { loading_ = false; }
+
   /// Shows only what may be seen, see the class.
   void setVisible(bool visible) override;
   QSize sizeHint() const override;
@@ -75,9 +83,13 @@ class TIconControl : public QWidget {
   bool showIcon_ = true;
   bool visible_ = true;
   bool face_ = false;
+  bool loading_ = false;
   QString iconImage_;
   QSize imageSize_{24, 24};
 };
+
+/// Whether `object` is a component whose form is being read. Null is none.
+bool IsLoading(const QObject* object);
 
 /// Puts a caption of size `text` beside a picture of size `image`, centred on each other across
 /// the line that joins them. An empty size is left out.

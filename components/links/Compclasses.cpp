@@ -1,0 +1,283 @@
+#include "components/links/Compclasses.h"
+
+#include <algorithm>
+#include <set>
+
+#include "model/Message.h"
+
+// TValueLink
+
+TValueLink::~TValueLink() {
+  for (TLinkableControl* control : controls_) control->Forget(this);
+}
+
+// TLinkableControl
+
+TLinkableControl::TRun::TRun(TLinkableControl& control, int& running)
+    : control_(&control), running_(running), outer_(control.innermost_) {
+  control.innermost_ = this;
+  ++running_;
+  ++depth_;
+}
+
+TLinkableControl::TRun::~TRun() {
+  --depth_;
+  if (IsGone()) return;
+  --running_;
+  control_->innermost_ = outer_;
+}
+
+bool TLinkableControl::TRun::IsCut() const { return running_ > kMaxReentry || depth_ > kMaxDepth; }
+
+TLinkableControl::~TLinkableControl() {
+  for (TRun* run = innermost_; run; run = run->outer_) run->control_ = nullptr;
+  for (TValueLink* link : links_) {
+    if (link) std::erase(link->controls_, this);
+  }
+}
+
+void TLinkableControl::NotifyClients() {
+  constexpr double kNoValue = 0.0;
+  CallLinks(kNoValue);
+}
+
+void TLinkableControl::AddLink(TValueLink* link, bool notifyNow) {
+  Q_UNUSED(notifyNow)
+  if (!link || HasLink(link)) return;
+  links_.push_back(link);
+  link->controls_.push_back(this);
+}
+
+void TLinkableControl::DeleteLink(TValueLink* link) {
+  if (!link || !HasLink(link)) return;
+  std::erase(link->controls_, this);
+  Forget(link);
+}
+
+int TLinkableControl::LinkCount() const {
+  return static_cast<int>(links_.size() - std::ranges::count(links_, nullptr));
+}
+
+/// A subscription is in few controls, while a control may have many subscribers.
+bool TLinkableControl::HasLink(const TValueLink* link) const {
+  return std::ranges::find(link->controls_, this) != link->controls_.end();
+}
+
+void TLinkableControl::Forget(const TValueLink* link) {
+  const auto found = std::ranges::find(links_, link);
+  if (notifying_ > 0) {
+    *found = nullptr;
+  } else {
+    links_.erase(found);
+  }
+}
+
+bool TLinkableControl::CallLinks(const double& value) {
+  TRun run(*this, notifying_);
+  if (run.IsCut()) return true;
+  const std::size_t count = links_.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const TValueLink* link = links_[i];
+    if (!link || !link->OnValue) continue;
+    link->OnValue(value);
+    if (run.IsGone()) return false;
+  }
+  if (notifying_ == 1) std::erase(links_, nullptr);
+  return true;
+}
+
+// TDataControl
+
+void TDataControl::SetValue(double value) {
+  value_ = value;
+  if (CanNotify()) NotifyClients();
+}
+
+void TDataControl::SetTimeAndValue(double time, double value) {
+  time_ = time;
+  SetValue(value);
+}
+
+void TDataControl::SetInterval(int interval) {
+  if (interval == interval_ || interval < 1) return;
+  interval_ = interval;
+  counter_ = 0;
+}
+
+bool TDataControl::CanNotify() {
+  if (++counter_ < interval_) return false;
+  counter_ = 0;
+  return true;
+}
+
+void TDataControl::NotifyClients() {
+  if (CallLinks(value_)) emit OnChange(this);
+}
+
+void TDataControl::AddLink(TValueLink* link, bool notifyNow) {
+  TLinkableControl::AddLink(link, notifyNow);
+  if (link && link->OnValue && notifyNow) link->OnValue(value_);
+}
+
+// TServerDataControl
+
+TServerDataControl::TServerDataControl(QWidget* parent) : TDataControl(parent) {
+  clients_.OnBeforeChange = [this](QObject* item, TListAction action, bool& allow) {
+    ClientsChanged(item, action, allow);
+  };
+  slider_.ReadValue = [this] { return GetValue(); };
+  slider_.WriteValue = [this](double value) { SetValue(value); };
+}
+
+TServerDataControl::~TServerDataControl() { destroying_ = true; }
+
+void TServerDataControl::SetValue(double value) {
+  if (!Deliver(value)) return;
+  if (slider_.IsAttached()) slider_.SetSliderPos(value);
+}
+
+/// False if the control was destroyed on the way.
+bool TServerDataControl::Deliver(double value) {
+  TRun run(*this, delivering_);
+  TDataControl::SetValue(value);
+  if (run.IsGone()) return false;
+  if (run.IsCut()) return true;
+  for (int i = 0; i < clients_.Count(); ++i) {
+    // The list holds nothing but data controls, or null for one that is being destroyed.
+    if (auto* client = static_cast<TDataControl*>(clients_.Get(i))) client->SetValue(value);
+    if (run.IsGone()) return false;
+  }
+  return true;
+}
+
+/// Each control is visited once, so that lists which share clients cost no more than their length.
+bool TServerDataControl::PointsTo(const TServerDataControl* target) const {
+  std::set<const TServerDataControl*> seen{this};
+  std::vector<const TServerDataControl*> open{this};
+  while (!open.empty()) {
+    const TServerDataControl* control = open.back();
+    open.pop_back();
+    for (int i = 0; i < control->clients_.Count(); ++i) {
+      const auto* client = control->clients_.Get<TServerDataControl>(i);
+      if (!client) continue;
+      if (client == target) return true;
+      if (seen.insert(client).second) open.push_back(client);
+    }
+  }
+  return false;
+}
+
+void TServerDataControl::ClientsChanged(QObject* item, TListAction action, bool& allow) {
+  if (destroying_ || IsLoading() || action != laAdded) return;
+  const auto* server = qobject_cast<const TServerDataControl*>(item);
+  if (!server) return;
+  allow = !server->PointsTo(this);
+  if (allow) return;
+  ShowMessage(QStringLiteral("Can't add component '%1' to the '%2.ClientControls'.\n"
+                             "Circular references not allowed!")
+                  .arg(item->objectName(), objectName()));
+}
+
+void TServerDataControl::Loaded() {
+  clients_.GetComponentsByNames();
+  slider_.Loaded();
+  TDataControl::Loaded();
+}
+
+// TInputData
+
+TInputData::TInputData(QObject* owner, double value)
+    : TPersistent(owner), value_(value), control_(owner, &TServerDataControl::staticMetaObject) {
+  connect(&control_, &TKorvalCompList::OnItemChanged, this,
+          [this](QObject*, QObject* item, TListAction action) {
+            // A control in its destruction is none any more, and has left the link by itself.
+            auto* control = qobject_cast<TServerDataControl*>(item);
+            if (!control) return;
+            if (action == laAdded) {
+              control->AddLink(&link_, true);
+            } else {
+              control->DeleteLink(&link_);
+            }
+          });
+}
+
+void TInputData::SetValue(double value) {
+  if (OnValidate && !OnValidate(value)) return;
+  value_ = value;
+  emit OnChange(this);
+}
+
+namespace {
+
+/// The one component of a list that holds one at most.
+template <class T>
+T* Single(const TKorvalCompList& list) {
+  return list.Empty() ? nullptr : list.Get<T>(0);
+}
+
+void SetSingle(TKorvalCompList& list, QObject* component) {
+  list.Clear();
+  if (component) list.Add(component);
+}
+
+void SetSingleName(TKorvalCompList& list, const QString& name) {
+  if (name == list.GetNames().value(0)) return;
+  list.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
+}
+
+}  // namespace
+
+TServerDataControl* TInputData::GetDataControl() const {
+  return Single<TServerDataControl>(control_);
+}
+
+void TInputData::SetDataControl(TServerDataControl* control) {
+  if (control != GetDataControl()) SetSingle(control_, control);
+}
+
+void TInputData::SetDataControlName(const QString& name) { SetSingleName(control_, name); }
+
+void TInputData::AssignTo(TPersistent* destination) const {
+  auto* port = qobject_cast<TInputData*>(destination);
+  if (!port || port == this) return;
+  port->SetValue(value_);
+  port->SetDataControl(GetDataControl());
+}
+
+bool TInputData::SameAs(const TPersistent* other) const {
+  const auto* port = qobject_cast<const TInputData*>(other);
+  return port && value_ == port->value_ && control_.SameAs(&port->control_);
+}
+
+// TOutputData
+
+TOutputData::TOutputData(QObject* owner)
+    : TPersistent(owner), control_(owner, &TDataControl::staticMetaObject) {}
+
+void TOutputData::SetValue(double value) {
+  value_ = value;
+  TDataControl* control = GetDataControl();
+  if (control && !IsLoading(Owner())) control->SetValue(value_);
+}
+
+TDataControl* TOutputData::GetDataControl() const { return Single<TDataControl>(control_); }
+
+void TOutputData::SetDataControl(TDataControl* control) {
+  if (control == GetDataControl()) return;
+  SetSingle(control_, control);
+  if (control && !IsLoading(Owner())) control->SetValue(value_);
+}
+
+void TOutputData::SetDataControlName(const QString& name) { SetSingleName(control_, name); }
+
+void TOutputData::AssignTo(TPersistent* destination) const {
+  auto* port = qobject_cast<TOutputData*>(destination);
+  if (!port || port == this) return;
+  port->SetValue(value_);
+  port->SetDataControl(GetDataControl());
+}
+
+bool TOutputData::SameAs(const TPersistent* other) const {
+  const auto* port = qobject_cast<const TOutputData*>(other);
+  return port && value_ == port->value_ && control_.SameAs(&port->control_);
+}
