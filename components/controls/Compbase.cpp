@@ -115,7 +115,7 @@ bool TIconControl::event(QEvent* event) {
 // Picture and caption
 
 TIconLayout TIconControl::Layout() const {
-  return LayOutIcon(showIcon_ ? imageSize_ : QSize(), fontMetrics().size(0, caption_), captionPos_);
+  return LayOutIcon(showIcon_ ? imageSize_ : QSize(), fontMetrics().size(0, GetCaption()), captionPos_);
 }
 
 QSize TIconControl::sizeHint() const { return Layout().size.expandedTo(QSize(1, 1)); }
@@ -136,7 +136,7 @@ void TIconControl::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   const TIconLayout layout = Layout();
   if (!layout.icon.isNull()) DrawIconImage(painter, layout.icon, iconImage_);
-  if (!layout.caption.isNull()) painter.drawText(layout.caption, Qt::AlignCenter, caption_);
+  if (!layout.caption.isNull()) painter.drawText(layout.caption, Qt::AlignCenter, GetCaption());
 }
 
 void TIconControl::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -29,7 +29,8 @@ class TIconControl : public QWidget {
 
   explicit TIconControl(QWidget* parent = nullptr);
 
-  const QString& GetCaption() const { return caption_; }
+  /// Descendants whose caption costs much may make it when it is asked for.
+  virtual const QString& GetCaption() const { return caption_; }
   void SetCaption(const QString& caption);
   TCaptionPos GetCaptionPos() const { return captionPos_; }
   void SetCaptionPos(TCaptionPos pos);

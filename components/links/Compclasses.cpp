@@ -131,9 +131,12 @@ TServerDataControl::TServerDataControl(QWidget* parent) : TDataControl(parent) {
 
 TServerDataControl::~TServerDataControl() { destroying_ = true; }
 
-void TServerDataControl::SetValue(double value) {
-  if (!Deliver(value)) return;
+void TServerDataControl::SetValue(double value) { static_cast<void>(TakeValue(value)); }
+
+bool TServerDataControl::TakeValue(double value) {
+  if (!Deliver(value)) return false;
   if (slider_.IsAttached()) slider_.SetSliderPos(value);
+  return true;
 }
 
 /// False if the control was destroyed on the way.

@@ -171,6 +171,8 @@ class TServerDataControl : public TDataControl {
   void Loaded() override;
 
  protected:
+  /// All that SetValue does; false if the control was destroyed on the way.
+  [[nodiscard]] bool TakeValue(double value);
   /// Asked before each change of ClientControls.
   void ClientsChanged(QObject* item, TListAction action, bool& allow);
 
