@@ -73,24 +73,6 @@ void TStatistics::SubtractValue(double x) {
   sqSum_ -= x * x;
 }
 
-void TStatistics::SetMax(double x) {
-  Settle();
-  if (HasNoExtremes()) {
-    max_ = min_ = x;
-  } else if (x > max_) {
-    max_ = x;
-  }
-}
-
-void TStatistics::SetMin(double x) {
-  Settle();
-  if (HasNoExtremes()) {
-    max_ = min_ = x;
-  } else if (x < min_) {
-    min_ = x;
-  }
-}
-
 void TStatistics::Set(double& field, double value) {
   Settle();
   field = value;
@@ -117,6 +99,7 @@ void TStatistics::Update() {
 void TStatistics::SetData(const TStatDataList* list) {
   Settle();
   data_.Assign(list);
+  data_.SetMaxCount(1);
 }
 
 bool TStatistics::ProvideGraphData(int& index, TStatisticsData& record) const {

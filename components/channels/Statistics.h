@@ -58,8 +58,22 @@ class TStatistics : public TPersistent {
   void SubtractValue(double x);
   /// Widen the extremes by a value. While both are 0 the value replaces them: 0 stands for "no
   /// value seen yet", even if zeros were seen.
-  void SetMax(double x);
-  void SetMin(double x);
+  void SetMax(double x) {
+    Settle();
+    if (max_ == 0.0 && min_ == 0.0) {
+      max_ = min_ = x;
+    } else if (x > max_) {
+      max_ = x;
+    }
+  }
+  void SetMin(double x) {
+    Settle();
+    if (max_ == 0.0 && min_ == 0.0) {
+      max_ = min_ = x;
+    } else if (x < min_) {
+      min_ = x;
+    }
+  }
 
   void SetPos(double pos) { Set(pos_, pos); }
   void SetCount(double count) { Set(count_, count); }
@@ -84,7 +98,7 @@ class TStatistics : public TPersistent {
   void Update();
   /// The latest snapshot, one row.
   const TStatDataList* GetData() const { return &Settled().data_; }
-  /// Copies the rows; null changes nothing.
+  /// Copies the first row, if there is one; null changes nothing.
   void SetData(const TStatDataList* list);
   /// The snapshot for a series, see TProvideStatistics.
   bool ProvideGraphData(int& index, TStatisticsData& record) const;
@@ -95,6 +109,10 @@ class TStatistics : public TPersistent {
   std::function<void()> OnCompute;
   void Postpone() { postponed_ = true; }
   bool IsPostponed() const { return postponed_; }
+  /// Makes up for it now.
+  void Settle() const {
+    if (postponed_) Compute();
+  }
 
   /// Copies Count, Pos, Sum and SqSum. Maximum and minimum of the destination stay, on purpose.
   void AssignTo(TPersistent* destination) const override;
@@ -106,17 +124,12 @@ class TStatistics : public TPersistent {
   void SetStatData(const QString& text);
 
  private:
-  /// Makes up for a computation that was postponed.
-  void Settle() const {
-    if (postponed_) Compute();
-  }
   const TStatistics& Settled() const {
     Settle();
     return *this;
   }
   void Compute() const;
   void Set(double& field, double value);
-  bool HasNoExtremes() const { return max_ == 0.0 && min_ == 0.0; }
 
   TStatDataList data_{this};
   double pos_ = 0.0;

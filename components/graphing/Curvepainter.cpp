@@ -15,10 +15,8 @@ constexpr double kDashes =
     4.0 * 6.0 * 8.0 * 10.0;  // holds every dash pattern a whole number of times
 
 QPen LinePen(const TSeriesStyle& style, double grid) {
-  static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine,
-                                             Qt::DashDotLine, Qt::DashDotDotLine, Qt::NoPen};
   const double width = style.GetLineWeight() * grid;
-  QPen pen(style.GetLineColor().ToQColor(), width, kStyles[style.GetLineStyle()]);
+  QPen pen(style.GetLineColor().ToQColor(), width, style.QtLineStyle());
   if (width > 1.0) {
     pen.setCapStyle(style.GetLineStyle() == TSeriesStyle::psSolid ? Qt::RoundCap : Qt::FlatCap);
     pen.setJoinStyle(Qt::RoundJoin);

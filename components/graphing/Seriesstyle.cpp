@@ -13,6 +13,12 @@ void TBasicSeriesStyle::SetLineWeight(int weight) {
   if (weight >= 1 && weight <= kMaxWeight) Set(lineWeight_, weight);
 }
 
+Qt::PenStyle TBasicSeriesStyle::QtLineStyle() const {
+  static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine,
+                                             Qt::DashDotLine, Qt::DashDotDotLine, Qt::NoPen};
+  return kStyles[lineStyle_];
+}
+
 void TBasicSeriesStyle::AssignTo(TPersistent* destination) const {
   auto* style = qobject_cast<TBasicSeriesStyle*>(destination);
   if (!style) return;

@@ -34,6 +34,8 @@ class TBasicSeriesStyle : public TPersistent {
   /// Logical pixels, 1 to kMaxWeight.
   void SetLineWeight(int weight);
 
+  /// The line style as painters take it.
+  Qt::PenStyle QtLineStyle() const;
   /// No line is visible with this style.
   bool IsLineClear() const { return lineStyle_ == psClear || lineColor_.IsNone(); }
 

@@ -69,8 +69,9 @@ void TCustomGraphLink::Update() {
 }
 
 void TCustomGraphLink::UpdateNow() {
+  const QPointer<TCustomGraphLink> self(this);
   emit OnUpdate(this);
-  Replay();
+  if (self) Replay();
 }
 
 void TCustomGraphLink::Replay() {

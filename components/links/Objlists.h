@@ -44,6 +44,8 @@ class TDataList : public TPersistent {
   /// Accepts 0 (no maximum of its own) to 65536. Rows beyond the new maximum are deleted from the
   /// end, with one OnChange.
   void SetMaxCount(int count);
+  /// PushBackRow and PushRow use a row again.
+  bool IsFull() const { return count_ >= (maxCount_ > 0 ? maxCount_ : kLimit); }
   /// Rows that fit before the list allocates again.
   int Capacity() const { return capacity_; }
 
@@ -118,7 +120,6 @@ class TDataList : public TPersistent {
     const int slot = first_ + index;
     return slot < capacity_ ? slot : slot - capacity_;
   }
-  bool IsFull() const { return count_ >= (maxCount_ > 0 ? maxCount_ : kLimit); }
   double* At(int slot) const { return cells_.get() + std::ptrdiff_t{slot} * colCount_; }
   bool HasColumn(int column) const { return column >= 0 && column < colCount_; }
   void SetCapacity(int rows);

@@ -1,0 +1,259 @@
+#include "components/channels/Datachannel.h"
+
+#include <algorithm>
+#include <cmath>
+
+// TCustomDataChannel
+
+TCustomDataChannel::TCustomDataChannel(QWidget* parent) : TServerDataControl(parent) {
+  connect(&data_, &TFloatList::OnChange, this, &TCustomDataChannel::DataChanged);
+  connect(&sendData_, &TClick::OnClick, this, &TCustomDataChannel::SendDataToClients);
+  connect(&shiftToInitial_, &TClick::OnClick, this, &TCustomDataChannel::CalculateShiftConstant);
+  connect(&reset_, &TClick::OnClick, this, &TCustomDataChannel::ResetChannel);
+  connect(this, &TDataControl::OnChange, this, &TCustomDataChannel::OnNotify);
+  SetIconImage(QStringLiteral("ChannelImage"));
+  SetImageSize(QSize(17, 17));
+  SetCaptionPos(cpRight);
+
+  auto series = std::make_unique<TSeries>();
+  series->GetStyle()->SetLineStyle(TSeriesStyle::psSolid);
+  series->GetStyle()->SetLineColor(TColor::Blue());
+  series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+  series->DataSource = [this](int& index, TCoordinate& point, TCoordinate& extent) {
+    return ProvideGraphData(index, point, extent);
+  };
+  series->BlockSource = [this](int index, std::span<TCoordinate> points) {
+    return ProvideGraphBlock(index, points);
+  };
+  graphLink_.AddSeries(std::move(series));
+}
+
+// Values
+
+void TCustomDataChannel::SetValue(double raw) {
+  double value = scaleFactor_ * raw + shiftConstant_;
+  if (!ApplyLimits(value) || !TakeValue(value)) return;
+  StoreValue(value);
+  graphLink_.Update();
+}
+
+/// False if the value is to be dropped.
+bool TCustomDataChannel::ApplyLimits(double& value) const {
+  if (!options_.testFlag(coUseLimits)) return true;
+  const bool above = value > limitMax_;
+  const bool below = value < limitMin_;
+  if (!above && !below) return true;
+  value = above ? limitMax_ : limitMin_;
+  return !options_.testFlag(coSkipError);
+}
+
+void TCustomDataChannel::StoreValue(double value) {
+  if (data_.IsFull()) AboutToDrop(data_.Row(0)[TFloatList::kTime]);
+  data_.PushBack(value);
+  data_.Row(data_.Count() - 1)[TFloatList::kTime] = GetTime();
+}
+
+void TCustomDataChannel::SetScaleFactor(double factor) {
+  if (factor != 0.0 && std::isfinite(factor)) scaleFactor_ = factor;
+}
+
+void TCustomDataChannel::SetShiftConstant(double constant) {
+  if (std::isfinite(constant)) shiftConstant_ = constant;
+}
+
+void TCustomDataChannel::SetInitialValue(double value) {
+  if (std::isfinite(value)) initialValue_ = value;
+}
+
+/// A form gives one limit after the other: between the two they may stand the wrong way round.
+void TCustomDataChannel::SetLimitMax(double limit) {
+  if (limit == limitMax_ || std::isnan(limit)) return;
+  limitMax_ = IsLoading() ? limit : std::max(limitMin_, limit);
+  if (!IsLoading()) limitMin_ = std::min(limitMin_, limit);
+}
+
+void TCustomDataChannel::SetLimitMin(double limit) {
+  if (limit == limitMin_ || std::isnan(limit)) return;
+  limitMin_ = IsLoading() ? limit : std::min(limitMax_, limit);
+  if (!IsLoading()) limitMax_ = std::max(limitMax_, limit);
+}
+
+// Storage
+
+void TCustomDataChannel::SetData(const TFloatList* list) {
+  if (!list || list == &data_) return;
+  data_.Assign(list);
+  SetDataMaximum();
+}
+
+void TCustomDataChannel::SetPipeMode(bool pipe) {
+  if (pipe == pipeMode_) return;
+  pipeMode_ = pipe;
+  SetDataMaximum();
+}
+
+void TCustomDataChannel::SetPointCount(int count) {
+  if (count == pointCount_ || count < 0 || count > TDataList::kLimit) return;
+  pointCount_ = count;
+  if (pipeMode_) SetDataMaximum();
+}
+
+/// A form gives the rows and the two settings in any order.
+void TCustomDataChannel::SetDataMaximum() {
+  if (!IsLoading()) data_.SetMaxCount(pipeMode_ ? pointCount_ : TDataList::kLimit);
+}
+
+void TCustomDataChannel::DataChanged(QObject*) { graphLink_.UpdateNow(); }
+
+void TCustomDataChannel::ResetChannel(QObject*) { data_.Clear(); }
+
+void TCustomDataChannel::SendDataToClients(QObject*) {
+  if (sending_) return;
+  sending_ = true;
+  const double value = GetValue();
+  const int count = data_.Count();
+  for (int row = 0; row < std::min(count, data_.Count()); ++row) {
+    if (!TakeValue(data_.Row(row)[TFloatList::kValue])) return;
+  }
+  sending_ = false;
+  TDataControl::SetValue(value);
+}
+
+void TCustomDataChannel::CalculateShiftConstant(QObject*) {
+  const auto raw = [this](double value) { return (value - shiftConstant_) / scaleFactor_; };
+  double sum = 0.0;
+  int count = 0;
+  for (int row = 0; row < data_.Count(); ++row) {
+    const double value = raw(data_.Row(row)[TFloatList::kValue]);
+    if (!std::isfinite(value)) continue;
+    sum += value;
+    ++count;
+  }
+  const double constant = initialValue_ - scaleFactor_ * (sum / count);
+  if (count == 0 || !std::isfinite(constant)) return;
+  for (int row = 0; row < data_.Count(); ++row) {
+    double& value = data_.Row(row)[TFloatList::kValue];
+    value = raw(value) * scaleFactor_ + constant;
+  }
+  shiftConstant_ = constant;
+  graphLink_.UpdateNow();
+}
+
+// Graph
+
+bool TCustomDataChannel::HasYBars() const {
+  const auto* series = qobject_cast<const TSeries*>(graphLink_.GetSeriesList().Get(0));
+  return series && series->GetStyle()->GetPointStyle() == TSeriesStyle::psYBar;
+}
+
+TCoordinate TCustomDataChannel::Point(int row, bool swapped) const {
+  const double* cells = data_.Row(row);
+  const double x = useTime_ ? cells[TFloatList::kTime] : static_cast<double>(row);
+  const double y = cells[TFloatList::kValue];
+  return swapped ? TCoordinate{y, x} : TCoordinate{x, y};
+}
+
+bool TCustomDataChannel::ProvideGraphData(int& index, TCoordinate& point,
+                                          TCoordinate& extent) const {
+  if (index < 0 || index >= data_.Count()) return false;
+  const bool swapped = HasYBars();
+  point = Point(index++, swapped);
+  (swapped ? extent.Y : extent.X) = 1.0;
+  return true;
+}
+
+int TCustomDataChannel::ProvideGraphBlock(int index, std::span<TCoordinate> points) const {
+  if (index < 0 || index >= data_.Count()) return 0;
+  const int count = std::min(data_.Count() - index, static_cast<int>(points.size()));
+  const bool swapped = HasYBars();
+  for (int i = 0; i < count; ++i) points[static_cast<std::size_t>(i)] = Point(index + i, swapped);
+  return count;
+}
+
+// Copies and forms
+
+void TCustomDataChannel::AssignTo(TCustomDataChannel* destination) const {
+  if (!destination || destination == this) return;
+  destination->SetScaleFactor(scaleFactor_);
+  destination->SetShiftConstant(shiftConstant_);
+  // Both at once: a limit that is set alone may change places with the old other one.
+  destination->limitMin_ = limitMin_;
+  destination->limitMax_ = limitMax_;
+  destination->SetInitialValue(initialValue_);
+  destination->SetOptions(options_);
+  destination->SetPointCount(pointCount_);
+  destination->SetPipeMode(pipeMode_);
+  destination->SetUseTime(useTime_);
+  destination->SetData(&data_);
+}
+
+void TCustomDataChannel::Loaded() {
+  graphLink_.Loaded();
+  TServerDataControl::Loaded();
+  if (limitMin_ > limitMax_) std::swap(limitMin_, limitMax_);
+  SetDataMaximum();
+}
+
+// TDataChannel
+
+TDataChannel::TDataChannel(QWidget* parent) : TCustomDataChannel(parent) {
+  SetIconImage(QStringLiteral("DataChannelImage"));
+  statistics_.OnCompute = [this] {
+    const int left = std::max(0, rows_ - static_cast<int>(dropped_.size()));
+    Compute(dropped_, std::min(left, GetPointCount()));
+    statistics_.Update();
+  };
+  auto series = std::make_unique<TStatisticsSeries>();
+  series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsYBar);
+  series->GetStyle()->SetLineColor(TColor::Black());
+  series->GetStyle()->SetFillColor(TColor::Yellow());
+  series->Statistics = [this](int& index, TStatisticsData& record) {
+    return statistics_.ProvideGraphData(index, record);
+  };
+  series_ = GetGraphLink()->AddSeries(std::move(series));
+  connect(GetGraphLink(), &TGraphLink::OnUpdate, this, &TDataChannel::UpdateStatistics);
+}
+
+/// The graph link, a member of the base, lives longer than the statistics.
+TDataChannel::~TDataChannel() {
+  if (series_) series_->Statistics = nullptr;
+  disconnect(GetGraphLink(), &TGraphLink::OnUpdate, this, nullptr);
+}
+
+void TDataChannel::ComputeStatistics(QObject*) { Compute({}, GetPointCount()); }
+
+void TDataChannel::UpdateStatistics(QObject*) {
+  dropped_.clear();
+  rows_ = GetPointCount();
+  statistics_.Postpone();
+}
+
+void TDataChannel::AboutToDrop(double time) {
+  if (!statistics_.IsPostponed()) return;
+  if (dropped_.size() < kMaxDropped) {
+    dropped_.push_back(time);
+  } else {
+    statistics_.Settle();
+  }
+}
+
+/// The statistics of times that have left Data and of its first rows.
+void TDataChannel::Compute(std::span<const double> dropped, int rows) {
+  statistics_.Reset();
+  const int count = static_cast<int>(dropped.size()) + rows;
+  if (count == 0) return;
+  double sum = 0.0;
+  double sqSum = 0.0;
+  const auto add = [&](double time) {
+    sum += time;
+    sqSum += time * time;
+    statistics_.SetMax(time);
+    statistics_.SetMin(time);
+  };
+  for (const double time : dropped) add(time);
+  for (int row = 0; row < rows; ++row) add(GetData()->Row(row)[TFloatList::kTime]);
+  statistics_.SetCount(count);
+  statistics_.SetSum(sum);
+  statistics_.SetSqSum(sqSum);
+  statistics_.SetPos(count / 2);
+}

@@ -1,0 +1,140 @@
+#include "components/channels/Statisticsseries.h"
+
+#include <QPainter>
+#include <cmath>
+
+namespace {
+
+const bool kRegistered = [] {
+  TSeriesList::RegisterClass<TStatisticsSeries>();
+  return true;
+}();
+
+QPen LinePen(const TBasicSeriesStyle& style) {
+  if (style.IsLineClear()) return Qt::NoPen;
+  return {style.GetLineColor().ToQColor(), static_cast<double>(style.GetLineWeight()),
+          style.QtLineStyle()};
+}
+
+void Widen(TRange& range, double value) {
+  if (std::isfinite(value)) range.GetBounds(value);
+}
+
+}  // namespace
+
+// TStatSeriesStyle
+
+void TStatSeriesStyle::SetBarStyle(TStatBarStyle style) {
+  if (style >= bsXBar && style <= bsYBar) Set(barStyle_, style);
+}
+
+void TStatSeriesStyle::AssignTo(TPersistent* destination) const {
+  TBasicSeriesStyle::AssignTo(destination);
+  if (auto* style = qobject_cast<TStatSeriesStyle*>(destination)) style->SetBarStyle(barStyle_);
+}
+
+bool TStatSeriesStyle::SameAs(const TPersistent* other) const {
+  const auto* style = qobject_cast<const TStatSeriesStyle*>(other);
+  return style && TBasicSeriesStyle::SameAs(other) && barStyle_ == style->barStyle_;
+}
+
+// TStatisticsSeries
+
+TStatisticsSeries::TStatisticsSeries(QObject* owner)
+    : TCustomDataSeries(std::make_unique<TStatSeriesStyle>(this), owner) {}
+
+void TStatisticsSeries::SetOptions(TStatOptions options) {
+  if (options == options_) return;
+  options_ = options;
+  Changed();
+}
+
+template <class TVisit>
+void TStatisticsSeries::ForEachRecord(TVisit visit) const {
+  if (!Statistics) return;
+  TStatisticsData record;
+  for (int index = 0; Statistics(index, record);) visit(record);
+}
+
+// Ranges
+
+void TStatisticsSeries::UpdateValueRange(TRange& range) const {
+  range.SetReset(true);
+  ForEachRecord([&](const TStatisticsData& record) {
+    if (options_ & soShowMinMax) {
+      Widen(range, record.Min);
+      Widen(range, record.Max);
+    }
+    if (options_ & soShowStDev) {
+      Widen(range, record.Mean + record.StDev);
+      Widen(range, record.Mean - record.StDev);
+    }
+    if (options_ & soShowMean) Widen(range, record.Mean);
+  });
+}
+
+void TStatisticsSeries::UpdatePosRange(TRange& range) const {
+  range.SetReset(true);
+  ForEachRecord([&](const TStatisticsData& record) { Widen(range, record.Pos); });
+}
+
+void TStatisticsSeries::UpdateRangeX() {
+  if (GetStyle()->GetBarStyle() == TStatSeriesStyle::bsXBar) {
+    UpdateValueRange(rangeX_);
+  } else {
+    UpdatePosRange(rangeX_);
+  }
+}
+
+void TStatisticsSeries::UpdateRangeY() {
+  if (GetStyle()->GetBarStyle() == TStatSeriesStyle::bsXBar) {
+    UpdatePosRange(rangeY_);
+  } else {
+    UpdateValueRange(rangeY_);
+  }
+}
+
+// Drawing
+
+void TStatisticsSeries::Draw(QPainter* painter) {
+  if (!Panel() || !Statistics) return;
+  const TColor fill = GetStyle()->GetFillColor();
+  painter->save();
+  painter->setRenderHint(QPainter::Antialiasing, false);
+  painter->setPen(LinePen(*GetStyle()));
+  painter->setBrush(fill.IsNone() ? QBrush(Qt::NoBrush) : QBrush(fill.ToQColor()));
+  ForEachRecord([&](const TStatisticsData& record) { DrawPoint(*painter, record); });
+  painter->restore();
+}
+
+/// From the widest span to the narrowest, so that each lies on the one before it.
+void TStatisticsSeries::DrawPoint(QPainter& painter, const TStatisticsData& record) const {
+  const auto draw = [&](double from, double to, int reach) {
+    const QRect bar = Bar(record.Pos, from, to, reach);
+    if (!bar.isNull()) painter.drawRect(bar.adjusted(0, 0, -1, -1));
+  };
+  if (options_ & soShowMinMax) draw(record.Min, record.Max, kMinMaxReach);
+  if (options_ & soShowStDev) {
+    draw(record.Mean - record.StDev, record.Mean + record.StDev, kStDevReach);
+  }
+  if (options_ & soShowMean) draw(record.Mean, record.Mean, kMeanReach);
+}
+
+/// The pixels of a bar inside the panel; null if there are none.
+QRect TStatisticsSeries::Bar(double pos, double from, double to, int reach) const {
+  if (!std::isfinite(pos) || !std::isfinite(from) || !std::isfinite(to)) return {};
+  const bool alongX = GetStyle()->GetBarStyle() == TStatSeriesStyle::bsXBar;
+  TCoordinate start = alongX ? TCoordinate{from, pos} : TCoordinate{pos, from};
+  TCoordinate end = alongX ? TCoordinate{to, pos} : TCoordinate{pos, to};
+  QLine axis;
+  Panel()->LocateValue(axis, start, end);
+  QRect bar = QRect::span(axis.p1(), axis.p2());
+  bar = alongX ? bar.adjusted(0, -reach, 0, reach) : bar.adjusted(-reach, 0, reach, 0);
+  return bar & Panel()->Rect();
+}
+
+void TStatisticsSeries::AssignTo(TPersistent* destination) const {
+  auto* series = qobject_cast<TStatisticsSeries*>(destination);
+  if (series && series != this) series->Statistics = Statistics;
+  TCustomDataSeries::AssignTo(destination);
+}
