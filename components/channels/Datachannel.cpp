@@ -115,8 +115,9 @@ void TCustomDataChannel::SendDataToClients(QObject*) {
   for (int row = 0; row < std::min(count, data_.Count()); ++row) {
     if (!TakeValue(data_.Row(row)[TFloatList::kValue])) return;
   }
-  sending_ = false;
+  const QPointer<TCustomDataChannel> self(this);
   TDataControl::SetValue(value);
+  if (self) sending_ = false;
 }
 
 void TCustomDataChannel::CalculateShiftConstant(QObject*) {
@@ -199,8 +200,8 @@ void TCustomDataChannel::Loaded() {
 TDataChannel::TDataChannel(QWidget* parent) : TCustomDataChannel(parent) {
   SetIconImage(QStringLiteral("DataChannelImage"));
   statistics_.OnCompute = [this] {
-    const int left = std::max(0, rows_ - static_cast<int>(dropped_.size()));
-    Compute(dropped_, std::min(left, GetPointCount()));
+    const int kept = rows_ - static_cast<int>(dropped_.size());
+    Compute(dropped_, std::min(kept, GetPointCount()));
     statistics_.Update();
   };
   auto series = std::make_unique<TStatisticsSeries>();
@@ -229,7 +230,8 @@ void TDataChannel::UpdateStatistics(QObject*) {
 }
 
 void TDataChannel::AboutToDrop(double time) {
-  if (!statistics_.IsPostponed()) return;
+  const bool isCounted = std::ssize(dropped_) < rows_;
+  if (!statistics_.IsPostponed() || !isCounted) return;
   if (dropped_.size() < kMaxDropped) {
     dropped_.push_back(time);
   } else {

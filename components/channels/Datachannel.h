@@ -145,6 +145,8 @@ class TCustomDataChannel : public TServerDataControl {
   TGraphLink graphLink_{this};
 };
 
+Q_DECLARE_OPERATORS_FOR_FLAGS(TCustomDataChannel::TChannelOptions)
+
 /// The data channel that is placed on forms: shows statistics beside its values.
 class TDataChannel : public TCustomDataChannel {
   Q_OBJECT

@@ -78,5 +78,7 @@ class TStatisticsSeries : public TCustomDataSeries {
   void UpdateValueRange(TRange& range) const;
   void UpdatePosRange(TRange& range) const;
 
-  TStatOptions options_ = {soShowMean | soShowStDev | soShowMinMax};
+  TStatOptions options_{soShowMean | soShowStDev | soShowMinMax};
 };
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(TStatisticsSeries::TStatOptions)

@@ -1,0 +1,71 @@
+#include "components/channels/Variable.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <limits>
+
+namespace {
+
+TEST(TVariable, ShowsNameAndValueAsItIsTold) {
+  const struct {
+    bool name, value;
+    const char* caption;
+  } cases[] = {
+      {true, true, "Speed=1.5"}, {true, false, "Speed"}, {false, true, "1.5"}, {false, false, ""}};
+  for (const auto& c : cases) {
+    TVariable variable;
+    variable.SetShowIcon(false);
+    variable.SetName("Speed");
+    variable.SetValue(1.5);
+    variable.SetShowName(c.name);
+    variable.SetShowValue(c.value);
+    EXPECT_EQ(variable.GetCaption(), c.caption);
+    EXPECT_EQ(variable.GetShowIcon(), !c.name && !c.value);
+  }
+}
+
+TEST(TVariable, FollowsItsValueNameAndFormat) {
+  TVariable variable;
+  variable.setObjectName("v");
+  EXPECT_EQ(variable.GetCaption(), "v=0");
+  variable.SetValue(12.345);
+  EXPECT_EQ(variable.GetCaption(), "v=12.345");
+  variable.GetValueFormat()->SetFormat(TNumberFormat::ffFixed);
+  EXPECT_EQ(variable.GetCaption(), "v=12.35");
+  variable.SetValue(std::numeric_limits<double>::quiet_NaN());
+  EXPECT_EQ(variable.GetCaption(), "v=NAN");
+  variable.setObjectName("w");
+  variable.SetValue(2.0);
+  EXPECT_EQ(variable.property("Caption"), "w=2.00");
+}
+
+TEST(TVariable, GrowsWithItsTextOnceControlIsBackInTheEventLoop) {
+  QWidget form;
+  auto* variable = new TVariable(&form);
+  const int width = variable->width();
+  for (int i = 0; i < 3; ++i) variable->SetValue(123.456);
+  QCoreApplication::sendPostedEvents(variable);
+  EXPECT_GT(variable->width(), width);
+  EXPECT_EQ(variable->size(), variable->sizeHint());
+}
+
+TEST(TVariable, MakesItsCaptionAnewWhenItsFormIsComplete) {
+  TVariable variable;
+  variable.BeginLoading();
+  variable.setObjectName("v");
+  variable.setProperty("Value", 3.0);
+  variable.setProperty("Caption", "v=99");
+  variable.Loaded();
+  EXPECT_EQ(variable.GetCaption(), "v=3");
+}
+
+TEST(TVariable, MayBeDestroyedByWhomItTells) {
+  auto* variable = new TVariable;
+  TValueLink link([&](double) { delete variable; });
+  variable->AddLink(&link, false);
+  variable->SetValue(1.0);
+  QCoreApplication::sendPostedEvents();
+}
+
+}  // namespace
