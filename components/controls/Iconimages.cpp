@@ -136,6 +136,19 @@ void DrawTextConverter(QPainter& painter) {
   }
 }
 
+void DrawSpectrum(QPainter& painter) {
+  constexpr std::array<double, 6> kHeights = {3.0, 6.0, 14.0, 5.0, 9.0, 3.0};
+  DrawTile(painter);
+  painter.setPen(Ink(1.4, kBlue));
+  double x = 4.5;
+  for (const double height : kHeights) {
+    painter.drawLine(QPointF(x, 19.0), QPointF(x, 19.0 - height));
+    x += 3.0;
+  }
+  painter.setPen(Ink(1.2));
+  painter.drawLine(QPointF(4.0, 19.5), QPointF(20.0, 19.5));
+}
+
 /// The way out for a name nobody registered: a tile in a colour of its own with the first letter.
 void DrawInitial(QPainter& painter, const QString& name) {
   const int hue = static_cast<int>(qHash(name, 1) % 360);
@@ -161,7 +174,7 @@ QHash<QString, TIconPainter>& Images() {
       {"VariableImage", DrawVariable},      {"MacroImage", DrawMacro},
       {"THistogram", DrawHistogram},        {"TOccurrenceHistogram", DrawOccurrenceHistogram},
       {"Simulator", DrawSimulator},         {"FileReader", DrawFileReader},
-      {"TextConverter", DrawTextConverter},
+      {"TextConverter", DrawTextConverter}, {"FFTImage", DrawSpectrum},
   };
   return images;
 }
