@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -29,9 +28,8 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 namespace {
 
 /// Gives `control` many values; checks that none of them allocates.
-void GiveValues(TBench& bench, const std::string& what, TDataControl& control, int values = 0) {
-  if (values == 0) values = 1'000'000;
-  if (bench.Quick()) values = 1000;
+void GiveValues(TBench& bench, const std::string& what, TDataControl& control) {
+  const int values = bench.Quick() ? 1000 : 1'000'000;
   double next = 0.0;
   for (int i = 0; i < 10; ++i) control.SetTimeAndValue(next, next);
   const long before = allocations;
@@ -41,7 +39,7 @@ void GiveValues(TBench& bench, const std::string& what, TDataControl& control, i
       control.SetTimeAndValue(next, next);
     }
   });
-  // The clock keeps its times in a list, which grows a few times.
+  // The stopwatch itself keeps its times in a list.
   const double each = static_cast<double>(allocations - before) / values;
   bench.Row(what, seconds / values * 1e9, "ns");
   bench.Row("  allocations per value", each, "");

@@ -411,6 +411,16 @@ TEST(TDataChannel, KeepsSettingsAndSamplesInAForm) {
   }
 }
 
+TEST(TDataChannel, LosesNoRowsToSettingsThatAFormGivesLater) {
+  TDataChannel channel;
+  channel.BeginLoading();
+  for (int i = 0; i < 300; ++i) channel.GetData()->Add(i);
+  channel.SetPointCount(10);
+  channel.SetPipeMode(false);
+  channel.Loaded();
+  EXPECT_EQ(channel.GetPointCount(), 300);
+}
+
 TEST(TDataChannel, CopiesItsSettingsAndDataAndNotItsConnections) {
   TDataChannel source;
   TRecorder client;
