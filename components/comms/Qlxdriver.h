@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <memory>
+#include <span>
+
+/// Line settings as numbers: baud, data bits, and the codes of ParityBitsToByte and its siblings.
+struct TLineSettings {
+  int baudRate = 38400;
+  int dataBits = 8;
+  int stopBits = 0;
+  int parity = 0;
+  int controlDTR = 0;
+  int controlRTS = 1;
+};
+
+/// What a port asks of the serial line below it. No call waits, except Wait. A lost line answers
+/// every call and transfers nothing. GUI thread only.
+class TSerialDriver {
+ public:
+  virtual ~TSerialDriver() = default;
+
+  /// Opens an existing device for reading and writing, shared with nobody. False with the reason in
+  /// ErrorText.
+  virtual bool Open(const QString& portName) = 0;
+  /// What the device does not support is left as it was. All other flow control and error handling
+  /// is switched off.
+  virtual void SetLine(const TLineSettings& line) = 0;
+  /// A recommendation, in bytes.
+  virtual void SetQueueSizes(int input, int output) = 0;
+
+  /// Reads what is there, at most the size of the buffer, and returns the count of bytes.
+  virtual int Read(std::span<char> buffer) = 0;
+  /// Returns the count of bytes taken; 0 if the output queue is full.
+  virtual int Write(std::span<const char> bytes) = 0;
+  /// Drops what waits in the queues.
+  virtual void Purge(bool input, bool output) = 0;
+  virtual int InputCount() = 0;
+  virtual int OutputCount() = 0;
+  /// The device has gone. It does not come back; the driver can only be destroyed.
+  virtual bool IsLost() const = 0;
+  /// Sends what is to be sent and blocks the thread for the whole time.
+  virtual void Wait(int milliseconds) = 0;
+
+  /// Why the device could not be opened, or was lost.
+  virtual QString ErrorText() const = 0;
+};
+
+using TDriverFactory = std::function<std::unique_ptr<TSerialDriver>()>;
+
+/// A driver of the system's serial ports.
+std::unique_ptr<TSerialDriver> MakeSystemDriver();
+
+/// The system's device behind "COM3": what the environment variable VELMORA_COM3 names, else
+/// /dev/ttyS2, or COM3 itself on Windows.
+QString SystemDevice(const QString& portName);

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <functional>
+#include <memory>
+
+#include "components/comms/Qlxdriver.h"
+#include "components/comms/Qlxpacket.h"
+#include "components/comms/Qlxsettings.h"
+#include "model/Timer.h"
+
+class QWidget;
+
+/// A serial measuring device: opens its port, sends it commands, and lets it stream packets or
+/// polls it for one after another. Each packet goes to the data event. A published member of its
+/// owner; GUI thread only.
+///
+/// Any of its events may close the port, change it or destroy it.
+class TQLXPort : public TQLXSettings {
+  Q_OBJECT
+
+ public:
+  /// Takes a packet: values[0] is its time in days since 30 December 1899, the inputs follow; they
+  /// are valid during the call. `count` includes the time.
+  using TDataEvent = std::function<void(QObject* sender, const double* values, int count)>;
+
+  /// `makeDriver` is asked for a driver each time the port opens.
+  explicit TQLXPort(QObject* owner = nullptr, TDriverFactory makeDriver = MakeSystemDriver);
+  /// Switches AutoRun off and closes the port, without an event.
+  ~TQLXPort() override;
+
+  bool GetConnected() const override { return connected_; }
+  /// Opens or closes the port.
+  void SetConnected(bool connected);
+  /// Opens the port and starts to read. A port that cannot be opened is closed, and fires OnClose.
+  void Open();
+  /// Also switches AutoRun off, but leaves the device as it is. A port whose device has gone closes
+  /// itself.
+  void Close();
+  /// Why the port could not be opened, or was lost; empty if that never happened.
+  const QString& GetErrorText() const { return errorText_; }
+
+  /// Opens a connected port anew, and starts AutoRun on it again.
+  void SetPortNum(const QString& name) override;
+
+  // Each hands its settings to the driver; nothing happens while the port is closed.
+  void ApplyDCB();
+  void ApplyBuffer();
+  /// Reads return at once with what is there, as they do with every driver: nothing is to be set.
+  void ApplyTimeouts() {}
+
+  /// Returns the count of bytes sent, 0 on failure.
+  int SendQLXCommand(const QByteArray& command);
+  /// Waits after a command that was sent. The thread is blocked meanwhile.
+  int SendQLXCommand(const QByteArray& command, int delayMs);
+  /// Empties both queues, sends a command, waits and returns at most 128 bytes of what came.
+  QByteArray GetAnswerToQLXCommand(const QByteArray& command, int delayMs);
+  /// Drops what waits in the driver's queues.
+  void ClearBuffer(bool input, bool output);
+  /// Bytes that wait in the driver's queues.
+  int GetInputCount() { return connected_ ? driver_->InputCount() : 0; }
+  int GetOutputCount() { return connected_ ? driver_->OutputCount() : 0; }
+  /// Clears the device, and drops a packet of which a part has come.
+  void ClearPort();
+
+  bool GetAutoRun() const { return autoRun_; }
+  /// On: asks the device how long its packets are, and starts it; a port that cannot be opened
+  /// leaves AutoRun off. Off: the device is left in its polled loop with loop-read off, and the
+  /// port closed. Blocks for 100 ms per command.
+  void SetAutoRun(bool on);
+  /// Asks the device how long its packets are and selects its loop. Opens the port and closes it.
+  void InitAutoRunParameters();
+  /// A tick of polling: requests a packet unless two requests are unanswered; gives a lost answer
+  /// up after 21 ticks.
+  void AskForData();
+  /// Takes what the driver has received. What a tick does not manage is left for the next.
+  void ReadPort();
+  /// Decodes received bytes and fires the data event for each packet. Ends after a marker packet:
+  /// what follows it waits for the next call, unless there is no room for it.
+  void ReadSignal(const char* data, int count);
+
+  /// Bytes of a packet behind its length byte; 0 while that is not known.
+  int GetPacketLength() const { return decoder_.PacketLength(); }
+  /// Values of a packet, its time among them.
+  int GetValueCount() const { return valueCount_; }
+
+  /// Lets the user edit the settings.
+  void ShowSetupDialog(QWidget* parent = nullptr);
+  /// Tries other settings out on a port of their own and says in one sentence what came of it.
+  QString TryDevice(const TQLXSettings& settings) const override;
+
+  void SetOnData(TDataEvent event);
+
+ signals:
+  void OnOpen(QObject* sender);
+  /// Also after a port could not be opened.
+  void OnClose(QObject* sender);
+  /// Bytes have been received, or sent. They are valid during the call.
+  void OnTraffic(QByteArrayView bytes, bool sent);
+
+ private:
+  void ForgetBytes();
+  void StartAutoRun();
+  void StopDevice();
+  void ProbeDevice();
+  void AskPacketLength();
+  void RequestData();
+  /// False if an event made the bytes that follow worthless, or destroyed the port.
+  bool Decode(bool needsRoom);
+  void StartStopWatch();
+  double StopWatchTime() const;
+  void ReadTick(QObject*) { ReadPort(); }
+  void RequestTick(QObject*) { AskForData(); }
+
+  TDriverFactory makeDriver_;
+  std::unique_ptr<TSerialDriver> driver_;  ///< null while closed
+  bool connected_ = false;
+  bool autoRun_ = false;
+  bool probing_ = false;
+  bool reading_ = false;
+  QString errorText_;
+
+  TQLXDecoder decoder_;
+  unsigned session_ = 0;  ///< counts how often undecoded bytes were dropped
+  int valueCount_ = 0;
+  std::shared_ptr<const TDataEvent> onData_;  ///< shared, since the event may replace itself
+
+  // A stop-watch that tells the time: a change of the system's clock does not disturb a recording.
+  TDateTime startTime_;
+  QElapsedTimer stopWatch_;
+
+  TTimerClient readTimer_;
+  TTimerClient requestTimer_;
+  int outstandingRequests_ = 0;
+  int skippedTicks_ = 0;  ///< since the last request
+};
