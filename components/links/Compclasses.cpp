@@ -1,5 +1,7 @@
 #include "components/links/Compclasses.h"
 
+#include <QPointer>
+#include <QThread>
 #include <algorithm>
 #include <set>
 
@@ -13,21 +15,33 @@ TValueLink::~TValueLink() {
 
 // TLinkableControl
 
+TLinkableControl::TRun::TCascade TLinkableControl::TRun::cascade_;
+
 TLinkableControl::TRun::TRun(TLinkableControl& control, int& running)
     : control_(&control), running_(running), outer_(control.innermost_) {
   control.innermost_ = this;
   ++running_;
-  ++depth_;
+  // To ask for the level takes as long as the rest of a run, so it is asked for now and then. From
+  // the first time on that it differs, each value that comes in the inner loop asks again.
+  constexpr int kRunsBetween = 256;
+  if (cascade_.runs % kRunsBetween == 0) {
+    const int loopLevel = control.thread()->loopLevel();
+    if (cascade_.depth == 0 || cascade_.loopLevel != loopLevel) cascade_ = {0, 0, loopLevel};
+  }
+  ++cascade_.depth;
+  ++cascade_.runs;
 }
 
 TLinkableControl::TRun::~TRun() {
-  --depth_;
+  if (--cascade_.depth == 0) cascade_ = outerCascade_;
   if (IsGone()) return;
   --running_;
   control_->innermost_ = outer_;
 }
 
-bool TLinkableControl::TRun::IsCut() const { return running_ > kMaxReentry || depth_ > kMaxDepth; }
+bool TLinkableControl::TRun::IsCut() const {
+  return running_ > kMaxReentry || cascade_.depth > kMaxDepth || cascade_.runs > kMaxRuns;
+}
 
 TLinkableControl::~TLinkableControl() {
   for (TRun* run = innermost_; run; run = run->outer_) run->control_ = nullptr;
@@ -49,7 +63,7 @@ void TLinkableControl::AddLink(TValueLink* link, bool notifyNow) {
 }
 
 void TLinkableControl::DeleteLink(TValueLink* link) {
-  if (!link || !HasLink(link)) return;
+  if (!HasLink(link)) return;
   std::erase(link->controls_, this);
   Forget(link);
 }
@@ -60,7 +74,7 @@ int TLinkableControl::LinkCount() const {
 
 /// A subscription is in few controls, while a control may have many subscribers.
 bool TLinkableControl::HasLink(const TValueLink* link) const {
-  return std::ranges::find(link->controls_, this) != link->controls_.end();
+  return link && std::ranges::find(link->controls_, this) != link->controls_.end();
 }
 
 void TLinkableControl::Forget(const TValueLink* link) {
@@ -72,18 +86,18 @@ void TLinkableControl::Forget(const TValueLink* link) {
   }
 }
 
-bool TLinkableControl::CallLinks(const double& value) {
+void TLinkableControl::CallLinks(const double& value) {
   TRun run(*this, notifying_);
-  if (run.IsCut()) return true;
+  if (run.IsCut()) return;
   const std::size_t count = links_.size();
   for (std::size_t i = 0; i < count; ++i) {
     const TValueLink* link = links_[i];
     if (!link || !link->OnValue) continue;
     link->OnValue(value);
-    if (run.IsGone()) return false;
+    if (run.IsGone()) return;
   }
   if (notifying_ == 1) std::erase(links_, nullptr);
-  return true;
+  Notified();
 }
 
 // TDataControl
@@ -110,9 +124,7 @@ bool TDataControl::CanNotify() {
   return true;
 }
 
-void TDataControl::NotifyClients() {
-  if (CallLinks(value_)) emit OnChange(this);
-}
+void TDataControl::NotifyClients() { CallLinks(value_); }
 
 void TDataControl::AddLink(TValueLink* link, bool notifyNow) {
   TLinkableControl::AddLink(link, notifyNow);
@@ -134,23 +146,20 @@ TServerDataControl::~TServerDataControl() { destroying_ = true; }
 void TServerDataControl::SetValue(double value) { static_cast<void>(TakeValue(value)); }
 
 bool TServerDataControl::TakeValue(double value) {
-  if (!Deliver(value)) return false;
-  if (slider_.IsAttached()) slider_.SetSliderPos(value);
-  return true;
+  TRun run(*this, taking_);
+  TDataControl::SetValue(value);
+  GiveToClients(value, run);
+  if (!run.IsGone() && slider_.IsAttached()) slider_.SetSliderPos(value);
+  return !run.IsGone();
 }
 
-/// False if the control was destroyed on the way.
-bool TServerDataControl::Deliver(double value) {
-  TRun run(*this, delivering_);
-  TDataControl::SetValue(value);
-  if (run.IsGone()) return false;
-  if (run.IsCut()) return true;
+void TServerDataControl::GiveToClients(double value, const TRun& run) {
+  if (run.IsGone() || run.IsCut()) return;
   for (int i = 0; i < clients_.Count(); ++i) {
     // The list holds nothing but data controls, or null for one that is being destroyed.
     if (auto* client = static_cast<TDataControl*>(clients_.Get(i))) client->SetValue(value);
-    if (run.IsGone()) return false;
+    if (run.IsGone()) return;
   }
-  return true;
 }
 
 /// Each control is visited once, so that lists which share clients cost no more than their length.
@@ -187,28 +196,7 @@ void TServerDataControl::Loaded() {
   TDataControl::Loaded();
 }
 
-// TInputData
-
-TInputData::TInputData(QObject* owner, double value)
-    : TPersistent(owner), value_(value), control_(owner, &TServerDataControl::staticMetaObject) {
-  connect(&control_, &TKorvalCompList::OnItemChanged, this,
-          [this](QObject*, QObject* item, TListAction action) {
-            // A control in its destruction is none any more, and has left the link by itself.
-            auto* control = qobject_cast<TServerDataControl*>(item);
-            if (!control) return;
-            if (action == laAdded) {
-              control->AddLink(&link_, true);
-            } else {
-              control->DeleteLink(&link_);
-            }
-          });
-}
-
-void TInputData::SetValue(double value) {
-  if (OnValidate && !OnValidate(value)) return;
-  value_ = value;
-  emit OnChange(this);
-}
+// Ports
 
 namespace {
 
@@ -228,24 +216,62 @@ void SetSingleName(TKorvalCompList& list, const QString& name) {
   list.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
 }
 
+/// The destination may be destroyed by whom it tells its new value.
+template <class TPort>
+void CopyPort(const TPort& source, TPersistent* destination) {
+  const QPointer<TPort> port = qobject_cast<TPort*>(destination);
+  if (!port || port == &source) return;
+  port->SetValue(source.GetValue());
+  if (port) port->SetDataControl(source.GetDataControl());
+}
+
 }  // namespace
+
+// TInputData
+
+TInputData::TInputData(QObject* owner, double value)
+    : TPersistent(owner), value_(value), control_(owner, &TServerDataControl::staticMetaObject) {
+  connect(&control_, &TKorvalCompList::OnItemChanged, this,
+          [this](QObject*, QObject* item, TListAction action) {
+            // A control in its destruction is none any more, and has left the link by itself.
+            auto* control = qobject_cast<TServerDataControl*>(item);
+            if (control && action == laRemoved) control->DeleteLink(&link_);
+          });
+}
+
+void TInputData::SetValue(double value) {
+  if (OnValidate) {
+    const QPointer<TInputData> self(this);
+    if (!OnValidate(value) || !self) return;
+  }
+  value_ = value;
+  emit OnChange(this);
+}
 
 TServerDataControl* TInputData::GetDataControl() const {
   return Single<TServerDataControl>(control_);
 }
 
 void TInputData::SetDataControl(TServerDataControl* control) {
-  if (control != GetDataControl()) SetSingle(control_, control);
+  if (control == GetDataControl()) return;
+  SetSingle(control_, control);
+  Listen();
 }
 
 void TInputData::SetDataControlName(const QString& name) { SetSingleName(control_, name); }
 
-void TInputData::AssignTo(TPersistent* destination) const {
-  auto* port = qobject_cast<TInputData*>(destination);
-  if (!port || port == this) return;
-  port->SetValue(value_);
-  port->SetDataControl(GetDataControl());
+void TInputData::Loaded() {
+  control_.GetComponentsByNames();
+  Listen();
 }
+
+/// Last in its callers: who is told the value may destroy the port.
+void TInputData::Listen() {
+  TServerDataControl* control = GetDataControl();
+  if (control && !control->HasLink(&link_)) control->AddLink(&link_, true);
+}
+
+void TInputData::AssignTo(TPersistent* destination) const { CopyPort(*this, destination); }
 
 bool TInputData::SameAs(const TPersistent* other) const {
   const auto* port = qobject_cast<const TInputData*>(other);
@@ -273,12 +299,7 @@ void TOutputData::SetDataControl(TDataControl* control) {
 
 void TOutputData::SetDataControlName(const QString& name) { SetSingleName(control_, name); }
 
-void TOutputData::AssignTo(TPersistent* destination) const {
-  auto* port = qobject_cast<TOutputData*>(destination);
-  if (!port || port == this) return;
-  port->SetValue(value_);
-  port->SetDataControl(GetDataControl());
-}
+void TOutputData::AssignTo(TPersistent* destination) const { CopyPort(*this, destination); }
 
 bool TOutputData::SameAs(const TPersistent* other) const {
   const auto* port = qobject_cast<const TOutputData*>(other);

@@ -35,9 +35,10 @@ class TValueLink {
 
 /// A control with subscribers. They are not owned; destroying the control calls none of them.
 ///
-/// Circles are cut: a control that is notifying already is entered once more, so that a subscriber
-/// may correct the value it was told, and then only stores what it gets; so does a control below
-/// 256 others in one cascade.
+/// What a value sets off, its cascade, always ends. A control that is notifying already is entered
+/// once more, so that a subscriber may correct the value it was told, and then only stores what it
+/// gets; so does every control when 256 calls wait for each other or the cascade has made 262,144
+/// calls, as controls that all point at each other would for ever.
 class TLinkableControl : public TIconControl {
   Q_OBJECT
 
@@ -68,24 +69,37 @@ class TLinkableControl : public TIconControl {
 
     /// The control has been destroyed: nothing of it may be touched.
     bool IsGone() const { return !control_; }
-    /// The method must call nobody: it runs in itself too often, or too deep in a cascade.
+    /// The method must call nobody: it runs in itself too often, or the cascade is too deep or too
+    /// long.
     bool IsCut() const;
 
    private:
     friend class TLinkableControl;
     static constexpr int kMaxReentry = 2;
     static constexpr int kMaxDepth = 256;
-    static inline int depth_ = 0;
+    static constexpr int kMaxRuns = 1 << 18;
+
+    /// A subscriber that waits in an event loop of its own, to ask the user for one, does not hold
+    /// the values up that come meanwhile: each begins a cascade.
+    struct TCascade {
+      int depth = 0;      ///< runs on the stack
+      int runs = 0;       ///< runs since it began
+      int loopLevel = 0;  ///< of event loops, in which it began
+    };
+    static TCascade cascade_;
 
     TLinkableControl* control_;  ///< null once it is destroyed
     int& running_;
     TRun* outer_;
+    const TCascade outerCascade_ = cascade_;
   };
 
  protected:
-  /// Calls each subscriber with `value` as it is at that moment; false if one of them destroyed the
-  /// control. Who subscribes meanwhile is not called, who leaves is not called any more.
-  bool CallLinks(const double& value);
+  /// Calls each subscriber with `value` as it is at that moment, then Notified. Who subscribes
+  /// meanwhile is not called, who leaves is not called any more.
+  void CallLinks(const double& value);
+  /// All subscribers have been called.
+  virtual void Notified() {}
 
  private:
   friend class TValueLink;
@@ -132,6 +146,7 @@ class TDataControl : public TLinkableControl {
  protected:
   /// Counts a value; true for every Interval-th.
   bool CanNotify();
+  void Notified() override { emit OnChange(this); }
 
  private:
   double value_ = 0.0;
@@ -177,11 +192,11 @@ class TServerDataControl : public TDataControl {
   void ClientsChanged(QObject* item, TListAction action, bool& allow);
 
  private:
-  bool Deliver(double value);
+  void GiveToClients(double value, const TRun& run);
 
   TKorvalCompList clients_{this, &TDataControl::staticMetaObject};
   TSliderLink slider_{this};
-  int delivering_ = 0;  ///< runs of Deliver on the stack
+  int taking_ = 0;  ///< runs of TakeValue on the stack
   bool destroying_ = false;
 };
 
@@ -205,8 +220,9 @@ class TInputData : public TPersistent {
   /// The control's object name, as forms keep it. A name set here is resolved by Loaded.
   QString GetDataControlName() const { return control_.GetNames().value(0); }
   void SetDataControlName(const QString& name);
-  /// To be called once the form of the owner is complete.
-  void Loaded() { control_.GetComponentsByNames(); }
+  /// To be called once the form of the owner is complete. The control that is found gives its
+  /// present value at once.
+  void Loaded();
 
   /// Says whether a value may be taken; unset takes all.
   std::function<bool(double value)> OnValidate;
@@ -215,6 +231,8 @@ class TInputData : public TPersistent {
   bool SameAs(const TPersistent* other) const override;
 
  private:
+  void Listen();
+
   double value_;
   TKorvalCompList control_;  ///< one at most
   TValueLink link_{[this](double value) { SetValue(value); }};
