@@ -1,0 +1,438 @@
+#include "components/comms/Qlxport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <memory>
+
+#include "components/graphing/Publishedrecord.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// A line in memory that keeps a log of what the port asks of it.
+struct TFakeLine {
+  QStringList log;
+  QByteArray incoming;
+  QByteArray probeAnswer;  ///< comes in after each data request
+  bool exists = true;
+  bool lost = false;
+
+  QStringList TakeLog() { return std::exchange(log, {}); }
+};
+
+class TFakeDriver : public TSerialDriver {
+ public:
+  explicit TFakeDriver(TFakeLine& line) : line_(line) {}
+  ~TFakeDriver() override { line_.log << QStringLiteral("close"); }
+
+  bool Open(const QString& portName) override {
+    line_.log << "open " + portName;
+    return line_.exists;
+  }
+  void SetLine(const TLineSettings& l) override {
+    line_.log << QStringLiteral("line %1 %2 %3 %4 %5 %6")
+                     .arg(l.baudRate)
+                     .arg(l.dataBits)
+                     .arg(l.stopBits)
+                     .arg(l.parity)
+                     .arg(l.controlDTR)
+                     .arg(l.controlRTS);
+  }
+  void SetQueueSizes(int input, int output) override {
+    line_.log << QStringLiteral("queues %1 %2").arg(input).arg(output);
+  }
+  int Read(std::span<char> buffer) override {
+    const QByteArray bytes = line_.incoming.left(static_cast<qsizetype>(buffer.size()));
+    std::copy(bytes.begin(), bytes.end(), buffer.begin());
+    line_.incoming.remove(0, bytes.size());
+    return static_cast<int>(bytes.size());
+  }
+  int Write(std::span<const char> bytes) override {
+    if (line_.lost) return 0;
+    const QByteArray command(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    line_.log << QString::fromLatin1(command).replace('\r', "<CR>").replace('\a', "<BEL>");
+    if (command == "mr\r") line_.incoming += line_.probeAnswer;
+    return static_cast<int>(bytes.size());
+  }
+  void Purge(bool input, bool output) override {
+    line_.log << QStringLiteral("purge%1%2").arg(input ? " in" : "", output ? " out" : "");
+    if (input) line_.incoming.clear();
+  }
+  int InputCount() override { return static_cast<int>(line_.incoming.size()); }
+  int OutputCount() override { return 7; }
+  bool IsLost() const override { return line_.lost; }
+  void Wait(int milliseconds) override { line_.log << QString::number(milliseconds) + " ms"; }
+  QString ErrorText() const override { return QStringLiteral("Cannot open it"); }
+
+ private:
+  TFakeLine& line_;
+};
+
+class TQLXPortTest : public testing::Test {
+ protected:
+  TQLXPortTest() {
+    QObject::connect(&port(), &TQLXPort::OnOpen, [this] { line.log << QStringLiteral("OnOpen"); });
+    QObject::connect(&port(), &TQLXPort::OnClose,
+                     [this] { line.log << QStringLiteral("OnClose"); });
+    port().SetOnData([this](QObject*, const double* values, int count) {
+      rows.emplace_back(values, values + count);
+      if (onRow) onRow();
+    });
+  }
+
+  TQLXPort& port() { return *owned; }
+  void Tick(int times = 1) {
+    for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
+  }
+  /// A probed port in AutoRun whose packets have two inputs of 24 bits.
+  void Run(TQLXSettings::TQLXFlowControl mode) {
+    port().SetControlQLX(mode);
+    line.probeAnswer = QByteArray("\6------", 7);
+    port().SetAutoRun(true);
+    line.probeAnswer.clear();
+    line.incoming.clear();
+    line.log.clear();
+  }
+  /// A packet of two inputs, the first as given and the second 0.
+  static QByteArray Packet(char low) {
+    return QByteArray("\6\x7f\xff", 3) + low + QByteArray("\x7f\xff\xf8", 3);
+  }
+
+  TTimerClient keepsTheServer;
+  TFakeLine line;
+  std::vector<std::vector<double>> rows;
+  std::function<void()> onRow;
+  std::unique_ptr<TQLXPort> owned =
+      std::make_unique<TQLXPort>(nullptr, [this] { return std::make_unique<TFakeDriver>(line); });
+};
+
+TEST_F(TQLXPortTest, OpensAndClosesInOrder) {
+  port().SetBaudRate(TQLXPort::brs57600);
+  port().SetStopBits(TQLXPort::sbTwoStopBits);
+  port().SetDataBits(TQLXPort::dbSeven);
+  port().SetParity(TQLXPort::prSpace);
+  port().SetControlDTR(TQLXPort::dtrHandshake);
+  port().SetControlRTS(TQLXPort::rtsToggle);
+  port().Open();
+  port().Open();
+  EXPECT_THAT(line.TakeLog(),
+              ElementsAre("open COM1", "line 57600 7 2 4 2 3", "queues 1200 1200", "OnOpen"));
+  EXPECT_TRUE(port().GetConnected());
+  port().SetConnected(false);
+  port().SetConnected(false);
+  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "close", "OnClose"));
+}
+
+TEST_F(TQLXPortTest, APortThatCannotBeOpenedIsClosedWithItsEvent) {
+  line.exists = false;
+  port().Open();
+  EXPECT_THAT(line.TakeLog(), ElementsAre("open COM1", "close", "OnClose"));
+  EXPECT_FALSE(port().GetConnected());
+  EXPECT_EQ(port().GetErrorText(), "Cannot open it");
+  // Neither a probe that waits for nobody nor a second try.
+  port().SetAutoRun(true);
+  EXPECT_THAT(line.TakeLog(), ElementsAre("open COM1", "close", "OnClose"));
+  EXPECT_FALSE(port().GetAutoRun());
+}
+
+TEST_F(TQLXPortTest, AnotherPortNumberReopensAConnectedPort) {
+  port().SetPortNum("com3");
+  EXPECT_TRUE(line.TakeLog().isEmpty());
+  EXPECT_EQ(port().GetPortNum(), "COM3");
+  port().Open();
+  line.log.clear();
+  port().SetPortNum("3");
+  EXPECT_TRUE(line.TakeLog().isEmpty());
+  port().SetPortNum("4");
+  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "close", "OnClose", "open COM4",
+                                          "line 38400 8 0 0 0 1", "queues 1200 1200", "OnOpen"));
+}
+
+TEST_F(TQLXPortTest, SendsCommandsAndReadsAnswers) {
+  EXPECT_EQ(port().SendQLXCommand("mr\r"), 0);
+  EXPECT_EQ(port().GetAnswerToQLXCommand("mr\r", 100), QByteArray());
+  EXPECT_TRUE(line.log.isEmpty());
+
+  port().Open();
+  line.log.clear();
+  line.incoming = "old";
+  line.probeAnswer = QByteArray(200, 'x');
+  EXPECT_EQ(port().GetAnswerToQLXCommand("mr\r", 30), QByteArray(128, 'x'));
+  EXPECT_EQ(port().GetInputCount(), 72);
+  EXPECT_EQ(port().GetOutputCount(), 7);
+  EXPECT_EQ(port().SendQLXCommand("lron\r", 50), 5);
+  port().ClearBuffer(false, true);
+  port().ClearPort();
+  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "mr<CR>", "30 ms", "lron<CR>", "50 ms",
+                                          "purge out", "<BEL><CR>"));
+  line.lost = true;
+  EXPECT_EQ(port().SendQLXCommand("lron\r", 50), 0);
+  EXPECT_EQ(port().GetAnswerToQLXCommand("mr\r", 30), QByteArray());
+  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out"));  // and nothing was waited for
+}
+
+TEST_F(TQLXPortTest, AutoRunProbesTheDeviceAndStartsTheStream) {
+  line.probeAnswer = QByteArray("\6------", 7);
+  port().SetAutoRun(true);
+  EXPECT_THAT(
+      line.TakeLog(),
+      ElementsAre("open COM1", "line 38400 8 0 0 0 1", "queues 1200 1200", "OnOpen",  //
+                  "purge in out", "lroff<CR>", "100 ms", "purge in out", "<BEL><CR>", "100 ms",
+                  "purge in out", "mr<CR>", "100 ms",                            //
+                  "sloop0<CR>", "100 ms", "lron<CR>", "100 ms", "purge in out",  //
+                  "purge in out", "close", "OnClose",                            //
+                  "open COM1", "line 38400 8 0 0 0 1", "queues 1200 1200", "OnOpen", "mr<CR>"));
+  EXPECT_EQ(port().GetPacketLength(), 6);
+  EXPECT_EQ(port().GetValueCount(), 3);
+
+  port().SetAutoRun(true);
+  EXPECT_TRUE(line.log.isEmpty());
+  port().SetAutoRun(false);
+  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "<BEL><CR>", "100 ms", "lroff<CR>",
+                                          "100 ms", "sloop1<CR>", "100 ms", "purge in out",  //
+                                          "purge in out", "close", "OnClose"));
+}
+
+TEST_F(TQLXPortTest, APolledDeviceIsProbedIntoItsOwnLoop) {
+  port().SetControlQLX(TQLXPort::sfcSoftware);
+  port().InitAutoRunParameters();  // no answer
+  EXPECT_EQ(line.log.filter("<CR>"),
+            QStringList({"lroff<CR>", "<BEL><CR>", "mr<CR>", "sloop1<CR>", "lroff<CR>"}));
+  EXPECT_EQ(port().GetPacketLength(), 0);
+  line.probeAnswer = QByteArray("\3T..\60ab", 7);  // a marker packet comes first
+  port().InitAutoRunParameters();
+  EXPECT_EQ(port().GetPacketLength(), 48);
+  EXPECT_EQ(port().GetValueCount(), 17);
+  line.probeAnswer.clear();
+  port().InitAutoRunParameters();
+  EXPECT_EQ(port().GetPacketLength(), 48);
+  EXPECT_EQ(port().GetValueCount(), 17);
+}
+
+TEST_F(TQLXPortTest, StreamedPacketsAreSpacedByTheSampleRateFromTheLastMarker) {
+  port().SetQLXSampleRate(50);
+  const double before = TDateTime::Now().Days();
+  Run(TQLXPort::sfcHardware);
+  const QByteArray packets = Packet('\xf9') + Packet('\xfa');
+  line.incoming = packets.left(10);
+  Tick();
+  ASSERT_EQ(rows.size(), 1u);
+  line.incoming = packets.mid(10) + QByteArray("\3T..", 4) + Packet('\xfb');
+  Tick();
+  ASSERT_EQ(rows.size(), 2u);  // what follows a marker waits for the next bytes
+  line.incoming = Packet('\xfc');
+  Tick();
+  ASSERT_EQ(rows.size(), 4u);
+  const double after = TDateTime::Now().Days();
+
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_THAT(std::vector(rows[i].begin() + 1, rows[i].end()), ElementsAre(i + 1, 0));
+  }
+  constexpr double kStep = 0.02 / 86400, kTolerance = 1e-10;  // 10 microseconds
+  EXPECT_GE(rows[0][0], before - kTolerance);
+  EXPECT_NEAR(rows[1][0] - rows[0][0], kStep, kTolerance);
+  EXPECT_GE(rows[2][0], rows[0][0]);
+  EXPECT_LE(rows[2][0], after + 1.0 / 86400000 + kTolerance);  // Now has milliseconds
+  EXPECT_NEAR(rows[3][0] - rows[2][0], kStep, kTolerance);
+}
+
+TEST_F(TQLXPortTest, AtMostTwoRequestsAreUnansweredAndALostOneIsGivenUp) {
+  Run(TQLXPort::sfcSoftware);
+  Tick(2);
+  EXPECT_THAT(line.TakeLog(), ElementsAre("mr<CR>", "mr<CR>"));
+  Tick(21);
+  EXPECT_TRUE(line.TakeLog().isEmpty());
+  Tick();
+  EXPECT_THAT(line.TakeLog(), ElementsAre("mr<CR>"));
+  Tick(21);
+  EXPECT_TRUE(line.TakeLog().isEmpty());
+  // Three are unanswered now: a packet and a marker leave one.
+  line.incoming = Packet('\xf8') + QByteArray("\3T..", 4);
+  Tick();
+  EXPECT_THAT(line.TakeLog(), ElementsAre("mr<CR>"));
+  EXPECT_EQ(rows.size(), 1u);
+  Tick();
+  EXPECT_TRUE(line.TakeLog().isEmpty());
+}
+
+TEST_F(TQLXPortTest, AFloodIsSpreadOverTicksAndNothingOfItIsLost) {
+  Run(TQLXPort::sfcHardware);
+  constexpr int kPackets = 30'000;
+  for (int i = 0; i < kPackets; ++i) line.incoming += Packet('\xf8');
+  Tick();
+  EXPECT_GT(rows.size(), 1000u);
+  EXPECT_LT(rows.size(), 15'000u);
+  Tick(10);
+  EXPECT_EQ(rows.size(), static_cast<std::size_t>(kPackets));
+}
+
+TEST_F(TQLXPortTest, MarkersThatComeFasterThanTheTicksLoseNoPacket) {
+  Run(TQLXPort::sfcHardware);
+  constexpr int kPackets = 5000;
+  for (int i = 0; i < kPackets; ++i) line.incoming += QByteArray("\3T..", 4) + Packet('\xf8');
+  Tick(10);
+  for (int i = 0; i < 2 * kPackets; ++i) port().ReadSignal("", 0);
+  EXPECT_EQ(rows.size(), static_cast<std::size_t>(kPackets));
+}
+
+TEST_F(TQLXPortTest, ALineThatIsLostClosesThePort) {
+  Run(TQLXPort::sfcSoftware);
+  line.lost = true;
+  line.incoming = Packet('\xf8');
+  Tick();
+  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "close", "OnClose"));
+  EXPECT_EQ(rows.size(), 1u);  // what came before is still taken
+  EXPECT_FALSE(port().GetConnected());
+  EXPECT_FALSE(port().GetAutoRun());
+  Tick(5);
+  EXPECT_TRUE(line.log.isEmpty());
+}
+
+TEST_F(TQLXPortTest, SurvivesWhatItsEventsDoToIt) {
+  const struct {
+    const char* what;
+    std::function<void()> act;
+    std::size_t rows;
+  } cases[] = {
+      {"close", [this] { port().Close(); }, 1},
+      {"destroy", [this] { owned.reset(); }, 1},
+      {"stop", [this] { port().SetAutoRun(false); }, 1},
+      {"clear", [this] { port().ClearPort(); }, 1},
+      {"reopen", [this] { port().SetPortNum(port().GetPortNum() == "COM1" ? "2" : "1"); }, 1},
+      {"read", [this] { port().ReadPort(); }, 3},
+      {"no more events", [this] { port().SetOnData(nullptr); }, 1},
+  };
+  for (const auto& c : cases) {
+    for (const bool atOpen : {false, true}) {
+      SCOPED_TRACE(std::string(c.what) + (atOpen ? " at open" : " at data"));
+      owned = std::make_unique<TQLXPort>(nullptr,
+                                         [this] { return std::make_unique<TFakeDriver>(line); });
+      port().SetOnData([this](QObject*, const double*, int) {
+        rows.emplace_back();
+        onRow();
+      });
+      rows.clear();
+      int opened = 0;
+      onRow = atOpen ? [] {} : c.act;
+      QObject::connect(&port(), &TQLXPort::OnOpen, [&] {
+        if (atOpen && ++opened < 4) c.act();
+      });
+      Run(TQLXPort::sfcHardware);
+      line.incoming = Packet('\xf8') + Packet('\xf8') + Packet('\xf8');
+      Tick();
+      if (!atOpen) {
+        EXPECT_EQ(rows.size(), c.rows);
+      }
+    }
+  }
+}
+
+TEST_F(TQLXPortTest, LeavesADeviceThatItStartedQuiet) {
+  Run(TQLXPort::sfcHardware);
+  owned.reset();
+  EXPECT_THAT(line.TakeLog(),
+              ElementsAre("purge in out", "<BEL><CR>", "100 ms", "lroff<CR>", "100 ms",
+                          "sloop1<CR>", "100 ms", "purge in out", "close"));
+}
+
+TEST(TQLXSettings, KeepTheirBoundsAndReportRealChanges) {
+  TQLXSettings settings;
+  QSignalSpy changes(&settings, &TPersistent::OnChange);
+  const struct {
+    double rate;
+    double stored;
+  } rates[] = {{39, 100}, {801, 100}, {std::nan(""), 100}, {40, 40}, {40, 40}, {800, 800}};
+  for (const auto& c : rates) {
+    settings.SetQLXSampleRate(c.rate);
+    EXPECT_EQ(settings.GetQLXSampleRate(), c.stored);
+  }
+  EXPECT_EQ(changes.count(), 2);
+  settings.SetInBufSize(-1);
+  settings.SetBaudRate(static_cast<TQLXSettings::TQLXBaudRate>(5));
+  settings.SetResolution(static_cast<TQLXSettings::TQLXResolution>(-1));
+  EXPECT_EQ(changes.count(), 2);
+}
+
+TEST(TQLXSettings, NameThePortWhateverIsTyped) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"com3", "COM3"},   {"7", "COM7"},   {"COM17", "COM1"},       {"COMx", "COM1"},
+      {"Com16", "COM16"}, {"0", "COM1"},   {"-2", "COM1"},          {"", "COM1"},
+      {"co3", "COM1"},    {"COM", "COM1"}, {"99999999999", "COM1"},
+  };
+  for (const auto& [typed, name] : cases) EXPECT_EQ(TQLXSettings::ComString(typed), name) << typed;
+}
+
+TEST(TQLXSettings, ResolutionsHaveTheirRequestAndWidth) {
+  const struct {
+    TQLXSettings::TQLXResolution resolution;
+    const char* request;
+    int bytes;
+  } cases[] = {{TQLXSettings::rs16bits, "cr\r", 2},
+               {TQLXSettings::rs24bits, "mr\r", 3},
+               {TQLXSettings::rs16bitsOld, "sr\r", 2}};
+  for (const auto& c : cases) {
+    TQLXSettings settings;
+    settings.SetResolution(c.resolution);
+    EXPECT_EQ(settings.DataRequest(), c.request);
+    EXPECT_EQ(settings.BytesPerSample(), c.bytes);
+  }
+}
+
+TEST_F(TQLXPortTest, ResolutionIsFixedWhileConnected) {
+  port().Open();
+  port().SetResolution(TQLXPort::rs16bits);
+  EXPECT_EQ(port().GetResolution(), TQLXPort::rs24bits);
+  port().Close();
+  port().SetResolution(TQLXPort::rs16bits);
+  EXPECT_EQ(port().GetResolution(), TQLXPort::rs16bits);
+}
+
+TEST(TQLXSettings, ConvertToTheDriversNumbers) {
+  const int baud[] = {110,   300,   600,   1200,  2400,   4800,   9600,  14400,
+                      19200, 38400, 56000, 57600, 115200, 128000, 256000};
+  for (int i = 0; i < 15; ++i) EXPECT_EQ(BaudRateToInt(static_cast<TBaudRate>(i)), baud[i]);
+  EXPECT_EQ(BaudRateToInt(static_cast<TBaudRate>(15)), 0);
+  const int device[] = {9600, 19200, 38400, 57600, 115200};
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(QLXBaudRateToInt(static_cast<TQLXSettings::TQLXBaudRate>(i)), device[i]);
+  }
+  EXPECT_EQ(DataBitsToByte(TQLXSettings::dbFive), 5);
+  EXPECT_EQ(DataBitsToByte(TQLXSettings::dbEight), 8);
+  EXPECT_EQ(StopBitsToByte(TQLXSettings::sbOne5StopBits), 1);
+  EXPECT_EQ(ParityBitsToByte(TQLXSettings::prMark), 3);
+  EXPECT_EQ(DTRControlToInt(TQLXSettings::dtrHandshake), 2);
+  EXPECT_EQ(RTSControlToInt(TQLXSettings::rtsToggle), 3);
+}
+
+TEST(TQLXSettings, ARecordKeepsAllOfThemInOrder) {
+  TQLXPort port;
+  QStringList names;
+  ForEachPublished(port, [&](const QMetaProperty& property) { names << property.name(); });
+  EXPECT_THAT(names, ElementsAre("BaudRate", "StopBits", "DataBits", "Parity", "ControlDTR",
+                                 "ControlRTS", "PortNum", "InBufSize", "OutBufSize", "Resolution",
+                                 "ControlQLX", "QLXSampleRate"));
+  const QJsonObject record = {{"BaudRate", "brs9600"},
+                              {"StopBits", "sbOne5StopBits"},
+                              {"DataBits", "dbSix"},
+                              {"Parity", "prEven"},
+                              {"ControlDTR", "dtrEnable"},
+                              {"ControlRTS", "rtsHandshake"},
+                              {"PortNum", "COM9"},
+                              {"InBufSize", 4000},
+                              {"OutBufSize", 50},
+                              {"Resolution", "rs16bitsOld"},
+                              {"ControlQLX", "sfcSoftware"},
+                              {"QLXSampleRate", 62.5}};
+  QString error;
+  ASSERT_TRUE(ReadPublished(record, port, &error)) << error.toStdString();
+  EXPECT_EQ(WritePublished(port), record);
+  TQLXSettings copy;
+  EXPECT_FALSE(copy.SameAs(&port));
+  copy.Assign(&port);
+  EXPECT_TRUE(copy.SameAs(&port));
+}
+
+}  // namespace
