@@ -65,12 +65,13 @@ bool TBinList::Take(double weight, double value) {
   return true;
 }
 
-void TBinList::AddValues(double weight, double value) {
-  if (Take(weight, value)) {
-    if (OnValueAdded) OnValueAdded();
-  } else if (std::isfinite(weight)) {
-    lost_ += weight;
+bool TBinList::AddValues(double weight, double value) {
+  if (!Take(weight, value)) {
+    if (std::isfinite(weight)) lost_ += weight;
+    return false;
   }
+  if (OnValueAdded) OnValueAdded();
+  return true;
 }
 
 void TBinList::Clear() {

@@ -37,6 +37,8 @@ class TBinList : public TPersistent {
   double GetPosition(int index) const { return Edge(first_ + index); }
   /// Sum of the weights in bin `index`.
   double GetBinCount(int index) const { return counts_[static_cast<std::size_t>(index)]; }
+  /// Bin `index` as the point of a bar: (position, count).
+  TCoordinate Bar(int index) const { return {GetPosition(index), GetBinCount(index)}; }
   /// Sum of the weights in all bins.
   double GetCycleCount() const;
   /// Sum of the weights that no bin took since the list was emptied.
@@ -47,12 +49,13 @@ class TBinList : public TPersistent {
   /// cannot be told apart.
   double CorrectPos(double value) const;
 
-  /// Adds a weight to the bin of a value, making the bins up to there. A value that has no bin, or
-  /// whose bin would make them more than 65,536, and a weight that is not finite are left out.
-  void AddValues(double weight, double value);
+  /// Adds a weight to the bin of a value, making the bins up to there, and returns true. A value
+  /// that has no bin, or whose bin would make them more than 65,536, and a weight that is not
+  /// finite are left out: false.
+  bool AddValues(double weight, double value);
   void Clear();
 
-  /// For the bars of a graph, to a point (position, count): their width, which lies below the
+  /// For the bars of a graph, to the points that Bar gives: their width, which lies below the
   /// position, and the count at which they stand.
   TCoordinate BasePair() const { return {step_, 0.0}; }
 
