@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QPointer>
+#include <vector>
+
+#include "components/channels/Variable.h"
+#include "components/sources/Macrocompiler.h"
+#include "components/sources/Macroprogram.h"
+
+/// A variable whose value is that of an expression over other variables. It is computed anew, from
+/// the present values of all of them, whenever one of them notifies.
+class TMacro : public TCustomVariable {
+  Q_OBJECT
+  Q_PROPERTY(TKorvalCompList* Variables READ GetVariables WRITE SetVariables)
+  Q_PROPERTY(QString MacroText READ GetMacroText WRITE SetMacroText)
+  Q_PROPERTY(bool ShowValue READ GetShowValue WRITE SetShowValue)
+  Q_PROPERTY(bool ShowName READ GetShowName WRITE SetShowName)
+  Q_PROPERTY(TNumberFormat* ValueFormat READ GetValueFormat WRITE SetFormat)
+  Q_PROPERTY(double Value READ GetValue WRITE SetValue)
+
+ public:
+  explicit TMacro(QWidget* parent = nullptr);
+
+  /// The variables that the text may name. The macro subscribes to those that it names.
+  TKorvalCompList* GetVariables() { return &variables_; }
+  /// Copies a list of variables; another list, and null, change nothing.
+  void SetVariables(const TKorvalCompList* list);
+
+  const QString& GetMacroText() const { return macroText_; }
+  /// A new text is compiled at once, but not while the form is being read.
+  void SetMacroText(const QString& text);
+
+  /// Leaves the variables, compiles the text, subscribes to the variables that it names, each of
+  /// which tells its value at once, and takes the value of the expression.
+  void CompileMacro();
+  /// The expression over the present values; 0 without one.
+  double GetMacroValue();
+  /// Takes the value of the expression, whatever `value` is.
+  void SetValue(double value) override;
+
+  /// What the last compilation found: "No errors", or what is wrong.
+  const QString& GetErrorText() const { return errorText_; }
+  TMacroCompiler::TErrorCode GetErrorCode() const { return compiler_.ErrorCode(); }
+  /// See TMacroCompiler::Position.
+  int GetErrorPosition() const { return compiler_.Position(); }
+
+  void Loaded() override;
+
+ protected:
+  /// Edits the text.
+  void DoubleClicked() override;
+
+ private:
+  /// A variable that the expression reads. `component` is for comparing only.
+  struct TInput {
+    const QObject* component;
+    QPointer<const QObject> alive;
+  };
+
+  void UnLinkVariables();
+  [[nodiscard]] bool LinkVariables();
+  void VariablesChanged(QObject* sender, QObject* component, TListAction action);
+  void FindInputs();
+  bool Reads(const QObject* component) const;
+
+  TKorvalCompList variables_{this, &TVariable::staticMetaObject};
+  QString macroText_;
+  TMacroProgram program_;       ///< of the tree; empty without one
+  std::vector<TInput> inputs_;  ///< of the program
+  TMacroCompiler compiler_;
+  QString errorText_ = TMacroCompiler::ErrorMessage(TMacroCompiler::mcOk);
+  int compilations_ = 0;  ///< so many so far
+  TValueLink link_{[this](double value) { SetValue(value); }};
+};
