@@ -1,0 +1,250 @@
+#include <QJsonDocument>
+#include <QPainter>
+#include <algorithm>
+
+#include "components/channels/Channelset.h"
+#include "components/controls/Iconimages.h"
+#include "components/graphing/Publishedrecord.h"
+
+namespace {
+
+const QLatin1String kChannels("Channels");
+const QLatin1String kChannelCount("ChannelCount");
+
+bool Refuse(QString* error, const QString& reason) {
+  if (error) *error = reason;
+  return false;
+}
+
+}  // namespace
+
+// TChannelSet as an item
+
+QString TChannelSet::GetNamePath() const {
+  const QString name = Owner() ? Owner()->objectName() : QString();
+  return QStringLiteral("%1.Sets[%2]").arg(name).arg(index_);
+}
+
+void TChannelSet::LeaveCollection() {
+  // Somebody has deleted the set without its collection.
+  if (sets_) static_cast<void>(sets_->Take(index_).release());
+}
+
+QJsonObject TChannelSet::WriteProperties() const {
+  QJsonArray channels;
+  for (int i = 0; i < channels_.Count(); ++i) {
+    channels.append(channels_.GetItem(i)->WriteProperties());
+  }
+  QJsonObject record = WritePublished(*this);
+  record[kChannels] = channels;
+  return record;
+}
+
+bool TChannelSet::ReadProperties(QJsonObject record, QString* error) {
+  const QJsonValue list = record.take(kChannels);
+  const QJsonArray channels = list.toArray();
+  const auto count = static_cast<int>(channels.size());
+  if (!list.isArray() || record.take(kChannelCount).toInt(-1) != count) {
+    return Refuse(error, QStringLiteral("ChannelCount is not the number of channels"));
+  }
+  SetCount(count);
+  while (count == 0 && channels_.Count() > 0) DeleteChannel(channels_.Count() - 1);
+  if (channels_.Count() != count) return Refuse(error, QStringLiteral("Too many channels"));
+  if (!ReadPublished(record, *this, error)) return false;
+  for (int i = 0; i < count; ++i) {
+    QString reason;
+    if (!channels_.GetItem(i)->ReadProperties(channels[i].toObject(), &reason)) {
+      return Refuse(error, QStringLiteral("Channel %1: %2").arg(i + 1).arg(reason));
+    }
+  }
+  return true;
+}
+
+void TChannelSet::AssignTo(TPersistent* destination) const {
+  auto* set = qobject_cast<TChannelSet*>(destination);
+  if (!set || set == this) return;
+  set->SetCount(channels_.Count());
+  set->SetRows(GetRows());
+  set->SetLabel(label_);
+  set->SetXMLTag(xmlTag_);
+  set->SetSetID(setId_);
+  set->channels_.Assign(&channels_);
+  if (storageNow_) {
+    set->SetStorage(storageNow_);
+  } else {
+    set->SetStorageName(GetStorageName());
+  }
+}
+
+bool TChannelSet::SameAs(const TPersistent* other) const {
+  return other && SamePublished(*this, *other);
+}
+
+// TChannelSets
+
+TChannelSets::~TChannelSets() {
+  for (const auto& set : items_) set->sets_ = nullptr;
+}
+
+TChannelSet* TChannelSets::GetItem(int index) const {
+  if (index < 0 || index >= Count()) return nullptr;
+  return items_[static_cast<std::size_t>(index)].get();
+}
+
+void TChannelSets::SetItem(int index, const TChannelSet* set) {
+  if (TChannelSet* item = GetItem(index)) item->Assign(set);
+}
+
+QStringList TChannelSets::Labels() const {
+  QStringList labels;
+  for (const auto& set : items_) labels.append(set->GetLabel());
+  return labels;
+}
+
+TChannelSet* TChannelSets::Add() {
+  if (Count() >= kMaxSets) return nullptr;
+  auto set = std::make_unique<TChannelSet>(Owner());
+  set->SetLabel(QStringLiteral("ChannelSet%1").arg(Count() + 1));
+  TChannelSet* added = set.get();
+  Put(std::move(set));
+  emit OnChange(this);
+  return added;
+}
+
+void TChannelSets::Put(std::unique_ptr<TChannelSet> set) {
+  set->sets_ = this;
+  set->index_ = Count();
+  connect(set.get(), &TPersistent::OnChange, this, [this] { emit OnChange(this); });
+  items_.push_back(std::move(set));
+}
+
+std::unique_ptr<TChannelSet> TChannelSets::Take(int index) {
+  if (!GetItem(index)) return nullptr;
+  const auto at = items_.begin() + index;
+  std::unique_ptr<TChannelSet> taken = std::move(*at);
+  items_.erase(at);
+  taken->sets_ = nullptr;
+  taken->index_ = -1;
+  disconnect(taken.get(), nullptr, this, nullptr);
+  for (int i = index; i < Count(); ++i) GetItem(i)->index_ = i;
+  emit OnChange(this);
+  return taken;
+}
+
+void TChannelSets::Delete(int index) { Take(index); }
+
+void TChannelSets::Clear() {
+  while (Count() > 0) Delete(Count() - 1);
+}
+
+QString TChannelSets::WriteProperties() const {
+  QJsonArray records;
+  for (const auto& set : items_) records.append(set->WriteProperties());
+  return QString::fromUtf8(QJsonDocument(records).toJson(QJsonDocument::Compact));
+}
+
+bool TChannelSets::ReadProperties(const QString& text, QString* error) {
+  QJsonParseError problem;
+  const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &problem);
+  if (problem.error != QJsonParseError::NoError) {
+    return Refuse(
+        error, QStringLiteral("Character %1: %2").arg(problem.offset).arg(problem.errorString()));
+  }
+  const QJsonArray records = document.array();
+  if (!document.isArray() || records.size() > kMaxSets) {
+    return Refuse(error, QStringLiteral("The text is no list of at most %1 sets").arg(kMaxSets));
+  }
+  std::vector<std::unique_ptr<TChannelSet>> read;
+  qint64 cells = 0;
+  for (const auto& record : records) {
+    const QString where = QStringLiteral("Set %1: ").arg(read.size() + 1);
+    read.push_back(std::make_unique<TChannelSet>(Owner()));
+    QString reason;
+    if (!read.back()->ReadProperties(record.toObject(), &reason)) {
+      return Refuse(error, where + reason);
+    }
+    cells += qint64{read.back()->GetRows()} * read.back()->GetColumns();
+    if (cells > kMaxCells) return Refuse(error, where + QStringLiteral("too many rows"));
+  }
+  Replace(std::move(read));
+  return true;
+}
+
+void TChannelSets::Replace(std::vector<std::unique_ptr<TChannelSet>> sets) {
+  const auto gone = std::exchange(items_, {});
+  for (const auto& set : gone) {
+    set->sets_ = nullptr;
+    disconnect(set.get(), nullptr, this, nullptr);
+  }
+  for (auto& set : sets) {
+    Put(std::move(set));
+    if (!IsLoading(Owner())) items_.back()->Loaded();
+  }
+  emit OnChange(this);
+}
+
+void TChannelSets::AssignTo(TPersistent* destination) const {
+  auto* sets = qobject_cast<TChannelSets*>(destination);
+  if (!sets || sets == this) return;
+  while (sets->Count() > Count()) sets->Delete(sets->Count() - 1);
+  while (sets->Count() < Count()) sets->Add();
+  for (int i = 0; i < Count(); ++i) sets->SetItem(i, GetItem(i));
+}
+
+bool TChannelSets::SameAs(const TPersistent* other) const {
+  const auto* sets = qobject_cast<const TChannelSets*>(other);
+  return sets && std::equal(items_.begin(), items_.end(), sets->items_.begin(), sets->items_.end(),
+                            [](const auto& a, const auto& b) { return a->SameAs(b.get()); });
+}
+
+// TChannelSource
+
+namespace {
+
+/// Three signals in one box.
+void DrawChannelSource(QPainter& painter) {
+  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
+  painter.setBrush(QColor(250, 251, 253));
+  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 4.0, 4.0);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(QColor(32, 96, 200), 1.8));
+  for (const double y : {7.0, 12.0, 17.0}) {
+    painter.drawPolyline(
+        QPolygonF({{4.5, y}, {8.0, y}, {9.5, y - 2.5}, {12.0, y + 2.5}, {13.5, y}, {19.5, y}}));
+  }
+}
+
+}  // namespace
+
+TChannelSource::TChannelSource(QWidget* parent) : TIconControl(parent) {
+  const QString image = QStringLiteral("ChannelSourceImage");
+  if (!HasIconImage(image)) RegisterIconImage(image, DrawChannelSource);
+  SetIconImage(image);
+  SetImageSize(QSize(17, 17));
+}
+
+TChannelSource::~TChannelSource() { destroying_ = true; }
+
+std::set<TSensorType> TChannelSource::GetSensorTypes() const {
+  std::set<TSensorType> types;
+  for (int i = 0; i < sets_.Count(); ++i) {
+    const TChannels* channels = sets_.GetItem(i)->GetChannels();
+    for (int k = 0; k < channels->Count(); ++k) types.insert(channels->GetItem(k)->GetSensorType());
+  }
+  return types;
+}
+
+void TChannelSource::GetChannelsOfType(std::vector<TChannel*>& list, TSensorType type) const {
+  for (int i = 0; i < sets_.Count(); ++i) {
+    sets_.GetItem(i)->GetChannels()->GetChannelsOfType(list, type);
+  }
+}
+
+void TChannelSource::Loaded() {
+  for (int i = 0; i < sets_.Count(); ++i) sets_.GetItem(i)->Loaded();
+  TIconControl::Loaded();
+}
+
+void TChannelSource::AssignTo(TChannelSource* destination) const {
+  if (destination) destination->SetSets(&sets_);
+}
