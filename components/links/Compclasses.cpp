@@ -148,13 +148,14 @@ void TServerDataControl::SetValue(double value) { static_cast<void>(TakeValue(va
 bool TServerDataControl::TakeValue(double value) {
   TRun run(*this, taking_);
   TDataControl::SetValue(value);
-  GiveToClients(value, run);
-  if (!run.IsGone() && slider_.IsAttached()) slider_.SetSliderPos(value);
+  if (run.IsGone()) return false;
+  if (!run.IsCut()) GiveToClients(value, run);
+  if (run.IsGone()) return false;
+  if (slider_.IsAttached()) slider_.SetSliderPos(value);
   return !run.IsGone();
 }
 
 void TServerDataControl::GiveToClients(double value, const TRun& run) {
-  if (run.IsGone() || run.IsCut()) return;
   for (int i = 0; i < clients_.Count(); ++i) {
     // The list holds nothing but data controls, or null for one that is being destroyed.
     if (auto* client = static_cast<TDataControl*>(clients_.Get(i))) client->SetValue(value);
