@@ -19,8 +19,10 @@ std::unique_ptr<QTemporaryDir> folder;
 void TakeQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   fprintf(stderr, "%s\n", qPrintable(text));
   if (type == QtDebugMsg || type == QtInfoMsg) return;
-  // The offscreen platform says so of every tool window; there is nothing to raise it over.
+  // The offscreen platform says so of every tool window; there is nothing to raise it over, and no
+  // window manager to be told of sizes.
   if (text == QStringLiteral("This plugin does not support raise()")) return;
+  if (text == QStringLiteral("This plugin does not support propagateSizeHints()")) return;
   for (qsizetype i = 0; i < expectedWarnings.size(); ++i) {
     if (!text.contains(expectedWarnings[i])) continue;
     expectedWarnings.removeAt(i);

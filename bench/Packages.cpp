@@ -1,0 +1,76 @@
+#include <random>
+#include <string>
+
+#include "bench/Bench.h"
+#include "components/channels/Channelset.h"
+#include "components/comms/Qlxpackage.h"
+
+namespace {
+
+constexpr int kChannels = 16;
+constexpr int kRowsPerPackage = 100;
+
+struct TText {
+  std::string Bytes;
+  long Rows = 0;
+};
+
+/// Packages of 100 rows with 16 values each, as `format` writes them.
+TText Packages(std::size_t size, bool stamped, const char* format) {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> value(-500.0, 500.0);
+  TText text;
+  while (text.Bytes.size() < size) {
+    text.Bytes +=
+        stamped ? "<data id=\"bench\">\r\n" : "<rows id=\"bench\" time=\"20240501 101112123\">\r\n";
+    for (int row = 0; row < kRowsPerPackage; ++row, ++text.Rows) {
+      if (stamped) text.Bytes += "20240501 101112123 ";
+      for (int channel = 0; channel < kChannels; ++channel) {
+        char number[32];
+        std::snprintf(number, sizeof number, format, value(random));
+        text.Bytes += number;
+      }
+      text.Bytes += "\r\n";
+    }
+    text.Bytes += stamped ? "</data>\r\n" : "</rows>\r\n";
+  }
+  return text;
+}
+
+void Measure(TBench& bench, TChannelSets& sets, const char* what, const TText& text) {
+  for (const std::size_t chunk :
+       {text.Bytes.size(), std::size_t{65536}, std::size_t{1460}, std::size_t{64}}) {
+    TQLXPackage package(&sets);
+    long runs = 0;
+    const double seconds = bench.Seconds(5, [&] {
+      for (std::size_t i = 0; i < text.Bytes.size(); i += chunk) {
+        package.Parse(std::string_view(text.Bytes).substr(i, chunk));
+      }
+      ++runs;
+    });
+    const std::string pieces =
+        chunk == text.Bytes.size() ? "in one piece" : "in pieces of " + std::to_string(chunk);
+    bench.Row(std::string(what) + ", " + pieces,
+              static_cast<double>(text.Bytes.size()) / seconds / 1e6, "MB/s");
+    bench.Check(static_cast<long>(package.Counts().Rows) == runs * text.Rows,
+                std::string(what) + " " + pieces + " lost rows");
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  TBench bench(argc, argv);
+  TChannelSets sets;
+  for (const char* tag : {"data", "rows"}) {
+    TChannelSet* set = sets.Add();
+    set->SetXMLTag(QString::fromLatin1(tag));
+    set->SetSetID(QStringLiteral("bench"));
+    set->SetCount(kChannels);
+  }
+  const std::size_t size = bench.Quick() ? 1 << 20 : 64 << 20;
+  Measure(bench, sets, "4 decimals", Packages(size, false, "%.4f "));
+  Measure(bench, sets, "4 decimals, a stamp per row", Packages(size, true, "%.4f "));
+  Measure(bench, sets, "17 digits", Packages(size, false, "%.17g "));
+  return bench.Result();
+}

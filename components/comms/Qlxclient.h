@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <memory>
+
+#include "components/controls/Compbase.h"
+#include "components/links/Complist.h"
+#include "model/Timer.h"
+
+class QFile;
+class TChannelSets;
+class TChannelSource;
+
+/// Base of the components that bring measured rows into the channel sets of a channel source.
+/// Trouble is told by the status text alone. GUI thread only; whoever is told of anything may
+/// destroy the client.
+class TQLXClient : public TIconControl {
+  Q_OBJECT
+  Q_PROPERTY(bool AutoConnect READ GetAutoConnect WRITE SetAutoConnect)
+  Q_PROPERTY(bool Active READ GetActive WRITE SetActive)
+  Q_PROPERTY(QString ChannelSource READ GetChannelSourceName WRITE SetChannelSourceName)
+  Q_PROPERTY(QString LogFile READ GetLogFile WRITE SetLogFile)
+  Q_PROPERTY(bool Logging READ GetLogging WRITE SetLogging)
+
+ public:
+  explicit TQLXClient(QWidget* parent = nullptr);
+  ~TQLXClient() override;
+
+  /// Whether an inactive client tries to become active every 200 ms. It does not try while its form
+  /// is being read.
+  bool GetAutoConnect() const { return autoConnect_; }
+  void SetAutoConnect(bool autoConnect);
+
+  /// Whether rows can come.
+  virtual bool GetActive() const = 0;
+  /// Set while the form is being read, it takes effect once the form is complete.
+  virtual void SetActive(bool active);
+
+  /// Where the rows go; null for none. Not owned, may go first.
+  TChannelSource* GetChannelSource() const;
+  void SetChannelSource(TChannelSource* source);
+  /// The source's object name, as forms keep it. A name set here is resolved by Loaded.
+  QString GetChannelSourceName() const { return source_.GetNames().value(0); }
+  void SetChannelSourceName(const QString& name);
+
+  /// The file that logging creates; a new name counts from the next SetLogging on.
+  const QString& GetLogFile() const { return logFile_; }
+  void SetLogFile(const QString& fileName) { logFile_ = fileName; }
+  /// Whether everything that comes is appended, unchanged, to the log.
+  bool GetLogging() const { return log_ != nullptr || loggingWhenLoaded_; }
+  /// Closes the log; switched on with a LogFile, begins a new one in its place. A log that cannot
+  /// be written is told by the status text, and logging is off.
+  void SetLogging(bool logging);
+
+  const QString& GetStatus() const { return status_; }
+
+  void Loaded() override;
+
+ signals:
+  void OnActiveChanged(QObject* sender);
+  void OnStatusChanged(QObject* sender);
+  /// A piece of text has come, of any size. Valid during the call.
+  void OnReceived(QObject* sender, const QByteArray& text);
+
+ protected:
+  virtual void Open() = 0;
+  /// Does nothing if there is nothing to close.
+  virtual void Close() = 0;
+  /// Whether the client becomes active by itself if AutoConnect is on.
+  virtual bool Reconnects() const { return true; }
+  /// Whether the log may go into this file.
+  virtual bool MayLogInto(const QString& fileName) const;
+
+  /// There is another channel source, or none.
+  virtual void SourceChanged() {}
+
+  /// The sets of the channel source, or null.
+  TChannelSets* GetSets() const;
+  /// Stores the status text and fires OnStatusChanged.
+  void SetStatus(const QString& text);
+  /// Fires OnActiveChanged if that is so.
+  void ReportActive();
+  /// Lets the reconnect timer run while AutoConnect is on and the client is not active.
+  void UpdateReconnect();
+  /// To be called with each piece of text that comes, before it is used: logs it and shows it.
+  void Received(QByteArrayView text);
+
+ private:
+  void Reconnect(QObject* sender);
+  void CannotLog(const QString& reason);
+
+  bool autoConnect_ = false;
+  bool activeWhenLoaded_ = false;
+  bool loggingWhenLoaded_ = false;
+  bool reportedActive_ = false;
+  TKorvalCompList source_;  ///< one at most
+  QString logFile_;
+  std::unique_ptr<QFile> log_;  ///< null: not logging
+  QString status_;
+  TTimerClient reconnect_;
+};

@@ -1,0 +1,87 @@
+#include "components/comms/Qlxmaster.h"
+
+#include "components/channels/Channelset.h"
+
+namespace {
+
+const QString kNoSource = QStringLiteral("ChannelSource not defined!");
+
+}  // namespace
+
+TQLXMasterClient::TQLXMasterClient(QWidget* parent, TDriverFactory makeDriver)
+    : TQLXClient(parent), port_(this, std::move(makeDriver)) {
+  SetIconImage(QStringLiteral("TQLXMasterClient"));
+  chSet_.Caption = kNoSource;
+  connect(&port_, &TQLXPort::OnOpen, this, &TQLXMasterClient::PortOpened);
+  connect(&port_, &TQLXPort::OnClose, this, &TQLXMasterClient::PortClosed);
+  port_.SetOnData([this](QObject*, const double* values, int count) { PortData(values, count); });
+  connect(&miniCom_, &TClick::OnClick, this, &TQLXMasterClient::ShowConsole);
+}
+
+TQLXMasterClient::~TQLXMasterClient() { delete console_; }
+
+/// The collection stays that of the channel source.
+void TQLXMasterClient::SetChSet(const TSelectedCollItem* selection) {
+  if (selection) chSet_.SetItem(selection->GetItem());
+}
+
+void TQLXMasterClient::SourceChanged() {
+  if (!GetChannelSource()) return chSet_.SetCollection({});
+  chSet_.SetCollection([this] {
+    const TChannelSets* sets = GetSets();
+    return sets ? sets->Labels() : QStringList();
+  });
+}
+
+void TQLXMasterClient::Open() {
+  if (opening_) return;
+  opening_ = true;
+  const QPointer<TQLXMasterClient> self(this);
+  port_.SetAutoRun(true);
+  if (!self) return;
+  opening_ = false;
+  if (!GetActive() && !port_.GetErrorText().isEmpty()) SetStatus(port_.GetErrorText());
+  if (self) ReportActive();
+  if (self) UpdateReconnect();
+}
+
+void TQLXMasterClient::Close() {
+  const QPointer<TQLXMasterClient> self(this);
+  port_.SetAutoRun(false);
+  if (self) port_.Close();
+}
+
+void TQLXMasterClient::PortOpened(QObject* sender) {
+  Q_UNUSED(sender)
+  const QPointer<TQLXMasterClient> self(this);
+  SetStatus(QStringLiteral("Connected to ") + port_.GetPortNum());
+  if (self && !GetChannelSource()) SetStatus(kNoSource);
+  if (self) UpdateReconnect();
+  if (self && !opening_) ReportActive();
+}
+
+void TQLXMasterClient::PortClosed(QObject* sender) {
+  Q_UNUSED(sender)
+  const QPointer<TQLXMasterClient> self(this);
+  SetStatus(QStringLiteral("Disconnected from ") + port_.GetPortNum());
+  if (self) UpdateReconnect();
+  if (self && !opening_) ReportActive();
+}
+
+void TQLXMasterClient::PortData(const double* values, int count) {
+  TChannelSets* sets = GetSets();
+  if (!sets) {
+    if (GetStatus() != kNoSource) SetStatus(kNoSource);
+    return;
+  }
+  const int index = chSet_.GetIndex();
+  if (index >= 0) sets->GetItem(index)->SetRow(values, 0, count);
+}
+
+void TQLXMasterClient::ShowConsole() {
+  if (!console_ && MakeConsole) console_ = MakeConsole(port_, this);
+  if (!console_) return;
+  console_->show();
+  console_->raise();
+  console_->activateWindow();
+}

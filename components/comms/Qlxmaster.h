@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+
+#include "components/comms/Qlxclient.h"
+#include "components/comms/Qlxport.h"
+
+/// Takes rows from a serial measuring device into one channel set.
+class TQLXMasterClient : public TQLXClient {
+  Q_OBJECT
+  Q_PROPERTY(TClick* MiniCom READ GetMiniCom WRITE SetMiniCom)
+  Q_PROPERTY(TQLXPort* Port READ GetPort WRITE SetPort)
+  Q_PROPERTY(TSelectedCollItem* ChSet READ GetChSet WRITE SetChSet)
+
+ public:
+  /// `makeDriver` is for the port.
+  explicit TQLXMasterClient(QWidget* parent = nullptr,
+                            TDriverFactory makeDriver = MakeSystemDriver);
+  ~TQLXMasterClient() override;
+
+  /// Opens the serial console.
+  TClick* GetMiniCom() { return &miniCom_; }
+  void SetMiniCom(const TClick* click) { miniCom_.Assign(click); }
+  TQLXPort* GetPort() { return &port_; }
+  void SetPort(const TQLXPort* port) { port_.Assign(port); }
+  /// The set that takes the rows, by its label, among the sets of the channel source.
+  TSelectedCollItem* GetChSet() { return &chSet_; }
+  void SetChSet(const TSelectedCollItem* selection);
+
+  /// Makes the serial console, as a child of `parent`; without it MiniCom does nothing.
+  std::function<QDialog*(TQLXPort& port, QWidget* parent)> MakeConsole;
+
+  /// True while the port is open.
+  bool GetActive() const override { return port_.GetConnected(); }
+
+ protected:
+  /// Starts the device; blocks for about half a second.
+  void Open() override;
+  void Close() override;
+  void SourceChanged() override;
+
+ private:
+  void PortOpened(QObject* sender);
+  void PortClosed(QObject* sender);
+  void PortData(const double* values, int count);
+  void ShowConsole();
+
+  TClick miniCom_{this};
+  TSelectedCollItem chSet_{this};
+  bool opening_ = false;       ///< the port opens and closes on the way
+  QPointer<QDialog> console_;  ///< a child of this
+  TQLXPort port_;
+};

@@ -1,0 +1,147 @@
+#include "components/comms/Qlxmaster.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/components/Rowrecorder.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// A device with two inputs that answers each data request, for drivers that come and go.
+struct TDevice {
+  bool present = true;
+  std::string waiting;   ///< for the driver to read
+  std::string received;  ///< from the driver
+
+  /// 0 and 1 at an offset of 8,388,600.
+  void SendPacket() { waiting += std::string("\x06\x7F\xFF\xF8\x7F\xFF\xF9", 7); }
+};
+
+class TDeviceDriver : public TSerialDriver {
+ public:
+  explicit TDeviceDriver(TDevice& device) : device_(device) {}
+  bool Open(const QString&) override { return device_.present; }
+  void SetLine(const TLineSettings&) override {}
+  void SetQueueSizes(int, int) override {}
+  int Read(std::span<char> buffer) override {
+    const std::size_t count = std::min(buffer.size(), device_.waiting.size());
+    std::memcpy(buffer.data(), device_.waiting.data(), count);
+    device_.waiting.erase(0, count);
+    return static_cast<int>(count);
+  }
+  int Write(std::span<const char> bytes) override {
+    const std::string text(bytes.data(), bytes.size());
+    device_.received += text;
+    if (text == "mr\r") device_.SendPacket();
+    return static_cast<int>(bytes.size());
+  }
+  void Purge(bool input, bool) override {
+    if (input) device_.waiting.clear();
+  }
+  int InputCount() override { return static_cast<int>(device_.waiting.size()); }
+  int OutputCount() override { return 0; }
+  bool IsLost() const override { return !device_.present; }
+  void Wait(int) override {}
+  QString ErrorText() const override { return QStringLiteral("no such device"); }
+
+ private:
+  TDevice& device_;
+};
+
+class TQLXMasterClientTest : public testing::Test {
+ protected:
+  TQLXMasterClientTest() {
+    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 2);
+    recorder.Add(QStringLiteral("data"), QStringLiteral("b"), 2);
+    QObject::connect(&client, &TQLXClient::OnStatusChanged,
+                     [this] { statuses << client.GetStatus(); });
+    QObject::connect(&client, &TQLXClient::OnActiveChanged,
+                     [this] { active.push_back(client.GetActive()); });
+  }
+
+  TRowRecorder recorder;
+  TDevice device;
+  QStringList statuses;
+  std::vector<bool> active;
+  TQLXMasterClient client{nullptr, [this] { return std::make_unique<TDeviceDriver>(device); }};
+};
+
+TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
+  client.SetChannelSource(recorder.Source());
+  EXPECT_EQ(client.GetChSet()->Items(), QStringList({"ChannelSet1", "ChannelSet2"}));
+  client.GetChSet()->SetItem(QStringLiteral("ChannelSet2"));
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
+  device.SendPacket();
+  TTimerServer::Instance()->Timer();
+  EXPECT_TRUE(recorder.Rows(0).empty());
+  ASSERT_EQ(recorder.Rows(1).size(), 2u);  // one was asked for
+  EXPECT_EQ(recorder.Rows(1)[1][1], 0.0);
+  EXPECT_EQ(recorder.Rows(1)[1][2], 1.0);
+
+  client.SetActive(false);
+  EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
+  EXPECT_THAT(active, ElementsAre(true, false));
+  EXPECT_THAT(device.received, testing::EndsWith("lroff\rsloop1\r"));
+}
+
+TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
+  EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
+  const auto told = statuses.size();
+  for (int i = 0; i < 5; ++i) device.SendPacket();
+  TTimerServer::Instance()->Timer();
+  EXPECT_EQ(statuses.size(), told) << "told once, not per packet";
+  client.SetChannelSource(recorder.Source());
+  recorder.DestroySource();
+  EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
+  device.SendPacket();
+  TTimerServer::Instance()->Timer();
+  EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
+}
+
+TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBack) {
+  client.SetChannelSource(recorder.Source());
+  client.SetAutoConnect(true);
+  for (int i = 0; i < 20; ++i) TTimerServer::Instance()->Timer();
+  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
+  device.present = false;
+  TTimerServer::Instance()->Timer();
+  EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
+  for (int i = 0; i < 20; ++i) TTimerServer::Instance()->Timer();
+  EXPECT_EQ(client.GetStatus(), "no such device");
+  EXPECT_FALSE(client.GetActive());
+  device.present = true;
+  for (int i = 0; i < 20; ++i) TTimerServer::Instance()->Timer();
+  EXPECT_TRUE(client.GetActive());
+  EXPECT_THAT(active, ElementsAre(true, false, true));
+}
+
+TEST_F(TQLXMasterClientTest, MayBeDestroyedByWhomItTells) {
+  auto other = std::make_unique<TQLXMasterClient>(
+      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+  other->SetChannelSource(recorder.Source());
+  other->GetChSet()->SetIndex(0);
+  recorder.OnRow = [&] { other.reset(); };
+  other->SetActive(true);
+  for (int i = 0; i < 3; ++i) device.SendPacket();
+  TTimerServer::Instance()->Timer();
+  EXPECT_FALSE(other);
+  EXPECT_EQ(recorder.Rows(0).size(), 1u);
+  recorder.OnRow = nullptr;
+
+  for (const auto signal : {&TQLXClient::OnStatusChanged, &TQLXClient::OnActiveChanged}) {
+    other = std::make_unique<TQLXMasterClient>(
+        nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+    QObject::connect(other.get(), signal, [&] { other.reset(); });
+    other->SetActive(true);
+    EXPECT_FALSE(other);
+  }
+}
+
+}  // namespace
