@@ -1,0 +1,79 @@
+#include "components/links/Synchronizer.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <condition_variable>
+#include <mutex>
+
+/// What both threads touch. A step may destroy the synchronizer, so whoever is at work holds it.
+struct TSynchronizer::TShared {
+  std::mutex mutex;
+  std::condition_variable changed;
+  TStep step;            ///< empty while it runs
+  bool waiting = false;  ///< the worker waits for its step
+  bool cancelled = false;
+
+  bool CallsFor() const { return waiting && !cancelled; }
+};
+
+/// Only empty events pass through the event queue: they say that there is a step to be run.
+class TSynchronizer::TReceiver : public QObject {
+ public:
+  explicit TReceiver(const std::shared_ptr<TShared>& shared) : shared_(shared) {}
+
+  /// At low priority: input and what the step before has posted go first.
+  void Post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority); }
+
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::User) return QObject::event(event);
+    Run(shared_);
+    return true;
+  }
+
+ private:
+  /// By value: the step may destroy the receiver.
+  void Run(std::shared_ptr<TShared> shared) {
+    TStep step;
+    {
+      const std::lock_guard lock(shared->mutex);
+      if (!shared->CallsFor()) return;
+      step = std::move(shared->step);
+    }
+    const TAnswer answer = step();
+    const std::lock_guard lock(shared->mutex);
+    if (!shared->CallsFor()) return;
+    if (answer == TAnswer::Again) {
+      shared->step = std::move(step);
+      Post();
+    } else {
+      shared->waiting = false;
+      shared->changed.notify_one();
+    }
+  }
+
+  const std::shared_ptr<TShared> shared_;
+};
+
+TSynchronizer::TSynchronizer()
+    : shared_(std::make_shared<TShared>()), receiver_(std::make_unique<TReceiver>(shared_)) {}
+
+TSynchronizer::~TSynchronizer() { Cancel(); }
+
+bool TSynchronizer::Synchronize(TStep step) {
+  const std::shared_ptr<TShared> shared = shared_;
+  std::unique_lock lock(shared->mutex);
+  if (shared->cancelled) return false;
+  shared->step = std::move(step);
+  shared->waiting = true;
+  // Cancel takes the mutex before the receiver goes.
+  receiver_->Post();
+  shared->changed.wait(lock, [&] { return !shared->CallsFor(); });
+  return !std::exchange(shared->waiting, false);
+}
+
+void TSynchronizer::Cancel() {
+  const std::lock_guard lock(shared_->mutex);
+  shared_->cancelled = true;
+  shared_->changed.notify_one();
+}
