@@ -1,0 +1,189 @@
+#include "components/sources/Numberscanner.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <string>
+
+namespace {
+
+using testing::ElementsAre;
+using TResult = TNumberScanner::TResult;
+
+/// The numbers of a text that comes in pieces of `size` bytes.
+std::vector<double> Scan(const std::string& text, std::size_t size = std::string::npos) {
+  TNumberScanner scanner;
+  std::vector<double> values;
+  for (std::size_t start = 0; start < text.size(); start += std::min(size, text.size())) {
+    const std::string piece = text.substr(start, size);
+    std::size_t position = 0;
+    for (;;) {
+      double value = 0.0;
+      const TResult result = scanner.ScanValue(piece, position, value);
+      if (result == TResult::End) break;
+      if (result == TResult::Number) values.push_back(value);
+    }
+    EXPECT_EQ(position, piece.size());
+  }
+  return values;
+}
+
+TEST(TNumberScanner, TakesNumbersBetweenWhiteSpaceAndSkipsTheRest) {
+  const struct {
+    const char* text;
+    std::vector<double> values;
+  } cases[] = {
+      {"1 2 3\n", {1, 2, 3}},
+      {"\t 1\r\n2\t3 ", {1, 2, 3}},
+      {"7", {}},  // nothing ends it
+      {"1.5e3 1.5E-3 +2 -.5 5. +.25E+1 ", {1500, 0.0015, 2, -0.5, 5, 2.5}},
+      {"1.2.3 ", {1.23}},
+      {"--5 +-5 -+5 5-3 5+ 1E--2 ", {-5, 5, -5, 53, 5, 0.01}},
+      {"e5 E 1e5e2 ", {5, 2}},
+      {"7<tag> 8\n", {8}},
+      {"<tag> 7 ", {7}},
+      {"<a b=\"1 2\"\n3>4\n5<never 6\n7", {4}},
+      {"Time Value\n1 2\n", {1, 2}},
+      {"1 2 x 3\n4\n", {1, 2, 4}},
+      {"1,2,3\n3;4\n5\n", {5}},
+      {"inf nan 0x10\n-inf\n1\n", {1}},
+      {"12a34\n56\n", {56}},
+      {"\xff 1\n2\n", {2}},
+      {"-0 0.0 -0e5 ", {0, 0, 0}},
+      {"9007199254740993 0.1 2.2250738585072011e-308 4.9e-324 1e-400 ",
+       {9007199254740992.0, 0.1, 2.2250738585072011e-308, 4.9e-324, 0}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(Scan(c.text), c.values);
+    for (const std::size_t size : {1, 2, 3, 5}) EXPECT_EQ(Scan(c.text, size), c.values);
+  }
+  EXPECT_TRUE(std::signbit(Scan("-0 ")[0]));
+  EXPECT_THAT(Scan(std::string("1\0 2\n3\n", 7)), ElementsAre(3));
+}
+
+TEST(TNumberScanner, ReportsWordsThatAreNoNumber) {
+  for (const std::string word : {"-", ".", "-.", "1E", "1E+", "1E-", ".E5", "-E5", "1E5.3", "1E.",
+                                 "1E400", "-1E400", "1E99999999999999999999"}) {
+    for (const std::size_t size : {std::size_t{1}, std::string::npos}) {
+      SCOPED_TRACE(word);
+      TNumberScanner scanner;
+      const std::string text = "1 " + word + "\n2 ";
+      std::vector<double> values;
+      int bad = 0;
+      for (std::size_t start = 0; start < text.size(); start += std::min(size, text.size())) {
+        const std::string piece = text.substr(start, size);
+        std::size_t position = 0;
+        double value = -1.0;
+        TResult result = TResult::Number;
+        while (result != TResult::End) {
+          result = scanner.ScanValue(piece, position, value);
+          if (result == TResult::Number) values.push_back(value);
+          if (result != TResult::Bad) continue;
+          ++bad;
+          EXPECT_EQ(scanner.BadText(), word);
+          EXPECT_EQ(scanner.BadLength(), static_cast<std::int64_t>(word.size()) + 1);
+          EXPECT_EQ(start + position, word.size() + 3);
+        }
+      }
+      EXPECT_EQ(bad, 1);
+      EXPECT_THAT(values, ElementsAre(1, 2));
+    }
+  }
+}
+
+TEST(TNumberScanner, RoundsNumbersOfAnyLengthAsTheyAreWritten) {
+  const std::string million(1'000'000, '0');
+  const std::string half = "9007199254740993";  // lies in the middle of two doubles
+  const struct {
+    std::string text;
+    double value;
+  } cases[] = {
+      {"0." + std::string(1'000'000, '3'), 1.0 / 3.0},
+      {million + "7", 7.0},
+      {"0." + million + "5E1000001", 5.0},
+      {"0." + million + "5E1000000", 0.5},
+      {"25" + million + "E-1000001", 2.5},
+      {half + "." + million + "1", 9007199254740994.0},
+      {half + "." + million, 9007199254740992.0},
+      {half + million + "1E-1000001", 9007199254740994.0},
+      {"1E" + million + "2", 100.0},
+      {"1E-" + std::string(1'000'000, '9'), 0.0},
+      {std::string(1'000'000, '-') + "3", -3.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text.substr(0, 30));
+    EXPECT_THAT(Scan(c.text + ' '), ElementsAre(c.value));
+    EXPECT_THAT(Scan(c.text + ' ', 65536), ElementsAre(c.value));
+  }
+  TNumberScanner scanner;
+  std::size_t position = 0;
+  double value = 0.0;
+  EXPECT_EQ(scanner.ScanValue(std::string(1000, '7') + ' ', position, value), TResult::Bad);
+  EXPECT_EQ(scanner.BadText(), std::string(40, '7') + "...");
+}
+
+/// The rules word for word, for a text as a whole.
+std::vector<double> ScanByTheBook(const std::string& text) {
+  std::vector<double> values;
+  std::string token;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const bool hasE = token.find('E') != std::string::npos;
+    if (c >= '0' && c <= '9') {
+      token += c;
+    } else if (c == '.') {
+      if (token.find('.') == std::string::npos) token += c;
+    } else if (c == 'E' || c == 'e') {
+      token = hasE || token.empty() ? "" : token + 'E';
+    } else if (c == '+' || c == '-') {
+      if (token.empty() || token.back() == 'E') token += c;
+    } else if (c == ' ' || c == '\t' || c == '\n' || c == '\r') {
+      char* end = nullptr;
+      const double value = std::strtod(token.c_str(), &end);
+      if (!token.empty() && *end == '\0' && std::isfinite(value)) values.push_back(value);
+      token.clear();
+    } else {
+      token.clear();
+      i = std::min(text.find(c == '<' ? '>' : '\n', i), text.size() - 1);
+    }
+  }
+  return values;
+}
+
+TEST(TNumberScanner, KeepsToTheRulesInRandomTextsCutAnywhere) {
+  std::mt19937 random(12);
+  const std::string alphabet = "0123456789012345..eE+-   \n\n\t\r<>x,";
+  for (int round = 0; round < 20'000; ++round) {
+    std::string text(random() % 60, ' ');
+    for (char& c : text) c = alphabet[random() % alphabet.size()];
+    const std::vector<double> expected = ScanByTheBook(text);
+    ASSERT_EQ(Scan(text), expected) << text;
+    ASSERT_EQ(Scan(text, 1 + random() % 8), expected) << text;
+  }
+}
+
+TEST(TNumberScanner, LosesANumberAtALinesEndButNotATag) {
+  TNumberScanner scanner;
+  double value = 0.0;
+  const auto scan = [&](const std::string& piece) {
+    std::size_t position = 0;
+    return scanner.ScanValue(piece, position, value);
+  };
+  EXPECT_EQ(scan("12"), TResult::End);
+  scanner.EndLine();
+  EXPECT_EQ(scan("3 "), TResult::Number);
+  EXPECT_EQ(value, 3.0);
+  EXPECT_EQ(scan("head"), TResult::End);
+  scanner.EndLine();
+  EXPECT_EQ(scan("4 "), TResult::Number);
+  EXPECT_EQ(scan("<a\n"), TResult::End);
+  scanner.EndLine();
+  EXPECT_EQ(scan("5 > 6 "), TResult::Number);
+  EXPECT_EQ(value, 6.0);
+}
+
+}  // namespace
