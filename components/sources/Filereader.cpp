@@ -1,0 +1,110 @@
+#include "components/sources/Filereader.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QPointer>
+#include <algorithm>
+
+namespace {
+
+/// The file open for reading, or null with the reason in `error`.
+std::unique_ptr<QFile> OpenFile(const QString& name, QString& error) {
+  const QFileInfo info(name);
+  auto file = std::make_unique<QFile>(name);
+  if (info.exists() && !info.isFile()) {
+    error = QStringLiteral("Cannot open %1: it is not an ordinary file").arg(name);
+  } else if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    error = QStringLiteral("Cannot open %1: %2").arg(name, file->errorString());
+  } else {
+    return file;
+  }
+  return {};
+}
+
+}  // namespace
+
+TFileReader::TFileReader(QWidget* parent) : TStreamProvider(parent) {
+  SetStateImages(QStringLiteral("FileReaderIdle"), QStringLiteral("FileReaderActive"),
+                 QStringLiteral("FileReaderDown"));
+}
+
+void TFileReader::SetFileName(const QString& name) {
+  QString error;
+  const bool opens = name.isEmpty() || OpenFile(name, error);
+  const QString stored = opens ? name : QFileInfo(name).isFile() ? fileName_ : QString();
+  const QPointer<TFileReader> self(this);
+  if (stored != fileName_) {
+    WhileInactive([this, &stored] {
+      fileName_ = stored;
+      if (!useList_) DropStream();
+    });
+  }
+  if (self && !opens) Report(error);
+}
+
+void TFileReader::SetUseList(bool use) {
+  if (use == useList_ || GetActive()) return;
+  useList_ = use;
+  DropStream();
+}
+
+void TFileReader::SetFiles(const QStringList& files) {
+  if (files == files_) return;
+  files_ = files;
+  if (!useList_) return;
+  itemIndex_ = static_cast<int>(files_.size());
+  Reset();
+}
+
+void TFileReader::SetItemIndex(int index) {
+  if (index >= -1 && index <= files_.size()) itemIndex_ = index;
+}
+
+QString TFileReader::GetValidFile() {
+  QString name = fileName_;
+  if (useList_) {
+    itemIndex_ = std::min(itemIndex_ + 1, static_cast<int>(files_.size()));
+    name = files_.value(itemIndex_);
+  }
+  emit OnNewFile(this, name);
+  return name;
+}
+
+void TFileReader::ProvideStream() {
+  const QPointer<TFileReader> self(this);
+  const QString name = GetValidFile();
+  if (!self || !GetActive() || HasStream()) return;
+  if (name.isEmpty()) {
+    Fail(QStringLiteral("Cannot read: there is no file"));
+    return;
+  }
+  QString error;
+  std::unique_ptr<QFile> file = OpenFile(name, error);
+  if (!file) {
+    Fail(error);
+    return;
+  }
+  openName_ = name;
+  OpenStream(std::move(file));
+  TStreamProvider::ProvideStream();
+}
+
+int TFileReader::GetStreamsPerRound() const {
+  return useList_ ? std::max(1, static_cast<int>(files_.size())) : 1;
+}
+
+void TFileReader::Reset() {
+  const QPointer<TFileReader> self(this);
+  TStreamProvider::Reset();
+  if (!self) return;
+  bool stop = GetReadMode() == rmUntilEnd;
+  if (useList_) {
+    DropStream();
+    if (itemIndex_ >= files_.size() - 1) {
+      itemIndex_ = -1;
+      stop |= GetReadMode() == rmUntilFileListEnd;
+    }
+  }
+  if (stop) SetActive(false);
+  if (self) emit OnEndOfFile(this);
+}

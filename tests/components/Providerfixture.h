@@ -1,0 +1,41 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QStringList>
+#include <QTimer>
+#include <functional>
+#include <vector>
+
+#include "components/links/Compclasses.h"
+#include "components/sources/Dataprovider.h"
+
+/// A control that keeps all it was given, and may do something with each value.
+struct TRecorder : TDataControl {
+  void SetValue(double value) override {
+    given.push_back(value);
+    TDataControl::SetValue(value);
+    if (OnGiven) OnGiven(value);
+  }
+  std::vector<double> given;
+  std::function<void(double)> OnGiven;
+};
+
+/// Runs the event loop until `done`; false if that takes a minute.
+inline bool RunUntil(const std::function<bool()>& done) {
+  QTimer tick;  // ends a wait in which nothing else comes
+  tick.start(50);
+  const QDeadlineTimer limit(60'000);
+  while (!done() && !limit.hasExpired()) {
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+  }
+  return done();
+}
+
+/// Activates the provider and runs until it has stopped by itself.
+inline bool RunToStop(TCustomDataProvider& provider) {
+  provider.SetActive(true);
+  return RunUntil([&] { return !provider.GetActive(); });
+}
