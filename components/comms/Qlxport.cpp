@@ -53,6 +53,7 @@ void TQLXPort::Open() {
     emit OnClose(this);
     return;
   }
+  errorText_.clear();
   ForgetBytes();
   ApplyDCB();
   ApplyTimeouts();

@@ -37,7 +37,7 @@ class TQLXPort : public TQLXSettings {
   /// Also switches AutoRun off, but leaves the device as it is. A port whose device has gone closes
   /// itself.
   void Close();
-  /// Why the port could not be opened, or was lost; empty if that never happened.
+  /// Why the port could not be opened, or was lost; empty while it is open and after Close.
   const QString& GetErrorText() const { return errorText_; }
 
   /// Opens a connected port anew, and starts AutoRun on it again.
