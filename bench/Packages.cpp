@@ -4,6 +4,7 @@
 #include "bench/Bench.h"
 #include "components/channels/Channelset.h"
 #include "components/comms/Qlxpackage.h"
+#include "model/Textscanner.h"
 
 namespace {
 
@@ -35,6 +36,29 @@ TText Packages(std::size_t size, bool stamped, const char* format) {
     text.Bytes += stamped ? "</data>\r\n" : "</rows>\r\n";
   }
   return text;
+}
+
+/// What the numbers alone cost, and so what a parser could reach at most.
+void MeasureNumbers(TBench& bench, const char* what, const TText& text) {
+  double sum = 0.0;
+  long count = 0;
+  const double seconds = bench.Seconds(5, [&] {
+    TTextScanner scanner(text.Bytes);
+    count = 0;
+    while (!scanner.AtEnd()) {
+      double value = 0.0;
+      if (scanner.ReadReal(value)) {
+        sum += value;
+        ++count;
+      } else {
+        scanner.SetPosition(text.Bytes.find('\n', scanner.Position()));
+        scanner.SkipWhiteSpace();
+      }
+    }
+  });
+  bench.Row(std::string(what) + ", numbers alone",
+            static_cast<double>(text.Bytes.size()) / seconds / 1e6, "MB/s");
+  bench.Check(sum != 0.0 && count >= text.Rows * kChannels, std::string(what) + " lost numbers");
 }
 
 void Measure(TBench& bench, TChannelSets& sets, const char* what, const TText& text) {
@@ -69,8 +93,17 @@ int main(int argc, char** argv) {
     set->SetCount(kChannels);
   }
   const std::size_t size = bench.Quick() ? 1 << 20 : 64 << 20;
-  Measure(bench, sets, "4 decimals", Packages(size, false, "%.4f "));
-  Measure(bench, sets, "4 decimals, a stamp per row", Packages(size, true, "%.4f "));
-  Measure(bench, sets, "17 digits", Packages(size, false, "%.17g "));
+  const struct {
+    const char* what;
+    bool stamped;
+    const char* format;
+  } texts[] = {{"4 decimals", false, "%.4f "},
+               {"4 decimals, a stamp per row", true, "%.4f "},
+               {"17 digits", false, "%.17g "}};
+  for (const auto& [what, stamped, format] : texts) {
+    const TText text = Packages(size, stamped, format);
+    MeasureNumbers(bench, what, text);
+    Measure(bench, sets, what, text);
+  }
   return bench.Result();
 }

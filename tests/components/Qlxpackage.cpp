@@ -230,6 +230,8 @@ TEST_F(TQLXPackageTest, SurvivesWhatARowDoes) {
   } cases[] = {
       {"reset", [](auto&, auto& parser) { parser->Reset(); }, 1},
       {"destroyed", [](auto&, auto& parser) { parser.reset(); }, 1},
+      {"sets gone", [](auto& rows, auto&) { rows.Sets()->Clear(); }, 1},
+      {"source gone", [](auto& rows, auto&) { rows.DestroySource(); }, 1},
       {"without source", [](auto&, auto& parser) { parser->SetChannelSets(nullptr); }, 2},
   };
   for (const auto& c : cases) {
