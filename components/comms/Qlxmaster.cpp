@@ -1,8 +1,23 @@
 #include "components/comms/Qlxmaster.h"
 
+#include <span>
+
 #include "components/channels/Channelset.h"
 
 namespace {
+
+/// A row, its time first, as a package of one line.
+QByteArray PackageText(const QString& tag, const QString& id, std::span<const double> row) {
+  const QByteArray name = tag.toUtf8();
+  const QByteArray stamp = TStopWatch::MakeDateTimeStr(TDateTime(row[0])).toLatin1();
+  const bool isData = name == "data";
+  QByteArray text = '<' + name + " id=\"" + id.toUtf8() + '"';
+  if (!isData) text += " time=\"" + stamp + '"';
+  text += ">\r\n";
+  if (isData) text += stamp;
+  for (const double value : row.subspan(1)) text += ' ' + QByteArray::number(value, 'g', 17);
+  return text + "\r\n</" + name + ">\r\n";
+}
 
 const QString kNoSource = QStringLiteral("ChannelSource not defined!");
 
@@ -74,13 +89,18 @@ void TQLXMasterClient::PortData(const double* values, int count) {
     if (GetStatus() != kNoSource) SetStatus(kNoSource);
     return;
   }
-  const int index = chSet_.GetIndex();
-  if (index >= 0) sets->GetItem(index)->SetRow(values, 0, count);
+  TChannelSet* set = sets->GetItem(chSet_.GetIndex());
+  if (!set || count < 1) return;
+  const QPointer<TChannelSet> alive(set);
+  if (GetLogging()) {
+    const std::span row(values, static_cast<std::size_t>(count));
+    Received(PackageText(set->GetXMLTag(), set->GetSetID(), row));
+  }
+  if (alive) set->SetRow(values, 0, count);
 }
 
 void TQLXMasterClient::ShowConsole() {
-  if (!console_ && MakeConsole) console_ = MakeConsole(port_, this);
-  if (!console_) return;
+  if (!console_) console_ = ShowMiniCom(port_, this);
   console_->show();
   console_->raise();
   console_->activateWindow();

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QDialog>
 #include <QPointer>
 
 #include "components/comms/Qlxclient.h"
+#include "components/comms/Qlxminicom.h"
 #include "components/comms/Qlxport.h"
 
-/// Takes rows from a serial measuring device into one channel set.
+/// Takes rows from a serial measuring device into one channel set. Its log holds each row as a
+/// package for that set, so that a file client can play it again.
 class TQLXMasterClient : public TQLXClient {
   Q_OBJECT
   Q_PROPERTY(TClick* MiniCom READ GetMiniCom WRITE SetMiniCom)
@@ -28,9 +29,6 @@ class TQLXMasterClient : public TQLXClient {
   TSelectedCollItem* GetChSet() { return &chSet_; }
   void SetChSet(const TSelectedCollItem* selection);
 
-  /// Makes the serial console, as a child of `parent`; without it MiniCom does nothing.
-  std::function<QDialog*(TQLXPort& port, QWidget* parent)> MakeConsole;
-
   /// True while the port is open.
   bool GetActive() const override { return port_.GetConnected(); }
 
@@ -48,7 +46,7 @@ class TQLXMasterClient : public TQLXClient {
 
   TClick miniCom_{this};
   TSelectedCollItem chSet_{this};
-  bool opening_ = false;       ///< the port opens and closes on the way
-  QPointer<QDialog> console_;  ///< a child of this
+  bool opening_ = false;           ///< the port opens and closes on the way
+  QPointer<TQLXMiniCom> console_;  ///< a child of this
   TQLXPort port_;
 };

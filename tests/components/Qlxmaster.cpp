@@ -5,7 +5,9 @@
 
 #include <cstring>
 
+#include "components/comms/Qlxxml.h"
 #include "tests/components/Rowrecorder.h"
+#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -87,6 +89,44 @@ TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
   EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
   EXPECT_THAT(active, ElementsAre(true, false));
   EXPECT_THAT(device.received, testing::EndsWith("lroff\rsloop1\r"));
+}
+
+TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
+  client.SetChannelSource(recorder.Source());
+  recorder.Sets()->GetItem(1)->SetXMLTag(QStringLiteral("w"));
+  TXMLFileClient file;
+  file.SetChannelSource(recorder.Source());
+  for (const int set : {0, 1}) {
+    recorder.Clear();
+    client.GetChSet()->SetIndex(set);
+    client.SetLogFile(TestFolder() + "/rows");
+    client.SetLogging(true);
+    client.SetActive(true);
+    device.SendPacket();
+    TTimerServer::Instance()->Timer();
+    client.SetActive(false);
+    client.SetLogging(false);
+    const auto rows = recorder.Rows(static_cast<std::size_t>(set));
+    ASSERT_EQ(rows.size(), 2u);
+
+    recorder.Clear();
+    file.SetFileName(client.GetLogFile());
+    file.SetReadInterval(10);
+    file.SetActive(true);
+    TTimerServer::Instance()->Timer();
+    const auto& again = recorder.Rows(static_cast<std::size_t>(set));
+    ASSERT_EQ(again.size(), 2u);
+    for (std::size_t i = 0; i < 2; ++i) {
+      EXPECT_NEAR(again[i][0], rows[i][0], 0.6e-3 / 86400.0);  // stamps have milliseconds
+      EXPECT_EQ(again[i][1], rows[i][1]);
+      EXPECT_EQ(again[i][2], rows[i][2]);
+    }
+  }
+}
+
+TEST_F(TQLXMasterClientTest, OpensOneConsole) {
+  for (int i = 0; i < 2; ++i) client.GetMiniCom()->Click();
+  EXPECT_EQ(client.findChildren<TQLXMiniCom*>().size(), 1);
 }
 
 TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {

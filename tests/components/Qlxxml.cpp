@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTcpSocket>
@@ -147,6 +148,29 @@ TEST_F(TQLXXMLClientTest, FindsAServerThatComesBack) {
     server.Send("<wind id=\"tower\">4 5 6</wind>");
     ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
     EXPECT_THAT(recorder.Rows(1), ElementsAre(ElementsAre(0, 4, 5, 6)));
+  }
+}
+
+/// The server as a program, killed without a word.
+TEST_F(TQLXXMLClientTest, FindsAServerThatWasKilled) {
+  const QString program =
+      QStringLiteral(VELMORA_BINARY_DIR "/examples/package-server/package-server");
+  server.Stop();
+  client->SetAutoConnect(true);
+  QString number = QStringLiteral("0");
+  for (int round = 0; round < 2; ++round) {
+    QProcess other;
+    other.start(program, {"--port", number, "--rate", "10"});
+    ASSERT_TRUE(WaitFor([&] { return other.canReadLine(); }));
+    number = QString::fromLatin1(other.readLine()).trimmed().section(' ', -1);
+    client->GetSocket()->SetPort(number.toInt());
+    Tick(20);
+    recorder.Clear();
+    ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+    other.kill();
+    ASSERT_TRUE(other.waitForFinished());
+    ASSERT_TRUE(WaitFor([this] { return !client->GetActive(); }));
+    EXPECT_EQ(client->GetStatus(), "Disconnected from 127.0.0.1 port : " + number);
   }
 }
 
