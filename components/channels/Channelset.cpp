@@ -167,7 +167,8 @@ void TChannelSet::Analyse() {
   endTime_ = data_.At(rows - 1, 0);
   if (!(startTime_ > 0.0)) startTime_ = data_.At(0, 0);
   const double duration = (endTime_ - startTime_) * kSecondsPerDay;
-  if (duration > 0.0) {
+  hasStats_ = duration > 0.0;
+  if (hasStats_) {
     sampleRate_ = rows / duration;
     ComputeBlock(1, data_.Columns());
     for (TChannel* channel : analysed_) channel->AnalyseData();
@@ -220,17 +221,18 @@ TMatrix TChannelSet::CopyData() const {
   return data_;
 }
 
-TStatSet TChannelSet::CopyBlockStats(int column) const {
+bool TChannelSet::CopyBlockStats(std::vector<TStatSet>& channels) const {
   const TLock lock(mutex_);
-  if (!HasColumn(column)) return {};
-  TStatSet stats{.Count = blockStats_.At(kCount, column),
-                 .Sum = blockStats_.At(kSum, column),
-                 .SqSum = blockStats_.At(kSqSum, column),
-                 .Max = blockStats_.At(kMax, column),
-                 .Min = blockStats_.At(kMin, column),
-                 .Time = endTime_};
-  stats.ComputeMoments();
-  return stats;
+  channels.resize(static_cast<std::size_t>(GetCountNow()));
+  for (int column = 1; column < data_.Columns(); ++column) {
+    channels[static_cast<std::size_t>(column - 1)] = {.Count = blockStats_.At(kCount, column),
+                                                      .Sum = blockStats_.At(kSum, column),
+                                                      .SqSum = blockStats_.At(kSqSum, column),
+                                                      .Max = blockStats_.At(kMax, column),
+                                                      .Min = blockStats_.At(kMin, column),
+                                                      .Time = endTime_};
+  }
+  return hasStats_;
 }
 
 void TChannelSet::Reset() {

@@ -181,8 +181,9 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   const TMatrix& GetBlockStats() const override { return blockStats_; }  ///< TStatRow x Columns
   /// A copy of the data, between two rows.
   TMatrix CopyData() const;
-  /// Count, Sum, SqSum, Max, Min of a channel's last block, with moments and time.
-  TStatSet CopyBlockStats(int column) const;
+  /// Copies the statistics of the last block, a record for each channel, without moments. False if
+  /// it has none, as its time span was not positive; the records are then of an earlier one.
+  bool CopyBlockStats(std::vector<TStatSet>& channels) const;
 
   TCalibration GetCalibration(int column) const override;
   void Recalibrate(TChannel& channel, const TCalibration& calibration) override;
@@ -247,6 +248,7 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   double sampleRate_ = 0.0;
   double endTime_ = 0.0;
   double startTime_ = 0.0;
+  bool hasStats_ = false;  ///< the last block has statistics
   TChannels channels_{*this, this};
   std::vector<TChannel*> analysed_;  ///< the channels by column, the first one being column 1
   std::atomic<bool> active_ = false;

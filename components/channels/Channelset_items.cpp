@@ -223,7 +223,10 @@ TChannelSource::TChannelSource(QWidget* parent) : TIconControl(parent) {
   SetImageSize(QSize(17, 17));
 }
 
-TChannelSource::~TChannelSource() { destroying_ = true; }
+TChannelSource::~TChannelSource() {
+  destroying_ = true;
+  sets_.Clear();
+}
 
 std::set<TSensorType> TChannelSource::GetSensorTypes() const {
   std::set<TSensorType> types;

@@ -1,0 +1,242 @@
+#include "components/channels/Channellinks.h"
+
+#include <QThread>
+
+// TChannelEnd
+
+TChannelEnd::TChannelEnd(TCustomChannelLink& link)
+    : client_([&link](TChannelSet*) { link.BlockComplete(); }) {
+  ChannelSet.Caption = QStringLiteral("ChannelSource not defined!");
+  Channel.Caption = QStringLiteral("ChannelSet not defined!");
+  connect(&ChannelSet, &TPersistent::OnChange, this, &TChannelEnd::SetChosen);
+  connect(&Channel, &TPersistent::OnChange, this, &TChannelEnd::ChannelChosen);
+}
+
+void TChannelEnd::SetChosen() {
+  TChannelSet* chosen = source_ ? source_->GetSets()->GetItem(ChannelSet.GetIndex()) : nullptr;
+  if (chosen != set_) SelectedChannelSetChanged(chosen);
+}
+
+void TChannelEnd::ChannelChosen() {
+  TChannel* chosen = set_ ? set_->GetChannels()->GetItem(Channel.GetIndex()) : nullptr;
+  if (chosen != channel_) SelectedChannelChanged(chosen);
+}
+
+void TChannelEnd::SetSource(TChannelSource* source) {
+  disconnect(sets_);
+  source_ = nullptr;
+  ChannelSet.Clear();
+  Channel.Clear();
+  if (set_) SelectedChannelSetChanged(nullptr);
+  source_ = source;
+  if (!source) return;
+  const QPointer<TChannelSets> sets = source->GetSets();
+  sets_ = connect(sets, &TPersistent::OnChange, this, &TChannelEnd::SetsChanged);
+  ChannelSet.SetCollection([sets] { return sets ? sets->Labels() : QStringList(); });
+}
+
+void TChannelEnd::SelectedChannelSetChanged(TChannelSet* set) {
+  disconnect(channels_);
+  set_ = set;
+  Channel.Clear();
+  if (channel_) SelectedChannelChanged(nullptr);
+  if (set) {
+    const QPointer<TChannels> channels = set->GetChannels();
+    channels_ = connect(channels, &TPersistent::OnChange, this, &TChannelEnd::ChannelsChanged);
+    Channel.SetCollection([channels] { return channels ? channels->Labels() : QStringList(); });
+  }
+  emit OnChannelSetChanged(this);
+}
+
+void TChannelEnd::SelectedChannelChanged(TChannel* channel) {
+  channel_ = channel;
+  emit OnChannelChanged(this);
+}
+
+/// The chosen set may have another label or place, or may be gone.
+void TChannelEnd::SetsChanged() {
+  if (!source_) return;
+  if (set_ && source_->GetSets()->GetItem(set_->Index()) == set_) {
+    if (ChannelSet.GetIndex() != set_->Index()) ChannelSet.SetIndex(set_->Index());
+    return;
+  }
+  const QString channel = Channel.GetItem();
+  SetChosen();
+  Channel.SetItem(channel);
+}
+
+void TChannelEnd::ChannelsChanged() {
+  if (!set_) return;
+  if (channel_ && set_->GetChannels()->GetItem(channel_->Index()) == channel_) {
+    if (Channel.GetIndex() != channel_->Index()) Channel.SetIndex(channel_->Index());
+    return;
+  }
+  ChannelChosen();
+}
+
+void TChannelEnd::Refresh() {
+  if (!channel_) return;
+  const TChannelStatistics* stats = channel_->GetStats();
+  const int index = Ordinal(Options.GetSelInterval()) - Ordinal(stats->GetMinInterval());
+  static_cast<void>(stats->GetCurrent(index, Data));
+}
+
+// TCustomChannelLink
+
+TCustomChannelLink::TCustomChannelLink(bool withTimer, QObject* owner)
+    : TPersistent(owner), source_(owner, &TChannelSource::staticMetaObject) {
+  connect(&source_, &TPersistent::OnChange, this, &TCustomChannelLink::SourceChanged);
+  if (!withTimer) return;
+  timer_ = std::make_unique<TTimerClient>();
+  timer_->SetInterval(10);
+  timer_->SetOnTimer({this, &TCustomChannelLink::DoOnData});
+}
+
+TCustomChannelLink::~TCustomChannelLink() {
+  SetEnabled(false);
+  // No signal of an end may reach a link that is half gone.
+  for (const auto& end : ends_) end->Listen(false);
+  ends_.clear();
+}
+
+TChannelEnd& TCustomChannelLink::AddEnd() {
+  ends_.push_back(std::make_unique<TChannelEnd>(*this));
+  TChannelEnd& end = *ends_.back();
+  connect(&end, &TChannelEnd::OnChannelSetChanged, this, &TCustomChannelLink::Listen);
+  connect(&end.Options, &TPersistent::OnChange, this, [this] { emit OnChange(this); });
+  return end;
+}
+
+void TCustomChannelLink::SetInterval(int milliseconds) {
+  if (!timer_ || milliseconds < 1 || milliseconds == intervalMs_) return;
+  constexpr int kTickMs = 10;
+  intervalMs_ = milliseconds;
+  timer_->SetInterval(static_cast<quint32>((milliseconds - 1) / kTickMs + 1));
+  emit OnChange(this);
+}
+
+void TCustomChannelLink::SetEnabled(bool enabled) {
+  if (timer_) timer_->SetEnabled(enabled);
+}
+
+TChannelSource* TCustomChannelLink::GetChannelSource() const {
+  return source_.Empty() ? nullptr : source_.Get<TChannelSource>(0);
+}
+
+void TCustomChannelLink::SetChannelSource(TChannelSource* source) {
+  if (source == GetChannelSource()) return;
+  const QSignalBlocker once(&source_);
+  source_.Clear();
+  if (source) source_.Add(source);
+  SourceChanged();
+}
+
+void TCustomChannelLink::SetChannelSourceName(const QString& name) {
+  if (name == GetChannelSourceName()) return;
+  source_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
+}
+
+void TCustomChannelLink::Loaded() {
+  struct TNames {
+    QString set;
+    QString channel;
+  };
+  std::vector<TNames> names;
+  for (const auto& end : ends_) {
+    names.push_back({end->ChannelSet.GetItem(), end->Channel.GetItem()});
+  }
+  source_.GetComponentsByNames();
+  for (std::size_t i = 0; i < ends_.size(); ++i) {
+    ends_[i]->ChannelSet.SetItem(names[i].set);
+    ends_[i]->Channel.SetItem(names[i].channel);
+  }
+}
+
+void TCustomChannelLink::SourceChanged() {
+  // A name that waits for its form is no source yet, and takes no selection away.
+  TChannelSource* source = GetChannelSource();
+  if (!source && !source_.GetNames().isEmpty()) return;
+  for (const auto& end : ends_) end->SetSource(source);
+  emit OnSourceChanged(this);
+}
+
+/// Without a timer each chosen set is listened to, once.
+void TCustomChannelLink::Listen() {
+  if (timer_) return;
+  for (std::size_t i = 0; i < ends_.size(); ++i) {
+    bool first = true;
+    for (std::size_t k = 0; k < i; ++k) {
+      first = first && ends_[k]->SelectedSet() != ends_[i]->SelectedSet();
+    }
+    ends_[i]->Listen(first);
+  }
+}
+
+void TCustomChannelLink::BlockComplete() {
+  if (QThread::currentThread() == thread()) {
+    DoOnData(this);
+  } else if (!posted_.exchange(true)) {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          posted_ = false;
+          DoOnData(this);
+        },
+        Qt::QueuedConnection);
+  }
+}
+
+void TCustomChannelLink::DoOnData(QObject* sender) {
+  Q_UNUSED(sender)
+  for (const auto& end : ends_) end->Refresh();
+  emit OnData(GetChannelSource());
+}
+
+void TCustomChannelLink::AssignTo(TPersistent* destination) const {
+  auto* link = qobject_cast<TCustomChannelLink*>(destination);
+  if (!link || link == this || link->metaObject() != metaObject()) return;
+  link->SetInterval(intervalMs_);
+  link->SetChannelSource(GetChannelSource());
+  for (std::size_t i = 0; i < ends_.size(); ++i) {
+    TChannelEnd& end = *link->ends_[i];
+    end.ChannelSet.SetIndex(ends_[i]->ChannelSet.GetIndex());
+    end.Channel.SetIndex(ends_[i]->Channel.GetIndex());
+    end.Options.Assign(&ends_[i]->Options);
+  }
+}
+
+bool TCustomChannelLink::SameAs(const TPersistent* other) const {
+  const auto* link = qobject_cast<const TCustomChannelLink*>(other);
+  if (!link || link->metaObject() != metaObject() || link->GetInterval() != GetInterval() ||
+      !link->source_.SameAs(&source_)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < ends_.size(); ++i) {
+    const TChannelEnd& a = *ends_[i];
+    const TChannelEnd& b = *link->ends_[i];
+    if (!a.ChannelSet.SameAs(&b.ChannelSet) || !a.Channel.SameAs(&b.Channel) ||
+        !a.Options.SameAs(&b.Options)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// One end and two
+
+TOneChannelLink::TOneChannelLink(bool withTimer, QObject* owner)
+    : TCustomChannelLink(withTimer, owner), end_(AddEnd()) {
+  connect(&end_, &TChannelEnd::OnChannelSetChanged, this,
+          [this] { emit OnChannelSetChanged(this); });
+  connect(&end_, &TChannelEnd::OnChannelChanged, this, [this] { emit OnChannelChanged(this); });
+}
+
+TTwoChannelLink::TTwoChannelLink(bool withTimer, QObject* owner)
+    : TCustomChannelLink(withTimer, owner), end1_(AddEnd()), end2_(AddEnd()) {
+  connect(&end1_, &TChannelEnd::OnChannelSetChanged, this,
+          [this] { emit OnChannelSetChanged1(this); });
+  connect(&end1_, &TChannelEnd::OnChannelChanged, this, [this] { emit OnChannelChanged1(this); });
+  connect(&end2_, &TChannelEnd::OnChannelSetChanged, this,
+          [this] { emit OnChannelSetChanged2(this); });
+  connect(&end2_, &TChannelEnd::OnChannelChanged, this, [this] { emit OnChannelChanged2(this); });
+}

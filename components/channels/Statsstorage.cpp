@@ -1,0 +1,222 @@
+#include "components/channels/Statsstorage.h"
+
+#include <QDir>
+#include <QFile>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "components/controls/Iconimages.h"
+#include "model/Datetime.h"
+
+namespace {
+
+constexpr double kSecondsPerDay = 86400.0;
+constexpr std::size_t kMaxHeaders = 2 * TChannelSets::kMaxSets;  ///< remembered at a time
+
+/// A drum of discs.
+void DrawStorage(QPainter& painter) {
+  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
+  painter.setBrush(QColor(250, 251, 253));
+  painter.drawRect(QRectF(4.0, 5.0, 16.0, 14.0));
+  painter.drawEllipse(QRectF(4.0, 15.5, 16.0, 6.0));
+  painter.fillRect(QRectF(4.8, 5.0, 14.4, 13.5), QColor(250, 251, 253));
+  painter.setPen(QPen(QColor(32, 96, 200), 1.6));
+  for (const double y : {7.0, 11.0}) painter.drawArc(QRectF(4.0, y, 16.0, 6.0), 180 * 16, 180 * 16);
+  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
+  painter.drawEllipse(QRectF(4.0, 2.5, 16.0, 6.0));
+}
+
+}  // namespace
+
+TStatsStorage::TStatsStorage(QWidget* parent)
+    : TBlockStorage(parent), logger_(this, &QObject::staticMetaObject) {
+  const QString image = QStringLiteral("StatsStorageImage");
+  if (!HasIconImage(image)) RegisterIconImage(image, DrawStorage);
+  SetIconImage(image);
+  SetImageSize(QSize(17, 17));
+}
+
+TStatsStorage::~TStatsStorage() { WriteAll(); }
+
+// Properties
+
+TStatsStorage::TSettings TStatsStorage::Settings() const {
+  const TLock lock(mutex_);
+  return settings_;
+}
+
+template <class T>
+void TStatsStorage::Set(T TSettings::*field, const T& value) {
+  const TLock lock(mutex_);
+  settings_.*field = value;
+}
+
+void TStatsStorage::SetLoggerName(const QString& name) {
+  if (name == GetLoggerName()) return;
+  logger_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
+}
+
+void TStatsStorage::SetRootDir(const QString& folder) { Set(&TSettings::rootDir, folder); }
+void TStatsStorage::SetFilePrefix(const QString& prefix) { Set(&TSettings::filePrefix, prefix); }
+void TStatsStorage::SetAutoPrefix(bool on) { Set(&TSettings::autoPrefix, on); }
+void TStatsStorage::SetUseDoubleTime(bool on) { Set(&TSettings::doubleTime, on); }
+
+void TStatsStorage::SetFileExt(const QString& extension) {
+  Set(&TSettings::fileExt, extension.startsWith('.') ? extension.mid(1) : extension);
+}
+
+void TStatsStorage::SetEndTime(double time) {
+  if (std::isfinite(time)) Set(&TSettings::endTime, time);
+}
+
+void TStatsStorage::SetSaveInterval(int seconds) {
+  if (seconds >= 0 && seconds <= kSecondsPerDay) Set(&TSettings::saveInterval, seconds);
+}
+
+void TStatsStorage::SetActive(bool active) {
+  if (active_.exchange(active) && !active) WriteAll();
+}
+
+void TStatsStorage::Loaded() {
+  logger_.GetComponentsByNames();
+  TBlockStorage::Loaded();
+}
+
+QString TStatsStorage::GetStatus() const {
+  const TLock lock(mutex_);
+  return status_;
+}
+
+// Blocks
+
+void TStatsStorage::LayoutChanged(TChannelSet& set) {
+  std::vector<TStatsColumn> channels;
+  for (int i = 0; i < set.GetChannels()->Count(); ++i) {
+    const TChannel* channel = set.GetChannels()->GetItem(i);
+    channels.push_back({channel->GetLabel(), channel->GetUnits()});
+  }
+  const QByteArray header = StatsHeader(channels);
+  const TLock lock(mutex_);
+  TCollected& collected = sets_[&set];
+  if (collected.header == header && collected.label == set.GetLabel()) return;
+  // What has been collected is of the channels before.
+  Write(collected);
+  collected = {};
+  collected.label = set.GetLabel();
+  collected.header = header;
+  collected.sums.resize(channels.size());
+}
+
+void TStatsStorage::Forget(TChannelSet& set) {
+  const TLock lock(mutex_);
+  const auto found = sets_.find(&set);
+  if (found == sets_.end()) return;
+  Write(found->second);
+  sets_.erase(found);
+}
+
+void TStatsStorage::SaveBlock(TChannelSet& set) {
+  const TLock lock(mutex_);
+  const auto found = sets_.find(&set);
+  if (found == sets_.end() || !set.CopyBlockStats(found->second.block)) return;
+  Collect(found->second);
+}
+
+void TStatsStorage::Collect(TCollected& collected) {
+  // Channels that have just come or gone are told of in a moment.
+  if (collected.block.empty() || collected.block.size() != collected.sums.size()) return;
+  const double time = collected.block.front().Time;
+  if (!IsHistoryTime(time) || (settings_.endTime > 0.0 && time > settings_.endTime)) return;
+  const double start = collected.due - settings_.saveInterval / kSecondsPerDay;
+  if (!collected.empty && time < start) Write(collected);  // the clock has been set back
+  if (collected.empty) Begin(collected, time);
+  for (std::size_t i = 0; i < collected.sums.size(); ++i) {
+    TStatSet sum = collected.sums[i];
+    sum.Merge(collected.block[i]);
+    // A sensor that gives no number does not spoil the line.
+    if (std::isfinite(sum.Sum) && std::isfinite(sum.SqSum)) collected.sums[i] = sum;
+  }
+  collected.time = time;
+  if (time >= collected.due) Write(collected);
+}
+
+void TStatsStorage::Begin(TCollected& collected, double time) const {
+  const double length = settings_.saveInterval / kSecondsPerDay;
+  collected.due = length > 0.0 ? (std::floor(time / length) + 1.0) * length : time;
+  collected.empty = false;
+}
+
+/// Writes what has been collected. What cannot be written is kept for the next time.
+void TStatsStorage::Write(TCollected& collected) {
+  if (collected.empty) return;
+  for (TStatSet& sum : collected.sums) sum.ComputeMoments();
+  const QString fileName = FileName(collected);
+  const QByteArray line = StatsLine(collected.time, collected.sums, settings_.doubleTime);
+  QString reason;
+  if (!Append(fileName, collected.header, line, reason)) {
+    Begin(collected, collected.time);
+    SetStatus(QStringLiteral("Cannot write %1: %2").arg(fileName, reason));
+    return;
+  }
+  std::fill(collected.sums.begin(), collected.sums.end(), TStatSet());
+  collected.empty = true;
+  SetStatus(QStringLiteral("Saving to %1").arg(fileName));
+}
+
+void TStatsStorage::WriteAll() {
+  const TLock lock(mutex_);
+  for (auto& [set, collected] : sets_) Write(collected);
+}
+
+QString TStatsStorage::FileName(const TCollected& collected) const {
+  const QString prefix = settings_.autoPrefix ? collected.label + '_' : settings_.filePrefix;
+  const QString day = TDateTime(collected.time).Clock().date.toString(QStringLiteral("yyyyMMdd"));
+  const QString extension = SafeFileName(settings_.fileExt);
+  return QDir(settings_.rootDir)
+      .filePath(SafeFileName(prefix) + day + (extension.isEmpty() ? QString() : '.' + extension));
+}
+
+bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
+                           const QByteArray& line, QString& reason) {
+  QFile file(fileName);
+  constexpr auto kMode = QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered;
+  if (!file.open(kMode) && !(QDir().mkpath(settings_.rootDir) && file.open(kMode))) {
+    reason = file.errorString();
+    return false;
+  }
+  const qint64 size = file.size();
+  QByteArray text;
+  // A line that was cut when the program or the system broke off is closed first.
+  if (size > 0 && file.seek(size - 1) && file.read(1) != "\n") text += '\n';
+  if (headers_.size() > kMaxHeaders) headers_.clear();
+  QByteArray& last = headers_[fileName];
+  if (size == 0 || last != header) text += header;
+  text += line;
+  if (file.write(text) != text.size()) {
+    reason = file.errorString();
+    file.resize(size);
+    return false;
+  }
+  last = header;
+  return true;
+}
+
+/// News go to the GUI thread, and only if they are new.
+void TStatsStorage::SetStatus(const QString& text) {
+  if (text == status_) return;
+  status_ = text;
+  QMetaObject::invokeMethod(
+      this,
+      [this, text] {
+        if (QObject* logger = logger_.Empty() ? nullptr : logger_.Get(0)) {
+          for (const char* slot : {"Log", "appendPlainText"}) {
+            if (logger->metaObject()->indexOfMethod(QByteArray(slot) + "(QString)") < 0) continue;
+            QMetaObject::invokeMethod(logger, slot, Q_ARG(QString, text));
+            break;
+          }
+        }
+        emit OnStatusChanged(this);
+      },
+      Qt::QueuedConnection);
+}

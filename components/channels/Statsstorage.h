@@ -1,0 +1,118 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "components/channels/Channelset.h"
+#include "components/channels/Statsfile.h"
+
+/// Stores the statistics of channel sets in text files, one for each day and set: see Statsfile.h.
+/// Blocks are merged until SaveInterval has passed; then a line is appended and handed to the
+/// system, so that the end of the program, however it comes, loses no line. What cannot be written,
+/// because the disk is full or the folder is gone, goes into the next line that can.
+///
+/// Blocks come on the thread that sets rows; everything else is the GUI thread's.
+class TStatsStorage : public TBlockStorage {
+  Q_OBJECT
+  Q_PROPERTY(QString Logger READ GetLoggerName WRITE SetLoggerName)
+  Q_PROPERTY(QString RootDir READ GetRootDir WRITE SetRootDir)
+  Q_PROPERTY(QString FilePrefix READ GetFilePrefix WRITE SetFilePrefix)
+  Q_PROPERTY(bool AutoPrefix READ GetAutoPrefix WRITE SetAutoPrefix)
+  Q_PROPERTY(QString FileExt READ GetFileExt WRITE SetFileExt)
+  Q_PROPERTY(bool Active READ GetActive WRITE SetActive)
+  Q_PROPERTY(double EndTime READ GetEndTime WRITE SetEndTime)
+  Q_PROPERTY(int SaveInterval READ GetSaveInterval WRITE SetSaveInterval)
+  Q_PROPERTY(bool UseDoubleTime READ GetUseDoubleTime WRITE SetUseDoubleTime)
+
+ public:
+  explicit TStatsStorage(QWidget* parent = nullptr);
+  ~TStatsStorage() override;
+
+  /// Object name of a component of the form that shows messages: any that has a slot
+  /// "Log(QString)" or "appendPlainText(QString)".
+  QString GetLoggerName() const { return logger_.GetNames().value(0); }
+  void SetLoggerName(const QString& name);
+
+  /// The folder, made when it is needed; the present one if it is empty.
+  QString GetRootDir() const { return Settings().rootDir; }
+  void SetRootDir(const QString& folder);
+  /// Files are named prefix + "20240531" + "." + FileExt, in the days of the lines' times. With
+  /// AutoPrefix the prefix is the label of the set and "_". What file names cannot hold becomes
+  /// "_".
+  QString GetFilePrefix() const { return Settings().filePrefix; }
+  void SetFilePrefix(const QString& prefix);
+  bool GetAutoPrefix() const { return Settings().autoPrefix; }
+  void SetAutoPrefix(bool on);
+  QString GetFileExt() const { return Settings().fileExt; }
+  void SetFileExt(const QString& extension);
+  /// Switching off writes what has been collected.
+  bool GetActive() const override { return active_; }
+  void SetActive(bool active);
+  /// Blocks after this time are not stored; 0 for no end. Days since 30 December 1899.
+  double GetEndTime() const { return Settings().endTime; }
+  void SetEndTime(double time);
+  /// Seconds, 0 to 86,400, that a line stands for; intervals begin at midnight. 0 writes each
+  /// block.
+  int GetSaveInterval() const { return Settings().saveInterval; }
+  void SetSaveInterval(int seconds);
+  /// Whether times are written as days, or as date and time of day.
+  bool GetUseDoubleTime() const { return Settings().doubleTime; }
+  void SetUseDoubleTime(bool on);
+
+  /// What was last done, or why it could not be.
+  QString GetStatus() const;
+
+  void SaveBlock(TChannelSet& set) override;
+  void LayoutChanged(TChannelSet& set) override;
+  void Forget(TChannelSet& set) override;
+
+  void Loaded() override;
+
+ signals:
+  void OnStatusChanged(QObject* sender);
+
+ private:
+  struct TSettings {
+    QString rootDir;
+    QString filePrefix;
+    bool autoPrefix = true;
+    QString fileExt = QStringLiteral("csv");
+    double endTime = 0.0;
+    int saveInterval = 60;
+    bool doubleTime = false;
+  };
+  /// What is collected of a set.
+  struct TCollected {
+    QString label;
+    QByteArray header;
+    std::vector<TStatSet> sums;
+    std::vector<TStatSet> block;
+    double time = 0.0;  ///< of the last block
+    double due = 0.0;   ///< end of the interval that is being collected
+    bool empty = true;
+  };
+  using TLock = std::lock_guard<std::mutex>;
+
+  TSettings Settings() const;
+  template <class T>
+  void Set(T TSettings::*field, const T& value);
+  QString FileName(const TCollected& collected) const;
+  void Collect(TCollected& collected);
+  void Begin(TCollected& collected, double time) const;
+  void Write(TCollected& collected);
+  void WriteAll();
+  [[nodiscard]] bool Append(const QString& fileName, const QByteArray& header,
+                            const QByteArray& line, QString& reason);
+  void SetStatus(const QString& text);
+
+  mutable std::mutex mutex_;
+  TSettings settings_;
+  std::map<const TChannelSet*, TCollected> sets_;
+  std::map<QString, QByteArray> headers_;  ///< the last one in each file
+  QString status_;
+  std::atomic<bool> active_ = false;
+  TKorvalCompList logger_;  ///< one at most
+};
