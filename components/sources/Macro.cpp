@@ -85,7 +85,7 @@ void TMacro::Loaded() {
   CompileMacro();
 }
 
-void TMacro::DoubleClicked() {
+void TMacro::ShowEditor() {
   const QPointer<TMacroEditor> editor = new TMacroEditor(macroText_, variables_, this);
   connect(editor, &TMacroEditor::OnApply, this,
           [this](const QString& text) { SetMacroText(text); });

@@ -44,11 +44,13 @@ class TMacro : public TCustomVariable {
   /// See TMacroCompiler::Position.
   int GetErrorPosition() const { return compiler_.Position(); }
 
+  /// What a double click does: edits the text, modally.
+  void ShowEditor();
+
   void Loaded() override;
 
  protected:
-  /// Edits the text.
-  void DoubleClicked() override;
+  void DoubleClicked() override { ShowEditor(); }
 
  private:
   /// A variable that the expression reads. `component` is for comparing only.
