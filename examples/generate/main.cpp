@@ -4,6 +4,7 @@
 
 #include "examples/generate/Bridge.h"
 #include "examples/generate/Plate.h"
+#include "examples/generate/Pump.h"
 #include "examples/generate/Rolls.h"
 
 namespace {
@@ -20,11 +21,14 @@ bool Write(const std::string& fileName, const std::string& text) {
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fprintf(stderr, "Usage: %s FOLDER\nWrites the example models and data into the folder.\n",
-                 argv[0]);
+    std::fprintf(
+        stderr,
+        "Usage: %s FOLDER\nWrites the example models and data, and below values/ the record of a\n"
+        "pump, into the folder.\n",
+        argv[0]);
     return 2;
   }
-  bool written = true;
+  bool written = Write(std::string(argv[1]) + "/values/pump.txt", MakePumpRecord());
   for (const TExample& example : {MakePlate(), MakeBridge(), MakeRolls()}) {
     const std::string base = std::string(argv[1]) + '/' + example.name;
     written &= Write(base + ".mod", example.model) && Write(base + ".dat", example.data);

@@ -7,6 +7,7 @@
 #include "examples/generate/Beam.h"
 #include "examples/generate/Bridge.h"
 #include "examples/generate/Plate.h"
+#include "examples/generate/Pump.h"
 #include "examples/generate/Rolls.h"
 #include "model/Animmodel.h"
 #include "tests/support/Testsupport.h"
@@ -31,6 +32,7 @@ TEST(Examples, FilesAreWhatTheGeneratorWrites) {
     EXPECT_TRUE(Content(base + ".mod") == example.model);
     EXPECT_TRUE(Content(base + ".dat") == example.data);
   }
+  EXPECT_TRUE(Content(ExampleFile("values/pump.txt")) == MakePumpRecord());
 }
 
 TEST(Examples, BeamShapesMeetTheirEndsAndTheTables) {
