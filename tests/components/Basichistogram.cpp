@@ -337,7 +337,6 @@ TEST(TOccurrenceHistogram, ASubscriberMayGiveItAnotherValue) {
 }
 
 TEST(TBasicHistogram, OpensItsEditorByDoubleClickAndTakesItAlong) {
-  ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
   auto histogram = std::make_unique<TBasicHistogram>();
   histogram->resize(40, 40);
   EXPECT_EQ(histogram->toolTip(), "Double click to view/edit histogram");

@@ -150,7 +150,6 @@ class HistogramEditor : public BinEditor {
  protected:
   /// Of a new histogram, which owns it.
   void Open() {
-    ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
     static_cast<void>(editor.release());
     histogram = std::make_unique<TOccurrenceHistogram>();
     histogram->ShowEditor();
