@@ -1,0 +1,71 @@
+// Plays the record of a pump, or another file of that form, through the measurement components.
+// With --render OUT.png it reads the file to its end and draws the window into a picture instead,
+// without a display.
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QPixmap>
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "examples/values/Valuespanel.h"
+
+namespace {
+
+/// The whole panel as a picture, `ratio` device pixels to a logical one.
+QImage Picture(QWidget& panel, double ratio) {
+  QImage picture((QSizeF(panel.size()) * ratio).toSize(), QImage::Format_RGB32);
+  picture.setDevicePixelRatio(ratio);
+  panel.render(&picture);
+  return picture;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const bool renders = std::any_of(argv + 1, argv + argc, [](const char* argument) {
+    return std::strncmp(argument, "--render", 8) == 0;
+  });
+  if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
+  QApplication application(argc, argv);
+
+  QCommandLineParser parser;
+  parser.setApplicationDescription(
+      QStringLiteral("Plays a file of numbers in two columns through channels, an expression, a "
+                     "spectrum and a histogram."));
+  parser.addHelpOption();
+  const QCommandLineOption render(QStringLiteral("render"), QStringLiteral("Draw into a PNG file."),
+                                  QStringLiteral("file"));
+  const QCommandLineOption ratio(QStringLiteral("ratio"),
+                                 QStringLiteral("Device pixels to a logical one, 1 to 4."),
+                                 QStringLiteral("number"), QStringLiteral("1"));
+  parser.addOptions({render, ratio});
+  parser.addPositionalArgument(QStringLiteral("file"),
+                               QStringLiteral("The record; initially that of the pump."),
+                               QStringLiteral("[file]"));
+  parser.process(application);
+  const QString record = parser.positionalArguments().value(
+      0, QCoreApplication::applicationDirPath() + QStringLiteral("/pump.txt"));
+
+  TValuesPanel panel(record);
+  if (!parser.isSet(render)) {
+    panel.show();
+    return application.exec();
+  }
+  panel.SetSpeed(TValuesPanel::spUnlimited);
+  QObject::connect(&panel, &TValuesPanel::OnFinished, &application, &QCoreApplication::quit,
+                   Qt::QueuedConnection);
+  panel.Start();
+  if (panel.IsReading()) application.exec();
+  if (!panel.GetError().isEmpty()) {
+    std::fprintf(stderr, "%s\n", qPrintable(panel.GetError()));
+    return 1;
+  }
+  const double scale = std::clamp(parser.value(ratio).toDouble(), 1.0, 4.0);
+  if (Picture(panel, scale).save(parser.value(render), "PNG")) return 0;
+  std::fprintf(stderr, "Cannot write %s\n", qPrintable(parser.value(render)));
+  return 1;
+}
