@@ -64,5 +64,6 @@ moving
 scale_types
 window
 QT_QPA_PLATFORM=offscreen build/release/examples/gallery/gallery --render "$pictures/gallery.png"
+QT_QPA_PLATFORM=offscreen build/release/examples/values/values --render "$pictures/values.png"
 rm -r "$frames"
 ls -l "$pictures"
