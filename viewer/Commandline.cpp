@@ -33,6 +33,11 @@ struct TOptions {
       "frames", "With --render: write N frames of the animation, FILE-001.png and on.", "N"};
   QCommandLineOption Size{"size", "With --render: size of the picture; 1280x800 if not given.",
                           "WxH"};
+  QCommandLineOption Panel{"panel", "Open a panel of measurement components.", "FILE.ui"};
+  QCommandLineOption After{"after", "With --panel: let it run so long before --render or --save.",
+                           "SECONDS"};
+  QCommandLineOption Save{"save", "With --panel: save it to FILE.ui instead of opening a window.",
+                          "FILE.ui"};
 };
 
 TOptions::TOptions() {
@@ -41,8 +46,8 @@ TOptions::TOptions() {
       QStringLiteral("Shows a structure move with its measured vibration."));
   Parser.addPositionalArgument("MODEL", "Model file.", "[MODEL");
   Parser.addPositionalArgument("DATA", "Data file for the model.", "[DATA]]");
-  for (const QCommandLineOption& option :
-       {Help, Version, Animate, View, ScaleType, Settings, Render, Frames, Size}) {
+  for (const QCommandLineOption& option : {Help, Version, Animate, View, ScaleType, Settings,
+                                           Render, Frames, Size, Panel, After, Save}) {
     Parser.addOption(option);
   }
 }
@@ -108,6 +113,7 @@ QString TakeSize(const QString& text, TCommandLine& line) {
   static const QRegularExpression form(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
   const QRegularExpressionMatch match = form.match(text);
   line.Size = {match.captured(1).toInt(), match.captured(2).toInt()};
+  line.HasSize = true;
   if (match.hasMatch() && !line.Size.isEmpty()) return {};
   return QStringLiteral("--size is a width and a height such as 1280x800, not \"%1\".").arg(text);
 }
@@ -117,20 +123,60 @@ QString TakeSettings(const QString& name, TCommandLine& line) {
   return QFileInfo::exists(name) ? QString() : NoFile(name);
 }
 
+QString TakePanel(const QString& name, TCommandLine& line) {
+  line.PanelFile = name;
+  return QFileInfo::exists(name) ? QString() : NoFile(name);
+}
+
+QString TakeAfter(const QString& text, TCommandLine& line) {
+  constexpr double kMostSeconds = 86'400.0;
+  bool isNumber = false;
+  line.PanelSeconds = text.toDouble(&isNumber);
+  if (isNumber && line.PanelSeconds >= 0.0 && line.PanelSeconds <= kMostSeconds) return {};
+  return QStringLiteral("--after is a number of seconds from 0 to %1, not \"%2\".")
+      .arg(kMostSeconds)
+      .arg(text);
+}
+
+QString TakeSave(const QString& name, TCommandLine& line) {
+  line.PanelSaveFile = name;
+  return {};
+}
+
+/// What makes no sense without something else, or beside it.
+QString CheckTogether(const TOptions& options, const TCommandLine& line) {
+  const auto needs = [&](const QCommandLineOption& option, const char* other, bool has) {
+    return options.Parser.isSet(option) && !has ? QStringLiteral("--%1 is of use with --%2 alone.")
+                                                      .arg(option.names().front(), other)
+                                                : QString();
+  };
+  const bool panel = !line.PanelFile.isEmpty();
+  const bool render = !line.RenderFile.isEmpty();
+  for (const QString& fault :
+       {needs(options.Frames, "render", render), needs(options.Size, "render", render),
+        needs(options.After, "panel", panel), needs(options.Save, "panel", panel)}) {
+    if (!fault.isEmpty()) return fault;
+  }
+  if (!panel) return {};
+  for (const QCommandLineOption& option :
+       {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames}) {
+    if (!options.Parser.isSet(option)) continue;
+    return QStringLiteral("--%1 is of no use with --panel.").arg(option.names().front());
+  }
+  return {};
+}
+
 QString TakeOptions(const TOptions& options, TCommandLine& line) {
   const QCommandLineParser& parser = options.Parser;
   const std::pair<const QCommandLineOption&, QString (*)(const QString&, TCommandLine&)> takers[] =
       {{options.Settings, TakeSettings},   {options.Render, TakeRender}, {options.View, TakeView},
-       {options.ScaleType, TakeScaleType}, {options.Frames, TakeFrames}, {options.Size, TakeSize}};
+       {options.ScaleType, TakeScaleType}, {options.Frames, TakeFrames}, {options.Size, TakeSize},
+       {options.Panel, TakePanel},         {options.After, TakeAfter},   {options.Save, TakeSave}};
   for (const auto& [option, take] : takers) {
     if (!parser.isSet(option)) continue;
     if (QString fault = take(parser.value(option), line); !fault.isEmpty()) return fault;
   }
-  for (const QCommandLineOption& option : {options.Frames, options.Size}) {
-    if (parser.isSet(option) && line.RenderFile.isEmpty()) {
-      return QStringLiteral("--%1 is of use with --render alone.").arg(option.names().front());
-    }
-  }
+  if (QString fault = CheckTogether(options, line); !fault.isEmpty()) return fault;
   line.Animate = parser.isSet(options.Animate);
   return TakeFiles(parser.positionalArguments(), line);
 }

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "components/package/Panelwindow.h"
 #include "model/Message.h"
 #include "viewer/Animatorabout.h"
 #include "viewer/Commandline.h"
@@ -30,6 +31,21 @@ int Render(const TCommandLine& line) {
                                                                          : EXIT_FAILURE;
 }
 
+int ShowPanel(const TCommandLine& line) {
+  SetMessageSink(ShowMessageBox);
+  auto panel = OpenPanel(line.PanelFile);
+  if (!panel) return EXIT_FAILURE;
+  TPanelWindow window(std::move(panel));
+  window.show();
+  return QApplication::exec();
+}
+
+int RunPanel(const TCommandLine& line) {
+  TPanelRun run{line.PanelSeconds, line.RenderFile, line.PanelSaveFile, {}};
+  if (line.HasSize) run.Size = line.Size;
+  return RunPanel(line.PanelFile, run) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
 int ShowWindow(const TCommandLine& line) {
   SetMessageSink(ShowMessageBox);
   const QString executable = QCoreApplication::applicationFilePath();
@@ -50,7 +66,8 @@ int main(int argc, char** argv) {
     ShowMessage(line.Fault);
     return EXIT_FAILURE;
   }
-  const bool window = line.RenderFile.isEmpty();
+  const bool window = line.RenderFile.isEmpty() && line.PanelSaveFile.isEmpty();
   const auto application = MakeApplication(argc, argv, window);
+  if (!line.PanelFile.isEmpty()) return window ? ShowPanel(line) : RunPanel(line);
   return window ? ShowWindow(line) : Render(line);
 }

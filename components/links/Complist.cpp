@@ -131,6 +131,7 @@ void TKorvalCompList::GetComponentsByNames() {
         Insert(std::min(pending.place - static_cast<int>(unknown.size()), Count()), found);
       } else {
         unknown.push_back(pending);
+        if (OnUnresolved) OnUnresolved(Owner(), pending.name);
       }
     }
     pending_ = unknown;

@@ -62,6 +62,9 @@ class TKorvalCompList : public TPersistent {
   /// one is dropped.
   void GetComponentsByNames();
 
+  /// Told of each name that a list does not find; unset tells nobody. For whoever reads forms.
+  static inline std::function<void(QObject* owner, const QString& name)> OnUnresolved;
+
   /// Makes the destination hold these components in this order. Each is subject to its base class
   /// and its OnBeforeChange; OnChange fires once if anything changed.
   void AssignTo(TPersistent* destination) const override;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+#include "components/package/Published.h"
+
+/// The text of a form file (.ui) with the places in it that belong to its widgets: what can be
+/// looked up, cut out and put in without touching anything else of the file.
+class TFormFile {
+ public:
+  struct TProperty {
+    QString Name;  ///< dotted for a property of a sub-object
+    TFormValue Value;
+    int Line = 0;  ///< from 1
+    qsizetype Begin = 0;
+    qsizetype End = 0;  ///< one past the element, in characters of the text
+  };
+  struct TWidget {
+    QString ClassName;
+    QString Name;
+    int Line = 0;
+    qsizetype ContentBegin = 0;  ///< one past the start tag
+    bool SelfClosing = false;
+    std::vector<TProperty> Properties;  ///< its own, not those of widgets in it
+  };
+
+  /// Limits that keep a file from exhausting the program.
+  static constexpr int kMaxWidgets = 20000;
+  static constexpr int kMaxDepth = 200;  ///< of elements in each other
+
+  /// Takes the text of a file. False, with a sentence "line N: what is wrong", for a text that is
+  /// no form file.
+  [[nodiscard]] bool Parse(const QString& text, QString* error);
+
+  const QString& Text() const { return text_; }
+  /// In the order of the text, the outermost first.
+  const std::vector<TWidget>& Widgets() const { return widgets_; }
+
+  /// The text without the properties for which `drop` is true.
+  QString Without(const std::function<bool(const TWidget&, const TProperty&)>& drop) const;
+
+  /// The text in which each widget's properties for which `drop` is true are replaced by those that
+  /// `put` gives.
+  using TNewProperties = std::vector<std::pair<QString, TFormValue>>;
+  QString Replaced(const std::function<bool(const TWidget&, const TProperty&)>& drop,
+                   const std::function<TNewProperties(const TWidget&)>& put) const;
+
+ private:
+  QString text_;
+  std::vector<TWidget> widgets_;
+};

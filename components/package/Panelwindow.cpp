@@ -1,0 +1,115 @@
+#include "components/package/Panelwindow.h"
+
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QPixmap>
+#include <QTimer>
+
+#include "components/controls/Korvaltools.h"
+#include "model/Message.h"
+
+namespace {
+
+constexpr int kShownFaults = 20;
+
+QPixmap Grab(QWidget& widget) {
+  QPixmap picture(widget.size());
+  picture.fill(widget.palette().color(QPalette::Window));
+  widget.render(&picture);
+  return picture;
+}
+
+void ShowFaults(const QStringList& faults) {
+  if (faults.isEmpty()) return;
+  QStringList shown = faults.mid(0, kShownFaults);
+  if (faults.size() > kShownFaults) {
+    shown.append(QStringLiteral("... and %1 more").arg(faults.size() - kShownFaults));
+  }
+  ShowMessage(shown.join('\n'));
+}
+
+}  // namespace
+
+std::unique_ptr<TPanel> OpenPanel(const QString& fileName) {
+  QStringList faults;
+  auto panel = TPanel::Load(fileName, &faults);
+  ShowFaults(faults);
+  return panel;
+}
+
+TPanelWindow::TPanelWindow(std::unique_ptr<TPanel> panel) {
+  QMenu* menu = menuBar()->addMenu(tr("&Panel"));
+  menu->addAction(tr("&Save"), QKeySequence::Save, this, &TPanelWindow::Save);
+  menu->addAction(tr("Save &as..."), QKeySequence::SaveAs, this, &TPanelWindow::SaveAs);
+  menu->addAction(tr("&Reload"), QKeySequence::Refresh, this, &TPanelWindow::Reload);
+  menu->addSeparator();
+  showComponents_ = menu->addAction(tr("Show &components"));
+  showComponents_->setCheckable(true);
+  connect(showComponents_, &QAction::toggled, this, &TPanelWindow::ShowComponents);
+  menu->addSeparator();
+  menu->addAction(tr("&Close"), QKeySequence::Close, this, &QWidget::close);
+  Show(std::move(panel));
+}
+
+/// The components go while the panel still knows them.
+TPanelWindow::~TPanelWindow() { delete takeCentralWidget(); }
+
+void TPanelWindow::Show(std::unique_ptr<TPanel> panel) {
+  delete takeCentralWidget();
+  panel_ = std::move(panel);
+  QWidget* root = panel_->Root();
+  const QString title = root->windowTitle().isEmpty() ? QFileInfo(panel_->FileName()).fileName()
+                                                      : root->windowTitle();
+  setWindowTitle(QStringLiteral("%1 - Velmora Animator").arg(title));
+  const QSize size = root->size();
+  root->setWindowFlags(Qt::Widget);
+  setCentralWidget(root);
+  root->show();
+  resize(size + QSize(0, menuBar()->sizeHint().height()));
+  ShowComponents(showComponents_->isChecked());
+}
+
+void TPanelWindow::SaveTo(const QString& fileName) {
+  QString error;
+  if (!panel_->Save(fileName, &error)) ShowMessage(error);
+}
+
+void TPanelWindow::Save() { SaveTo(panel_->FileName()); }
+
+void TPanelWindow::SaveAs() {
+  const QString fileName =
+      QFileDialog::getSaveFileName(this, tr("Save panel"), panel_->FileName(), tr("Panels (*.ui)"));
+  if (!fileName.isEmpty()) SaveTo(fileName);
+}
+
+void TPanelWindow::Reload() {
+  if (auto panel = OpenPanel(panel_->FileName())) Show(std::move(panel));
+}
+
+void TPanelWindow::ShowComponents(bool show) { SetDesignMode(panel_->Root(), show); }
+
+bool RunPanel(const QString& fileName, const TPanelRun& run) {
+  QStringList faults;
+  const auto panel = TPanel::Load(fileName, &faults);
+  ShowFaults(faults);
+  if (!panel) return false;
+  QWidget& root = *panel->Root();
+  root.setAttribute(Qt::WA_DontShowOnScreen);
+  if (run.Size.isValid()) root.resize(run.Size);
+  root.show();
+  QEventLoop loop;
+  QTimer::singleShot(static_cast<int>(run.Seconds * 1000.0), &loop, &QEventLoop::quit);
+  loop.exec();
+  if (!run.PictureFile.isEmpty() && !Grab(root).save(run.PictureFile)) {
+    ShowMessage(QStringLiteral("Cannot write %1").arg(run.PictureFile));
+    return false;
+  }
+  QString error;
+  if (!run.SaveFile.isEmpty() && !panel->Save(run.SaveFile, &error)) {
+    ShowMessage(error);
+    return false;
+  }
+  return faults.isEmpty();
+}

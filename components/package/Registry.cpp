@@ -1,0 +1,44 @@
+#include "components/package/Registry.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "components/channels/Datachannel.h"
+#include "components/channels/Variable.h"
+#include "components/graphing/Graph.h"
+
+namespace {
+
+template <class T>
+TComponentClass Component(const char* page, const char* header) {
+  return {QString::fromLatin1(T::staticMetaObject.className()),
+          QString::fromLatin1(page),
+          QString::fromLatin1(header),
+          &T::staticMetaObject,
+          [](QWidget* parent) -> QWidget* { return new T(parent); },
+          [](QWidget* component) {
+            if constexpr (requires(T & t) { t.BeginLoading(); }) {
+              static_cast<T*>(component)->BeginLoading();
+            } else {
+              Q_UNUSED(component)
+            }
+          },
+          [](QWidget* component) { static_cast<T*>(component)->Loaded(); }};
+}
+
+}  // namespace
+
+std::span<const TComponentClass> ComponentClasses() {
+  static const std::vector<TComponentClass> classes = {
+      Component<TVariable>("Data", "components/channels/Variable.h"),
+      Component<TDataChannel>("Data", "components/channels/Datachannel.h"),
+      Component<TKorvalGraph>("Graphs", "components/graphing/Graph.h"),
+  };
+  return classes;
+}
+
+const TComponentClass* FindComponentClass(const QString& name) {
+  const auto classes = ComponentClasses();
+  const auto found = std::ranges::find(classes, name, &TComponentClass::Name);
+  return found == classes.end() ? nullptr : &*found;
+}

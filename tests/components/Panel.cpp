@@ -1,0 +1,196 @@
+#include "components/package/Panel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QMetaEnum>
+
+#include "components/channels/Datachannel.h"
+#include "components/channels/Variable.h"
+#include "components/graphing/Graph.h"
+#include "components/package/Panelwindow.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+QString Form(const QString& widgets) {
+  return QStringLiteral(
+             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ui version=\"4.0\">\n"
+             " <class>Panel</class>\n <widget class=\"QWidget\" name=\"Panel\">\n%1 </widget>\n"
+             "</ui>\n")
+      .arg(widgets);
+}
+
+std::unique_ptr<TPanel> Load(const QString& widgets, QStringList* faults) {
+  return TPanel::FromText(Form(widgets), "p.ui", faults);
+}
+
+template <class T>
+T* Find(const TPanel& panel, const QString& name) {
+  return panel.Root()->findChild<T*>(name);
+}
+
+TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
+  QStringList faults;
+  const auto panel = Load(
+      "<widget class=\"TDataChannel\" name=\"speed\">\n"
+      " <property name=\"ScaleFactor\"><double>2.5</double></property>\n"
+      " <property name=\"LimitMax\"><double>-5</double></property>\n"
+      " <property name=\"LimitMin\"><double>-10</double></property>\n"
+      " <property name=\"Options\"><set>TCustomDataChannel::coUseLimits|coSkipError</set>"
+      "</property>\n"
+      " <property name=\"GraphLink.Graph\" stdset=\"0\"><string>plot</string></property>\n"
+      " <property name=\"ClientControls.Components\" stdset=\"0\"><stringlist><string>value"
+      "</string></stringlist></property>\n"
+      "</widget>\n"
+      "<widget class=\"TVariable\" name=\"value\"/>\n"
+      "<widget class=\"TKorvalGraph\" name=\"plot\">\n"
+      " <property name=\"Color\"><string>#102030</string></property>\n"
+      " <property name=\"HorizontalAx.Title.Caption\" stdset=\"0\"><string>t &lt; \xc3\xa4"
+      "</string></property>\n</widget>\n",
+      &faults);
+  ASSERT_TRUE(panel);
+  EXPECT_THAT(faults, ElementsAre());
+  auto* channel = Find<TDataChannel>(*panel, "speed");
+  auto* graph = Find<TKorvalGraph>(*panel, "plot");
+  ASSERT_TRUE(channel && graph);
+  EXPECT_EQ(channel->GetScaleFactor(), 2.5);
+  EXPECT_EQ(channel->GetLimitMin(), -10.0);
+  EXPECT_EQ(channel->GetLimitMax(), -5.0);
+  EXPECT_EQ(channel->GetGraphLink()->GetGraph(), graph);
+  EXPECT_EQ(channel->GetClientControls()->Get(0), Find<TVariable>(*panel, "value"));
+  EXPECT_FALSE(channel->IsLoading());
+  EXPECT_EQ(graph->GetColor(), TColor::FromRgb(0x10, 0x20, 0x30));
+  EXPECT_EQ(graph->GetHorizontalAx()->GetTitle()->GetCaption(), QString::fromUtf8("t < ä"));
+}
+
+TEST(Panel, SaysInOneLineWhatIsWrongAndRunsTheRest) {
+  QStringList faults;
+  const auto panel = Load(
+      "<widget class=\"TNothing\" name=\"odd\"/>\n"
+      "<widget class=\"TDataChannel\" name=\"a\">\n"
+      " <property name=\"ScaleFactor\"><string>fast</string></property>\n"
+      " <property name=\"Sharpness\"><double>1</double></property>\n"
+      " <property name=\"GraphLink.Colour\" stdset=\"0\"><string>red</string></property>\n"
+      " <property name=\"GraphLink.Graph\" stdset=\"0\"><string>gone</string></property>\n"
+      " <property name=\"CaptionPos\"><enum>cpNowhere</enum></property>\n"
+      " <property name=\"PointCount\"><number>7</number></property>\n"
+      "</widget>\n"
+      "<widget class=\"TVariable\" name=\"b\">\n"
+      " <property name=\"ClientControls.Components\" stdset=\"0\"><stringlist><string>b</string>"
+      "</stringlist></property>\n</widget>\n",
+      &faults);
+  ASSERT_TRUE(panel);
+  EXPECT_THAT(
+      faults,
+      ElementsAre(
+          QString("p.ui:5: odd (TNothing): the class is unknown"),
+          QString("p.ui:7: a (TDataChannel): property ScaleFactor: 'fast' is not a number"),
+          QString("p.ui:8: a (TDataChannel): property Sharpness: TDataChannel has no property "
+                  "Sharpness"),
+          QString("p.ui:9: a (TDataChannel): property GraphLink.Colour: TGraphLink has no "
+                  "property Colour"),
+          QString("p.ui:11: a (TDataChannel): property CaptionPos: 'cpNowhere' is not one of the "
+                  "names of TCaptionPos"),
+          QString("p.ui:10: a (TDataChannel): property GraphLink.Graph: there is no component "
+                  "gone that fits"),
+          QString("p.ui:15: b (TVariable): property ClientControls: b would get its own values "
+                  "back; circular references are not allowed")));
+  EXPECT_EQ(Find<TDataChannel>(*panel, "a")->GetPointLimit(), 7);
+  // What could not be set stays in the file.
+  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<string>fast</string>"));
+  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<string>gone</string>"));
+}
+
+TEST(Panel, RefusesWhatIsNoForm) {
+  const struct {
+    QString text;
+    const char* fault;
+  } cases[] = {
+      {"", "p.ui: line 1: "},
+      {"<html/>", "p.ui: line 1: this is no form file"},
+      {"<ui>\n</ui>", "there is no widget in it"},
+      {"<ui>\n<widget class=\"QWidget\" name=\"a\">\n", "p.ui: line 3: "},
+      {"<!DOCTYPE x [<!ENTITY a \"b\">]>\n<ui/>", "no document type definition"},
+      {"<ui>" + QString("<widget class=\"QWidget\">").repeated(5000), "nested too deep"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.fault);
+    QStringList faults;
+    EXPECT_FALSE(TPanel::FromText(c.text, "p.ui", &faults));
+    ASSERT_EQ(faults.size(), 1);
+    EXPECT_THAT(faults[0].toStdString(), HasSubstr(c.fault));
+  }
+}
+
+/// Gives a property another value than it has, if its setter lets it.
+void Change(const TPublished& published) {
+  const QMetaProperty& property = published.Property;
+  const QVariant old = property.read(published.Object);
+  QVariant value = old;
+  if (property.isEnumType()) {
+    const QMetaEnum names = property.enumerator();
+    value = names.value(names.value(0) == old.toInt() ? names.keyCount() - 1 : 0);
+  } else if (property.typeId() == QMetaType::Bool) {
+    value = !old.toBool();
+  } else if (property.typeId() == QMetaType::Int) {
+    value = old.toInt() + 3;
+  } else if (property.typeId() == QMetaType::Double) {
+    value = old.toDouble() + 0.1;
+  } else if (property.typeId() == QMetaType::QString) {
+    value = QStringLiteral("Ä <&\"> 1");
+  } else if (property.typeId() == qMetaTypeId<TColor>()) {
+    value = QVariant::fromValue(TColor::None());
+  }
+  property.write(published.Object, value);
+}
+
+std::map<QString, TFormValue> StoredOf(QWidget& component) {
+  std::map<QString, TFormValue> result;
+  ForEachStored(component, [&](const TPublished& published) {
+    result.emplace(published.Path, WriteFormValue(published));
+  });
+  return result;
+}
+
+TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {
+  for (const TComponentClass& component : ComponentClasses()) {
+    SCOPED_TRACE(component.Name.toStdString());
+    QStringList faults;
+    const auto first =
+        Load(QStringLiteral("  <widget class=\"%1\" name=\"it\"/>\n").arg(component.Name), &faults);
+    ASSERT_TRUE(first);
+    EXPECT_THAT(faults, ElementsAre());
+    ASSERT_EQ(first->Components().size(), 1U);
+    QWidget& changed = *first->Components()[0].Component;
+    int properties = 0;
+    ForEachStored(changed, [&](const TPublished& published) {
+      ++properties;
+      if (published.Path != QLatin1String("Active")) Change(published);
+    });
+    EXPECT_GT(properties, 3);
+    const QString saved = first->Text();
+    const auto second = TPanel::FromText(saved, "p.ui", nullptr);
+    ASSERT_TRUE(second);
+    EXPECT_EQ(StoredOf(*second->Components()[0].Component), StoredOf(changed));
+    EXPECT_EQ(second->Text(), saved);
+    TakeMessages();
+  }
+}
+
+TEST(Panel, SavesTheLastSamplesOfAChannel) {
+  QStringList faults;
+  const auto panel = Load("  <widget class=\"TDataChannel\" name=\"c\"/>\n", &faults);
+  for (int i = 0; i < 150; ++i) Find<TDataChannel>(*panel, "c")->SetTimeAndValue(i, 0.5 * i);
+  const auto again = TPanel::FromText(panel->Text(), "p.ui", &faults);
+  EXPECT_THAT(faults, ElementsAre());
+  const TFloatList& data = *Find<TDataChannel>(*again, "c")->GetData();
+  ASSERT_EQ(data.Count(), 100);
+  EXPECT_EQ(data.GetValues(99, TFloatList::kTime), 149.0);
+  EXPECT_EQ(data.GetValues(0, TFloatList::kValue), 25.0);
+}
+
+}  // namespace
