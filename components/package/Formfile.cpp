@@ -1,5 +1,6 @@
 #include "components/package/Formfile.h"
 
+#include <QColor>
 #include <QXmlStreamReader>
 #include <algorithm>
 
@@ -22,6 +23,7 @@ class TFormParser {
   void Start();
   void StartWidget();
   void ReadProperty(int widget);
+  QString ReadColor();
   qsizetype TagBegin() const;
   void Fail(const QString& what) {
     if (fault_.isEmpty())
@@ -62,6 +64,24 @@ qsizetype TFormParser::TagBegin() const {
   return text_.lastIndexOf('<', static_cast<qsizetype>(reader_.characterOffset()) - 1);
 }
 
+/// Reads a colour element to its end; empty if a part of it is no number.
+QString TFormParser::ReadColor() {
+  const auto alpha = reader_.attributes().value(QLatin1String("alpha"));
+  bool isColor = true;
+  const int opacity = alpha.isEmpty() ? 255 : alpha.toInt(&isColor);
+  QRgb color = 0;
+  while (reader_.readNextStartElement()) {
+    bool isNumber = false;
+    const QString name = reader_.name().toString();
+    const int part = reader_.readElementText().toInt(&isNumber);
+    isColor = isColor && isNumber && part >= 0 && part <= 255;
+    const int shift = name == QLatin1String("red") ? 16 : name == QLatin1String("green") ? 8 : 0;
+    color |= static_cast<QRgb>(part & 255) << shift;
+  }
+  color |= static_cast<QRgb>(opacity & 255) << 24;
+  return isColor ? QColor::fromRgba(color).name(QColor::HexArgb) : QString();
+}
+
 void TFormParser::Start() {
   if (open_.empty() && !isForm_) {
     isForm_ = reader_.name() == QLatin1String("ui");
@@ -86,8 +106,8 @@ void TFormParser::StartWidget() {
   widgets_.push_back(std::move(widget));
 }
 
-/// Reads to the end of the element; of values that are made of elements, such as a rectangle, only
-/// the kind is known.
+/// Reads to the end of the element. A colour becomes "#aarrggbb"; of other values that are made of
+/// elements, such as a rectangle, only the kind is known.
 void TFormParser::ReadProperty(int widget) {
   TFormFile::TProperty property;
   property.Begin = TagBegin();
@@ -98,6 +118,10 @@ void TFormParser::ReadProperty(int widget) {
     const auto token = reader_.readNext();
     if (token == QXmlStreamReader::StartElement) {
       if (++depth == 2) property.Value.Kind = reader_.name().toString();
+      if (depth == 2 && property.Value.Kind == QLatin1String("color")) {
+        property.Value.Text = ReadColor();
+        --depth;
+      }
       if (depth > 2 && property.Value.Kind == QLatin1String("stringlist")) {
         property.Value.Items.append(reader_.readElementText());
         --depth;

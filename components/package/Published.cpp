@@ -74,6 +74,7 @@ std::optional<TColor> ColorFrom(const TFormValue& value) {
   if (isNumber) return TColor(number);
   const QColor color(value.Text);
   if (!color.isValid()) return {};
+  if (color.alpha() == 0) return TColor::None();
   return TColor::FromQColor(color);
 }
 
