@@ -6,6 +6,9 @@
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
 #include "components/graphing/Graph.h"
+#include "components/sources/Datalogger.h"
+#include "components/sources/Datasheet.h"
+#include "components/sources/Tables.h"
 
 namespace {
 
@@ -33,6 +36,9 @@ std::span<const TComponentClass> ComponentClasses() {
       Component<TVariable>("Data", "components/channels/Variable.h"),
       Component<TDataChannel>("Data", "components/channels/Datachannel.h"),
       Component<TKorvalGraph>("Graphs", "components/graphing/Graph.h"),
+      Component<TDataTable>("Tables", "components/sources/Tables.h"),
+      Component<TDataSheet>("Tables", "components/sources/Datasheet.h"),
+      Component<TDataLogger>("Tables", "components/sources/Datalogger.h"),
   };
   return classes;
 }

@@ -1,0 +1,116 @@
+#include "components/sources/Datalogger.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include "model/Datetime.h"
+
+namespace {
+
+constexpr int kMaxNumber = 9999;
+const QString kNumber = QStringLiteral("%N");
+
+/// The pattern with the time put in; %N stays.
+QString NameAt(QString pattern, double time) {
+  const TDateTime::TClock clock = TDateTime(time).Clock();
+  const std::pair<const char*, int> parts[] = {
+      {"%Y", clock.date.year()}, {"%m", clock.date.month()},  {"%d", clock.date.day()},
+      {"%H", clock.time.hour()}, {"%M", clock.time.minute()}, {"%S", clock.time.second()}};
+  for (const auto& [code, value] : parts) {
+    pattern.replace(QLatin1String(code), QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0')));
+  }
+  return pattern;
+}
+
+/// The first number whose file does not exist.
+QString NumberedName(const QString& name) {
+  if (!name.contains(kNumber)) return name;
+  QString numbered;
+  for (int number = 1; number <= kMaxNumber; ++number) {
+    numbered =
+        QString(name).replace(kNumber, QStringLiteral("%1").arg(number, 4, 10, QLatin1Char('0')));
+    if (!QFileInfo::exists(numbered)) break;
+  }
+  return numbered;
+}
+
+}  // namespace
+
+TDataLogger::TDataLogger(QWidget* parent) : TStateControl(parent) {
+  SetStateImages(QStringLiteral("DataLoggerIdle"), QStringLiteral("DataLoggerActive"),
+                 QStringLiteral("DataLoggerDown"));
+  sampler_.OnRow = [this](double time, std::span<const double> values) { TakeRow(time, values); };
+}
+
+void TDataLogger::SetFileName(const QString& pattern) { fileName_ = pattern; }
+
+void TDataLogger::SetSeparator(const QString& separator) {
+  static const QRegularExpression bad(QStringLiteral("[0-9+\\-.\\r\\n]"));
+  if (!separator.isEmpty() && !separator.contains(bad)) separator_ = separator;
+}
+
+void TDataLogger::SetDigits(int digits) {
+  if (digits >= 1 && digits <= 17) digits_ = digits;
+}
+
+void TDataLogger::SetActive(bool active) {
+  if (active == GetActive()) return;
+  TStateControl::SetActive(active);
+  file_.close();
+  openedFor_.clear();
+  SetStatus(active ? QStringLiteral("Waiting for a row") : QStringLiteral("Stopped"));
+}
+
+void TDataLogger::Loaded() {
+  sampler_.Controls()->GetComponentsByNames();
+  TStateControl::Loaded();
+}
+
+void TDataLogger::SetStatus(const QString& text) {
+  if (text == status_) return;
+  status_ = text;
+  emit OnStatusChanged(this);
+}
+
+QByteArray TDataLogger::HeaderLine() const {
+  QStringList names(QStringLiteral("Time"));
+  const TKorvalCompList& controls = *sampler_.Controls();
+  for (int i = 0; i < controls.Count(); ++i) {
+    const QObject* control = controls.Get(i);
+    names.append(control ? control->objectName() : QString());
+  }
+  return names.join(separator_).toUtf8() + '\n';
+}
+
+bool TDataLogger::OpenFor(double time) {
+  const QString name = NameAt(fileName_, time);
+  if (file_.isOpen() && name == openedFor_) return true;
+  file_.close();
+  file_.setFileName(NumberedName(name));
+  const bool isNew =
+      !QFileInfo::exists(file_.fileName()) || QFileInfo(file_.fileName()).size() == 0;
+  if (!file_.open(QIODevice::WriteOnly | QIODevice::Append)) return false;
+  openedFor_ = name;
+  if (isNew && header_) file_.write(HeaderLine());
+  return true;
+}
+
+void TDataLogger::TakeRow(double time, std::span<const double> values) {
+  if (!GetActive() || IsLoading()) return;
+  line_.clear();
+  const TDateTime::TClock clock = TDateTime(time).Clock();
+  line_ += clock.date.toString(Qt::ISODate).toLatin1();
+  line_ += ' ';
+  line_ += clock.time.toString(Qt::ISODateWithMs).toLatin1();
+  const QByteArray separator = separator_.toUtf8();
+  for (const double value : values) {
+    line_ += separator;
+    line_ += QByteArray::number(value, 'g', digits_);
+  }
+  line_ += '\n';
+  if (OpenFor(time) && file_.write(line_) == line_.size() && file_.flush()) {
+    return SetStatus(QStringLiteral("Writing %1").arg(file_.fileName()));
+  }
+  SetStatus(QStringLiteral("Cannot write %1: %2").arg(file_.fileName(), file_.errorString()));
+  file_.close();
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QPointer>
+#include <QTableView>
+#include <QTimer>
+
+#include "components/graphing/Utilclasses.h"
+#include "components/links/Complist.h"
+#include "components/sources/Tables.h"
+
+class TDataSheetModel;
+
+/// A grid that shows a data table and edits it. Cells are copied to and pasted from spreadsheets:
+/// rows on lines, values separated by tabs, with a full stop as decimal point. It follows the
+/// newest row while it shows the last one. GUI thread only.
+class TDataSheet : public QTableView {
+  Q_OBJECT
+  Q_PROPERTY(QString Table READ GetTableName WRITE SetTableName)
+  Q_PROPERTY(TNumberFormat* ValueFormat READ GetValueFormat WRITE SetValueFormat)
+  Q_PROPERTY(TNumberFormat* TimeFormat READ GetTimeFormat WRITE SetTimeFormat)
+  Q_PROPERTY(bool ReadOnly READ GetReadOnly WRITE SetReadOnly)
+
+ public:
+  explicit TDataSheet(QWidget* parent = nullptr);
+  ~TDataSheet() override;
+
+  /// Null for none. Not owned, may go first.
+  TDataTable* GetTable() const;
+  void SetTable(TDataTable* table);
+  /// The table's object name, as forms keep it; resolved by Loaded.
+  QString GetTableName() const { return table_.GetNames().value(0); }
+  void SetTableName(const QString& name);
+
+  TNumberFormat* GetValueFormat() { return &valueFormat_; }
+  void SetValueFormat(const TNumberFormat* format) { valueFormat_.Assign(format); }
+  /// Of the first column, which holds times.
+  TNumberFormat* GetTimeFormat() { return &timeFormat_; }
+  void SetTimeFormat(const TNumberFormat* format) { timeFormat_.Assign(format); }
+  bool GetReadOnly() const { return readOnly_; }
+  void SetReadOnly(bool readOnly) { readOnly_ = readOnly; }
+
+  /// To be called once the form is complete.
+  void Loaded() { table_.GetComponentsByNames(); }
+
+ public slots:
+  /// The selected cells, as text, to the clipboard.
+  void Copy();
+  /// Text of the clipboard into the cells from the current one on, adding rows as long as the
+  /// table takes them. Text that holds anything but numbers changes nothing, and is said.
+  void Paste();
+  void DeleteSelectedRows();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+
+ private:
+  friend class TDataSheetModel;
+  void TableChanged();
+  void Refresh();
+
+  TKorvalCompList table_{this, &TDataTable::staticMetaObject};  ///< one at most
+  TNumberFormat valueFormat_{this};
+  TNumberFormat timeFormat_{this};
+  TDataSheetModel* model_;  ///< a child
+  QTimer refresh_;          ///< many rows are shown at once
+  bool readOnly_ = false;
+};
