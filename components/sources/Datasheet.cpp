@@ -100,7 +100,7 @@ class TDataSheetModel : public QAbstractTableModel {
 TDataSheet::TDataSheet(QWidget* parent) : QTableView(parent), model_(new TDataSheetModel(this)) {
   setModel(model_);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
-  timeFormat_.SetTimeFormatStr(QStringLiteral("yyyy-mm-dd hh:nn:ss.i"));
+  timeFormat_.SetTimeFormatStr(QStringLiteral("yyyy-mm-dd hh:nn:ss.zzz"));
   timeFormat_.SetIsTimeFormat(true);
   horizontalHeader()->setDefaultSectionSize(
       fontMetrics().horizontalAdvance(QStringLiteral("2026-01-01 00:00:00.000")) + 12);
@@ -131,9 +131,8 @@ void TDataSheet::SetTableName(const QString& name) {
 
 void TDataSheet::TableChanged() {
   if (TDataTable* table = GetTable()) {
-    const auto later = [this] { refresh_.start(); };
-    connect(table, &TDataTable::OnRowAdded, &refresh_, later, Qt::UniqueConnection);
-    connect(table, &TDataTable::OnChange, &refresh_, later, Qt::UniqueConnection);
+    connect(table, &TDataTable::OnRowAdded, this, &TDataSheet::RefreshLater, Qt::UniqueConnection);
+    connect(table, &TDataTable::OnChange, this, &TDataSheet::RefreshLater, Qt::UniqueConnection);
   }
   Refresh();
 }

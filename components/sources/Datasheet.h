@@ -57,6 +57,7 @@ class TDataSheet : public QTableView {
  private:
   friend class TDataSheetModel;
   void TableChanged();
+  void RefreshLater() { refresh_.start(); }
   void Refresh();
 
   TKorvalCompList table_{this, &TDataTable::staticMetaObject};  ///< one at most
