@@ -157,8 +157,8 @@ bool TServerDataControl::TakeValue(double value) {
 
 void TServerDataControl::GiveToClients(double value, const TRun& run) {
   for (int i = 0; i < clients_.Count(); ++i) {
-    // The list holds nothing but data controls, or null for one that is being destroyed.
-    if (auto* client = static_cast<TDataControl*>(clients_.Get(i))) client->SetValue(value);
+    // One that is being destroyed is in the list for a while yet, but no data control any more.
+    if (auto* client = clients_.Get<TDataControl>(i)) client->SetValue(value);
     if (run.IsGone()) return;
   }
 }

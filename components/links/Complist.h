@@ -27,9 +27,11 @@ class TKorvalCompList : public TPersistent {
 
   int Count() const { return static_cast<int>(items_.size()); }
   bool Empty() const { return items_.empty(); }
-  /// The component at 0 to Count() - 1; null only while it is being destroyed.
+  /// The component at 0 to Count() - 1. One that is being destroyed is a bare widget, and then
+  /// null.
   QObject* Get(int index) const { return items_[static_cast<std::size_t>(index)].alive; }
-  /// Same, as the list's base class or one above it; null for another class.
+  /// Same, as the list's base class or one above it; null for another class, and so for a component
+  /// that is being destroyed.
   template <class T>
   T* Get(int index) const {
     return qobject_cast<T*>(Get(index));
@@ -77,10 +79,9 @@ class TKorvalCompList : public TPersistent {
   void OnItemChanged(QObject* sender, QObject* item, TListAction action);
 
  private:
-  /// A widget goes in steps: `alive` is null before `destroyed` is emitted.
   struct TItem {
-    QObject* component;  ///< for comparing only
-    QPointer<QObject> alive;
+    QObject* component;       ///< for comparing only
+    QPointer<QObject> alive;  ///< a widget emits `destroyed` before this is null
     friend bool operator==(const TItem& a, const TItem& b) { return a.component == b.component; }
   };
   /// A name to be resolved, with its place among all names.

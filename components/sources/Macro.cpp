@@ -67,9 +67,9 @@ void TMacro::CompileMacro() {
 }
 
 double TMacro::GetMacroValue() {
-  // A widget that is being destroyed leaves the list later than its callback goes.
+  // The callback of a variable that is being destroyed goes before the variable leaves the list.
   for (const TInput& input : inputs_) {
-    if (!input.alive) return 0.0;
+    if (!input.IsWhole()) return 0.0;
   }
   return program_.Run();
 }
@@ -141,8 +141,9 @@ void TMacro::FindInputs() {
   inputs_.clear();
   for (int i = 0; i < variables_.Count(); ++i) {
     const auto* variable = variables_.Get<TVariable>(i);
-    if (variable && read.contains(&variable->ValueReader()))
-      inputs_.push_back({variable, variable});
+    if (variable && read.contains(&variable->ValueReader())) {
+      inputs_.push_back({variable, variable, variable->metaObject()});
+    }
   }
 }
 

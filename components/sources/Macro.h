@@ -53,10 +53,13 @@ class TMacro : public TCustomVariable {
   void DoubleClicked() override { ShowEditor(); }
 
  private:
-  /// A variable that the expression reads. `component` is for comparing only.
+  /// A variable that the expression reads.
   struct TInput {
-    const QObject* component;
+    const QObject* component;  ///< for comparing only
     QPointer<const QObject> alive;
+    const QMetaObject* whole;  ///< the class it has until its destruction begins
+
+    bool IsWhole() const { return alive && alive->metaObject() == whole; }
   };
 
   void UnLinkVariables();

@@ -2,62 +2,15 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <unordered_map>
-#include <utility>
 
 #include "components/sources/Macrofunctions.h"
 
 namespace {
 
-using TStep = TMacroProgram::TStep;
 using TFunction1 = TMacroItem::TFunction1;
 using TFunction2 = TMacroItem::TFunction2;
-
-/// The code of a step for each place where its operands can be. If none is at hand, the result at
-/// hand is kept for a later step.
-template <class TFunction>
-struct TCodes {
-  TFunction function;
-  TStep::TCode inMemory;
-  TStep::TCode leftAtHand;
-  TStep::TCode rightAtHand;
-};
-
-/// `call` makes a value of a step and its operands.
-template <auto call>
-constexpr TCodes<TFunction1> CodesOfOne(TFunction1 function) {
-  return {function,
-          [](const TStep& step, double* memory, double result) {
-            memory[step.kept] = result;
-            return call(step, memory[step.left]);
-          },
-          [](const TStep& step, double*, double result) { return call(step, result); }, nullptr};
-}
-
-template <auto call>
-constexpr TCodes<TFunction2> CodesOfTwo(TFunction2 function) {
-  return {function,
-          [](const TStep& step, double* memory, double result) {
-            memory[step.kept] = result;
-            return call(step, memory[step.left], memory[step.right]);
-          },
-          [](const TStep& step, double* memory, double result) {
-            return call(step, result, memory[step.right]);
-          },
-          [](const TStep& step, double* memory, double result) {
-            return call(step, memory[step.left], result);
-          }};
-}
-
-/// A function that is known here takes the place of its call.
-template <TFunction1 function>
-constexpr TCodes<TFunction1> Known() {
-  return CodesOfOne<[](const TStep&, double a) { return function(a); }>(function);
-}
-template <TFunction2 function>
-constexpr TCodes<TFunction2> Known() {
-  return CodesOfTwo<[](const TStep&, double a, double b) { return function(a, b); }>(function);
-}
 
 double Itself(double a) { return a; }
 
@@ -77,29 +30,48 @@ double Square(double a, double b) {
   return Macrofunctions::Power(a, b);
 }
 
-const TCodes<TFunction1>& CodesOf(TFunction1 function) {
+// The functions whose steps are cases of one switch: a call per step would double the time of a
+// program. All others are Other1 and Other2, which call.
+#define VELMORA_FUNCTIONS_1(X) X(Itself) X(Negate) X(Sine) X(Cosine) X(Tangent) X(Absolute)
+#define VELMORA_FUNCTIONS_2(X)                                                                   \
+  X(Add)                                                                                         \
+  X(Subtract)                                                                                    \
+  X(Multiply) X(Divide) X(Power) X(Square) X(Maximum) X(Minimum) X(Equal) X(NotEqual) X(Greater) \
+      X(Less) X(GreaterOrEqual) X(LessOrEqual)
+
+/// Codes of steps: what to compute, and where its operands are.
+enum TCode : std::uint32_t {
+#define VELMORA_CODES(function) k##function, k##function##LeftAtHand,
+  VELMORA_FUNCTIONS_1(VELMORA_CODES) VELMORA_CODES(Other1)
+#undef VELMORA_CODES
+#define VELMORA_CODES(function) k##function, k##function##LeftAtHand, k##function##RightAtHand,
+      VELMORA_FUNCTIONS_2(VELMORA_CODES) VELMORA_CODES(Other2)
+#undef VELMORA_CODES
+};
+
+/// Added to the code of a function with its operands in memory.
+enum TPlaces : std::uint32_t { kInMemory, kLeftAtHand, kRightAtHand };
+
+template <class TFunction>
+struct TKnown {
+  TFunction function;
+  TCode code;
+};
+
+TCode CodeOf(TFunction1 function) {
   using namespace Macrofunctions;
-  static constexpr TCodes<TFunction1> kKnown[] = {Known<Itself>(),  Known<Negate>(),
-                                                  Known<Sine>(),    Known<Cosine>(),
-                                                  Known<Tangent>(), Known<Absolute>()};
-  static constexpr TCodes<TFunction1> kOther =
-      CodesOfOne<[](const TStep& step, double a) { return step.function1(a); }>(nullptr);
-  const auto* found = std::ranges::find(kKnown, function, &TCodes<TFunction1>::function);
-  return found == std::end(kKnown) ? kOther : *found;
+#define VELMORA_KNOWN(function) {function, k##function},
+  static constexpr TKnown<TFunction1> kKnown[] = {VELMORA_FUNCTIONS_1(VELMORA_KNOWN)};
+  const auto* found = std::ranges::find(kKnown, function, &TKnown<TFunction1>::function);
+  return found == std::end(kKnown) ? kOther1 : found->code;
 }
 
-const TCodes<TFunction2>& CodesOf(TFunction2 function) {
+TCode CodeOf(TFunction2 function) {
   using namespace Macrofunctions;
-  static constexpr TCodes<TFunction2> kKnown[] = {
-      Known<Add>(),         Known<Subtract>(), Known<Multiply>(), Known<Divide>(),
-      Known<Power>(),       Known<Maximum>(),  Known<Minimum>(),  Known<Equal>(),
-      Known<NotEqual>(),    Known<Greater>(),  Known<Less>(),     Known<GreaterOrEqual>(),
-      Known<LessOrEqual>(), Known<Square>()};
-  static constexpr TCodes<TFunction2> kOther =
-      CodesOfTwo<[](const TStep& step, double a, double b) { return step.function2(a, b); }>(
-          nullptr);
-  const auto* found = std::ranges::find(kKnown, function, &TCodes<TFunction2>::function);
-  return found == std::end(kKnown) ? kOther : *found;
+  static constexpr TKnown<TFunction2> kKnown[] = {VELMORA_FUNCTIONS_2(VELMORA_KNOWN)};
+#undef VELMORA_KNOWN
+  const auto* found = std::ranges::find(kKnown, function, &TKnown<TFunction2>::function);
+  return found == std::end(kKnown) ? kOther2 : found->code;
 }
 
 }  // namespace
@@ -169,27 +141,28 @@ class TMacroProgram::TBuilder {
 
   void AddStep(TFunction1 function) {
     const TOperand left = Pop();
-    const TCodes<TFunction1>& codes = CodesOf(function);
-    TStep step{left.atHand ? codes.leftAtHand : codes.inMemory, left.place, 0, nowhere_, {}};
+    const TPlaces places = left.atHand ? kLeftAtHand : kInMemory;
+    TStep step{static_cast<std::uint32_t>(CodeOf(function)) + places, left.place, 0, nowhere_, {}};
     step.function1 = function;
-    AddStep(step, left.atHand);
+    AddStep(step, places);
   }
 
   void AddStep(TFunction2 function) {
     const TOperand right = Pop();
     const TOperand left = Pop();
     if (function == Macrofunctions::Power && IsTwo(right)) function = Square;
-    const TCodes<TFunction2>& codes = CodesOf(function);
-    const TStep::TCode code = left.atHand    ? codes.leftAtHand
-                              : right.atHand ? codes.rightAtHand
-                                             : codes.inMemory;
-    TStep step{code, left.place, right.place, nowhere_, {}};
+    const TPlaces places = left.atHand ? kLeftAtHand : right.atHand ? kRightAtHand : kInMemory;
+    TStep step{static_cast<std::uint32_t>(CodeOf(function)) + places,
+               left.place,
+               right.place,
+               nowhere_,
+               {}};
     step.function2 = function;
-    AddStep(step, left.atHand || right.atHand);
+    AddStep(step, places);
   }
 
-  void AddStep(TStep step, bool takesResult) {
-    if (!takesResult && atHand_ != kNone) step.kept = Keep(operands_[atHand_]);
+  void AddStep(TStep step, TPlaces places) {
+    if (places == kInMemory && atHand_ != kNone) step.kept = Keep(operands_[atHand_]);
     program_.steps_.push_back(step);
     atHand_ = operands_.size();
     operands_.push_back({true, false, 0});
@@ -224,7 +197,42 @@ TMacroProgram::TMacroProgram(const TMacroItem& root) {
 double TMacroProgram::Run() {
   double* const memory = memory_.data();
   for (const TInput& input : inputs_) memory[input.place] = (*input.reader)();
+  return RunSteps(memory);
+}
+
+double TMacroProgram::RunSteps(double* memory) const {
+  using namespace Macrofunctions;
   double result = 0.0;
-  for (const TStep& step : steps_) result = step.code(step, memory, result);
+  for (const TStep& step : steps_) {
+    const auto Other1 = [&step](double a) { return step.function1(a); };
+    const auto Other2 = [&step](double a, double b) { return step.function2(a, b); };
+    switch (static_cast<TCode>(step.code)) {
+#define VELMORA_STEPS(function)           \
+  case k##function:                       \
+    memory[step.kept] = result;           \
+    result = function(memory[step.left]); \
+    break;                                \
+  case k##function##LeftAtHand:           \
+    result = function(result);            \
+    break;
+      VELMORA_FUNCTIONS_1(VELMORA_STEPS)
+      VELMORA_STEPS(Other1)
+#undef VELMORA_STEPS
+#define VELMORA_STEPS(function)                               \
+  case k##function:                                           \
+    memory[step.kept] = result;                               \
+    result = function(memory[step.left], memory[step.right]); \
+    break;                                                    \
+  case k##function##LeftAtHand:                               \
+    result = function(result, memory[step.right]);            \
+    break;                                                    \
+  case k##function##RightAtHand:                              \
+    result = function(memory[step.left], result);             \
+    break;
+      VELMORA_FUNCTIONS_2(VELMORA_STEPS)
+      VELMORA_STEPS(Other2)
+#undef VELMORA_STEPS
+    }
+  }
   return result;
 }

@@ -15,21 +15,6 @@ class TMacroProgram {
     std::uint32_t place;                ///< in the memory
   };
 
-  /// One function. The result of the step before is at hand in a register; operands that are not
-  /// lie in the memory: variables, constants, and results that wait.
-  struct TStep {
-    using TCode = double (*)(const TStep& step, double* memory, double result);
-
-    TCode code;
-    std::uint32_t left;   ///< place of the operand, if it lies in the memory
-    std::uint32_t right;  ///< same
-    std::uint32_t kept;   ///< where the result at hand goes, if no operand is at hand
-    union {
-      TMacroItem::TFunction1 function1;
-      TMacroItem::TFunction2 function2;
-    };
-  };
-
   /// The value of an empty program is 0.
   TMacroProgram() = default;
   /// The tree may go, but the readers of its variables must outlive the program.
@@ -42,6 +27,21 @@ class TMacroProgram {
 
  private:
   class TBuilder;
+
+  /// One function. The result of the step before is at hand in a register; operands that are not
+  /// lie in the memory: variables, constants, and results that wait.
+  struct TStep {
+    std::uint32_t code;
+    std::uint32_t left;   ///< place of the operand, if it lies in the memory
+    std::uint32_t right;  ///< same
+    std::uint32_t kept;   ///< where the result at hand goes, if no operand is at hand
+    union {
+      TMacroItem::TFunction1 function1;
+      TMacroItem::TFunction2 function2;
+    };
+  };
+
+  double RunSteps(double* memory) const;
 
   std::vector<TInput> inputs_;
   std::vector<TStep> steps_;

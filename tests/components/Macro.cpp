@@ -1,0 +1,236 @@
+#include "components/sources/Macro.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <memory>
+
+namespace {
+
+class Macro : public testing::Test {
+ protected:
+  Macro() {
+    a = Make("a", 2.0);
+    b = Make("b", 3.0);
+    macro = new TMacro(&form);
+    macro->SetName(QStringLiteral("m"));
+    macro->GetVariables()->Add(a);
+    macro->GetVariables()->Add(b);
+  }
+
+  TVariable* Make(const char* name, double value, QWidget* parent = nullptr) {
+    auto* variable = new TVariable(parent ? parent : &form);
+    variable->SetName(QLatin1String(name));
+    variable->SetValue(value);
+    return variable;
+  }
+  void SetText(const char* text) { macro->SetMacroText(QLatin1String(text)); }
+
+  QWidget form;
+  TVariable* a;
+  TVariable* b;
+  TMacro* macro;
+};
+
+TEST_F(Macro, FollowsTheVariablesThatItNames) {
+  SetText("[a]*2");
+  EXPECT_EQ(macro->GetValue(), 4.0);
+  a->SetValue(5.0);
+  EXPECT_EQ(macro->GetValue(), 10.0);
+  EXPECT_EQ(a->LinkCount(), 1);
+  EXPECT_EQ(b->LinkCount(), 0);
+  SetText("[b]+1");
+  EXPECT_EQ(macro->GetValue(), 4.0);
+  EXPECT_EQ(a->LinkCount(), 0);
+  EXPECT_EQ(b->LinkCount(), 1);
+}
+
+TEST_F(Macro, TellsTheErrorOfItsText) {
+  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("No errors"));
+  SetText("[a]*2");
+  SetText("[a]*(2");
+  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("Missing parenthesis"));
+  EXPECT_EQ(macro->GetErrorCode(), TMacroCompiler::mcMissingParenthesis);
+  EXPECT_EQ(macro->GetErrorPosition(), 7);
+  EXPECT_EQ(macro->GetValue(), 0.0);
+  SetText("");
+  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("No errors"));
+  EXPECT_EQ(macro->GetErrorPosition(), 0);
+}
+
+TEST_F(Macro, TellsItsValueForEachVariableAndOnceMoreWhenCompiled) {
+  std::vector<double> told;
+  TValueLink link([&told](double value) { told.push_back(value); });
+  macro->AddLink(&link, false);
+  SetText("[b]-[a]");
+  EXPECT_EQ(told, (std::vector<double>{1.0, 1.0, 1.0}));
+  SetText("[b]-[a]");  // the same: nothing happens
+  SetText("7");
+  EXPECT_EQ(told, (std::vector<double>{1.0, 1.0, 1.0, 7.0}));
+}
+
+TEST_F(Macro, TakesItsOwnValueWhateverItIsGiven) {
+  SetText("[a]+[b]");
+  macro->SetValue(1000.0);
+  EXPECT_EQ(macro->GetValue(), 5.0);
+}
+
+TEST_F(Macro, SubscribesByTheNameAsItStandsInTheText) {
+  SetText("[ a ] + 1\n[b]");
+  EXPECT_EQ(macro->GetValue(), 3.0);
+  EXPECT_FALSE(a->LinkCount());  // blanks: read, but not followed
+  EXPECT_TRUE(b->LinkCount());   // behind the end: followed, but not read
+  TVariable* odd = Make("x[y", 4.0);
+  macro->GetVariables()->Add(odd);
+  SetText("[x[y]+[a[b]");
+  EXPECT_TRUE(odd->LinkCount());
+  EXPECT_FALSE(a->LinkCount());
+  EXPECT_TRUE(b->LinkCount());
+}
+
+TEST_F(Macro, CompilesWhenAVariableThatItNamesComesOrGoes) {
+  SetText("[c]");
+  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("Incorrect variable name"));
+  QSignalSpy changes(macro, &TMacro::OnChange);
+  TVariable* d = Make("d", 1.0);
+  macro->GetVariables()->Add(d);
+  EXPECT_EQ(changes.count(), 0);
+  TVariable* c = Make("c", 8.0);
+  macro->GetVariables()->Add(c);
+  EXPECT_EQ(macro->GetValue(), 8.0);
+  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("No errors"));
+  macro->GetVariables()->DeleteComponent(c);
+  EXPECT_EQ(macro->GetValue(), 0.0);
+  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("Incorrect variable name"));
+  EXPECT_EQ(c->LinkCount(), 0);
+}
+
+/// How a variable may go while the expression reads it.
+TEST_F(Macro, ForgetsVariablesHoweverTheyGo) {
+  const struct {
+    const char* text;
+    const char* rename;
+    bool destroy;
+  } cases[] = {
+      {"[a]+1", nullptr, true},  {"[a]+1", "z", true},  {"[ a ]+1", nullptr, true},
+      {"[a]+1", nullptr, false}, {"[a]+1", "z", false}, {"[ a ]+1", nullptr, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.text) + (c.rename ? " renamed" : "") +
+                 (c.destroy ? " destroyed" : " removed"));
+    TVariable* variable = Make("a", 2.0);
+    macro->GetVariables()->Clear();
+    macro->GetVariables()->Add(variable);
+    SetText("");
+    SetText(c.text);
+    EXPECT_EQ(macro->GetValue(), 3.0);
+    if (c.rename) variable->SetName(QLatin1String(c.rename));
+    if (c.destroy) {
+      delete variable;
+    } else {
+      macro->GetVariables()->DeleteComponent(variable);
+      EXPECT_EQ(variable->LinkCount(), 0);
+      delete variable;
+    }
+    EXPECT_EQ(macro->GetValue(), 0.0);
+    EXPECT_EQ(macro->GetMacroValue(), 0.0);
+    EXPECT_EQ(macro->GetErrorCode(), TMacroCompiler::mcIncorrectVariable);
+  }
+}
+
+TEST_F(Macro, ReadsNoVariableThatIsBeingDestroyed) {
+  TVariable* c = Make("c", 1.0);
+  std::vector<double> told;
+  // Called before the list of the macro is: the variable is a bare widget by then.
+  QObject::connect(c, &QObject::destroyed, [&] {
+    b->SetValue(10.0);
+    told.push_back(macro->GetValue());
+  });
+  macro->GetVariables()->Add(c);
+  SetText("[b]+[c]");
+  EXPECT_EQ(macro->GetValue(), 4.0);
+  delete c;
+  EXPECT_EQ(told, (std::vector<double>{0.0}));
+  EXPECT_EQ(macro->GetErrorCode(), TMacroCompiler::mcIncorrectVariable);
+}
+
+TEST_F(Macro, GivesNothingToAClientThatIsBeingDestroyed) {
+  SetText("[a]+[b]");
+  macro->GetClientControls()->Add(a);
+  delete a;  // the macro compiles, and takes a new value, while it is still in the list
+  EXPECT_EQ(macro->GetValue(), 0.0);
+  EXPECT_EQ(macro->GetClientControls()->Count(), 0);
+}
+
+TEST_F(Macro, ReadsNoVariableThatLeftWhileItsFormWasRead) {
+  SetText("[a]+1");
+  macro->BeginLoading();
+  macro->GetVariables()->DeleteComponent(a);
+  delete a;
+  EXPECT_EQ(macro->GetMacroValue(), 0.0);
+}
+
+TEST_F(Macro, CompilesOnceWhenItsFormIsComplete) {
+  TMacro loaded(&form);
+  QSignalSpy changes(&loaded, &TMacro::OnChange);
+  loaded.BeginLoading();
+  loaded.SetMacroText(QStringLiteral("[a]*[b]"));
+  loaded.GetVariables()->SetNames({"a", "b", "m", "unknown"});
+  EXPECT_EQ(loaded.GetErrorText(), QStringLiteral("No errors"));
+  EXPECT_EQ(changes.count(), 0);
+  loaded.Loaded();
+  EXPECT_EQ(loaded.GetValue(), 6.0);
+  EXPECT_EQ(changes.count(), 3);                 // for each variable, and for the compilation
+  EXPECT_EQ(loaded.GetVariables()->Count(), 2);  // a macro is no variable
+}
+
+TEST_F(Macro, CopiesOnlyListsOfVariables) {
+  TVariable* c = Make("c", 1.0);
+  TKorvalCompList others(nullptr, &TCustomVariable::staticMetaObject);
+  others.Add(c);
+  macro->SetVariables(&others);
+  macro->SetVariables(nullptr);
+  EXPECT_EQ(macro->GetVariables()->GetNames(), QStringList({"a", "b"}));
+  TKorvalCompList variables(nullptr, &TVariable::staticMetaObject);
+  variables.Add(c);
+  macro->SetVariables(&variables);
+  EXPECT_EQ(macro->GetVariables()->GetNames(), QStringList({"c"}));
+}
+
+TEST_F(Macro, EndsWhenItIsItsOwnInput) {
+  SetText("[a]+1");
+  int told = 0;
+  TValueLink link([&told](double) { ++told; });
+  macro->AddLink(&link, false);
+  macro->GetClientControls()->Add(a);
+  a->SetValue(0.0);
+  EXPECT_LT(told, 20);
+  EXPECT_GT(macro->GetValue(), 0.0);
+}
+
+TEST_F(Macro, StandsASubscriberThatDestroysIt) {
+  for (const char* text : {"[a]+[b]", "1"}) {
+    auto* brief = new TMacro(&form);
+    brief->GetVariables()->Assign(macro->GetVariables());
+    TValueLink link([&](double) {
+      delete brief;
+      brief = nullptr;
+    });
+    brief->AddLink(&link, false);
+    brief->SetMacroText(QLatin1String(text));
+    EXPECT_EQ(brief, nullptr);
+    EXPECT_EQ(a->LinkCount() + b->LinkCount(), 0);
+  }
+}
+
+TEST_F(Macro, StandsASubscriberThatChangesItsText) {
+  TValueLink link([&](double) { SetText("[b]*10"); });
+  macro->AddLink(&link, false);
+  SetText("[a]+[b]");
+  EXPECT_EQ(macro->GetMacroText(), QStringLiteral("[b]*10"));
+  EXPECT_EQ(macro->GetValue(), 30.0);
+  EXPECT_EQ(a->LinkCount(), 0);
+  EXPECT_EQ(b->LinkCount(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,153 @@
+#include "components/sources/Macroeditor.h"
+
+#include <gtest/gtest.h>
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <memory>
+
+#include "components/sources/Macro.h"
+
+namespace {
+
+class MacroEditor : public testing::Test {
+ protected:
+  MacroEditor() {
+    for (const auto& [variable, name] : {std::pair(&speed, "Speed"), std::pair(&load, "Load")}) {
+      variable->SetName(QLatin1String(name));
+      variable->SetValue(4.0);
+      list.Add(variable);
+    }
+  }
+
+  void Open(const char* text) {
+    editor = std::make_unique<TMacroEditor>(QLatin1String(text), list);
+    applied = std::make_unique<QSignalSpy>(editor.get(), &TMacroEditor::OnApply);
+  }
+  QPlainTextEdit& Text() { return *editor->findChild<QPlainTextEdit*>("Text"); }
+  std::string Label(const char* name) {
+    return editor->findChild<QLabel*>(name)->text().toStdString();
+  }
+  void Push(QDialogButtonBox::StandardButton button) {
+    editor->findChild<QDialogButtonBox*>()->button(button)->click();
+  }
+  /// A double click on the entry of a list that begins with `text`.
+  void Choose(const char* name, const char* text) {
+    auto* entries = editor->findChild<QListWidget*>(name);
+    const auto found = entries->findItems(QLatin1String(text), Qt::MatchStartsWith);
+    ASSERT_FALSE(found.isEmpty()) << text;
+    emit entries->itemActivated(found[0]);
+  }
+
+  TVariable speed, load;
+  TKorvalCompList list{nullptr, &TVariable::staticMetaObject};
+  std::unique_ptr<TMacroEditor> editor;
+  std::unique_ptr<QSignalSpy> applied;
+};
+
+TEST_F(MacroEditor, SaysAtOnceWhatIsWrongAndWhatIsTheValue) {
+  Open("[Speed]*2");
+  EXPECT_EQ(Label("Error"), "No errors");
+  EXPECT_EQ(Label("Value"), "= 8");
+  EXPECT_TRUE(Text().extraSelections().isEmpty());
+  QTest::keyClicks(&Text(), "+%");
+  EXPECT_EQ(Label("Error"), "Illegal character");
+  EXPECT_EQ(Label("Value"), "");
+  ASSERT_EQ(Text().extraSelections().size(), 1);
+  EXPECT_EQ(Text().extraSelections()[0].cursor.selectedText(), QStringLiteral("%"));
+}
+
+TEST_F(MacroEditor, PutsTheCursorWhereTheErrorIs) {
+  const struct {
+    const char* text;
+    int cursor;
+  } cases[] = {
+      {"1+%2", 2},                                      // before what is illegal
+      {"2 3", 2},                                       // before what is too much
+      {"(1+2", 4},                                      // where the bracket is missing
+      {"1+[Weight]*2", 10},                             // behind the name
+      {"1+LOG(2)", 5},                                  // behind the name
+      {"sin(1)", 0},                                    // where the name should begin
+      {"MAX(1)", 6},        {"1+", 2}, {"[Speed]", 7},  // none: at the end
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    Open(c.text);
+    EXPECT_EQ(Text().textCursor().position(), c.cursor);
+  }
+}
+
+TEST_F(MacroEditor, ClosesWithOkOnlyOverATextWithoutErrors) {
+  Open("1");
+  editor->show();
+  Text().setPlainText(QStringLiteral("1+*2"));
+  Push(QDialogButtonBox::Ok);
+  EXPECT_TRUE(editor->isVisible());
+  EXPECT_EQ(applied->count(), 0);
+  EXPECT_EQ(Text().textCursor().position(), 2);
+  Push(QDialogButtonBox::Apply);
+  EXPECT_EQ(applied->takeFirst()[0].toString(), QStringLiteral("1+*2"));
+  Text().setPlainText(QStringLiteral("1+2"));
+  Push(QDialogButtonBox::Ok);
+  EXPECT_FALSE(editor->isVisible());
+  EXPECT_EQ(applied->takeFirst()[0].toString(), QStringLiteral("1+2"));
+  Open("1");
+  Push(QDialogButtonBox::Cancel);
+  EXPECT_EQ(applied->count(), 0);
+}
+
+TEST_F(MacroEditor, WritesVariablesAndFunctions) {
+  Open("");
+  Choose("Functions", "MAX");
+  Choose("Variables", "Load");
+  Text().moveCursor(QTextCursor::NextCharacter);
+  Choose("Functions", "PI");
+  EXPECT_EQ(Text().toPlainText(), QStringLiteral("MAX([Load];PI)"));
+  EXPECT_EQ(Label("Value"), "= 4");
+  Text().selectAll();
+  Choose("Functions", "ABS");
+  Choose("Variables", "Speed");
+  EXPECT_EQ(Text().toPlainText(), QStringLiteral("ABS([Speed])"));
+}
+
+TEST_F(MacroEditor, FollowsTheListOfVariables) {
+  Open("[Late]");
+  EXPECT_EQ(Label("Error"), "Incorrect variable name");
+  TVariable late;
+  late.SetName(QStringLiteral("Late"));
+  list.Add(&late);
+  EXPECT_EQ(Label("Error"), "No errors");
+  Text().clear();
+  Choose("Variables", "Late");
+  EXPECT_EQ(Text().toPlainText(), QStringLiteral("[Late]"));
+}
+
+TEST_F(MacroEditor, OpensOnADoubleClickOnTheMacro) {
+  TMacro macro;
+  macro.GetVariables()->Add(&speed);
+  QTimer::singleShot(0, [] {
+    auto* opened = qobject_cast<TMacroEditor*>(QApplication::activeModalWidget());
+    ASSERT_TRUE(opened);
+    opened->findChild<QPlainTextEdit*>("Text")->setPlainText(QStringLiteral("[Speed]^2"));
+    opened->accept();
+  });
+  QTest::mouseDClick(&macro, Qt::LeftButton);
+  EXPECT_EQ(macro.GetMacroText(), QStringLiteral("[Speed]^2"));
+  EXPECT_EQ(macro.GetValue(), 16.0);
+}
+
+TEST_F(MacroEditor, GoesWithItsMacro) {
+  auto* macro = new TMacro;
+  QTimer::singleShot(0, [macro] { delete macro; });
+  macro->show();
+  QTest::mouseDClick(macro, Qt::LeftButton);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+}  // namespace
