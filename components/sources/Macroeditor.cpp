@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QVBoxLayout>
 
@@ -21,6 +22,8 @@ void AddEntry(QListWidget& list, const QString& shown, const QString& text, qsiz
   item->setData(kTextRole, text);
   item->setData(kCursorRole, static_cast<int>(cursor));
 }
+
+const QColor kErrorColor(176, 0, 32);
 
 /// "", "(a)" or "(a;b)".
 QString Arguments(const TMacroName& name) {
@@ -53,7 +56,7 @@ TMacroEditor::TMacroEditor(const QString& text, const TKorvalCompList& variables
   auto* all = new QVBoxLayout(this);
   all->addLayout(columns, 1);
   all->addWidget(MakeButtons());
-  resize(680, 380);
+  resize(720, 400);
 
   ListVariables();
   ListFunctions();
@@ -131,6 +134,8 @@ void TMacroEditor::ListFunctions() {
     AddEntry(*functions_, word + arguments + QStringLiteral(": ") + tr(name.meaning), text,
              word.size() + (arguments.isEmpty() ? 0 : 1));
   }
+  functions_->setMinimumWidth(functions_->sizeHintForColumn(0) + 2 * functions_->frameWidth() +
+                              functions_->verticalScrollBar()->sizeHint().width());
 }
 
 void TMacroEditor::Write(const QListWidgetItem& item) {
@@ -147,9 +152,9 @@ void TMacroEditor::Write(const QListWidgetItem& item) {
 void TMacroEditor::Check() {
   const std::unique_ptr<TMacroItem> root = compiler_.Compile(text_->toPlainText());
   error_->setText(compiler_.ErrorMessage());
-  error_->setStyleSheet(compiler_.Ok() ? QString() : QStringLiteral("color: #b00020"));
+  error_->setStyleSheet(compiler_.Ok() ? QString() : "color: " + kErrorColor.name());
   value_->setText(root ? QStringLiteral("= %1").arg(root->Evaluate()) : QString());
-  Mark(ErrorIndex());
+  Mark();
 }
 
 /// Position of the character that the compiler could not take, from 0 on; -1 without an error.
@@ -159,17 +164,23 @@ int TMacroEditor::ErrorIndex() const {
   return compiler_.Position() - (movedBack ? 0 : 1);
 }
 
-/// Underlines the character, or the last one if the text is too short; none for -1.
-void TMacroEditor::Mark(int index) {
+/// Underlines the character at the error, the last one of the text if that ends too early, or the
+/// end of the name that is wrong.
+void TMacroEditor::Mark() {
   QList<QTextEdit::ExtraSelection> marks;
-  if (index >= 0) {
-    const int last = std::max(0, text_->document()->characterCount() - 2);
+  if (!compiler_.Ok()) {
+    const QTextDocument& document = *text_->document();
+    const int index = ErrorIndex();
+    const bool behindName = compiler_.ErrorCode() == TMacroCompiler::mcIncorrectVariable ||
+                            (compiler_.ErrorCode() == TMacroCompiler::mcIllegalFunction &&
+                             document.characterAt(index - 1).isUpper());
+    const int last = std::max(0, document.characterCount() - 2);
     QTextEdit::ExtraSelection mark;
-    mark.cursor = QTextCursor(text_->document());
-    mark.cursor.setPosition(std::min(index, last));
+    mark.cursor = text_->textCursor();
+    mark.cursor.setPosition(std::min(behindName ? index - 1 : index, last));
     mark.cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
     mark.format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
-    mark.format.setUnderlineColor(QColor(176, 0, 32));
+    mark.format.setUnderlineColor(kErrorColor);
     mark.format.setBackground(QColor(255, 221, 225));
     marks << mark;
   }
@@ -182,6 +193,12 @@ void TMacroEditor::GoToError() {
   QTextCursor cursor = text_->textCursor();
   cursor.setPosition(std::min(ErrorIndex(), text_->document()->characterCount() - 1));
   text_->setTextCursor(cursor);
+}
+
+/// The view can be moved to the cursor only now.
+void TMacroEditor::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  text_->ensureCursorVisible();
 }
 
 // Buttons

@@ -28,6 +28,9 @@ class TMacroEditor : public QDialog {
   /// The text is to be taken.
   void OnApply(const QString& text);
 
+ protected:
+  void showEvent(QShowEvent* event) override;
+
  private:
   QLayout* MakeText();
   QLayout* MakeLists();
@@ -35,7 +38,7 @@ class TMacroEditor : public QDialog {
   void ListVariables();
   void ListFunctions();
   void Check();
-  void Mark(int index);
+  void Mark();
   int ErrorIndex() const;
   void GoToError();
   void Write(const QListWidgetItem& item);

@@ -32,7 +32,7 @@ std::span<const TMacroName> MacroNames() {
       {u"MAX", Maximum, "the larger of a and b"},
       {u"MIN", Minimum, "the smaller of a and b"},
       {u"RAND", RandomUniform, "random, uniform from a to b"},
-      {u"RNDG", RandomNormal, "random, normal with mean a and deviation b"},
+      {u"RNDG", RandomNormal, "random, normal: mean a, deviation b"},
       {u"EQ", Equal, "1 if a = b, else 0"},
       {u"NEQ", NotEqual, "1 if a and b differ, else 0"},
       {u"GT", Greater, "1 if a > b, else 0"},

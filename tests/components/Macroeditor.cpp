@@ -34,6 +34,11 @@ class MacroEditor : public testing::Test {
   std::string Label(const char* name) {
     return editor->findChild<QLabel*>(name)->text().toStdString();
   }
+  /// What is underlined.
+  std::string Marked() {
+    const auto marks = Text().extraSelections();
+    return marks.size() == 1 ? marks[0].cursor.selectedText().toStdString() : "none";
+  }
   void Push(QDialogButtonBox::StandardButton button) {
     editor->findChild<QDialogButtonBox*>()->button(button)->click();
   }
@@ -59,28 +64,32 @@ TEST_F(MacroEditor, SaysAtOnceWhatIsWrongAndWhatIsTheValue) {
   QTest::keyClicks(&Text(), "+%");
   EXPECT_EQ(Label("Error"), "Illegal character");
   EXPECT_EQ(Label("Value"), "");
-  ASSERT_EQ(Text().extraSelections().size(), 1);
-  EXPECT_EQ(Text().extraSelections()[0].cursor.selectedText(), QStringLiteral("%"));
+  EXPECT_EQ(Marked(), "%");
 }
 
-TEST_F(MacroEditor, PutsTheCursorWhereTheErrorIs) {
+TEST_F(MacroEditor, PutsTheCursorWhereTheErrorIsAndMarksIt) {
   const struct {
     const char* text;
     int cursor;
+    const char* marked;
   } cases[] = {
-      {"1+%2", 2},                                      // before what is illegal
-      {"2 3", 2},                                       // before what is too much
-      {"(1+2", 4},                                      // where the bracket is missing
-      {"1+[Weight]*2", 10},                             // behind the name
-      {"1+LOG(2)", 5},                                  // behind the name
-      {"sin(1)", 0},                                    // where the name should begin
-      {"MAX(1)", 6},        {"1+", 2}, {"[Speed]", 7},  // none: at the end
+      {"1+%2", 2, "%"},     {"2 3", 2, "3"},           {"(1+2", 4, "2"},  // the text ends too early
+      {"1+", 2, "+"},       {"1+[Weight]*2", 10, "]"},                    // behind a wrong name
+      {"1+LOG(2)", 5, "G"}, {"1+sin(1)", 2, "s"},      {"sin(1)", 0, "s"}, {"MAX(1)", 6, ")"},
+      {" ", 1, " "},        {"[Speed]", 7, "none"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     Open(c.text);
     EXPECT_EQ(Text().textCursor().position(), c.cursor);
+    EXPECT_EQ(Marked(), c.marked);
   }
+}
+
+TEST_F(MacroEditor, ShowsAnErrorFarDown) {
+  Open(("1" + QStringLiteral(" + 1").repeated(2000) + '%').toLatin1());
+  editor->show();
+  EXPECT_TRUE(Text().viewport()->rect().intersects(Text().cursorRect()));
 }
 
 TEST_F(MacroEditor, ClosesWithOkOnlyOverATextWithoutErrors) {
