@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QMetaProperty>
 #include <limits>
 
 namespace {
@@ -58,6 +59,20 @@ TEST(TVariable, MakesItsCaptionAnewWhenItsFormIsComplete) {
   variable.setProperty("Caption", "v=99");
   variable.Loaded();
   EXPECT_EQ(variable.GetCaption(), "v=3");
+}
+
+TEST(TVariable, LeavesItsCaptionOutOfForms) {
+  const QMetaObject& meta = TVariable::staticMetaObject;
+  QStringList stored;
+  for (int i = TCustomVariable::staticMetaObject.propertyCount(); i < meta.propertyCount(); ++i) {
+    if (meta.property(i).isStored()) stored << meta.property(i).name();
+  }
+  EXPECT_EQ(stored, QStringList({"ShowValue", "ShowName", "ValueFormat", "Value"}));
+  const QMetaProperty caption = meta.property(meta.indexOfProperty("Caption"));
+  EXPECT_FALSE(caption.isStored());
+  TVariable variable;
+  variable.setObjectName("v");
+  EXPECT_EQ(caption.read(&variable), "v=0");
 }
 
 TEST(TVariable, MayBeDestroyedByWhomItTells) {
