@@ -88,15 +88,13 @@ void TFFTChannel::SetPointCount(int count) {
   const int before = GetPointCount();
   fft_.SetSampleCount(count);
   if (GetPointCount() == before) return;
-  UpdateBins();
-  Reset();
+  StartAnew();
 }
 
 void TFFTChannel::SetSampleRate(double rate) {
   if (!(rate > 0.0) || !std::isfinite(rate) || rate == sampleRate_) return;
   sampleRate_ = rate;
-  UpdateBins();
-  Reset();
+  StartAnew();
 }
 
 /// As many bins as points, each with its frequency.
@@ -108,6 +106,13 @@ void TFFTChannel::UpdateBins() {
     data_.EndUpdate(false);
   }
   for (int i = 0; i < count; ++i) data_.Row(i)[fftFrequency] = i * sampleRate_ / count;
+}
+
+/// A form gives its rows and what they depend on in any order: they are made to fit at the end.
+void TFFTChannel::StartAnew() {
+  if (IsLoading()) return;
+  UpdateBins();
+  Reset();
 }
 
 void TFFTChannel::SetOutput(TFFTOutput output) {

@@ -150,6 +150,7 @@ class TFFTChannel : public TDataControl {
   void UpdateData();
   void Accumulate();
   void UpdateBins();
+  void StartAnew();
   int GraphPointCount() const;
   TCoordinate GraphPoint(int index) const;
 

@@ -477,6 +477,21 @@ TEST(TFFTChannel, ReadsItsSumsAndItsBandFromAForm) {
   EXPECT_EQ(loaded.GetCumulCount(), 2);
 }
 
+TEST(TFFTChannel, LosesNoRowsToSettingsThatAFormGivesLater) {
+  TFixture saved(256);
+  saved.AddSine(2.0, 10.0);
+  const char* names[] = {"PointCount", "SampleRate", "UpperFilter"};
+  for (const bool backwards : {false, true}) {
+    TFFTChannel loaded;
+    loaded.BeginLoading();
+    loaded.GetData()->SetDataValues(saved.channel.GetData()->WriteProperties());
+    if (backwards) std::ranges::reverse(names);
+    for (const char* name : names) loaded.setProperty(name, saved.channel.property(name));
+    loaded.Loaded();
+    EXPECT_TRUE(loaded.GetData()->SameAs(saved.channel.GetData()));
+  }
+}
+
 TEST(TFFTChannel, MendsANonsensicalForm) {
   TFFTChannel channel;
   channel.BeginLoading();
