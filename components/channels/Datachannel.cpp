@@ -81,9 +81,11 @@ void TCustomDataChannel::SetLimitMin(double limit) {
 // Storage
 
 void TCustomDataChannel::SetData(const TFloatList* list) {
-  if (!list || list == &data_) return;
+  if (!list || list == &data_ || data_.SameAs(list)) return;
+  data_.BeginUpdate();
   data_.Assign(list);
   SetDataMaximum();
+  data_.EndUpdate(true);  // Last, for the channel may be destroyed by whom this tells.
 }
 
 void TCustomDataChannel::SetPipeMode(bool pipe) {
@@ -130,8 +132,9 @@ void TCustomDataChannel::CalculateShiftConstant(QObject*) {
     sum += value;
     ++count;
   }
+  if (count == 0) return;
   const double constant = initialValue_ - scaleFactor_ * (sum / count);
-  if (count == 0 || !std::isfinite(constant)) return;
+  if (!std::isfinite(constant)) return;
   for (int row = 0; row < data_.Count(); ++row) {
     double& value = data_.Row(row)[TFloatList::kValue];
     value = raw(value) * scaleFactor_ + constant;
@@ -177,14 +180,17 @@ void TCustomDataChannel::AssignTo(TCustomDataChannel* destination) const {
   if (!destination || destination == this) return;
   destination->SetScaleFactor(scaleFactor_);
   destination->SetShiftConstant(shiftConstant_);
+  destination->SetInterval(GetInterval());
+  destination->SetInitialValue(initialValue_);
+  destination->SetOptions(options_);
+  destination->SetUseTime(useTime_);
   // Both at once: a limit that is set alone may change places with the old other one.
   destination->limitMin_ = limitMin_;
   destination->limitMax_ = limitMax_;
-  destination->SetInitialValue(initialValue_);
-  destination->SetOptions(options_);
-  destination->SetPointCount(pointCount_);
-  destination->SetPipeMode(pipeMode_);
-  destination->SetUseTime(useTime_);
+  // With the rows that they are for, so that there is one change to tell of. That comes last: the
+  // destination may be destroyed by whom it tells.
+  destination->pointCount_ = pointCount_;
+  destination->pipeMode_ = pipeMode_;
   destination->SetData(&data_);
 }
 

@@ -97,8 +97,8 @@ class TCustomDataChannel : public TServerDataControl {
   TClick* GetShiftToInitial() { return &shiftToInitial_; }
   TClick* GetReset() { return &reset_; }
 
-  /// Copies conversion, limits, storage settings and stored values, and not what the channel is
-  /// connected to. Null changes nothing.
+  /// Copies the settings and the stored values, and not what the channel is connected to. Null
+  /// changes nothing.
   virtual void AssignTo(TCustomDataChannel* destination) const;
 
   void Loaded() override;

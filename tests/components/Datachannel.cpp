@@ -350,6 +350,30 @@ TEST(TDataChannel, MayBeDestroyedFromItsOwnNotifications) {
     channel->AddLink(&link, false);
     channel->SetValue(1.0);
   }
+  const std::function<void(TDataChannel&)> ways[] = {
+      [](TDataChannel& channel) {
+        TFloatList rows;
+        rows.Add(1.0);
+        channel.SetData(&rows);
+      },
+      [](TDataChannel& channel) {
+        TDataChannel source;
+        source.SetPointCount(2);
+        source.SetValue(1.0);
+        source.AssignTo(&channel);
+      },
+      [](TDataChannel& channel) { channel.ResetChannel(); },
+      [](TDataChannel& channel) { channel.SetPointCount(3); },
+      [](TDataChannel& channel) { channel.CalculateShiftConstant(); },
+  };
+  for (const auto& change : ways) {
+    auto* channel = new TDataChannel;
+    for (int i = 0; i < 5; ++i) channel->SetValue(i);
+    QPointer<TDataChannel> alive(channel);
+    QObject::connect(channel->GetGraphLink(), &TGraphLink::OnUpdate, [&] { delete channel; });
+    change(*channel);
+    EXPECT_FALSE(alive);
+  }
   auto* sending = new TDataChannel;
   sending->SetValue(1.0);
   TValueLink link([&](double) { delete sending; });
@@ -421,6 +445,19 @@ TEST(TDataChannel, LosesNoRowsToSettingsThatAFormGivesLater) {
   EXPECT_EQ(channel.GetPointCount(), 300);
 }
 
+TEST(TDataChannel, TellsOnceOfRowsItIsGivenAndKeepsItsMaximum) {
+  TDataChannel channel;
+  QSignalSpy redraws(channel.GetGraphLink(), &TGraphLink::OnUpdate);
+  TFloatList rows;
+  for (int i = 0; i < 300; ++i) rows.Add(i);
+  rows.SetMaxCount(300);
+  channel.SetData(&rows);
+  EXPECT_EQ(channel.GetPointCount(), 100);
+  EXPECT_EQ(redraws.count(), 1);
+  channel.SetData(nullptr);
+  EXPECT_EQ(redraws.count(), 1);
+}
+
 TEST(TDataChannel, CopiesItsSettingsAndDataAndNotItsConnections) {
   TDataChannel source;
   TRecorder client;
@@ -429,6 +466,7 @@ TEST(TDataChannel, CopiesItsSettingsAndDataAndNotItsConnections) {
   source.SetLimitMax(-2.0);
   source.SetPipeMode(false);
   source.SetUseTime(true);
+  source.SetInterval(4);
   source.SetTimeAndValue(5.0, 7.0);
   TDataChannel copy;
   copy.SetLimitMax(4.0);
@@ -437,6 +475,8 @@ TEST(TDataChannel, CopiesItsSettingsAndDataAndNotItsConnections) {
   EXPECT_EQ(copy.GetLimitMin(), -2.0);
   EXPECT_EQ(copy.GetLimitMax(), 0.0);
   EXPECT_TRUE(copy.GetUseTime());
+  EXPECT_EQ(copy.GetInterval(), 4);
+  EXPECT_EQ(copy.GetData()->GetMaxCount(), 65536);
   EXPECT_TRUE(copy.GetData()->SameAs(source.GetData()));
   EXPECT_EQ(copy.GetStatistics()->GetSum(), 5.0);
   EXPECT_TRUE(copy.GetClientControls()->Empty());
