@@ -97,6 +97,7 @@ void TStatistics::Update() {
 }
 
 void TStatistics::SetData(const TStatDataList* list) {
+  if (!list || list->Count() == 0) return;
   Settle();
   data_.Assign(list);
   data_.SetMaxCount(1);

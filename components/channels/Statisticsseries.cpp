@@ -43,6 +43,13 @@ bool TStatSeriesStyle::SameAs(const TPersistent* other) const {
 TStatisticsSeries::TStatisticsSeries(QObject* owner)
     : TCustomDataSeries(std::make_unique<TStatSeriesStyle>(this), owner) {}
 
+void TStatisticsSeries::SetStyle(const TStatSeriesStyle* style) {
+  if (!style || GetStyle()->SameAs(style)) return;
+  GetStyle()->BeginUpdate();
+  GetStyle()->Assign(style);
+  GetStyle()->EndUpdate();
+}
+
 void TStatisticsSeries::SetOptions(TStatOptions options) {
   if (options == options_) return;
   options_ = options;
@@ -120,7 +127,8 @@ void TStatisticsSeries::DrawPoint(QPainter& painter, const TStatisticsData& reco
   if (options_ & soShowMean) draw(record.Mean, record.Mean, kMeanReach);
 }
 
-/// The pixels of a bar inside the panel; null if there are none.
+/// The pixels of a bar; null if none lie inside the panel. One that goes on beyond the panel ends
+/// so far outside that its outline does not show there.
 QRect TStatisticsSeries::Bar(double pos, double from, double to, int reach) const {
   if (!std::isfinite(pos) || !std::isfinite(from) || !std::isfinite(to)) return {};
   const bool alongX = GetStyle()->GetBarStyle() == TStatSeriesStyle::bsXBar;
@@ -130,7 +138,8 @@ QRect TStatisticsSeries::Bar(double pos, double from, double to, int reach) cons
   Panel()->LocateValue(axis, start, end);
   QRect bar = QRect::span(axis.p1(), axis.p2());
   bar = alongX ? bar.adjusted(0, -reach, 0, reach) : bar.adjusted(-reach, 0, reach, 0);
-  return bar & Panel()->Rect();
+  const int margin = GetStyle()->GetLineWeight();
+  return bar & Panel()->Rect().adjusted(-margin, -margin, margin, margin);
 }
 
 void TStatisticsSeries::AssignTo(TPersistent* destination) const {

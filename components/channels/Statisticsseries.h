@@ -59,8 +59,8 @@ class TStatisticsSeries : public TCustomDataSeries {
   TProvideStatistics Statistics;
 
   TStatSeriesStyle* GetStyle() const { return static_cast<TStatSeriesStyle*>(BasicStyle()); }
-  /// Copies the style; null changes nothing.
-  void SetStyle(const TStatSeriesStyle* style) { GetStyle()->Assign(style); }
+  /// Copies the style and redraws once; null changes nothing.
+  void SetStyle(const TStatSeriesStyle* style);
   TStatOptions GetOptions() const { return options_; }
   void SetOptions(TStatOptions options);
 

@@ -101,8 +101,12 @@ TEST(TStatistics, KeepsTheLatestSnapshotInItsOneRow) {
   EXPECT_EQ(rows.GetMaxCount(), 100);
   for (int i = 1; i <= 3; ++i) rows.Add({1.0 * i, 0.0, 0.0, 0.0, 0.0});
   statistics.SetData(&rows);
+  EXPECT_EQ(statistics.GetData()->Get(0).Pos, 1.0);
   statistics.Update();
   EXPECT_EQ(statistics.GetData()->Count(), 1);
+  rows.Clear();
+  statistics.SetData(&rows);
+  EXPECT_EQ(statistics.GetData()->Count(), 1) << "there is always a row for the next snapshot";
 }
 
 TEST(TStatistics, CopiesEverythingButTheExtremes) {
@@ -235,6 +239,18 @@ TEST(TStatisticsSeries, DrawsExtremesDeviationAndMeanOverEachOther) {
   EXPECT_EQ(along.pixelColor(60, 119), Qt::black);
 }
 
+TEST(TStatisticsSeries, ABarThatGoesOnBeyondThePanelHasNoEndAtItsEdge) {
+  TSeriesFixture fixture({{5.0, 4.0, 2.0, 1e300, -1.0}});
+  fixture.series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsYBar);
+  fixture.series->GetStyle()->SetLineWeight(3);
+  fixture.series->SetOptions(TStatisticsSeries::soShowMinMax);
+  const QImage picture = fixture.Picture();
+  for (const int edge : {TPanelFixture::kRect.top(), TPanelFixture::kRect.bottom()}) {
+    EXPECT_EQ(picture.pixelColor(70, edge), Qt::yellow) << edge;
+    EXPECT_EQ(picture.pixelColor(67, edge), Qt::black) << edge;
+  }
+}
+
 TEST(TStatisticsSeries, CoversWhatItDraws) {
   using TSeries = TStatisticsSeries;
   const TStatisticsData wide{7.0, 5.0, 6.0, 8.0, 3.0};
@@ -278,10 +294,13 @@ TEST(TStatisticsSeries, RedrawsForEachChangeAndIsKeptByForms) {
   style.SetBarStyle(TStatSeriesStyle::bsYBar);
   fixture.series->SetStyle(&style);
   EXPECT_TRUE(fixture.series->GetStyle()->SameAs(&style));
-  EXPECT_EQ(redraws.count(), 3);
+  EXPECT_EQ(redraws.count(), 1);
+  fixture.series->SetStyle(&style);
+  fixture.series->SetStyle(nullptr);
+  EXPECT_EQ(redraws.count(), 1);
   fixture.series->SetOptions(TStatisticsSeries::soShowMean);
   fixture.series->SetOptions(TStatisticsSeries::soShowMean);
-  EXPECT_EQ(redraws.count(), 4);
+  EXPECT_EQ(redraws.count(), 2);
 
   TSeriesList copy;
   ASSERT_TRUE(copy.ReadProperties(fixture.panel.GetSeriesList().WriteProperties()));
