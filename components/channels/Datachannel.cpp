@@ -210,14 +210,7 @@ TDataChannel::TDataChannel(QWidget* parent) : TCustomDataChannel(parent) {
     Compute(dropped_, std::min(kept, GetPointCount()));
     statistics_.Update();
   };
-  auto series = std::make_unique<TStatisticsSeries>();
-  series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsYBar);
-  series->GetStyle()->SetLineColor(TColor::Black());
-  series->GetStyle()->SetFillColor(TColor::Yellow());
-  series->Statistics = [this](int& index, TStatisticsData& record) {
-    return statistics_.ProvideGraphData(index, record);
-  };
-  series_ = GetGraphLink()->AddSeries(std::move(series));
+  series_ = AddStatisticsSeries(*GetGraphLink(), statistics_, TStatSeriesStyle::bsYBar);
   connect(GetGraphLink(), &TGraphLink::OnUpdate, this, &TDataChannel::UpdateStatistics);
 }
 

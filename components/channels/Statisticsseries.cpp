@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <cmath>
 
+#include "components/links/Linkclasses.h"
+
 namespace {
 
 const bool kRegistered = [] {
@@ -146,4 +148,16 @@ void TStatisticsSeries::AssignTo(TPersistent* destination) const {
   auto* series = qobject_cast<TStatisticsSeries*>(destination);
   if (series && series != this) series->Statistics = Statistics;
   TCustomDataSeries::AssignTo(destination);
+}
+
+TStatisticsSeries* AddStatisticsSeries(TCustomGraphLink& link, const TStatistics& statistics,
+                                       TStatSeriesStyle::TStatBarStyle barStyle) {
+  auto series = std::make_unique<TStatisticsSeries>();
+  series->GetStyle()->SetBarStyle(barStyle);
+  series->GetStyle()->SetLineColor(TColor::Black());
+  series->GetStyle()->SetFillColor(TColor::Yellow());
+  series->Statistics = [&statistics](int& index, TStatisticsData& record) {
+    return statistics.ProvideGraphData(index, record);
+  };
+  return link.AddSeries(std::move(series));
 }

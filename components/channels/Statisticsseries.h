@@ -3,6 +3,8 @@
 #include "components/channels/Statistics.h"
 #include "components/graphing/Gseries.h"
 
+class TCustomGraphLink;
+
 /// Style of a series of statistics.
 class TStatSeriesStyle : public TBasicSeriesStyle {
   Q_OBJECT
@@ -82,3 +84,8 @@ class TStatisticsSeries : public TCustomDataSeries {
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TStatisticsSeries::TStatOptions)
+
+/// Gives a link, which owns it, a series of statistics in black and yellow. The statistics are not
+/// owned: whoever destroys them first takes the source away from the series.
+TStatisticsSeries* AddStatisticsSeries(TCustomGraphLink& link, const TStatistics& statistics,
+                                       TStatSeriesStyle::TStatBarStyle barStyle);

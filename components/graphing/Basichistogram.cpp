@@ -144,14 +144,7 @@ TOccurrenceHistogram::TOccurrenceHistogram(QWidget* parent) : TBasicHistogram(pa
     ComputeStatistics();
     statistics_.Update();
   };
-  statisticsSeries_ = GetGraphLink()->AddSeries(std::make_unique<TStatisticsSeries>());
-  TStatSeriesStyle& style = *statisticsSeries_->GetStyle();
-  style.SetBarStyle(TStatSeriesStyle::bsXBar);
-  style.SetLineColor(TColor::Black());
-  style.SetFillColor(TColor::Yellow());
-  statisticsSeries_->Statistics = [this](int& index, TStatisticsData& record) {
-    return statistics_.ProvideGraphData(index, record);
-  };
+  statisticsSeries_ = AddStatisticsSeries(*GetGraphLink(), statistics_, TStatSeriesStyle::bsXBar);
   connect(GetGraphLink(), &TGraphLink::OnUpdate, this, &TOccurrenceHistogram::UpdateStatistics);
 }
 
