@@ -11,7 +11,6 @@
 
 #include "components/graphing/Bineditor.h"
 #include "components/graphing/Graph.h"
-#include "tests/support/Testsupport.h"
 
 namespace {
 

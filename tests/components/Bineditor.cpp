@@ -14,7 +14,6 @@
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
 #include "tests/components/Panelfixture.h"
-#include "tests/support/Testsupport.h"
 
 namespace {
 

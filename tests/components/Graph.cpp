@@ -14,7 +14,6 @@
 #include <limits>
 #include <random>
 
-#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -468,9 +467,6 @@ TEST(Graph, DrawsWhateverItsSeriesHoldAtAnySize) {
 
 TEST(Graph, TakesAnOpenEditorAlongWhenItGoes) {
   for (const bool ofAxis : {true, false}) {
-    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
-      ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
-    }
     auto graph = std::make_unique<TKorvalGraph>();
     graph->resize(300, 200);
     graph->show();

@@ -15,7 +15,6 @@
 
 #include "components/graphing/Graph.h"
 #include "components/graphing/Pickers.h"
-#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -98,9 +97,6 @@ TEST_F(SeriesEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
 }
 
 TEST_F(SeriesEditor, CancelDropsATextThatIsBeingTyped) {
-  if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
-    ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
-  }
   editor->show();
   editor->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(editor.get()));
@@ -133,9 +129,6 @@ TEST(SeriesList, ADoubleClickOnThePlotOpensTheEditorOfTheGraph) {
   graph.resize(300, 200);
   TSeries* series = graph.GetDataPanel()->AddSeries(std::make_unique<TSeries>());
   graph.show();
-  if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
-    ExpectQtWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
-  }
   bool seen = false;
   QTimer::singleShot(0, [&] {
     auto* editor = qobject_cast<TSeriesEditor*>(QApplication::activeModalWidget());
