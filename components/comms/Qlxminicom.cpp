@@ -198,3 +198,10 @@ void TQLXMiniCom::ShowState() {
                                                     : port_->GetErrorText());
   }
 }
+
+TQLXMiniCom* ShowMiniCom(TQLXPort& port, QWidget* parent) {
+  auto* console = new TQLXMiniCom(port, parent);
+  console->setAttribute(Qt::WA_DeleteOnClose);
+  console->show();
+  return console;
+}

@@ -68,3 +68,6 @@ class TQLXMiniCom : public QDialog {
   QPushButton* send_;
   QLabel* state_;
 };
+
+/// Shows a console on a port that stays beside the other windows until the user closes it.
+TQLXMiniCom* ShowMiniCom(TQLXPort& port, QWidget* parent = nullptr);
