@@ -142,7 +142,7 @@ void TStatHistory::UpdateStatistics(const TStatSet& block) {
   sum.Merge(block);
   if (!IsHistoryTime(block.Time) || !IsFinite(sum)) return;
   if (!IsStarted()) ResetTime(block.Time);
-  if (block.Time < start_) {
+  if (block.Time < current_.Time) {
     Restart(block.Time);
     sum = current_;
     sum.Merge(block);
@@ -189,7 +189,7 @@ void TStatHistory::Restart(double time) {
 }
 
 void TStatHistory::AddToHistory(const TStatSet& record) {
-  if (next_ && next_->IsStarted() && record.Time < next_->start_) {
+  if (next_ && Count() > 0 && record.Time < Get(0).Time) {
     next_->Gather(*this);
     next_->Restart(record.Time);
   }

@@ -101,8 +101,9 @@ enum TStatStatus : quint8 { ssNone, ssNormal, ssWarning, ssAlarm };
 /// all through a chain, what went in is what the last history has collected plus what the shorter
 /// ones have not passed on yet.
 ///
-/// A clock that is set back, as every autumn, closes the present interval where it stands and
-/// begins one at the new time; nothing is lost or counted twice.
+/// A clock that is set back, as every autumn, ends the present interval where it stands and begins
+/// one at the new time, here and in each longer history whose records are shorter than the jump.
+/// Nothing is lost or counted twice.
 ///
 /// No locking: TChannelStatistics does that.
 class TStatHistory {

@@ -185,7 +185,8 @@ bool TChannelStatistics::ReadBinaryData(const QByteArray& data, QString* error) 
   quint32 magic = 0;
   qint32 count = 0;
   stream >> magic >> count;
-  if (magic != kMagic || count < 0 || count > kStatIntervals) {
+  if (stream.status() != QDataStream::Ok || magic != kMagic || count < 1 ||
+      count > kStatIntervals) {
     return Refuse(error, QStringLiteral("These are no stored histories"));
   }
   THistories read;
@@ -222,8 +223,8 @@ QString TChannelStatistics::WriteData() const {
 
 bool TChannelStatistics::ReadData(const QString& text, QString* error) {
   const QStringList lines = text.split('\n');
-  const int count = lines[0].startsWith(kHeader) ? lines[0].mid(kHeader.size()).toInt() : -1;
-  if (count < 0 || count > kStatIntervals) {
+  const int count = lines[0].startsWith(kHeader) ? lines[0].mid(kHeader.size()).toInt() : 0;
+  if (count < 1 || count > kStatIntervals) {
     return Refuse(error, QStringLiteral("These are no stored histories"));
   }
   THistories read;

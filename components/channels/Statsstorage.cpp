@@ -193,10 +193,15 @@ bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
   QByteArray& last = headers_[fileName];
   if (size == 0 || last != header) text += header;
   text += line;
-  if (file.write(text) != text.size()) {
-    reason = file.errorString();
-    file.resize(size);
-    return false;
+  qint64 written = 0;
+  while (written < text.size()) {
+    const qint64 more = file.write(text.constData() + written, text.size() - written);
+    if (more <= 0) {
+      reason = file.errorString();
+      file.resize(size);
+      return false;
+    }
+    written += more;
   }
   last = header;
   return true;

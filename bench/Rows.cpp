@@ -1,0 +1,77 @@
+// Rows of 16 channels into a channel set, with block statistics and six histories per channel: how
+// many per second, and whether the road of a row takes memory.
+
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+#include <new>
+#include <numbers>
+
+#include "bench/Bench.h"
+#include "components/channels/Channelset.h"
+
+namespace {
+
+std::atomic<long> allocations = 0;
+
+constexpr int kChannels = 16;
+constexpr double kRate = 800.0;  // rows per second of the device
+constexpr double kSecondsPerDay = 86400.0;
+
+/// Time and values of rows one after the other.
+class TRows {
+ public:
+  const double* Next() {
+    row_[0] = 45000.0 + static_cast<double>(count_) / kRate / kSecondsPerDay;
+    for (int i = 1; i <= kChannels; ++i) row_[i] = static_cast<double>((count_ * i) & 255);
+    ++count_;
+    return row_;
+  }
+
+ private:
+  double row_[kChannels + 1] = {};
+  long count_ = 0;
+};
+
+void Measure(TBench& bench, int rowsPerBlock, long rows) {
+  TChannelSet set;
+  set.SetCount(kChannels);
+  set.SetRows(rowsPerBlock);
+  TRows source;
+  const auto run = [&](long count) {
+    for (long i = 0; i < count; ++i) set.SetRow(source.Next(), 0, kChannels + 1);
+  };
+  run(100 * 800);  // the histories of the first minutes have their memory
+  const long before = allocations;
+  const double seconds = bench.Seconds(5, [&] { run(rows); });
+  const long taken = allocations - before;
+  const std::string what = std::to_string(rowsPerBlock) + " rows per block: ";
+  bench.Row(what + "rows", rows / seconds * 1e-6, "million/s");
+  bench.Row(what + "memory taken per million rows",
+            static_cast<double>(taken) / (bench.Quick() ? 1.0 : 5.0) / rows * 1e6, "times");
+  // The first blocks of a new hour or day may take memory for its history; rows take none.
+  bench.Check(taken <= kChannels * 6, "rows take memory");
+
+  const TChannelStatistics* stats = set.GetChannels()->GetItem(kChannels - 1)->GetStats();
+  bench.Check(stats->Get(0)->Count() == 60 && stats->Get(0)->GetMax() <= 255.0,
+              "the seconds are not those of the rows");
+  bench.Check(std::abs(stats->Get(0)->Get(0).Count - kRate) <= rowsPerBlock,
+              "a second has not the rows of a second");
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* memory = std::malloc(size)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+int main(int argc, char** argv) {
+  TBench bench(argc, argv);
+  const long rows = bench.Quick() ? 100'000 : 2'000'000;
+  for (const int rowsPerBlock : {1, 10, 100}) Measure(bench, rowsPerBlock, rows);
+  return bench.Result();
+}

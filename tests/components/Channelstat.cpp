@@ -1,0 +1,442 @@
+#include "components/channels/Channelstat.h"
+
+#include <gtest/gtest.h>
+
+#include <QLocale>
+#include <clocale>
+#include <cmath>
+#include <random>
+
+#include "components/channels/Matrix.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kHour = 1.0 / 24.0;
+
+double Day(int year, int month, int day) {
+  return static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(year, month, day)));
+}
+
+TStatSet Block(double time, double value, double count = 1.0) {
+  return {.Count = count,
+          .Sum = count * value,
+          .SqSum = count * value * value,
+          .Max = value,
+          .Min = value,
+          .Time = time};
+}
+
+void Add(TChannelStatistics& statistics, const TStatSet& block) {
+  TMatrix matrix;
+  ASSERT_TRUE(matrix.Resize(5, 2));
+  const double values[] = {block.Count, block.Sum, block.SqSum, block.Max, block.Min};
+  for (int row = 0; row < 5; ++row) matrix.At(row, 1) = values[row];
+  statistics.UpdateStatistics(1, matrix, block.Time);
+}
+
+/// All that a chain holds: what the last history has collected and what the others still have to
+/// pass on.
+TStatSet Held(const TChannelStatistics& statistics) {
+  TStatSet held;
+  for (int i = 0; i < statistics.Count(); ++i) {
+    const TStatHistory* history = statistics.Get(i);
+    held.Merge(history->Current());
+    held.Merge(history->MadeRoom());
+    const int count = history->Next() ? history->Pending() : history->Count();
+    for (int k = 0; k < count; ++k) held.Merge(history->Get(k));
+  }
+  return held;
+}
+
+TEST(TStatHistory, HasALengthAndATextForEachInterval) {
+  const struct {
+    TStatInterval interval;
+    int length;
+    const char* text;
+  } cases[] = {{si1_Second, 60, "Last minute"}, {si1_Minute, 60, "Last hour"},
+               {si1_Hour, 24, "Last 24 hours"}, {si1_Day, 30, "Last month"},
+               {si1_Month, 12, "Last year"},    {si1_Year, 200, "All years"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(TStatHistory(c.interval).MaxCount(), c.length);
+    EXPECT_EQ(TChannelStatistics::GetIntervalText(c.interval), c.text);
+  }
+  EXPECT_EQ(TStatHistory(static_cast<TStatInterval>(3)).MaxCount(), 60);
+}
+
+TEST(TStatHistory, CompletesARecordWithTheBlockThatReachesItsEnd) {
+  TStatHistory history(si1_Second);
+  const double start = Day(2024, 5, 1) + 0.25 * kSecond;
+  history.UpdateStatistics(Block(start, 2.0));
+  history.UpdateStatistics(Block(start + 0.5 * kSecond, 4.0));
+  EXPECT_EQ(history.Count(), 0);
+  EXPECT_EQ(history.Current().Count, 2.0);
+  history.UpdateStatistics(Block(start + 1.1 * kSecond, 9.0));
+  ASSERT_EQ(history.Count(), 1);
+  const TStatSet& record = history.Get(0);
+  EXPECT_EQ(record.Count, 3.0);
+  EXPECT_EQ(record.Mean, 5.0);
+  EXPECT_DOUBLE_EQ(record.StDev, std::sqrt(13.0));
+  EXPECT_EQ(record.Max, 9.0);
+  EXPECT_EQ(record.Min, 2.0);
+  EXPECT_EQ(record.Time, start + 1.1 * kSecond);
+  EXPECT_EQ(history.Current().Count, 0.0);
+  EXPECT_EQ(history.Current().Mean, 5.0);  // a display shows the last completed one
+  EXPECT_EQ(history.StartTime(), record.Time);
+  EXPECT_EQ(history.StartText(), "00:00:00");
+
+  history.UpdateStatistics(Block(record.Time + 0.1 * kSecond, -1.0, 0.0));
+  history.UpdateStatistics(Block(record.Time + 0.2 * kSecond, 7.0));
+  EXPECT_EQ(history.Current().Max, 7.0);
+  EXPECT_EQ(history.Current().Min, 7.0);
+}
+
+TEST(TStatHistory, SixtyOneSecondsKeepSixtyAndReachTheMinutes) {
+  TChannelStatistics statistics;
+  const double start = Day(2024, 5, 1);
+  for (int i = 0; i <= 61; ++i) Add(statistics, Block(start + i * 1.0001 * kSecond, i));
+  const TStatHistory* seconds = statistics.Get(0);
+  EXPECT_EQ(seconds->Count(), 60);
+  EXPECT_EQ(seconds->Get(0).Max, 61.0);
+  EXPECT_EQ(seconds->Get(59).Max, 2.0);
+  const TStatHistory* minutes = statistics.Get(1);
+  ASSERT_EQ(minutes->Count(), 1);
+  EXPECT_EQ(minutes->Get(0).Count, 61.0);  // blocks 0 to 60, the last of which passed the minute
+  EXPECT_EQ(minutes->Get(0).Max, 60.0);
+  EXPECT_EQ(minutes->Get(0).Min, 0.0);
+}
+
+TEST(TStatHistory, MonthsAreThoseOfTheCalendar) {
+  TChannelStatistics statistics;
+  statistics.SetIntervals(si1_Day, si1_Year);
+  const double start = Day(2024, 1, 1);
+  const int days = 366 + 365;
+  for (int hour = 1; hour <= days * 24; ++hour) Add(statistics, Block(start + hour * kHour, hour));
+  const TStatHistory* months = statistics.Get(1);
+  ASSERT_EQ(months->Count(), 12);
+  const double hours[] = {744, 720, 744, 720, 744, 744, 720, 744, 720, 744, 672, 744};  // back
+  for (int i = 0; i < 12; ++i) EXPECT_EQ(months->Get(i).Count, hours[i]) << i;
+  const TStatHistory* years = statistics.Get(2);
+  ASSERT_EQ(years->Count(), 2);
+  EXPECT_EQ(years->Get(1).Count, 8784.0);
+  EXPECT_EQ(years->Get(0).Count, 8760.0);
+  EXPECT_EQ(years->Get(0).Min, 8785.0);
+}
+
+TEST(TStatHistory, EndsOfIntervalsLieBehindEveryTime) {
+  const struct {
+    TStatInterval interval;
+    double time, end;
+  } cases[] = {{si1_Minute, Day(2024, 5, 1) + 90.5 * kSecond, Day(2024, 5, 1) + 120 * kSecond},
+               {si1_Hour, Day(2024, 5, 1), Day(2024, 5, 1) + kHour},
+               {si1_Day, Day(2024, 3, 31) + 0.1, Day(2024, 4, 1)},  // 23 hours in Europe
+               {si1_Day, Day(2024, 10, 27), Day(2024, 10, 28)},     // 25
+               {si1_Month, Day(2024, 12, 31) + 0.9, Day(2025, 1, 1)},
+               {si1_Month, Day(2024, 2, 1), Day(2024, 3, 1)},
+               {si1_Year, Day(2023, 7, 1), Day(2024, 1, 1)},
+               {si1_Day, -0.5, 0.0}};
+  for (const auto& c : cases) {
+    const double end =
+        c.interval < si1_Day ? GetEndTime(c.interval, c.time) : GetEndDate(c.interval, c.time);
+    EXPECT_DOUBLE_EQ(end, c.end);
+  }
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> day(-693593.0, 2958465.0);
+  for (int i = 0; i < 20000; ++i) {
+    const double time = i % 2 ? day(random) : std::floor(day(random) * 1440.0) / 1440.0;
+    for (const auto interval : {si1_Second, si1_Minute, si1_Hour}) {
+      ASSERT_GT(GetEndTime(interval, time), time);
+    }
+    for (const auto interval : {si1_Day, si1_Month, si1_Year}) {
+      ASSERT_GT(GetEndDate(interval, time), time);
+    }
+  }
+}
+
+/// Ten years of blocks at irregular times: pauses, and a clock that is set an hour on in March and
+/// an hour back in October.
+TEST(TChannelStatistics, TenYearsLoseNothingAndCountNothingTwice) {
+  std::mt19937 random(4);
+  std::uniform_int_distribution<int> value(-50, 50);
+  std::uniform_real_distribution<double> pause(0.0, 1.0);
+  TChannelStatistics statistics;
+  TStatSet given;
+  double shift = 0.0;
+  for (double time = Day(2015, 1, 1), step = 0.2; time < Day(2025, 1, 1);) {
+    const QDate date = QDate(1899, 12, 30).addDays(static_cast<qint64>(time));
+    shift = date.month() > 3 && date.month() < 11 ? kHour : 0.0;
+    const TStatSet block = Block(time + shift, value(random), 1 + value(random) % 2);
+    Add(statistics, block);
+    given.Merge(block);
+    if (pause(random) < 0.0005) step = std::exp(12.0 * pause(random) - 1.0);  // to 16 hours
+    time += step * pause(random) * kSecond;
+    if (step > 3000.0 && pause(random) < 0.2) step = 0.2;
+    if (pause(random) < 0.0001) {
+      const TStatSet held = Held(statistics);
+      ASSERT_EQ(held.Count, given.Count) << date.toString(Qt::ISODate).toStdString();
+      ASSERT_EQ(held.Sum, given.Sum);
+      ASSERT_EQ(held.SqSum, given.SqSum);
+      ASSERT_EQ(held.Max, given.Max);
+      ASSERT_EQ(held.Min, given.Min);
+    }
+  }
+  EXPECT_GE(statistics.Get(5)->Count(), 9);
+  EXPECT_EQ(Held(statistics).Count, given.Count);
+}
+
+TEST(TChannelStatistics, AClockSetBackBeginsANewInterval) {
+  TChannelStatistics statistics;
+  const double two = Day(2024, 10, 27) + 2 * kHour;
+  for (int i = 0; i < 7200; ++i) {  // the hour from two to three comes twice
+    Add(statistics, Block(two + (i % 3600 + 0.5) * kSecond, 1.0));
+  }
+  EXPECT_EQ(Held(statistics).Count, 7200.0);
+  const TStatHistory* minutes = statistics.Get(1);
+  EXPECT_EQ(minutes->Count(), 60);
+  EXPECT_NEAR(minutes->Get(0).Count, 60.0, 1.0);
+  ASSERT_EQ(statistics.Get(2)->Count(), 1);  // the first of the two hours
+  EXPECT_NEAR(statistics.Get(2)->Get(0).Count, 3600.0, 60.0);
+}
+
+TEST(TChannelStatistics, LeaveOutWhatCannotBeCounted) {
+  TChannelStatistics statistics;
+  const double nan = std::nan("");
+  const double inf = HUGE_VAL;
+  Add(statistics, Block(45000.0, 1.0));
+  for (const double time : {nan, inf, -inf, 1e300, -1e7, 3e6}) Add(statistics, Block(time, 1.0));
+  for (const double value : {nan, inf, -inf, 1e200}) Add(statistics, Block(45000.0, value));
+  EXPECT_EQ(Held(statistics), [] {
+    TStatSet one = Block(45000.0, 1.0);
+    one.Time = 0.0;
+    return one;
+  }());
+  TMatrix small;
+  ASSERT_TRUE(small.Resize(4, 2));
+  statistics.UpdateStatistics(1, small, 45000.0);
+  ASSERT_TRUE(small.Resize(5, 2));
+  statistics.UpdateStatistics(7, small, 45000.0);
+  statistics.UpdateStatistics(-1, small, 45000.0);
+  EXPECT_EQ(Held(statistics).Count, 1.0);
+}
+
+TEST(TChannelStatistics, IntervalsBuildTheChain) {
+  TChannelStatistics statistics;
+  ASSERT_EQ(statistics.Count(), 6);
+  Add(statistics, Block(45000.0, 1.0));
+  statistics.SetMaxInterval(si1_Hour);
+  EXPECT_EQ(statistics.Count(), 3);
+  EXPECT_EQ(statistics.Get(2)->Next(), nullptr);
+  EXPECT_EQ(statistics.Get(0)->Current().Count, 1.0);  // stays
+  statistics.SetMinInterval(si1_Day);
+  EXPECT_EQ(statistics.GetSelIntervals(), TStatIntervals(si1_Day));
+  statistics.SetSelIntervals({});
+  statistics.SetSelIntervals(TStatIntervals(64));
+  statistics.SetIntervals(si1_Year, si1_Day);
+  EXPECT_EQ(statistics.GetSelIntervals(), TStatIntervals(si1_Day));
+  statistics.SetSelIntervals(si1_Second | si1_Hour);
+  ASSERT_EQ(statistics.Count(), 2);
+  EXPECT_EQ(statistics.Get(0)->Next(), statistics.Get(1));
+  EXPECT_EQ(statistics.GetMinInterval(), si1_Second);
+  EXPECT_EQ(statistics.GetMaxInterval(), si1_Hour);
+}
+
+TEST(TStatHistory, StatusHasAWarningAndHysteresis) {
+  TLimits limits{
+      .Max = 100.0, .Min = -100.0, .WarningLevel = 10.0, .CheckMax = true, .CheckMin = false};
+  TStatHistory history(si1_Second, &limits);
+  EXPECT_EQ(history.GetStatus(), ssNone);
+  const struct {
+    double value;
+    TStatStatus status;
+  } cases[] = {{50, ssNormal},  {90, ssNormal},   {91, ssWarning}, {86, ssWarning},
+               {84, ssNormal},  {100, ssWarning}, {101, ssAlarm},  {96, ssAlarm},
+               {94, ssWarning}, {101, ssAlarm},   {20, ssNormal},  {-500, ssNormal}};
+  double time = 45000.0;
+  for (const auto& c : cases) {
+    history.AddToHistory(Block(time += kSecond, c.value));
+    history.CheckStatus();
+    EXPECT_EQ(history.GetStatus(), c.status) << c.value;
+  }
+  limits = {.Max = 0.0, .Min = -100.0, .WarningLevel = 0.0, .CheckMax = false, .CheckMin = true};
+  const struct {
+    double value;
+    TStatStatus status;
+  } lower[] = {{-100, ssNormal}, {-101, ssAlarm}, {-100, ssNormal}, {900, ssNormal}};
+  for (const auto& c : lower) {
+    history.AddToHistory(Block(time += kSecond, c.value));
+    history.CheckStatus();
+    EXPECT_EQ(history.GetStatus(), c.status) << c.value;
+  }
+}
+
+TEST(TChannelStatistics, AGraphShowsTheHistoryAndValueOfTheOptions) {
+  TChannelStatistics statistics;
+  for (int i = 0; i < 5; ++i) Add(statistics, Block(45000.0 + 1.5 * i * kSecond, i));
+  TStatisticsOptions options;
+  EXPECT_EQ(options.GetDescription(), "Last minute: Mean");
+  options.SetValueType(svMax);
+  EXPECT_EQ(options.GetDescription(), "Last minute: Max");
+  int index = 0;
+  TCoordinate point;
+  TCoordinate extent;
+  std::vector<TCoordinate> points;
+  while (statistics.ProvideGraphData(options, index, point, extent)) points.push_back(point);
+  ASSERT_EQ(points.size(), 4u);
+  EXPECT_EQ(points[0], (TCoordinate{45000.0 + 6.0 * kSecond, 4.0}));
+  EXPECT_EQ(points[3].Y, 1.0);
+  TCoordinate block[3];
+  EXPECT_EQ(statistics.ProvideGraphBlock(options, 2, block), 2);
+  EXPECT_EQ(block[1], points[3]);
+  EXPECT_EQ(statistics.ProvideGraphBlock(options, -5, block), 0);
+  EXPECT_EQ(statistics.ProvideGraphBlock(options, INT_MAX, block), 0);
+  EXPECT_EQ(statistics.Get(0)->GetMax(), 4.0);
+  EXPECT_EQ(statistics.Get(0)->GetMin(), 0.0);
+  options.SetSelInterval(si1_Day);
+  index = 0;
+  EXPECT_FALSE(statistics.ProvideGraphData(options, index, point, extent));
+}
+
+// Stored forms
+
+/// Months of half-hourly blocks, so that every history holds something.
+void Fill(TChannelStatistics& statistics) {
+  for (int i = 0; i < 4000; ++i) {
+    Add(statistics, Block(Day(2023, 12, 1) + i * kHour / 2, std::sin(i) * 1e3, 10.0));
+  }
+  for (int i = 0; i < 1000; ++i) {
+    Add(statistics, Block(Day(2024, 3, 1) + i * 0.4 * kSecond, std::cos(i), 10.0));
+  }
+}
+
+bool SameHistories(const TChannelStatistics& a, const TChannelStatistics& b) {
+  bool same = a.Count() == b.Count();
+  for (int i = 0; same && i < a.Count(); ++i) same = *a.Get(i) == *b.Get(i);
+  return same;
+}
+
+TEST(TStatHistory, HasABinaryFormOfFixedLayout) {
+  TStatHistory history(si1_Minute);
+  history.UpdateStatistics(Block(45000.0, 3.0, 2.0));
+  history.UpdateStatistics(Block(45000.5, 5.0, 2.0));
+  QByteArray data;
+  QDataStream stream(&data, QIODevice::WriteOnly);
+  stream.setByteOrder(QDataStream::LittleEndian);
+  history.WriteProperties(stream);
+  ASSERT_EQ(data.size(), 8 + 8 + 64 + 4 + 64);
+  const auto number = [&](qsizetype at) {
+    double value = 0.0;
+    std::memcpy(&value, data.constData() + at, sizeof value);  // on a little endian machine
+    return value;
+  };
+  EXPECT_EQ(number(0), 45000.5);                 // start
+  EXPECT_EQ(number(8), 45000.5 + 1.0 / 1440.0);  // end
+  EXPECT_EQ(number(16), 0.0);                    // current count
+  EXPECT_EQ(number(16 + 56), 45000.5);           // current time
+  EXPECT_EQ(data.mid(80, 4), QByteArray("\1\0\0\0", 4));
+  const double record[] = {4.0, 16.0, 68.0, 5.0, 3.0, 4.0, std::sqrt(4.0 / 3.0), 45000.5};
+  for (int i = 0; i < 8; ++i) EXPECT_DOUBLE_EQ(number(84 + 8 * i), record[i]) << i;
+}
+
+TEST(TStatHistory, HasATextFormWithFullStops) {
+  const QLocale before;
+  QLocale::setDefault(QLocale::German);
+  const std::string locale = std::setlocale(LC_NUMERIC, nullptr);
+  std::setlocale(LC_NUMERIC, "de_DE.UTF-8");  // where the machine has it
+  TStatHistory history(si1_Minute);
+  history.UpdateStatistics(Block(45000.0, 3.0, 2.0));
+  history.UpdateStatistics(Block(45000.5, 5.0, 2.0));
+  const QStringList lines = history.WritePropertiesAsText();
+  const char* const record =
+      "45000.50000000 4.00000E+00 5.00000E+00 3.00000E+00 1.15470E+00 4 1.600000E+01 6.800000E+01";
+  ASSERT_EQ(lines.size(), 4);
+  EXPECT_EQ(lines[0], "StartTime: 45000.50000000 EndTime: 45000.50069444 ItemCount: 1");
+  EXPECT_EQ(lines[1], "ItemID si1_Minute");
+  EXPECT_EQ(lines[2],
+            "Last: 45000.50000000 4.00000E+00 5.00000E+00 3.00000E+00 1.15470E+00 0 0.000000E+00 "
+            "0.000000E+00");
+  EXPECT_EQ(lines[3], record);
+  EXPECT_EQ(TStatSet::GetStatSetHeader(), "Time Mean Max Min StDev Count Sum Sum2");
+  TStatSet read;
+  EXPECT_TRUE(read.ScanFromText(lines[3]));
+  EXPECT_EQ(read.GetAsText(), record);
+  EXPECT_TRUE(read.ScanFromText(QStringLiteral("Last: ") + record));
+  std::setlocale(LC_NUMERIC, locale.c_str());
+  QLocale::setDefault(before);
+}
+
+TEST(TChannelStatistics, BothFormsReadBackEqual) {
+  TChannelStatistics statistics;
+  Fill(statistics);
+  for (int i = 0; i < 5; ++i) ASSERT_GT(statistics.Get(i)->Count(), 0) << i;
+  TChannelStatistics binary;
+  ASSERT_TRUE(binary.ReadHistories(statistics.WriteHistories()));
+  EXPECT_TRUE(SameHistories(binary, statistics));
+  // And go on as if nothing had happened.
+  for (auto* chain : {&binary, &statistics}) {
+    for (int i = 0; i < 2000; ++i) Add(*chain, Block(Day(2024, 3, 2) + i * kHour, i));
+  }
+  EXPECT_TRUE(SameHistories(binary, statistics));
+
+  statistics.SetStoreDataAsText(true);
+  TChannelStatistics text;
+  text.SetStoreDataAsText(true);
+  ASSERT_TRUE(text.ReadHistories(statistics.WriteHistories()));
+  EXPECT_EQ(text.WriteHistories(), statistics.WriteHistories());
+  EXPECT_EQ(text.Get(0)->Count(), statistics.Get(0)->Count());
+  EXPECT_NEAR(Held(text).Sum / Held(statistics).Sum, 1.0, 1e-5);
+}
+
+TEST(TChannelStatistics, RefuseDamagedFormsAndKeepWhatTheyHave) {
+  TChannelStatistics source;
+  Fill(source);
+  const QByteArray data = source.WriteBinaryData();
+  const QString text = source.WriteData();
+  TChannelStatistics statistics;
+  Add(statistics, Block(45000.0, 1.0));
+  const QByteArray kept = statistics.WriteBinaryData();
+  QString error;
+  for (qsizetype length = 0; length < data.size(); ++length) {
+    ASSERT_FALSE(statistics.ReadBinaryData(data.left(length), &error)) << length;
+    ASSERT_FALSE(error.isEmpty());
+  }
+  EXPECT_FALSE(statistics.ReadBinaryData(data + 'x', &error));
+  EXPECT_EQ(error, "Something stands behind the histories");
+  for (qsizetype length = 0; length < text.size(); length += 7) {
+    // Cut within its last number a text may still be whole.
+    if (length > text.lastIndexOf('.')) continue;
+    ASSERT_FALSE(statistics.ReadData(text.left(length), &error)) << length;
+  }
+  // The number of records, a time and a sum of the first history.
+  const struct {
+    qsizetype at;
+    QByteArray bytes;
+  } patches[] = {{80 + 80, QByteArray::fromHex("00000080")},
+                 {80 + 80, QByteArray::fromHex("ffffff7f")},
+                 {80 + 80, QByteArray::fromHex("3d000000")},
+                 {80, QByteArray::fromHex("000000000000f87f")},
+                 {80 + 84 + 8, QByteArray::fromHex("000000000000f87f")},
+                 {80 + 84 + 8, QByteArray::fromHex("000000000000f0ff")},
+                 {4, QByteArray::fromHex("00000080")},
+                 {8, QByteArray::fromHex("40000000")}};
+  for (const auto& patch : patches) {
+    QByteArray damaged = data;
+    damaged.replace(patch.at, patch.bytes.size(), patch.bytes);
+    EXPECT_FALSE(statistics.ReadBinaryData(damaged, &error)) << patch.at;
+  }
+  for (const auto& [from, to] :
+       std::vector<std::pair<QString, QString>>{{"HistoryCount: 6", "HistoryCount: 2147483648"},
+                                                {"ItemCount: 60", "ItemCount: 2147483647"},
+                                                {"ItemCount: 60", "ItemCount: -1"},
+                                                {"ItemID si1_Second", "ItemID si1_Year"},
+                                                {"Last: ", "Last: nan "},
+                                                {"E+00", "E+999"}}) {
+    QString damaged = text;
+    EXPECT_FALSE(statistics.ReadHistories(damaged.replace(from, to), &error)) << to.toStdString();
+  }
+  EXPECT_FALSE(statistics.ReadHistories("not base64!", &error));
+  EXPECT_EQ(error, "These are no stored histories");
+  EXPECT_EQ(statistics.WriteBinaryData(), kept);
+}
+
+}  // namespace

@@ -1,0 +1,311 @@
+#include "components/channels/Statsstorage.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <cmath>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+constexpr double kSecond = 1.0 / 86400.0;
+const double kDay = static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(2024, 5, 31)));
+
+/// A set of one channel, "Load" in kN, whose blocks of two rows go to a storage in the test's
+/// folder.
+struct TStored {
+  TStored() {
+    storage->SetRootDir(TestFolder() + "/stats");
+    storage->SetActive(true);
+    set->SetCount(1);
+    set->SetRows(2);
+    set->SetLabel("Crane");
+    set->GetChannels()->GetItem(0)->SetLabel("Load");
+    set->GetChannels()->GetItem(0)->SetUnits("kN");
+    set->SetStorage(storage.get());
+  }
+  /// Two rows half a second apart that end so many seconds after midnight, of value - 1 and value
+  /// + 1.
+  void Block(double seconds, double value) const {
+    for (const double half : {-1.0, 1.0}) {
+      const double row[] = {kDay + (seconds + 0.25 * (half - 1.0)) * kSecond, value + half};
+      set->SetRow(row, 0, 2);
+    }
+  }
+  static QString File(const char* name = "Crane_20240531.csv") {
+    return TestFolder() + "/stats/" + name;
+  }
+  std::unique_ptr<TStatsStorage> storage = std::make_unique<TStatsStorage>();
+  std::unique_ptr<TChannelSet> set = std::make_unique<TChannelSet>();
+};
+
+QByteArray Read(const QString& name) {
+  QFile file(name);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TStatsContent Content(const QString& name) {
+  TStatsContent content;
+  QString error;
+  EXPECT_TRUE(ReadStatsFile(name, content, &error)) << error.toStdString();
+  return content;
+}
+
+const QByteArray kHeader =
+    "Time,\"Load Mean [kN]\",\"Load Max [kN]\",\"Load Min [kN]\",\"Load StDev [kN]\","
+    "\"Load Count\",Cells\n";
+
+TEST(TStatsStorage, AppendsALinePerIntervalToTheFileOfTheDay) {
+  TStored stored;
+  stored.storage->SetSaveInterval(10);
+  stored.Block(1, 10.0);
+  stored.Block(5, 20.0);
+  EXPECT_FALSE(QFile::exists(stored.File()));
+  stored.Block(10.5, 30.0);
+  const QByteArray text = Read(stored.File());
+  const QByteArray start = kHeader + "2024-05-31 00:00:10.500,20,31,9,";
+  ASSERT_TRUE(text.startsWith(start)) << text.toStdString();
+  const QList<QByteArray> rest = text.mid(start.size()).split(',');
+  ASSERT_EQ(rest.size(), 3);
+  EXPECT_NEAR(rest[0].toDouble(), std::sqrt(81.2), 1e-12);
+  EXPECT_EQ(rest[1], "6");
+  EXPECT_EQ(rest[2], "6\n");
+  stored.Block(86401, 1.0);  // the day after
+  stored.Block(86412, 1.0);
+  EXPECT_EQ(Content(stored.File("Crane_20240601.csv")).Blocks.size(), 1u);
+  EXPECT_EQ(stored.storage->GetStatus(), "Saving to " + stored.File("Crane_20240601.csv"));
+}
+
+TEST(TStatsStorage, ReadsBackWhatItHasWritten) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.storage->SetUseDoubleTime(true);
+  stored.set->SetCount(2);
+  stored.set->GetChannels()->GetItem(0)->SetLabel("a \"b\", c\nMean [x] Count");
+  stored.set->GetChannels()->GetItem(1)->SetUnits(QString::fromUtf8("µm/m, [1]"));
+  for (int i = 1; i < 9; ++i) {
+    const double row[] = {kDay + i * kSecond, 0.1 * i, -1e-300 * i};
+    stored.set->SetRow(row, 0, 3);
+  }
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Layouts.size(), 1u);
+  EXPECT_EQ(content.Layouts[0][0], (TStatsColumn{"a \"b\", c Mean [x] Count", "kN"}));
+  EXPECT_EQ(content.Layouts[0][1].Units, QString::fromUtf8("µm/m, [1]"));
+  EXPECT_EQ(content.Skipped, 0);
+  ASSERT_GE(content.Blocks.size(), 2u);
+  std::vector<TStatSet> last;
+  ASSERT_TRUE(stored.set->CopyBlockStats(last));
+  const TStatsBlock& block = content.Blocks.back();
+  EXPECT_EQ(block.Channels[0].Max, last[0].Max);
+  EXPECT_EQ(block.Channels[1].Min, last[1].Min);
+  EXPECT_DOUBLE_EQ(block.Channels[0].Sum, last[0].Sum);
+  EXPECT_DOUBLE_EQ(block.Channels[0].SqSum, last[0].SqSum);
+  EXPECT_NEAR(block.Time, last[0].Time, 1e-8);
+}
+
+TEST(TStatsStorage, ALineThatACrashHasCutIsSkippedAndNothingElse) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.Block(1, 1.0);
+  stored.Block(2, 12345.678);
+  const QByteArray whole = Read(stored.File());
+  const qsizetype last = whole.lastIndexOf('\n', -2) + 1;
+  for (qsizetype length = last; length <= whole.size(); ++length) {
+    SCOPED_TRACE(whole.mid(last, length - last).toStdString());
+    WriteTestFile("stats/Crane_20240531.csv", whole.left(length));
+    const std::size_t expected = length == whole.size() ? 2 : 1;
+    EXPECT_EQ(Content(stored.File()).Blocks.size(), expected);
+    TStored again;  // the program is started anew
+    again.storage->SetSaveInterval(0);
+    again.Block(3, 3.0);
+    const TStatsContent content = Content(stored.File());
+    ASSERT_GE(content.Blocks.size(), expected + 1);
+    EXPECT_EQ(content.Blocks.back().Channels[0].Mean, 3.0);
+    EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 1.0);
+    EXPECT_EQ(content.Blocks[content.Blocks.size() - 2].Channels[0].Mean,
+              content.Blocks.size() == 3 ? 12345.678 : 1.0);
+  }
+}
+
+TEST(TStatsStorage, WaitsForAFolderThatHasGone) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.Block(1, 1.0);
+  ASSERT_TRUE(QDir(TestFolder() + "/stats").removeRecursively());
+  WriteTestFile("stats", "a file where the folder was");
+  QSignalSpy changed(stored.storage.get(), &TStatsStorage::OnStatusChanged);
+  stored.Block(2, 2.0);
+  stored.Block(3, 3.0);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(stored.storage->GetStatus().startsWith("Cannot write " + stored.File() + ": "));
+  ASSERT_TRUE(QFile::remove(TestFolder() + "/stats"));
+  stored.Block(4, 4.0);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Blocks.size(), 1u);  // what could not be written is in the next line
+  EXPECT_EQ(content.Blocks[0].Channels[0].Count, 6.0);
+  EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 3.0);
+  EXPECT_EQ(stored.storage->GetStatus(), "Saving to " + stored.File());
+}
+
+#ifdef Q_OS_UNIX
+
+/// Files cannot grow beyond a size while it lives, as on a disk that is full.
+class TFullDisk {
+ public:
+  explicit TFullDisk(qint64 bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    rlimit limit = before_;
+    limit.rlim_cur = static_cast<rlim_t>(bytes);
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~TFullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_;
+  void (*handler_)(int);
+};
+
+TEST(TStatsStorage, WaitsForAFullDisk) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.Block(1, 1.0);
+  const QByteArray before = Read(stored.File());
+  {
+    const TFullDisk full(before.size() + 20);  // half a line fits
+    stored.Block(2, 2.0);
+    stored.Block(3, 3.0);
+  }
+  EXPECT_TRUE(stored.storage->GetStatus().startsWith("Cannot write " + stored.File() + ": "));
+  EXPECT_EQ(Read(stored.File()), before);
+  stored.Block(4, 4.0);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Blocks.size(), 2u);
+  EXPECT_EQ(content.Skipped, 0);
+  EXPECT_EQ(content.Blocks[1].Channels[0].Count, 6.0);
+  EXPECT_EQ(content.Blocks[1].Channels[0].Mean, 3.0);
+}
+
+#endif
+
+TEST(TStatsStorage, TellsTheLoggerOfItsForm) {
+  QWidget form;
+  auto* log = new QPlainTextEdit(&form);
+  log->setObjectName("Log");
+  auto* storage = new TStatsStorage(&form);
+  storage->SetLoggerName("Log");
+  storage->Loaded();
+  storage->SetRootDir("/proc/none");
+  storage->SetSaveInterval(0);
+  storage->SetActive(true);
+  TStored stored;
+  stored.set->SetStorage(storage);
+  stored.Block(1, 1.0);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(log->toPlainText().startsWith("Cannot write /proc/none/Crane_20240531.csv: "))
+      << log->toPlainText().toStdString();
+}
+
+TEST(TStatsStorage, NewChannelsGetANewHeader) {
+  TStored stored;
+  stored.storage->SetSaveInterval(3600);
+  stored.Block(1, 1.0);
+  stored.set->GetChannels()->GetItem(0)->SetLabel("Force");  // what is collected is written first
+  stored.Block(2, 2.0);
+  stored.storage->SetActive(false);
+  stored.Block(3, 3.0);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Layouts.size(), 2u);
+  EXPECT_EQ(content.Layouts[1][0].Label, "Force");
+  ASSERT_EQ(content.Blocks.size(), 2u);
+  EXPECT_EQ(content.Blocks[0].Layout, 0);
+  EXPECT_EQ(content.Blocks[1].Layout, 1);
+  EXPECT_EQ(content.Blocks[1].Channels[0].Mean, 2.0);
+}
+
+TEST(TStatsStorage, WritesTheRestWhenEitherSideGoes) {
+  for (const bool storageFirst : {true, false}) {
+    SCOPED_TRACE(storageFirst);
+    {
+      TStored stored;
+      stored.Block(1, 1.0);
+      if (storageFirst) {
+        stored.storage.reset();
+        stored.Block(2, 2.0);
+      } else {
+        stored.set.reset();
+      }
+    }
+    EXPECT_EQ(Content(TStored::File()).Blocks.size(), 1u);
+    QFile::remove(TStored::File());
+  }
+}
+
+TEST(TStatsStorage, StopsAtItsEndAndSurvivesTheClock) {
+  TStored stored;
+  stored.storage->SetSaveInterval(60);
+  stored.storage->SetEndTime(kDay + 7200 * kSecond);
+  stored.Block(4000, 1.0);
+  stored.Block(500, 2.0);    // set back: the line of before is written as it stands
+  stored.Block(10000, 3.0);  // too late
+  stored.storage->SetActive(false);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Blocks.size(), 1u);
+  EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 1.0);
+}
+
+TEST(TStatsStorage, NamesFilesSoThatEverySystemTakesThem) {
+  const struct {
+    const char *label, *safe;
+  } cases[] = {{"Crane 1", "Crane 1"},
+               {"../../etc/passwd", "_._.._etc_passwd"},
+               {"a:b*c?\"<>|\\\n", "a_b_c_______"},
+               {"", ""}};
+  for (const auto& c : cases) EXPECT_EQ(SafeFileName(c.label), c.safe);
+  EXPECT_LE(SafeFileName(QString(1000, QChar(0x4e2d))).toUtf8().size(), 120);
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.storage->SetAutoPrefix(false);
+  stored.storage->SetFilePrefix("x/");
+  stored.storage->SetFileExt(".txt");
+  stored.Block(1, 1.0);
+  EXPECT_TRUE(QFile::exists(stored.File("x_20240531.txt")));
+}
+
+TEST(ParseStats, SkipsWhatIsNoBlock) {
+  const QByteArray line = "2024-05-31 00:00:10.500,20,31,9,9,6,6\n";
+  const struct {
+    QByteArray text;
+    int blocks, skipped;
+  } cases[] = {{"", 0, 0},
+               {line, 0, 1},  // no header
+               {kHeader + line + line, 2, 0},
+               {kHeader + "2024-13-31 00:00:10.500,20,31,9,9,6,6\n" + line, 1, 1},
+               {kHeader + "45000.5,20,31,9,9,6,6\r\n", 1, 0},
+               {kHeader + "45000.5,20,31,9,nan,6,6\n", 0, 1},
+               {kHeader + "45000.5,20,31,9,9,-6,6\n", 0, 1},
+               {kHeader + "45000.5,20,31,9,9,6,7\n", 0, 1},
+               {kHeader + "Time,\"x,Cells\n" + line, 1, 1},
+               {kHeader + QByteArray(1000, '\0') + '\n' + line, 1, 1},
+               {"Time,Cells\n45000.5,1\n", 1, 0}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text.toStdString());
+    const TStatsContent content = ParseStats(c.text);
+    EXPECT_EQ(content.Blocks.size(), static_cast<std::size_t>(c.blocks));
+    EXPECT_EQ(content.Skipped, c.skipped);
+  }
+}
+
+}  // namespace
