@@ -16,7 +16,7 @@ class TMacro : public TCustomVariable {
   Q_PROPERTY(bool ShowValue READ GetShowValue WRITE SetShowValue)
   Q_PROPERTY(bool ShowName READ GetShowName WRITE SetShowName)
   Q_PROPERTY(TNumberFormat* ValueFormat READ GetValueFormat WRITE SetFormat)
-  Q_PROPERTY(double Value READ GetValue WRITE SetValue)
+  Q_PROPERTY(double Value READ GetValue WRITE SetValue STORED false)
 
  public:
   explicit TMacro(QWidget* parent = nullptr);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <memory>
 
@@ -182,6 +183,15 @@ TEST_F(Macro, CompilesOnceWhenItsFormIsComplete) {
   EXPECT_EQ(loaded.GetValue(), 6.0);
   EXPECT_EQ(changes.count(), 3);                 // for each variable, and for the compilation
   EXPECT_EQ(loaded.GetVariables()->Count(), 2);  // a macro is no variable
+}
+
+/// A form that said a value would be told that the macro does not take it.
+TEST_F(Macro, PublishesAValueThatFormsDoNotKeep) {
+  SetText("[a]+[b]");
+  const QMetaProperty value =
+      TMacro::staticMetaObject.property(TMacro::staticMetaObject.indexOfProperty("Value"));
+  EXPECT_EQ(value.read(macro).toDouble(), 5.0);
+  EXPECT_FALSE(value.isStored());
 }
 
 TEST_F(Macro, CopiesOnlyListsOfVariables) {
