@@ -35,7 +35,8 @@ void Visit(QObject& object, const QString& prefix,
   const QMetaObject* meta = object.metaObject();
   for (int i = FirstOwnProperty(*meta); i < meta->propertyCount(); ++i) {
     const QMetaProperty property = meta->property(i);
-    if (!property.isStored()) continue;
+    // A class may publish a property of its base anew.
+    if (!property.isStored() || meta->indexOfProperty(property.name()) != i) continue;
     const QString path = prefix + QString::fromLatin1(property.name());
     if (!IsSubObject(property)) {
       if (property.isWritable()) visit({path, &object, property});

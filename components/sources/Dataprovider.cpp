@@ -51,8 +51,7 @@ void TCustomDataProvider::Loaded() {
 TDataControl* TCustomDataProvider::NextControl() {
   if (clients_.Empty()) return nullptr;
   clientIndex_ = clientIndex_ + 1 < clients_.Count() ? clientIndex_ + 1 : 0;
-  // The list holds nothing but data controls, or null for one that is being destroyed.
-  return static_cast<TDataControl*>(clients_.Get(clientIndex_));
+  return clients_.Get<TDataControl>(clientIndex_);
 }
 
 void TCustomDataProvider::UpdateData() {

@@ -27,6 +27,7 @@ class TCustomDataProvider : public TStateControl {
  private:
   Q_PROPERTY(TKorvalCompList* ClientControls READ GetClientControls WRITE SetClientControls)
   Q_PROPERTY(int PageSize READ GetPageSize WRITE SetPageSize)
+  Q_PROPERTY(bool Active READ IsSwitchedOn WRITE SetActive)
 
  public:
   explicit TCustomDataProvider(QWidget* parent = nullptr);
@@ -46,6 +47,8 @@ class TCustomDataProvider : public TStateControl {
 
   /// While a form is being read the switch is only remembered; Loaded throws it.
   void SetActive(bool active) override;
+  /// What forms store: until the form is complete, whether the provider will start then.
+  bool IsSwitchedOn() const { return IsLoading() ? startWhenLoaded_ : GetActive(); }
 
   /// The next value goes to the first client.
   virtual void Reset();

@@ -75,18 +75,24 @@ void TFileReader::ProvideStream() {
   const QString name = GetValidFile();
   if (!self || !GetActive() || HasStream()) return;
   if (name.isEmpty()) {
-    Fail(QStringLiteral("Cannot read: there is no file"));
+    FailOpening(QStringLiteral("Cannot read: there is no file"));
     return;
   }
   QString error;
   std::unique_ptr<QFile> file = OpenFile(name, error);
   if (!file) {
-    Fail(error);
+    FailOpening(error);
     return;
   }
   openName_ = name;
   OpenStream(std::move(file));
   TStreamProvider::ProvideStream();
+}
+
+/// Behind the last file of the list the next try begins with the first.
+void TFileReader::FailOpening(const QString& error) {
+  if (useList_ && itemIndex_ >= files_.size() - 1) itemIndex_ = -1;
+  Fail(error);
 }
 
 int TFileReader::GetStreamsPerRound() const {

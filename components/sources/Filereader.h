@@ -12,7 +12,7 @@ class TFileReader : public TStreamProvider {
   Q_PROPERTY(bool UseList READ GetUseList WRITE SetUseList)
   Q_PROPERTY(QStringList Files READ GetFiles WRITE SetFiles)
   Q_PROPERTY(TReadMode ReadMode READ GetReadMode WRITE SetReadMode)
-  Q_PROPERTY(qlonglong StreamPosition READ GetStreamPosition WRITE SetStreamPosition)
+  Q_PROPERTY(qlonglong StreamPosition READ GetStoredPosition WRITE SetStreamPosition)
   Q_PROPERTY(int StreamPosPercent READ GetStreamPosPercent STORED false)
 
  public:
@@ -52,6 +52,7 @@ class TFileReader : public TStreamProvider {
 
  private:
   QString GetValidFile();
+  void FailOpening(const QString& error);
 
   QString fileName_;
   QStringList files_;

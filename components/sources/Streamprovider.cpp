@@ -92,7 +92,7 @@ qint64 TStreamProvider::GetStreamPosition() const {
 }
 
 void TStreamProvider::SetStreamPosition(qint64 position) {
-  if (position < 0 || position == (stream_ ? GetStreamPosition() : position_)) return;
+  if (position < 0 || position == GetStoredPosition()) return;
   WhileInactive([this, position] {
     MoveTo(position);
     NotifyProgress();
@@ -151,7 +151,8 @@ TStreamProvider::TAnswer TStreamProvider::NextWork() {
   if (Thread().TakeEnd() && chunk_ && !FinishWork()) return TAnswer::Done;
   if (IsExhausted()) {
     const TAnswer answer = FillBuffer();
-    if (answer == TAnswer::Again || !self || !GetActive()) return answer;
+    // Whoever was told of a failure may have switched the provider on again.
+    if (answer == TAnswer::Again || !self || !GetActive() || !chunk_) return answer;
   }
   Worker().SetWork(chunk_, offset_);
   return TAnswer::Done;
@@ -165,8 +166,8 @@ bool TStreamProvider::FinishWork() {
   if (!worker.AtBadWord()) return true;
   const qint64 position = GetStreamPosition() - scanner_.BadLength();
   Fail(QStringLiteral("Cannot read %1: \"%2\" at byte %3 is no number")
-           .arg(GetStreamName(), QString::fromStdString(scanner_.BadText()))
-           .arg(position));
+           .arg(GetStreamName(), QString::fromStdString(scanner_.BadText()),
+                QString::number(position)));
   return false;
 }
 

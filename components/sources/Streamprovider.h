@@ -28,6 +28,8 @@ class TStreamProvider : public TThreadProvider {
   /// Goes on at the beginning of the line that holds the position. A negative one is ignored.
   /// Without a stream it counts for the next that the provider opens.
   void SetStreamPosition(qint64 position);
+  /// What forms store: the position, or without a stream the one that waits for the next.
+  qint64 GetStoredPosition() const { return stream_ ? GetStreamPosition() : position_; }
   /// The position as a part of the size, 0 to 100; 100 without a stream or if it is empty.
   int GetStreamPosPercent() const;
 
