@@ -195,10 +195,10 @@ void TMacroEditor::GoToError() {
   text_->setTextCursor(cursor);
 }
 
-/// The view can be moved to the cursor only now.
+/// The lines, and so the place of the cursor, are known once the window has its size.
 void TMacroEditor::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  text_->ensureCursorVisible();
+  QMetaObject::invokeMethod(text_, &QPlainTextEdit::ensureCursorVisible, Qt::QueuedConnection);
 }
 
 // Buttons
