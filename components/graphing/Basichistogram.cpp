@@ -182,12 +182,6 @@ void TOccurrenceHistogram::DataChanged() {
   TBasicHistogram::DataChanged();
 }
 
-void TOccurrenceHistogram::ResetHistogramBins(QObject* sender) {
-  const QPointer<TOccurrenceHistogram> self(this);
-  TBasicHistogram::ResetHistogramBins(sender);
-  if (self) statistics_.Reset();
-}
-
 void TOccurrenceHistogram::SeriesStyleChanged() {
   if (statisticsSeries_) {
     statisticsSeries_->GetStyle()->SetBarStyle(HasYBars() ? TStatSeriesStyle::bsYBar

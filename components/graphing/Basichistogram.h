@@ -52,7 +52,7 @@ class TBasicHistogram : public TDataControl {
 
  public slots:
   /// What the button does: empties the bins.
-  virtual void ResetHistogramBins(QObject* sender = nullptr);
+  void ResetHistogramBins(QObject* sender = nullptr);
 
  protected:
   /// A value was counted: notifies the subscribers if it is their turn, and has the graph drawn
@@ -86,7 +86,7 @@ class TBasicHistogram : public TDataControl {
 };
 
 /// A histogram that can leave out values which stay in the bin of the one before, and that has the
-/// statistics of what it counted.
+/// statistics of what is in its bins.
 class TOccurrenceHistogram : public TBasicHistogram {
   Q_OBJECT
 
@@ -124,8 +124,6 @@ class TOccurrenceHistogram : public TBasicHistogram {
   /// Computes the statistics and takes their snapshot. That is put off until somebody looks at
   /// them: adding up the bins costs far more than counting a value.
   void UpdateStatistics(QObject* sender = nullptr);
-  /// Empties the bins and the statistics. The position of the last counted value stays.
-  void ResetHistogramBins(QObject* sender = nullptr) override;
 
  protected:
   void ValueAdded() override;
@@ -138,8 +136,8 @@ class TOccurrenceHistogram : public TBasicHistogram {
   QString StatisticsText() const;
 
   THistogramAddMode addMode_ = amAddAll;
-  /// Upper edge of the bin of the last value that was counted; 0 before the first, so that a value
-  /// just below 0 is taken for one that stayed where it was.
+  /// Upper edge of the bin of the last value that was counted. 0 before the first, so that a value
+  /// just below 0 is taken for one that stayed where it was; emptying the bins leaves it alone.
   double lastBinPos_ = 0.0;
   int adding_ = 0;  ///< runs of SetValue on the stack
   TStatistics statistics_{this};
