@@ -115,7 +115,8 @@ bool TIconControl::event(QEvent* event) {
 // Picture and caption
 
 TIconLayout TIconControl::Layout() const {
-  return LayOutIcon(showIcon_ ? imageSize_ : QSize(), fontMetrics().size(0, GetCaption()), captionPos_);
+  return LayOutIcon(showIcon_ ? imageSize_ : QSize(), fontMetrics().size(0, GetCaption()),
+                    captionPos_);
 }
 
 QSize TIconControl::sizeHint() const { return Layout().size.expandedTo(QSize(1, 1)); }

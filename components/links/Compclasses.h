@@ -146,7 +146,8 @@ class TDataControl : public TLinkableControl {
  protected:
   /// Counts a value; true for every Interval-th.
   bool CanNotify();
-  /// Stores a value and does nothing else, for a descendant that notifies of it later or not at all.
+  /// Stores a value and does nothing else, for a descendant that notifies of it later or not at
+  /// all.
   void HoldValue(double value) { value_ = value; }
   void Notified() override { emit OnChange(this); }
 

@@ -14,7 +14,6 @@
 #include <limits>
 #include <random>
 
-
 namespace {
 
 /// A series that covers `reach` both ways and counts what its graph asks of it.
