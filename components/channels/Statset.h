@@ -33,8 +33,19 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(TStatTypes::TStatIntervals)
 using TStatInterval = TStatTypes::TStatInterval;
 using TStatIntervals = TStatTypes::TStatIntervals;
 using TStatValue = TStatTypes::TStatValue;
-using enum TStatTypes::TStatInterval;
-using enum TStatTypes::TStatValue;
+
+// Not "using enum": clang 14 crashes where names from it are compared.
+inline constexpr TStatInterval si1_Second = TStatTypes::si1_Second;
+inline constexpr TStatInterval si1_Minute = TStatTypes::si1_Minute;
+inline constexpr TStatInterval si1_Hour = TStatTypes::si1_Hour;
+inline constexpr TStatInterval si1_Day = TStatTypes::si1_Day;
+inline constexpr TStatInterval si1_Month = TStatTypes::si1_Month;
+inline constexpr TStatInterval si1_Year = TStatTypes::si1_Year;
+inline constexpr TStatValue svMean = TStatTypes::svMean;
+inline constexpr TStatValue svMax = TStatTypes::svMax;
+inline constexpr TStatValue svMin = TStatTypes::svMin;
+inline constexpr TStatValue svStDev = TStatTypes::svStDev;
+inline constexpr TStatValue svTime = TStatTypes::svTime;
 
 inline constexpr int kStatIntervals = 6;
 /// The interval's place, 0 to 5 from the second to the year; -1 for no interval.

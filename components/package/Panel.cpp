@@ -309,10 +309,11 @@ QString TPanel::Text() const {
         if (!entry) return result;
         const auto [known, isNew] = defaults.try_emplace(entry->Class->Name);
         if (isNew) known->second = DefaultsOf(*entry->Class);
+        const auto& standard = known->second;
         ForEachStored(*entry->Component, [&](const TPublished& published) {
           TFormValue value = WriteFormValue(published);
-          const auto found = known->second.find(published.Path);
-          const bool isDefault = found != known->second.end() && found->second == value;
+          const auto found = standard.find(published.Path);
+          const bool isDefault = found != standard.end() && found->second == value;
           if (!isDefault) result.emplace_back(published.Path, std::move(value));
         });
         return result;
