@@ -15,6 +15,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 QString Form(const QString& widgets) {
   return QStringLiteral(
@@ -179,6 +180,14 @@ TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {
     EXPECT_EQ(second->Text(), saved);
     TakeMessages();
   }
+}
+
+TEST(Panel, SavesNoCaptionThatAVariableMakesItself) {
+  const auto panel = Load("  <widget class=\"TVariable\" name=\"v\"/>\n", nullptr);
+  Find<TVariable>(*panel, "v")->SetValue(3.0);
+  ASSERT_EQ(Find<TVariable>(*panel, "v")->GetCaption(), "v=3");
+  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<double>3</double>"));
+  EXPECT_THAT(panel->Text().toStdString(), Not(HasSubstr("Caption")));
 }
 
 TEST(Panel, SavesTheLastSamplesOfAChannel) {
