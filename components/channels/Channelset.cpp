@@ -42,11 +42,18 @@ TChannelSet::~TChannelSet() {
 int TChannelSet::GetCount() { return count_ = channels_.Count(); }
 
 void TChannelSet::SetCount(int count) {
-  if (count < 1 || count == count_ || count >= TMatrix::kMaxCells) return;
+  if (count < 1 || count > kMaxChannels || count == count_) return;
   const int rows = data_.Rows() > 0 ? data_.Rows() : kDefaultRows;
   if (!ResizeMatrices(rows, count + 1)) return;
-  while (channels_.Count() > count) channels_.Take(channels_.Count() - 1, false);
-  while (channels_.Count() < count && channels_.Add()) continue;
+  std::vector<std::unique_ptr<TChannel>> gone;  // whole until everybody knows
+  {
+    const QSignalBlocker once(&channels_);
+    while (channels_.Count() > count) {
+      gone.push_back(channels_.Take(channels_.Count() - 1, false));
+    }
+    while (channels_.Count() < count && channels_.Add()) continue;
+  }
+  emit channels_.OnChange(&channels_);
   emit OnChange(this);
 }
 
@@ -328,7 +335,7 @@ void TChannelSet::Shift(int column) {
 
 bool TChannelSet::MakeColumn(int column) {
   if (column < data_.Columns()) return true;
-  return column < TMatrix::kMaxCells && ResizeMatrices(data_.Rows(), column + 1);
+  return column <= kMaxChannels && ResizeMatrices(data_.Rows(), column + 1);
 }
 
 void TChannelSet::ChangeChannels(int goneColumn, const std::function<void()>& change) {

@@ -85,6 +85,7 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   enum TStatRow { kCount, kSum, kSqSum, kMax, kMin, kStatRows };
   enum TAccess : int { kIdle, kWriting, kReading };
 
+  static constexpr int kMaxChannels = 1024;
   static constexpr int kDefaultRows = 10;
   /// What the guard waits at most.
   static constexpr int kWaitMs = 10;
@@ -97,8 +98,8 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   int Index() const { return index_; }
   QString GetNamePath() const override;
 
-  /// Number of channels. Counts below 1 are ignored, and such as make a matrix of more cells than
-  /// TMatrix::kMaxCells. New channels come at the end, and go from there.
+  /// Number of channels, 1 to kMaxChannels, others are ignored; so are such as make a matrix of
+  /// more cells than TMatrix::kMaxCells. New channels come at the end, and go from there.
   int GetCount();
   void SetCount(int count);
   /// The channels and the time, which is column 0.

@@ -1,5 +1,6 @@
 #include "components/channels/Channelstat.h"
 
+#include <QDate>
 #include <algorithm>
 #include <cmath>
 

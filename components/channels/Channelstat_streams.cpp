@@ -1,4 +1,5 @@
 #include <QIODevice>
+#include <QMetaEnum>
 #include <algorithm>
 #include <array>
 

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QList>
 #include <QLocale>
+#include <array>
 #include <cmath>
 #include <optional>
 

@@ -190,6 +190,10 @@ TEST(TOneChannelLink, WhatIsChosenMayBeRenamedMovedOrGo) {
   sets.Set(0)->DeleteChannel(1);
   EXPECT_EQ(link->SelectedChannel(), nullptr);
   EXPECT_EQ(gone.count(), 1);
+  link->GetChannel()->SetItem("b4");
+  sets.Set(0)->SetCount(1);
+  EXPECT_EQ(link->SelectedChannel(), nullptr);
+  EXPECT_EQ(gone.count(), 3);
   link->DoOnData(nullptr);
   sets.source.reset();
   EXPECT_EQ(link->SelectedChannelSet(), nullptr);

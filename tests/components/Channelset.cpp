@@ -74,7 +74,7 @@ TEST(TChannelSet, BeginsWithFourInactiveChannelsAndBlocksOfTenRows) {
 TEST(TChannelSet, CountAndRowsResizeTheMatricesAndRefuseNonsense) {
   TChannelSet set;
   set.GetChannels()->GetItem(0)->SetScaleFactor(3.0);
-  for (const int count : {0, -1, INT_MIN, INT_MAX, 1 << 30, TMatrix::kMaxCells}) {
+  for (const int count : {0, -1, INT_MIN, INT_MAX, 1 << 30, TChannelSet::kMaxChannels + 1}) {
     set.SetCount(count);
     EXPECT_EQ(set.GetCount(), 4) << count;
   }
