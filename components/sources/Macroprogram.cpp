@@ -33,13 +33,14 @@ double Square(double a, double b) {
 // The functions whose steps are cases of one switch: a call per step would double the time of a
 // program. All others are Other1 and Other2, which call.
 #define VELMORA_FUNCTIONS_1(X) X(Itself) X(Negate) X(Sine) X(Cosine) X(Tangent) X(Absolute)
-#define VELMORA_FUNCTIONS_2(X)                                                     \
-  X(Add)                                                                           \
-  X(Subtract)                                                                      \
-  X(Multiply)                                                                      \
-  X(Divide)                                                                        \
-  X(Power) X(Square) X(Maximum) X(Minimum) X(Equal) X(NotEqual) X(Greater) X(Less) \
-      X(GreaterOrEqual) X(LessOrEqual)
+#define VELMORA_FUNCTIONS_2(X)                                                              \
+  X(Add)                                                                                    \
+  X(Subtract)                                                                               \
+  X(Multiply)                                                                               \
+  X(Divide)                                                                                 \
+  X(Power)                                                                                  \
+  X(Square) X(Maximum) X(Minimum) X(Equal) X(NotEqual) X(Greater) X(Less) X(GreaterOrEqual) \
+      X(LessOrEqual)
 
 /// Codes of steps: what to compute, and where its operands are.
 enum TCode : std::uint32_t {
