@@ -1,5 +1,6 @@
 #include "components/links/Synchronizer.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
@@ -40,6 +41,9 @@ class TSynchronizer::TReceiver : public QObject {
       if (!shared->CallsFor()) return;
       step = std::move(shared->step);
     }
+    // An event loop that the step runs would take the events that are waiting behind this one for
+    // sent, and sleep.
+    QAbstractEventDispatcher::instance()->wakeUp();
     const TAnswer answer = step();
     const std::lock_guard lock(shared->mutex);
     if (!shared->CallsFor()) return;
