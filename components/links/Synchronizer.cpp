@@ -6,6 +6,7 @@
 #include <QObject>
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 /// What both threads touch. A step may destroy the synchronizer, so whoever is at work holds it.
 struct TSynchronizer::TShared {
@@ -26,15 +27,14 @@ class TSynchronizer::TReceiver : public QObject {
   /// At low priority: input and what the step before has posted go first.
   void Post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority); }
 
-  bool event(QEvent* event) override {
-    if (event->type() != QEvent::User) return QObject::event(event);
-    Run(shared_);
-    return true;
+  void customEvent(QEvent* event) override {
+    Q_UNUSED(event)
+    Run();
   }
 
  private:
-  /// By value: the step may destroy the receiver.
-  void Run(std::shared_ptr<TShared> shared) {
+  void Run() {
+    const std::shared_ptr<TShared> shared = shared_;  // the step may destroy the receiver
     TStep step;
     {
       const std::lock_guard lock(shared->mutex);

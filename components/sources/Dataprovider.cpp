@@ -4,6 +4,7 @@
 #include <chrono>
 #include <exception>
 #include <system_error>
+#include <utility>
 
 #include "components/links/Compclasses.h"
 #include "components/sources/Datathread.h"
@@ -40,6 +41,10 @@ void TCustomDataProvider::SetActive(bool active) {
   }
 }
 
+void TCustomDataProvider::Stop() {
+  if (GetActive()) SetActive(false);
+}
+
 void TCustomDataProvider::Reset() { clientIndex_ = -1; }
 
 void TCustomDataProvider::Loaded() {
@@ -57,7 +62,7 @@ TDataControl* TCustomDataProvider::NextControl() {
 void TCustomDataProvider::UpdateData() {
   if (readMode_ != rmReadPage || ++pageCount_ < pageSize_) return;
   pageCount_ = 0;
-  SetActive(false);
+  Stop();
 }
 
 // TThreadProvider
@@ -94,7 +99,7 @@ void TThreadProvider::Report(const QString& error) {
 void TThreadProvider::Fail(const QString& error) {
   const QPointer<TThreadProvider> self(this);
   errorText_ = error;
-  SetActive(false);
+  Stop();
   if (self) Report(error);
 }
 

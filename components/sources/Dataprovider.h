@@ -50,7 +50,8 @@ class TCustomDataProvider : public TStateControl {
   /// What forms store: until the form is complete, whether the provider will start then.
   bool IsSwitchedOn() const { return IsLoading() ? startWhenLoaded_ : GetActive(); }
 
-  /// The next value goes to the first client.
+  /// Starts from the beginning: the next value goes to the first client. Descendants go back to the
+  /// beginning of their data; they come here at its end, too, and stop if that is the mode.
   virtual void Reset();
 
   void Loaded() override;
@@ -63,6 +64,9 @@ class TCustomDataProvider : public TStateControl {
 
   /// A value is being delivered: counts it, and deactivates the provider at the end of a page.
   virtual void UpdateData();
+
+  /// As SetActive(false), but leaves alone what a form that is being read has said.
+  void Stop();
 
   /// Runs `change` while the provider is inactive and then restores Active. Listeners may destroy
   /// the provider at both switches.

@@ -61,19 +61,17 @@ void TFileReader::SetItemIndex(int index) {
 }
 
 QString TFileReader::GetValidFile() {
-  QString name = fileName_;
-  if (useList_) {
-    itemIndex_ = std::min(itemIndex_ + 1, static_cast<int>(files_.size()));
-    name = files_.value(itemIndex_);
-  }
-  emit OnNewFile(this, name);
-  return name;
+  if (!useList_) return fileName_;
+  itemIndex_ = std::min(itemIndex_ + 1, static_cast<int>(files_.size()));
+  return files_.value(itemIndex_);
 }
 
 void TFileReader::ProvideStream() {
   const QPointer<TFileReader> self(this);
-  const QString name = GetValidFile();
+  QString name = GetValidFile();
+  emit OnNewFile(this, name);
   if (!self || !GetActive() || HasStream()) return;
+  if (!useList_) name = fileName_;  // a listener may just have set another
   if (name.isEmpty()) {
     FailOpening(QStringLiteral("Cannot read: there is no file"));
     return;
@@ -111,6 +109,6 @@ void TFileReader::Reset() {
       stop |= GetReadMode() == rmUntilFileListEnd;
     }
   }
-  if (stop) SetActive(false);
+  if (stop) Stop();
   if (self) emit OnEndOfFile(this);
 }

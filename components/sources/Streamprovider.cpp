@@ -183,7 +183,7 @@ TStreamProvider::TAnswer TStreamProvider::FillBuffer() {
   if (!stream_) ProvideStream();
   if (!self || !GetActive()) return TAnswer::Done;
   if (!stream_) {
-    SetActive(false);
+    Stop();
     return TAnswer::Done;
   }
   if (!stream_->isReadable() || stream_->isSequential()) {

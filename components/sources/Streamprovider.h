@@ -33,7 +33,7 @@ class TStreamProvider : public TThreadProvider {
   /// The position as a part of the size, 0 to 100; 100 without a stream or if it is empty.
   int GetStreamPosPercent() const;
 
-  /// Starts from the beginning of the stream.
+  /// Goes to the beginning of the stream.
   void Reset() override;
   void SetActive(bool active) override;
 

@@ -19,7 +19,7 @@ void TStringReader::SetDataStrings(const QStringList& strings) {
 void TStringReader::Reset() {
   const QPointer<TStringReader> self(this);
   TStreamProvider::Reset();
-  if (self && GetReadMode() == rmUntilEnd) SetActive(false);
+  if (self && GetReadMode() == rmUntilEnd) Stop();
 }
 
 void TStringReader::ProvideStream() {

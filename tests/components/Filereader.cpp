@@ -207,6 +207,36 @@ TEST(TFileReader, MovesWhileItReads) {
                                           995, 996, 997, 998, 999));
 }
 
+TEST(TFileReader, ReadsAFileThatShrinksOrVanishesMeanwhile) {
+  for (const bool vanishes : {false, true}) {
+    TReading t;
+    const QString file = WriteTestFile("a.txt", Lines(400'000));  // 3.2 MB, four chunks
+    t.reader.SetFileName(file);
+    t.client.OnGiven = [&](double value) {
+      if (value != 200'000 || !QFile::exists(file)) return;
+      EXPECT_TRUE(vanishes ? QFile::remove(file) : QFile::resize(file, 100));
+    };
+    ASSERT_TRUE(RunToStop(t.reader));
+    // What is in memory is delivered; a file that is open can be read on without its name.
+    EXPECT_THAT(t.client.given, SizeIs(vanishes ? 400'000 : 262'146));
+    EXPECT_EQ(t.reader.GetErrorText(), QString());
+    ASSERT_TRUE(RunToStop(t.reader));
+    EXPECT_THAT(t.client.given, SizeIs(vanishes ? 800'000 : 262'146 + 12));
+  }
+}
+
+TEST(TFileReader, StartsWithItsListWhenTheFormIsComplete) {
+  TReading t;
+  t.reader.BeginLoading();
+  t.reader.SetActive(true);
+  t.reader.SetUseList(true);
+  t.reader.SetFiles({WriteTestFile("a", "1\n")});
+  EXPECT_FALSE(t.reader.GetActive());
+  t.reader.Loaded();
+  ASSERT_TRUE(RunUntil([&] { return !t.reader.GetActive(); }));
+  EXPECT_THAT(t.client.given, ElementsAre(1));
+}
+
 TEST(TFileReader, ReportsProgressAboutTenTimesInAChunk) {
   TReading t;
   constexpr int kLines = 400'000;  // 3.2 MB, four chunks
