@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <limits>
-
-#if defined(VELMORA_SANITIZED) && defined(__SANITIZE_ADDRESS__)
+#include <thread>
 
 // Deliberate faults: a build whose sanitizer does not catch them proves nothing.
+
+#if defined(VELMORA_SANITIZED) && defined(__SANITIZE_ADDRESS__)
 
 namespace {
 
@@ -22,6 +24,28 @@ TEST(Sanitizers, CatchAnAccessBehindAnArray) {
 TEST(Sanitizers, CatchAnOverflowOfASignedNumber) {
   volatile int number = std::numeric_limits<int>::max();
   EXPECT_DEATH({ number = number + 1; }, "signed integer overflow");
+}
+
+}  // namespace
+
+#endif
+
+#if defined(VELMORA_SANITIZED) && defined(__SANITIZE_THREAD__)
+
+namespace {
+
+TEST(Sanitizers, CatchTwoThreadsThatWriteOneNumber) {
+  constexpr int kRace = 66;  // how the sanitizer ends a program in which it has seen one
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        int number = 0;
+        std::thread other([&number] { number += 1; });
+        number += 2;
+        other.join();
+        std::exit(number > 0 ? EXIT_SUCCESS : EXIT_FAILURE);
+      },
+      testing::ExitedWithCode(kRace), "data race");
 }
 
 }  // namespace
