@@ -33,14 +33,10 @@ double Square(double a, double b) {
 // The functions whose steps are cases of one switch: a call per step would double the time of a
 // program. All others are Other1 and Other2, which call.
 #define VELMORA_FUNCTIONS_1(X) X(Itself) X(Negate) X(Sine) X(Cosine) X(Tangent) X(Absolute)
-#define VELMORA_FUNCTIONS_2(X)                                                              \
-  X(Add)                                                                                    \
-  X(Subtract)                                                                               \
-  X(Multiply)                                                                               \
-  X(Divide)                                                                                 \
-  X(Power)                                                                                  \
-  X(Square) X(Maximum) X(Minimum) X(Equal) X(NotEqual) X(Greater) X(Less) X(GreaterOrEqual) \
-      X(LessOrEqual)
+#define VELMORA_ARITHMETIC(X) X(Add) X(Subtract) X(Multiply) X(Divide) X(Power) X(Square)
+#define VELMORA_CHOICES(X) X(Maximum) X(Minimum) X(Equal) X(NotEqual)
+#define VELMORA_ORDERS(X) X(Greater) X(Less) X(GreaterOrEqual) X(LessOrEqual)
+#define VELMORA_FUNCTIONS_2(X) VELMORA_ARITHMETIC(X) VELMORA_CHOICES(X) VELMORA_ORDERS(X)
 
 /// Codes of steps: what to compute, and where its operands are.
 enum TCode : std::uint32_t {
