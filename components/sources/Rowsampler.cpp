@@ -11,11 +11,15 @@ TRowSampler::TRowSampler(QObject* owner) : controls_(owner, &TDataControl::stati
 
 void TRowSampler::FollowLast() {
   row_.resize(static_cast<std::size_t>(controls_.Count()));
-  auto* last = controls_.Empty() ? nullptr : controls_.Get<TDataControl>(controls_.Count() - 1);
+  const int count = controls_.Count();
+  auto* last = count == 0 ? nullptr : controls_.Get<TDataControl>(count - 1);
   if (last == last_) return;
-  if (last_) last_->DeleteLink(&link_);
   last_ = last;
-  if (last) last->AddLink(&link_, false);
+  // A link leaves its control when it goes, even a control in its destruction.
+  link_.reset();
+  if (!last) return;
+  link_ = std::make_unique<TValueLink>([this](double) { Sample(); });
+  last->AddLink(link_.get(), false);
 }
 
 void TRowSampler::Sample() {
@@ -23,6 +27,7 @@ void TRowSampler::Sample() {
     const auto* control = static_cast<const TDataControl*>(controls_.Get(static_cast<int>(i)));
     if (control) row_[i] = control->GetValue();
   }
-  const double time = last_->GetTime() != 0.0 ? last_->GetTime() : TDateTime::Now().Days();
+  const auto* last = static_cast<const TDataControl*>(controls_.Get(controls_.Count() - 1));
+  const double time = last->GetTime() != 0.0 ? last->GetTime() : TDateTime::Now().Days();
   if (OnRow) OnRow(time, row_);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -30,7 +31,7 @@ class TRowSampler : public QObject {
   void Sample();
 
   TKorvalCompList controls_;
-  TValueLink link_{[this](double) { Sample(); }};
-  QPointer<TDataControl> last_;
+  std::unique_ptr<TValueLink> link_;  ///< to the last control
+  const QObject* last_ = nullptr;     ///< for comparing only
   std::vector<double> row_;
 };
