@@ -47,6 +47,11 @@ bool SameValue(double a, double b) {
 
 }  // namespace
 
+/// What Qt keeps for the life of the process.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libQt6Gui\nleak:libfontconfig\n";
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const QString text =
       QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
