@@ -234,13 +234,13 @@ TEST_F(Macro, StandsASubscriberThatDestroysIt) {
 }
 
 TEST_F(Macro, StandsASubscriberThatChangesItsText) {
-  TValueLink link([&](double) { SetText("[b]*10"); });
+  TValueLink link([&](double) { SetText("[a]*10"); });
   macro->AddLink(&link, false);
   SetText("[a]+[b]");
-  EXPECT_EQ(macro->GetMacroText(), QStringLiteral("[b]*10"));
-  EXPECT_EQ(macro->GetValue(), 30.0);
-  EXPECT_EQ(a->LinkCount(), 0);
-  EXPECT_EQ(b->LinkCount(), 1);
+  EXPECT_EQ(macro->GetMacroText(), QStringLiteral("[a]*10"));
+  EXPECT_EQ(macro->GetValue(), 20.0);
+  EXPECT_EQ(a->LinkCount(), 1);
+  EXPECT_EQ(b->LinkCount(), 0);
 }
 
 }  // namespace

@@ -374,6 +374,7 @@ TEST_F(MacroCompiler, SquaresAreThoseOfThePowerFunction) {
     const quint64 bits = generator();
     values.push_back(std::bit_cast<double>(bits));
     values.push_back(std::bit_cast<double>(bits >> 12 | 0x3ff0000000000000));  // from 1 to 2
+    values.push_back(std::bit_cast<double>(bits >> 12 | 0x2000000000000000));  // the least squares
   }
   for (const double value : values) {
     two.TDataControl::SetValue(value);
