@@ -1,4 +1,5 @@
 #include "components/sources/Numberscanner.h"
+#include "tests/support/Testsupport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -143,7 +144,7 @@ std::vector<double> ScanByTheBook(const std::string& text) {
       if (token.empty() || token.back() == 'E') token += c;
     } else if (c == ' ' || c == '\t' || c == '\n' || c == '\r') {
       char* end = nullptr;
-      const double value = std::strtod(token.c_str(), &end);
+      const double value = ReferenceNumber(token.c_str(), &end);
       if (!token.empty() && *end == '\0' && std::isfinite(value)) values.push_back(value);
       token.clear();
     } else {

@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tests/components/Rowrecorder.h"
+#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -325,7 +326,7 @@ class TReference {
       std::vector<double> values;
       const char* next = line.c_str();
       for (char* behind = nullptr; values.size() < set.count; next = behind) {
-        const double value = std::strtod(next, &behind);
+        const double value = ReferenceNumber(next, &behind);
         if (behind == next) break;
         values.push_back(value);
       }

@@ -1,6 +1,7 @@
 #include "tests/support/Testsupport.h"
 
 #include <gtest/gtest.h>
+#include <locale.h>
 
 #include <QFile>
 #include <QRegularExpression>
@@ -92,4 +93,9 @@ QByteArray Fence(const QString& document, const QString& kind) {
   const auto match = fence.match(document);
   EXPECT_TRUE(match.hasMatch()) << kind.toStdString();
   return match.captured(1).toUtf8();
+}
+
+double ReferenceNumber(const char* text, char** end) {
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtod_l(text, end, plain);
 }

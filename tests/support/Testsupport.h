@@ -5,6 +5,10 @@
 #include <QStringList>
 #include <string>
 
+/// The C library's strtod with a full stop as decimal point whatever the locale is: the reference
+/// for scanners.
+double ReferenceNumber(const char* text, char** end);
+
 /// The texts handed to ShowMessage since the test began, oldest first. Reading empties the list.
 QStringList TakeMessages();
 
