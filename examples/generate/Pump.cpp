@@ -1,9 +1,10 @@
 #include "examples/generate/Pump.h"
 
 #include <cmath>
-#include <cstdio>
 #include <numbers>
 #include <random>
+
+#include "examples/generate/Decimals.h"
 
 namespace {
 
@@ -47,10 +48,9 @@ std::string MakePumpRecord() {
     const double acceleration = Acceleration(t) + 0.4 * Noise(random);
     const double pressure = Pressure(t) + 0.05 * Noise(random);
     const bool isDropout = row % kRowsPerDropout == kRowsPerDropout / 2;
-    char line[64];
-    std::snprintf(line, sizeof line, "%8.4f %7.4f\n", acceleration / kAccelerationPerVolt,
-                  isDropout ? 0.0 : (pressure - kPressureAtZeroVolt) / kPressurePerVolt);
-    text += line;
+    AppendReal(text, acceleration / kAccelerationPerVolt, 4, 8);
+    AppendReal(text, isDropout ? 0.0 : (pressure - kPressureAtZeroVolt) / kPressurePerVolt, 4, 8);
+    text += '\n';
   }
   return text;
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-QString Program() { return QStringLiteral(VELMORA_BINARY_DIR "/examples/gallery/gallery"); }
+QString Program() { return BuiltFile("examples/gallery/gallery"); }
 
 /// Runs the gallery without a display; returns its exit status and what it complains about.
 int RunGallery(const QStringList& arguments, QString* errors) {
@@ -32,8 +32,7 @@ TEST(Gallery, LooksAsItDid) {
   const QString file = TestFolder() + "/gallery.png";
   QString errors;
   ASSERT_EQ(RunGallery({"--render", file}, &errors), 0) << errors.toStdString();
-  ExpectSamePicture(QImage(file), QImage(VELMORA_SOURCE_DIR "/tests/data/gallery.png"), "gallery",
-                    5);
+  ExpectSamePicture(QImage(file), QImage(SourceFile("tests/data/gallery.png")), "gallery", 5);
 }
 
 TEST(Gallery, SaysThatItCannotWrite) {

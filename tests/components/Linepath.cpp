@@ -11,6 +11,7 @@
 
 #include "components/graphing/Curvepainter.h"
 #include "tests/components/Panelfixture.h"
+#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -117,7 +118,7 @@ class TCurves {
 /// Writes what differs into the build folder, for a look.
 void ExpectSamePicture(const QImage& drawn, const QImage& plain, int round) {
   if (drawn == plain) return;
-  const QString file = QStringLiteral(VELMORA_BINARY_DIR "/linepath-%1-%2.png").arg(round);
+  const QString file = BuiltFile("linepath-%1-%2.png").arg(round);
   drawn.save(file.arg(QStringLiteral("merged")));
   plain.save(file.arg(QStringLiteral("plain")));
   ADD_FAILURE() << "curve " << round << " differs";

@@ -153,8 +153,7 @@ TEST_F(TQLXXMLClientTest, FindsAServerThatComesBack) {
 
 /// The server as a program, killed without a word.
 TEST_F(TQLXXMLClientTest, FindsAServerThatWasKilled) {
-  const QString program =
-      QStringLiteral(VELMORA_BINARY_DIR "/examples/package-server/package-server");
+  const QString program = BuiltFile("examples/package-server/package-server");
   server.Stop();
   client->SetAutoConnect(true);
   QString number = QStringLiteral("0");
@@ -368,10 +367,10 @@ class TXMLFileClientTest : public testing::Test {
   QStringList statuses;
 };
 
-constexpr const char* kRecord = VELMORA_SOURCE_DIR "/examples/mast.packages";
+const QString kRecord = SourceFile("examples/mast.packages");
 
 TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
-  client.SetFileName(QString::fromUtf8(kRecord));
+  client.SetFileName(kRecord);
   const qint64 size = QFileInfo(client.GetFileName()).size();
   TRowRecorder::TRows mast;
   for (const int block : {16384, 7001, 997}) {
@@ -448,7 +447,7 @@ TEST_F(TXMLFileClientTest, EndsWithAFileThatVanishesOrGetsShorter) {
 }
 
 TEST_F(TXMLFileClientTest, NeverOpensByItself) {
-  client.SetFileName(QString::fromUtf8(kRecord));
+  client.SetFileName(kRecord);
   client.SetAutoConnect(true);
   Tick(100);
   EXPECT_FALSE(client.GetActive());
@@ -476,7 +475,7 @@ TEST_F(TXMLFileClientTest, DoesNotLogIntoTheFileThatItReads) {
 }
 
 TEST_F(TXMLFileClientTest, MayBeClosedByARow) {
-  client.SetFileName(QString::fromUtf8(kRecord));
+  client.SetFileName(kRecord);
   recorder.OnRow = [this] { client.SetActive(false); };
   client.SetActive(true);
   Tick(2);

@@ -36,7 +36,7 @@ struct TRow {
 };
 
 const QString& RecordName() {
-  static const QString name = QStringLiteral(VELMORA_SOURCE_DIR "/examples/values/pump.txt");
+  static const QString name = SourceFile("examples/values/pump.txt");
   return name;
 }
 
@@ -363,7 +363,7 @@ int RunValues(const QStringList& arguments, QString* errors) {
   environment.insert("QT_QPA_PLATFORM", "offscreen");
   environment.insert("XDG_RUNTIME_DIR", TestFolder());
   program.setProcessEnvironment(environment);
-  program.start(QStringLiteral(VELMORA_BINARY_DIR "/examples/values/values"), arguments);
+  program.start(BuiltFile("examples/values/values"), arguments);
   EXPECT_TRUE(program.waitForFinished()) << program.errorString().toStdString();
   *errors = QString::fromUtf8(program.readAllStandardError());
   return program.exitCode();

@@ -14,9 +14,7 @@
 
 namespace {
 
-QString ExampleFile(const QString& name) {
-  return QStringLiteral(VELMORA_SOURCE_DIR "/examples/") + name;
-}
+QString ExampleFile(const QString& name) { return SourceFile("examples/" + name); }
 
 std::string Content(const QString& fileName) {
   QFile file(fileName);

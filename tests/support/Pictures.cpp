@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "tests/support/Testsupport.h"
+
 namespace {
 
 constexpr int kLevels = 16;
@@ -46,7 +48,7 @@ void ExpectSamePicture(const QImage& actual, const QImage& expected, const std::
   const int allowed = actual.width() * actual.height() / 1000 * perMille;
   EXPECT_LE(off, allowed) << name;
   if (off <= allowed && !std::getenv("VELMORA_KEEP_PICTURES")) return;
-  const QString folder = QStringLiteral(VELMORA_BINARY_DIR "/pictures/");
+  const QString folder = BuiltFile("pictures/");
   QDir().mkpath(folder);
   const QString file = folder + QString::fromStdString(name);
   actual.save(file + "-actual.png");

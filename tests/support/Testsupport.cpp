@@ -62,8 +62,12 @@ QStringList TakeMessages() { return std::exchange(messages, {}); }
 
 void ExpectQtWarning(const QString& part) { expectedWarnings << part; }
 
+QString SourceFile(const QString& name) { return VELMORA_SOURCE_DIR "/" + name; }
+
+QString BuiltFile(const QString& name) { return VELMORA_BINARY_DIR "/" + name; }
+
 std::string TestData(const QString& name) {
-  QFile file(QStringLiteral(VELMORA_SOURCE_DIR "/tests/data/") + name);
+  QFile file(SourceFile("tests/data/" + name));
   EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
   return file.readAll().toStdString();
 }
@@ -82,7 +86,7 @@ QString WriteTestFile(const QString& name, const QByteArray& content) {
 }
 
 QString Document(const QString& name) {
-  QFile file(QStringLiteral(VELMORA_SOURCE_DIR "/docs/") + name);
+  QFile file(SourceFile("docs/" + name));
   EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
   return QString::fromUtf8(file.readAll());
 }

@@ -16,6 +16,12 @@ QStringList TakeMessages();
 /// the test.
 void ExpectQtWarning(const QString& part);
 
+/// The full name of a file of the source tree, such as "docs/user-guide.md".
+QString SourceFile(const QString& name);
+
+/// The full name of a file in the build folder, such as "velmora-animator".
+QString BuiltFile(const QString& name);
+
 /// A file of tests/data, whole. Fails the test if it is missing.
 std::string TestData(const QString& name);
 

@@ -7,6 +7,8 @@
 #include <set>
 #include <string>
 
+#include "tests/support/Testsupport.h"
+
 namespace {
 
 using TGraph = std::map<std::string, std::set<std::string>>;
@@ -20,7 +22,7 @@ std::string UnitOf(const QString& path) {
 const TGraph& Includes() {
   static const TGraph result = [] {
     const QRegularExpression include(R"(^\s*#\s*include\s+"([^"]+)\")");
-    const QString root = QStringLiteral(VELMORA_SOURCE_DIR "/");
+    const QString root = SourceFile("");
     TGraph graph;
     for (const char* room : {"model", "components", "viewer"}) {
       QDirIterator files(root + room, {"*.h", "*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
@@ -71,8 +73,7 @@ TEST(Includes, FormNoCycle) {
 TEST(Includes, AreWrittenFromTheRoot) {
   for (const auto& [unit, used] : Includes()) {
     for (const std::string& target : used) {
-      const QString header =
-          QStringLiteral(VELMORA_SOURCE_DIR "/") + QString::fromStdString(target) + ".h";
+      const QString header = SourceFile(QString::fromStdString(target) + ".h");
       EXPECT_TRUE(QFile::exists(header)) << unit << " includes " << target;
     }
   }

@@ -38,7 +38,7 @@ TRun RunProgram(const QStringList& arguments, TDisplay display = TDisplay::None)
   QProcess process;
   process.setProcessEnvironment(environment);
   process.setWorkingDirectory(TestFolder());
-  process.start(VELMORA_BINARY_DIR "/velmora-animator", arguments);
+  process.start(BuiltFile("velmora-animator"), arguments);
   EXPECT_TRUE(process.waitForFinished(60'000)) << process.errorString().toStdString();
   EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
