@@ -17,7 +17,7 @@ class TChannelSource;
 class TQLXClient : public TIconControl {
   Q_OBJECT
   Q_PROPERTY(bool AutoConnect READ GetAutoConnect WRITE SetAutoConnect)
-  Q_PROPERTY(bool Active READ GetActive WRITE SetActive)
+  Q_PROPERTY(bool Active READ IsSwitchedOn WRITE SetActive)
   Q_PROPERTY(QString ChannelSource READ GetChannelSourceName WRITE SetChannelSourceName)
   Q_PROPERTY(QString LogFile READ GetLogFile WRITE SetLogFile)
   Q_PROPERTY(bool Logging READ GetLogging WRITE SetLogging)
@@ -35,6 +35,8 @@ class TQLXClient : public TIconControl {
   virtual bool GetActive() const = 0;
   /// Set while the form is being read, it takes effect once the form is complete.
   virtual void SetActive(bool active);
+  /// What forms store: until the form is complete, whether the client will become active then.
+  bool IsSwitchedOn() const { return IsLoading() ? activeWhenLoaded_ : GetActive(); }
 
   /// Where the rows go; null for none. Not owned, may go first.
   TChannelSource* GetChannelSource() const;
