@@ -35,7 +35,7 @@ class TSystemDriver final : public TSerialDriver {
     return false;
   }
 
-  void SetLine(const TLineSettings& line) override;
+  bool SetLine(const TLineSettings& line) override;
   void SetQueueSizes(int input, int output) override;
   int Read(std::span<char> buffer) override;
   int Write(std::span<const char> bytes) override;
@@ -65,18 +65,23 @@ class TSystemDriver final : public TSerialDriver {
   bool lost_ = false;
 };
 
-void TSystemDriver::SetLine(const TLineSettings& line) {
+bool TSystemDriver::SetLine(const TLineSettings& line) {
   constexpr int kHandshake = 2;
   // Handshake over DTR, and an RTS that follows the output queue, are not to be had; the line is
   // kept high, which is how such a device can be talked to.
   const bool handshake = line.controlRTS == kHandshake;
-  port_.setBaudRate(line.baudRate);
-  port_.setDataBits(static_cast<QSerialPort::DataBits>(line.dataBits));
-  port_.setParity(ParityOf(line.parity));
-  port_.setStopBits(StopBitsOf(line.stopBits));
-  port_.setFlowControl(handshake ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
+  const bool taken =
+      port_.setBaudRate(line.baudRate) &&
+      port_.setDataBits(static_cast<QSerialPort::DataBits>(line.dataBits)) &&
+      port_.setParity(ParityOf(line.parity)) && port_.setStopBits(StopBitsOf(line.stopBits)) &&
+      port_.setFlowControl(handshake ? QSerialPort::HardwareControl : QSerialPort::NoFlowControl);
+  if (!taken) {
+    error_ = QStringLiteral("Cannot set up %1: %2").arg(port_.portName(), port_.errorString());
+    return false;
+  }
   port_.setDataTerminalReady(line.controlDTR != 0);
   if (!handshake) port_.setRequestToSend(line.controlRTS != 0);
+  return true;
 }
 
 void TSystemDriver::SetQueueSizes(int input, int output) {

@@ -24,9 +24,9 @@ class TSerialDriver {
   /// Opens an existing device for reading and writing, shared with nobody. False with the reason in
   /// ErrorText.
   virtual bool Open(const QString& portName) = 0;
-  /// What the device does not support is left as it was. All other flow control and error handling
-  /// is switched off.
-  virtual void SetLine(const TLineSettings& line) = 0;
+  /// Sets the line; all other flow control and error handling is switched off. False with the
+  /// reason in ErrorText if the device refuses; one without DTR and RTS does not.
+  [[nodiscard]] virtual bool SetLine(const TLineSettings& line) = 0;
   /// A recommendation, in bytes.
   virtual void SetQueueSizes(int input, int output) = 0;
 
@@ -43,7 +43,7 @@ class TSerialDriver {
   /// Sends what is to be sent and blocks the thread for the whole time.
   virtual void Wait(int milliseconds) = 0;
 
-  /// Why the device could not be opened, or was lost.
+  /// Why the device could not be opened or set up, or was lost.
   virtual QString ErrorText() const = 0;
 };
 

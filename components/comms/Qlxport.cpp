@@ -44,23 +44,28 @@ void TQLXPort::Open() {
   if (connected_) return;
   driver_ = makeDriver_();
   connected_ = driver_->Open(GetPortNum());
-  if (!connected_) {
-    errorText_ = driver_->ErrorText();
-    driver_.reset();
-    autoRun_ = false;
-    readTimer_.SetEnabled(false);
-    requestTimer_.SetEnabled(false);
-    emit OnClose(this);
-    return;
-  }
+  if (!connected_ || !SetupComPort()) return FailToOpen();
   errorText_.clear();
   ForgetBytes();
-  ApplyDCB();
-  ApplyTimeouts();
-  ApplyBuffer();
   const QPointer<TQLXPort> self(this);
   emit OnOpen(this);
   if (self && connected_) readTimer_.SetEnabled(true);
+}
+
+bool TQLXPort::SetupComPort() {
+  if (!ApplyDCB()) return false;
+  ApplyTimeouts();
+  ApplyBuffer();
+  return true;
+}
+
+void TQLXPort::FailToOpen() {
+  errorText_ = driver_->ErrorText();
+  driver_.reset();
+  connected_ = autoRun_ = false;
+  readTimer_.SetEnabled(false);
+  requestTimer_.SetEnabled(false);
+  emit OnClose(this);
 }
 
 void TQLXPort::Close() {
@@ -70,7 +75,7 @@ void TQLXPort::Close() {
   driver_->Purge(true, true);
   driver_.reset();
   connected_ = false;
-  if (!probing_) autoRun_ = false;
+  if (!starting_) autoRun_ = false;
   ForgetBytes();
   emit OnClose(this);
 }
@@ -94,8 +99,8 @@ void TQLXPort::SetPortNum(const QString& name) {
   }
 }
 
-void TQLXPort::ApplyDCB() {
-  if (!connected_) return;
+bool TQLXPort::ApplyDCB() {
+  if (!connected_) return true;
   TLineSettings line;
   line.baudRate = QLXBaudRateToInt(GetBaudRate());
   line.dataBits = DataBitsToByte(GetDataBits());
@@ -103,7 +108,7 @@ void TQLXPort::ApplyDCB() {
   line.parity = ParityBitsToByte(GetParity());
   line.controlDTR = DTRControlToInt(GetControlDTR());
   line.controlRTS = RTSControlToInt(GetControlRTS());
-  driver_->SetLine(line);
+  return driver_->SetLine(line);
 }
 
 void TQLXPort::ApplyBuffer() {
@@ -164,18 +169,18 @@ void TQLXPort::SetAutoRun(bool on) {
 
 void TQLXPort::StartAutoRun() {
   const QPointer<TQLXPort> self(this);
-  autoRun_ = true;
+  autoRun_ = starting_ = true;
+  runMode_ = GetControlQLX();
   InitAutoRunParameters();
-  if (self && autoRun_) Open();
+  if (!self) return;
+  starting_ = false;
+  if (autoRun_) Open();
   if (!self || !autoRun_) return;
   StartStopWatch();
-  if (GetControlQLX() == sfcSoftware) {
-    outstandingRequests_ = 0;
-    skippedTicks_ = 0;
-    requestTimer_.SetEnabled(true);
-  } else {
-    RequestData();
-  }
+  if (Streams()) return RequestData();
+  outstandingRequests_ = 0;
+  skippedTicks_ = 0;
+  requestTimer_.SetEnabled(true);
 }
 
 void TQLXPort::StopDevice() {
@@ -190,22 +195,18 @@ void TQLXPort::StopDevice() {
 
 void TQLXPort::InitAutoRunParameters() {
   const QPointer<TQLXPort> self(this);
-  probing_ = true;
   readTimer_.SetOnTimer({});
   Open();
   if (self) ProbeDevice();
   if (self) Close();
-  if (!self) return;
-  readTimer_.SetOnTimer(TNotifyEvent(this, &TQLXPort::ReadTick));
-  probing_ = false;
+  if (self) readTimer_.SetOnTimer(TNotifyEvent(this, &TQLXPort::ReadTick));
 }
 
 void TQLXPort::ProbeDevice() {
   const QPointer<TQLXPort> self(this);
   AskPacketLength();
-  const bool polled = GetControlQLX() == sfcSoftware;
   for (const QByteArray& command :
-       {polled ? kPolledLoop : kStreamingLoop, polled ? kLoopReadOff : kLoopReadOn}) {
+       {Streams() ? kStreamingLoop : kPolledLoop, Streams() ? kLoopReadOn : kLoopReadOff}) {
     if (!self) return;
     SendQLXCommand(command, kAnswerMs);
   }
@@ -278,7 +279,7 @@ void TQLXPort::ReadSignal(const char* data, int count) {
 bool TQLXPort::Decode(bool needsRoom) {
   const QPointer<TQLXPort> self(this);
   const unsigned session = session_;
-  const bool streaming = GetControlQLX() == sfcHardware;
+  const bool streaming = Streams();
   decoder_.SetBytesPerSample(BytesPerSample());
   decoder_.SetTimeIncrement(streaming ? TimeIncrement() : 0.0);
   for (;;) {

@@ -44,7 +44,8 @@ class TQLXPort : public TQLXSettings {
   void SetPortNum(const QString& name) override;
 
   // Each hands its settings to the driver; nothing happens while the port is closed.
-  void ApplyDCB();
+  /// False if the device refuses; Open then fails.
+  bool ApplyDCB();
   void ApplyBuffer();
   /// Reads return at once with what is there, as they do with every driver: nothing is to be set.
   void ApplyTimeouts() {}
@@ -99,7 +100,11 @@ class TQLXPort : public TQLXSettings {
   void OnTraffic(QByteArrayView bytes, bool sent);
 
  private:
+  bool SetupComPort();
+  void FailToOpen();
   void ForgetBytes();
+  /// The device streams; a mode that is set during AutoRun counts from the next one on.
+  bool Streams() const { return (autoRun_ ? runMode_ : GetControlQLX()) == sfcHardware; }
   void StartAutoRun();
   void StopDevice();
   void ProbeDevice();
@@ -116,7 +121,8 @@ class TQLXPort : public TQLXSettings {
   std::unique_ptr<TSerialDriver> driver_;  ///< null while closed
   bool connected_ = false;
   bool autoRun_ = false;
-  bool probing_ = false;
+  bool starting_ = false;                  ///< AutoRun is: the port opens and closes on the way
+  TQLXFlowControl runMode_ = sfcHardware;  ///< what AutoRun was started with
   bool reading_ = false;
   QString errorText_;
 

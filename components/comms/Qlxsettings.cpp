@@ -50,8 +50,15 @@ QString TQLXSettings::ComString(const QString& name) {
   return QStringLiteral("COM%1").arg(exists ? number : 1);
 }
 
+/// The number of the port goes last: an open port opens anew with it, and with all the others.
 void TQLXSettings::AssignTo(TPersistent* destination) const {
-  if (qobject_cast<TQLXSettings*>(destination)) CopyPublished(*this, *destination);
+  const QPointer<TQLXSettings> settings(qobject_cast<TQLXSettings*>(destination));
+  if (!settings) return;
+  TQLXSettings others;
+  CopyPublished(*this, others);
+  others.SetPortNum(settings->GetPortNum());
+  CopyPublished(others, *settings);
+  if (settings) settings->SetPortNum(portNum_);
 }
 
 bool TQLXSettings::SameAs(const TPersistent* other) const {

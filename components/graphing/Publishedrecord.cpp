@@ -99,7 +99,9 @@ bool ReadPublished(const QJsonObject& record, TPersistent& object, QString* erro
 }
 
 void CopyPublished(const TPersistent& source, TPersistent& destination) {
+  const QPointer<TPersistent> alive(&destination);  // a listener may destroy it
   ForEachPublished(source, [&](const QMetaProperty& property) {
+    if (!alive) return;
     const QMetaObject* meta = destination.metaObject();
     const QMetaProperty target = meta->property(meta->indexOfProperty(property.name()));
     if (!target.isValid()) return;

@@ -27,7 +27,7 @@ class TDeviceDriver : public TSerialDriver {
  public:
   explicit TDeviceDriver(TDevice& device) : device_(device) {}
   bool Open(const QString&) override { return device_.present; }
-  void SetLine(const TLineSettings&) override {}
+  bool SetLine(const TLineSettings&) override { return true; }
   void SetQueueSizes(int, int) override {}
   int Read(std::span<char> buffer) override {
     const std::size_t count = std::min(buffer.size(), device_.waiting.size());

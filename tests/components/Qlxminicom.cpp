@@ -47,7 +47,7 @@ class TEchoDriver : public TSerialDriver {
  public:
   explicit TEchoDriver(QByteArray& queue) : queue_(queue) {}
   bool Open(const QString&) override { return true; }
-  void SetLine(const TLineSettings&) override {}
+  bool SetLine(const TLineSettings&) override { return true; }
   void SetQueueSizes(int, int) override {}
   int Read(std::span<char> buffer) override {
     const QByteArray bytes = queue_.left(static_cast<qsizetype>(buffer.size()));

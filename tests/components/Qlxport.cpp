@@ -18,6 +18,7 @@ struct TFakeLine {
   QByteArray incoming;
   QByteArray probeAnswer;  ///< comes in after each data request
   bool exists = true;
+  bool takesSettings = true;
   bool lost = false;
 
   QStringList TakeLog() { return std::exchange(log, {}); }
@@ -32,7 +33,7 @@ class TFakeDriver : public TSerialDriver {
     line_.log << "open " + portName;
     return line_.exists;
   }
-  void SetLine(const TLineSettings& l) override {
+  bool SetLine(const TLineSettings& l) override {
     line_.log << QStringLiteral("line %1 %2 %3 %4 %5 %6")
                      .arg(l.baudRate)
                      .arg(l.dataBits)
@@ -40,6 +41,7 @@ class TFakeDriver : public TSerialDriver {
                      .arg(l.parity)
                      .arg(l.controlDTR)
                      .arg(l.controlRTS);
+    return line_.takesSettings;
   }
   void SetQueueSizes(int input, int output) override {
     line_.log << QStringLiteral("queues %1 %2").arg(input).arg(output);
@@ -136,6 +138,14 @@ TEST_F(TQLXPortTest, APortThatCannotBeOpenedIsClosedWithItsEvent) {
   port().SetAutoRun(true);
   EXPECT_THAT(line.TakeLog(), ElementsAre("open COM1", "close", "OnClose"));
   EXPECT_FALSE(port().GetAutoRun());
+
+  line.exists = true;
+  line.takesSettings = false;
+  port().SetAutoRun(true);
+  EXPECT_THAT(line.TakeLog(), ElementsAre("open COM1", "line 38400 8 0 0 0 1", "close", "OnClose"));
+  EXPECT_FALSE(port().GetConnected());
+  Tick(3);
+  EXPECT_TRUE(line.log.isEmpty());
 }
 
 TEST_F(TQLXPortTest, AnotherPortNumberReopensAConnectedPort) {
@@ -149,6 +159,46 @@ TEST_F(TQLXPortTest, AnotherPortNumberReopensAConnectedPort) {
   port().SetPortNum("4");
   EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "close", "OnClose", "open COM4",
                                           "line 38400 8 0 0 0 1", "queues 1200 1200", "OnOpen"));
+}
+
+TEST_F(TQLXPortTest, OtherSettingsGoToARunningDeviceTogether) {
+  Run(TQLXPort::sfcHardware);
+  TQLXSettings settings;
+  settings.SetBaudRate(TQLXPort::brs115200);
+  settings.SetPortNum("COM2");
+  settings.SetOutBufSize(50);
+  settings.SetControlQLX(TQLXPort::sfcSoftware);
+  port().Assign(&settings);
+  const QStringList log = line.TakeLog();
+  const qsizetype reopened = log.indexOf("open COM2");
+  EXPECT_THAT(log.first(reopened), testing::Contains("sloop1<CR>"));
+  EXPECT_THAT(log.mid(reopened), testing::Contains("line 115200 8 0 0 0 1"));
+  EXPECT_THAT(log.mid(reopened), testing::Contains("queues 1200 50"));
+  EXPECT_THAT(log.mid(reopened), testing::Contains("sloop1<CR>"));
+  EXPECT_TRUE(port().GetAutoRun());
+}
+
+TEST_F(TQLXPortTest, AModeThatIsSetMeanwhileCountsFromTheNextAutoRunOn) {
+  Run(TQLXPort::sfcHardware);
+  port().SetControlQLX(TQLXPort::sfcSoftware);
+  line.incoming = Packet('\xf8') + Packet('\xf8');
+  Tick(3);
+  ASSERT_EQ(rows.size(), 2u);
+  EXPECT_GT(rows[1][0], rows[0][0]);  // a stream goes on
+  EXPECT_TRUE(line.TakeLog().isEmpty());
+  port().SetAutoRun(false);
+  line.log.clear();
+  port().SetAutoRun(true);
+  EXPECT_THAT(line.TakeLog(), testing::Contains("sloop1<CR>"));
+  Tick();
+  EXPECT_THAT(line.TakeLog(), ElementsAre("mr<CR>"));
+}
+
+TEST_F(TQLXPortTest, AProbeWithoutAutoRunLeavesThePortClosed) {
+  Run(TQLXPort::sfcHardware);
+  port().InitAutoRunParameters();
+  EXPECT_FALSE(port().GetConnected());
+  EXPECT_FALSE(port().GetAutoRun());
 }
 
 TEST_F(TQLXPortTest, SendsCommandsAndReadsAnswers) {

@@ -59,7 +59,7 @@ class TBenchDriver : public TSerialDriver {
  public:
   explicit TBenchDriver(TBench& bench) : bench_(bench) {}
   bool Open(const QString& portName) override { return system_->Open(portName); }
-  void SetLine(const TLineSettings& line) override { system_->SetLine(line); }
+  bool SetLine(const TLineSettings& line) override { return system_->SetLine(line); }
   void SetQueueSizes(int input, int output) override { system_->SetQueueSizes(input, output); }
   int Read(std::span<char> buffer) override { return system_->Read(buffer); }
   int Write(std::span<const char> bytes) override {
@@ -218,7 +218,7 @@ TEST_F(SerialDevice, ACableThatIsPulledOutClosesThePort) {
   EXPECT_THAT(port.GetErrorText().toStdString(), testing::StartsWith("Cannot open /dev/"));
 }
 
-TEST_F(SerialDevice, RefusedLineSettingsDoNotKeepThePortClosed) {
+TEST_F(SerialDevice, OpensALineThatKnowsLittleOfItsSettings) {
   port.SetStopBits(TQLXPort::sbOne5StopBits);
   port.SetParity(TQLXPort::prMark);
   port.SetDataBits(TQLXPort::dbFive);
