@@ -61,6 +61,7 @@ void TQLXClientSocket::Open() {
 void TQLXClientSocket::Close() {
   if (IsConnecting()) {
     socket_->abort();
+    emit OnDisconnect(this);
     return;
   }
   if (connected_ && !announced_) {

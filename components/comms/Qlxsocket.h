@@ -45,8 +45,8 @@ class TQLXClientSocket : public TPersistent {
   /// Begins to connect; does nothing while connected or connecting.
   void Open();
   /// Ends the connection; what was sent before still goes out. Fires OnDisconnect first, whose
-  /// handler may send a farewell and may call Close to end the connection there. An attempt to
-  /// connect is given up without an event.
+  /// handler may send a farewell and may call Close to end the connection there. After an attempt
+  /// to connect that is given up it fires, too.
   void Close();
 
   /// Takes the bytes to be sent; false without a connection.
@@ -60,7 +60,7 @@ class TQLXClientSocket : public TPersistent {
  signals:
   void OnConnecting(QObject* sender);
   void OnConnect(QObject* sender);
-  /// Closed by Close, or by the other side after all that it sent has been given to OnRead.
+  /// Ended by Close, or closed by the other side after all that it sent has been given to OnRead.
   void OnDisconnect(QObject* sender);
   /// Bytes wait.
   void OnRead(QObject* sender);

@@ -212,6 +212,17 @@ TEST_F(TQLXXMLClientTest, SaysWhyThereIsNoConnection) {
   EXPECT_THAT(active, testing::IsEmpty());
 }
 
+TEST_F(TQLXXMLClientTest, GivesAnAttemptToConnectUp) {
+  client->SetActive(true);
+  ASSERT_TRUE(client->GetSocket()->IsConnecting());
+  client->SetActive(false);
+  EXPECT_FALSE(client->GetSocket()->IsConnecting());
+  EXPECT_EQ(statuses,
+            QStringList({"Connecting to " + Address(), "Disconnected from " + Address()}));
+  EXPECT_THAT(active, testing::IsEmpty());
+  Connect();
+}
+
 TEST_F(TQLXXMLClientTest, GoesOnAfterEveryFaultOfTheServer) {
   server.SetRateFactor(20.0);
   Connect();
