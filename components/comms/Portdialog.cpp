@@ -36,6 +36,8 @@ TPortDialog::TPortDialog(TQLXSettings& port, QWidget* parent) : QDialog(parent),
   all->addLayout(TestRow());
   all->addWidget(buttons);
   ShowSettings();
+  // A rate with more digits than are shown stays as it is until the user changes it.
+  connect(sampleRate_, &QDoubleSpinBox::valueChanged, &edited_, &TQLXSettings::SetQLXSampleRate);
 }
 
 void TPortDialog::accept() {
@@ -156,7 +158,6 @@ void TPortDialog::TakeSettings() {
   edited_.SetPortNum(portNum_->currentText());
   edited_.SetResolution(static_cast<T::TQLXResolution>(resolution_->currentIndex()));
   edited_.SetControlQLX(static_cast<T::TQLXFlowControl>(controlQLX_->currentIndex()));
-  edited_.SetQLXSampleRate(sampleRate_->value());
   edited_.SetBaudRate(static_cast<T::TQLXBaudRate>(baudRate_->currentIndex()));
   edited_.SetDataBits(static_cast<T::TDataBits>(dataBits_->currentIndex()));
   edited_.SetParity(static_cast<T::TParityBits>(parity_->currentIndex()));

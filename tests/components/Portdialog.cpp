@@ -60,6 +60,14 @@ TEST(TPortDialog, EditsEveryPublishedSettingAndStoresThemOnOk) {
   EXPECT_EQ(WritePublished(port), expected);
 }
 
+TEST(TPortDialog, OkKeepsARateThatItCannotShowWhole) {
+  TTrialSettings port;
+  port.SetQLXSampleRate(1000.0 / 7.0);
+  TPortDialog dialog(port);
+  dialog.accept();
+  EXPECT_EQ(port.GetQLXSampleRate(), 1000.0 / 7.0);
+}
+
 TEST(TPortDialog, CancelChangesNothing) {
   TTrialSettings port;
   TPortDialog dialog(port);
