@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QFile>
 #include <cstdlib>
 #include <optional>
 #include <random>
@@ -145,6 +146,43 @@ TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
     EXPECT_EQ(package.Counts().Abandoned - before, c.abandoned);
     recorder.Clear();
     package.Parse(good);
+    EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
+  }
+}
+
+/// Memory of this process in bytes; 0 where the system does not say.
+double ResidentBytes() {
+  QFile file(QStringLiteral("/proc/self/statm"));
+  if (!file.open(QIODevice::ReadOnly)) return 0.0;
+  constexpr double kPage = 4096.0;
+  return file.readAll().split(' ').value(1).toDouble() * kPage;
+}
+
+TEST_F(TQLXPackageTest, KeepsItsMemoryWhateverNeverEnds) {
+  const struct {
+    const char* start;
+    std::string more;
+  } cases[] = {
+      {"", "rubbish "},
+      {"<", "t"},
+      {"<w id=\"a\">", "1 2 3\r\n"},
+      {"<w id=\"a\">", "1 2 3 "},
+      {"<w id=\"a\">", "<<"},
+      {"<w id=\"a\">", "<w id=\"a\">1\n2\n"},
+      {"<w id=\"a\">1</", "n"},
+  };
+  constexpr double kMega = 1e6, kSent = 128 * kMega;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.start + c.more);
+    std::string piece;
+    while (piece.size() < kMega) piece += c.more;
+    const double before = ResidentBytes();
+    package.Parse(c.start);
+    for (double sent = 0; sent < kSent; sent += kMega) package.Parse(piece);
+    EXPECT_LT(ResidentBytes() - before, kSent / 2);
+    package.Reset();
+    recorder.Clear();
+    package.Parse("<w id=\"a\">1 2 3</w>");
     EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
   }
 }
