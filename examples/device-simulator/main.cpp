@@ -1,10 +1,13 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <algorithm>
+#include <QFile>
+#include <QFileInfo>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <optional>
 
+#include "examples/Numberoption.h"
 #include "examples/device-simulator/Devicesimulator.h"
 #include "examples/device-simulator/Pty.h"
 
@@ -27,15 +30,45 @@ struct TOptions {
   QCommandLineOption late{"late", "Send everything so much later.", "MS", "0"};
   QCommandLineOption silentAfter{"silent-after", "Send nothing any more after so long.", "S", "-1"};
   QCommandLineOption seconds{"seconds", "End after so long.", "S", "-1"};
+  QCommandLineOption link{
+      "link", "Make a link to the terminal, to be found by the same name after each start.",
+      "FILE"};
 };
 
+/// A name for the terminal while the program runs. One that a killed program has left is replaced.
+class TLink {
+ public:
+  TLink(const QString& name, const QString& target) : name_(name) {
+    if (QFileInfo(name).isSymbolicLink()) QFile::remove(name);
+    made_ = QFile::link(target, name);
+  }
+  ~TLink() {
+    if (made_) QFile::remove(name_);
+  }
+  TLink(const TLink&) = delete;
+  TLink& operator=(const TLink&) = delete;
+  bool IsMade() const { return made_; }
+
+ private:
+  QString name_;
+  bool made_ = false;
+};
+
+int Fail(const QString& sentence) {
+  std::fprintf(stderr, "%s\n", qPrintable(sentence));
+  return EXIT_FAILURE;
+}
+
 void SetUp(TDeviceSimulator& device, const QCommandLineParser& parser, const TOptions& options) {
-  device.Inputs = parser.value(options.inputs).toInt();
-  device.RateHz = std::clamp(parser.value(options.rate).toDouble(), 0.001, 100'000.0);
-  device.MarkerEvery = parser.value(options.markers).toInt();
-  device.Faults.dropRate = parser.value(options.drop).toDouble();
-  device.Faults.garbageRate = parser.value(options.garbage).toDouble();
-  device.Faults.lateSeconds = parser.value(options.late).toDouble() / 1000.0;
+  const auto number = [&parser](const QCommandLineOption& option, double least, double most) {
+    return NumberOption(parser, option, least, most);
+  };
+  device.Inputs = static_cast<int>(number(options.inputs, 1.0, 127.0));
+  device.RateHz = number(options.rate, 0.001, 100'000.0);
+  device.MarkerEvery = static_cast<int>(number(options.markers, 0.0, 1e9));
+  device.Faults.dropRate = number(options.drop, 0.0, 1.0);
+  device.Faults.garbageRate = number(options.garbage, 0.0, 1.0);
+  device.Faults.lateSeconds = number(options.late, 0.0, 1e6) / 1000.0;
 }
 
 void Run(TDeviceSimulator& device, TPty& line, double silentAfter, double seconds) {
@@ -58,27 +91,31 @@ int main(int argc, char** argv) {
   parser.addHelpOption();
   const TOptions options;
   parser.addOptions({options.inputs, options.rate, options.markers, options.drop, options.garbage,
-                     options.late, options.silentAfter, options.seconds});
+                     options.late, options.silentAfter, options.seconds, options.link});
   parser.process(application);
 
+  TDeviceSimulator device;
+  SetUp(device, parser, options);
+  const double silentAfter = NumberOption(parser, options.silentAfter, -1.0, 1e9);
+  const double seconds = NumberOption(parser, options.seconds, -1.0, 1e9);
   TPty line;
-  if (line.Path().empty()) {
-    std::fprintf(stderr, "Cannot make a pseudo terminal\n");
-    return 1;
+  if (line.Path().empty()) return Fail(QStringLiteral("Cannot make a pseudo terminal"));
+  std::optional<TLink> link;
+  if (parser.isSet(options.link)) {
+    const QString name = parser.value(options.link);
+    link.emplace(name, QString::fromStdString(line.Path()));
+    if (!link->IsMade()) return Fail(QStringLiteral("Cannot make the link %1").arg(name));
   }
   std::printf("%s\n", line.Path().c_str());
   std::fflush(stdout);
   std::signal(SIGINT, [](int) { stopped = 1; });
   std::signal(SIGTERM, [](int) { stopped = 1; });
 
-  TDeviceSimulator device;
-  SetUp(device, parser, options);
-  Run(device, line, parser.value(options.silentAfter).toDouble(),
-      parser.value(options.seconds).toDouble());
+  Run(device, line, silentAfter, seconds);
   std::printf("%llu packets, %llu markers, %llu requests, %llu bytes lost on a full line\n",
               static_cast<unsigned long long>(device.PacketsSent()),
               static_cast<unsigned long long>(device.MarkersSent()),
               static_cast<unsigned long long>(device.RequestsTaken()),
               static_cast<unsigned long long>(line.BytesLost()));
-  return 0;
+  return EXIT_SUCCESS;
 }

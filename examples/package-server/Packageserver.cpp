@@ -198,7 +198,7 @@ void TPackageServer::SendFault(TServerFault fault, const QByteArray& package) {
 void TPackageServer::SendDue() {
   constexpr double kLongest = 1.0;  // a machine that slept does not send all that it missed
   const double seconds = std::min(static_cast<double>(clock_.restart()) / 1000.0, kLongest);
-  if (Replay.isEmpty()) {
+  if (Replay.IsEmpty()) {
     SendSimulated(seconds * rateFactor_);
   } else {
     SendReplay(seconds * rateFactor_);
@@ -217,11 +217,7 @@ void TPackageServer::SendSimulated(double seconds) {
 }
 
 void TPackageServer::SendReplay(double seconds) {
-  constexpr double kBytesPerSecond = 65536.0;
-  if (OpenCount() == 0) return;
-  const auto from = static_cast<qsizetype>(replayed_);
-  replayed_ = std::min(replayed_ + seconds * kBytesPerSecond, static_cast<double>(Replay.size()));
-  const auto to = static_cast<qsizetype>(replayed_);
-  if (to > from) SendPackage(Replay.sliced(from, to - from));
-  if (to == Replay.size()) replayed_ = 0.0;
+  if (seconds <= 0.0 || OpenCount() == 0) return;
+  Replay.Advance(seconds);
+  for (QByteArray piece; !(piece = Replay.Take()).isEmpty();) SendPackage(piece);
 }

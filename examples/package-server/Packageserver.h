@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "examples/package-server/Replay.h"
 #include "examples/package-server/Simulatedsets.h"
 
 class QTcpSocket;
@@ -41,9 +42,8 @@ class TPackageServer : public QObject {
   int Chunk = 0;
   /// Each connection is closed after this many bytes; negative for never.
   qint64 CutAfter = -1;
-  /// Sent, at the rate factor times 64 KiB per second and again from the start when it ends,
-  /// instead of simulated packages; empty for those.
-  QByteArray Replay;
+  /// Sent instead of simulated packages unless it is empty; waits while no client is open.
+  TReplay Replay;
 
   /// Time runs this many times as fast, 0 to kMaxRateFactor, others are ignored; with 0 nothing is
   /// sent by itself. Initially 1.
@@ -105,5 +105,4 @@ class TPackageServer : public QObject {
   double seconds_ = 0.0;  ///< of simulated time
   TDateTime start_;
   std::vector<std::int64_t> next_;  ///< row of each set that is due next
-  double replayed_ = 0.0;           ///< bytes
 };
