@@ -103,6 +103,12 @@ double TStatSet::Value(TStatValue value) const {
   }
 }
 
+double TStatSet::ShownValue(TStatValue value) const {
+  TStatSet shown = *this;
+  if (shown.Count > 0.0) shown.ComputeMoments();
+  return shown.Value(value);
+}
+
 bool TStatSet::IsValid() const {
   // Each of them times zero is zero, or else not a number.
   const double zero =

@@ -76,6 +76,9 @@ struct TStatSet {
   /// loses its values and keeps its time.
   void RescaleData(const TCalibration& from, const TCalibration& to);
   double Value(TStatValue value) const;
+  /// The same as a display shows it while the record is accumulated: Mean and StDev are those of
+  /// what is in it so far.
+  double ShownValue(TStatValue value) const;
   /// All eight are numbers, the count is not negative, and the time lies in the years 1 to 9999.
   [[nodiscard]] bool IsValid() const;
 

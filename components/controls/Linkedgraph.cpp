@@ -1,0 +1,84 @@
+#include "components/controls/Linkedgraph.h"
+
+#include <algorithm>
+
+#include "components/graphing/Graph.h"
+
+namespace {
+
+constexpr int kInitialPoints = 1000;
+
+QString CaptionOf(const TChannel* channel) {
+  if (!channel) return {};
+  if (channel->GetUnits().isEmpty()) return channel->GetLabel();
+  return QStringLiteral("%1 [%2]").arg(channel->GetLabel(), channel->GetUnits());
+}
+
+void SetUpAxis(TAxis& axis, const QString& caption, TStatValue value) {
+  axis.GetTitle()->SetCaption(caption);
+  axis.SetScale(value == svTime ? TAxis::asTime : TAxis::asLinear);
+}
+
+}  // namespace
+
+TLinkedGraph::TLinkedGraph(QWidget* parent) : TIconControl(parent) {
+  SetIconImage(QStringLiteral("TLinkedGraph"));
+  data_.SetMaxCount(kInitialPoints);
+  auto* series = graphLink_.AddSeries(std::make_unique<TSeries>());
+  series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+  series->DataSource = [this](int& index, TCoordinate& point, TCoordinate& extent) {
+    return ProvideGraphData(index, point, extent);
+  };
+  series->BlockSource = [this](int index, std::span<TCoordinate> points) {
+    const int count = std::min(static_cast<int>(points.size()), data_.Count() - index);
+    for (int i = 0; i < count; ++i) points[static_cast<std::size_t>(i)] = data_.Get(index + i);
+    return std::max(count, 0);
+  };
+  connect(&graphLink_, &TCustomGraphLink::OnGraphChanged, this, &TLinkedGraph::GraphChanged);
+  connect(&data_, &TPersistent::OnChange, &graphLink_, &TCustomGraphLink::Replay);
+  connect(&link_, &TCustomChannelLink::OnData, this, &TLinkedGraph::UpdateValues);
+  connect(&link_, &TCustomChannelLink::OnSourceChanged, this, &TLinkedGraph::GraphChanged);
+  connect(&link_, &TTwoChannelLink::OnChannelChanged1, this, &TLinkedGraph::GraphChanged);
+  connect(&link_, &TTwoChannelLink::OnChannelChanged2, this, &TLinkedGraph::GraphChanged);
+  for (TStatisticsOptions* options : {link_.GetOptions1(), link_.GetOptions2()}) {
+    connect(options, &TPersistent::OnChange, this, &TLinkedGraph::GraphChanged);
+  }
+}
+
+void TLinkedGraph::SetMaxPoints(int points) {
+  if (points >= 1) data_.SetMaxCount(points);
+}
+
+void TLinkedGraph::GetLabels() {
+  captionX_ = CaptionOf(link_.SelectedChannel1());
+  captionY_ = CaptionOf(link_.SelectedChannel2());
+}
+
+void TLinkedGraph::GraphChanged() {
+  GetLabels();
+  if (TKorvalGraph* graph = graphLink_.GetGraph()) {
+    if (link_.SelectedChannel1()) {
+      SetUpAxis(*graph->GetHorizontalAx(), captionX_, link_.GetOptions1()->GetValueType());
+    }
+    if (link_.SelectedChannel2()) {
+      SetUpAxis(*graph->GetVerticalAx(), captionY_, link_.GetOptions2()->GetValueType());
+    }
+  }
+  link_.SetEnabled(HasBoth());
+  graphLink_.Replay();
+}
+
+void TLinkedGraph::UpdateValues() {
+  if (!HasBoth()) return;
+  double* row = data_.PushBackRow();
+  if (!row) return;
+  row[0] = link_.GetData1().ShownValue(link_.GetOptions1()->GetValueType());
+  row[1] = link_.GetData2().ShownValue(link_.GetOptions2()->GetValueType());
+  if (updating_) graphLink_.Update();
+}
+
+void TLinkedGraph::Loaded() {
+  link_.Loaded();
+  graphLink_.Loaded();
+  TIconControl::Loaded();
+}
