@@ -40,14 +40,49 @@ TIconLayout LayOutIcon(QSize image, QSize text, TIconControl::TCaptionPos pos) {
   return result;
 }
 
-// TIconControl
+// TComponentControl
 
 bool IsLoading(const QObject* object) {
-  const auto* component = qobject_cast<const TIconControl*>(object);
+  const auto* component = qobject_cast<const TComponentControl*>(object);
   return component && component->IsLoading();
 }
 
-TIconControl::TIconControl(QWidget* parent) : QWidget(parent) { TIconControl::UpdateVisibility(); }
+TComponentControl::TComponentControl(QWidget* parent) : QWidget(parent) { UpdateVisibility(); }
+
+void TComponentControl::SetVisible(bool visible) {
+  if (visible == visible_) return;
+  visible_ = visible;
+  UpdateVisibility();
+}
+
+void TComponentControl::SetFace(bool face) {
+  if (face == face_) return;
+  face_ = face;
+  UpdateVisibility();
+}
+
+bool TComponentControl::MayBeSeen() const { return (face_ && visible_) || IsDesignMode(this); }
+
+void TComponentControl::setVisible(bool visible) { QWidget::setVisible(visible && MayBeSeen()); }
+
+void TComponentControl::UpdateVisibility() {
+  // Without a parent it is a window, which only its user shows.
+  const bool seen = MayBeSeen();
+  if (!seen || parentWidget()) QWidget::setVisible(seen);
+}
+
+bool TComponentControl::event(QEvent* event) {
+  if (event->type() == TDesignModeEvent::Kind()) UpdateVisibility();
+  // setParent hides the widget when it has told of the new parent.
+  if (event->type() == QEvent::ParentChange) {
+    QMetaObject::invokeMethod(this, &TComponentControl::UpdateVisibility, Qt::QueuedConnection);
+  }
+  return QWidget::event(event);
+}
+
+// TIconControl
+
+TIconControl::TIconControl(QWidget* parent) : TComponentControl(parent) {}
 
 void TIconControl::SetCaption(const QString& caption) {
   if (caption == caption_) return;
@@ -67,12 +102,6 @@ void TIconControl::SetShowIcon(bool show) {
   ContentChanged();
 }
 
-void TIconControl::SetVisible(bool visible) {
-  if (visible == visible_) return;
-  visible_ = visible;
-  UpdateVisibility();
-}
-
 void TIconControl::SetIconImage(const QString& name) {
   if (name == iconImage_) return;
   iconImage_ = name;
@@ -83,33 +112,6 @@ void TIconControl::SetImageSize(QSize size) {
   if (size == imageSize_ || size.isEmpty()) return;
   imageSize_ = size;
   ContentChanged();
-}
-
-void TIconControl::SetFace(bool face) {
-  if (face == face_) return;
-  face_ = face;
-  UpdateVisibility();
-}
-
-// Visibility
-
-bool TIconControl::MayBeSeen() const { return (face_ && visible_) || IsDesignMode(this); }
-
-void TIconControl::setVisible(bool visible) { QWidget::setVisible(visible && MayBeSeen()); }
-
-void TIconControl::UpdateVisibility() {
-  // Without a parent it is a window, which only its user shows.
-  const bool seen = MayBeSeen();
-  if (!seen || parentWidget()) QWidget::setVisible(seen);
-}
-
-bool TIconControl::event(QEvent* event) {
-  if (event->type() == TDesignModeEvent::Kind()) UpdateVisibility();
-  // setParent hides the widget when it has told of the new parent.
-  if (event->type() == QEvent::ParentChange) {
-    QMetaObject::invokeMethod(this, &TIconControl::UpdateVisibility, Qt::QueuedConnection);
-  }
-  return QWidget::event(event);
 }
 
 // Picture and caption
@@ -128,7 +130,7 @@ void TIconControl::ContentChanged() {
 }
 
 void TIconControl::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
+  TComponentControl::changeEvent(event);
   if (event->type() == QEvent::FontChange) ContentChanged();
 }
 

@@ -12,10 +12,48 @@ struct TIconLayout {
   QSize size;     ///< of the whole
 };
 
-/// Base of the components: a widget that shows a small picture and a caption. A component without a
-/// face of its own is seen while its form is designed and hidden at run time; one with a face is
-/// seen at run time unless Visible is off. It takes the size that picture and caption need.
-class TIconControl : public QWidget {
+/// Base of the components: a widget that knows whether its form is being read and whether it may be
+/// seen. A component without a face of its own is seen while its form is designed and hidden at run
+/// time; one with a face is seen at run time unless it is switched off.
+class TComponentControl : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit TComponentControl(QWidget* parent = nullptr);
+
+  /// Whether a component with a face shows it at run time.
+  bool GetVisible() const { return visible_; }
+  void SetVisible(bool visible);
+
+  /// While its form is being read: setters store, and pass nothing on to other components.
+  bool IsLoading() const { return loading_; }
+  /// To be called by whoever reads a form, after making the component.
+  void BeginLoading() { loading_ = true; }
+  /// To be called once all components of the form have their properties. Descendants look up here
+  /// the components that they know by name, and call their base last, which ends the loading.
+  virtual void Loaded() { loading_ = false; }
+
+  /// Shows only what may be seen, see the class.
+  void setVisible(bool visible) override;
+
+ protected:
+  /// Says that the component has something to show at run time; for the constructors of
+  /// descendants.
+  void SetFace(bool face);
+
+  bool event(QEvent* event) override;
+
+ private:
+  bool MayBeSeen() const;
+  void UpdateVisibility();
+
+  bool visible_ = true;
+  bool face_ = false;
+  bool loading_ = false;
+};
+
+/// A component that shows a small picture and a caption, and takes the size that they need.
+class TIconControl : public TComponentControl {
   Q_OBJECT
   Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption)
   Q_PROPERTY(TCaptionPos CaptionPos READ GetCaptionPos WRITE SetCaptionPos)
@@ -36,55 +74,33 @@ class TIconControl : public QWidget {
   void SetCaptionPos(TCaptionPos pos);
   bool GetShowIcon() const { return showIcon_; }
   void SetShowIcon(bool show);
-  /// Whether a component with a face shows it at run time.
-  bool GetVisible() const { return visible_; }
-  void SetVisible(bool visible);
 
   /// Name of the picture, see Iconimages.h; empty draws none and takes its room all the same.
   const QString& GetIconImage() const { return iconImage_; }
   /// Of the picture, in logical pixels; sizes below 1 are ignored. Initially 24 x 24.
   QSize GetImageSize() const { return imageSize_; }
 
-  /// While its form is being read: setters store, and pass nothing on to other components.
-  bool IsLoading() const { return loading_; }
-  /// To be called by whoever reads a form, after making the component.
-  void BeginLoading() { loading_ = true; }
-  /// To be called once all components of the form have their properties. Descendants look up here
-  /// the components that they know by name, and call their base last, which ends the loading.
-  virtual void Loaded() { loading_ = false; }
-
-  /// Shows only what may be seen, see the class.
-  void setVisible(bool visible) override;
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
 
  protected:
   void SetIconImage(const QString& name);
   void SetImageSize(QSize size);
-  /// Says that the component has something to show at run time; for the constructors of
-  /// descendants.
-  void SetFace(bool face);
 
   /// The left button was pressed twice on the component: its editor, if it has one.
   virtual void DoubleClicked() {}
 
-  bool event(QEvent* event) override;
   void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
-  bool MayBeSeen() const;
-  void UpdateVisibility();
   TIconLayout Layout() const;
   void ContentChanged();
 
   QString caption_;
   TCaptionPos captionPos_ = cpRight;
   bool showIcon_ = true;
-  bool visible_ = true;
-  bool face_ = false;
-  bool loading_ = false;
   QString iconImage_;
   QSize imageSize_{24, 24};
 };
