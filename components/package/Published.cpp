@@ -1,17 +1,13 @@
 #include "components/package/Published.h"
 
-#include <QColor>
 #include <QFont>
 #include <QMetaEnum>
 #include <QWidget>
 #include <climits>
 
-#include "model/Color.h"
+#include "model/Colortext.h"
 
 namespace {
-
-const QString kNoColor = QStringLiteral("none");
-const QString kInheritedColor = QStringLiteral("inherited");
 
 /// Of the toolkit's class on which the component's own ones stand.
 int FirstOwnProperty(const QMetaObject& meta) {
@@ -67,24 +63,6 @@ QVariant EnumFrom(const QMetaProperty& property, const TFormValue& value) {
   return known ? QVariant(key) : QVariant();
 }
 
-std::optional<TColor> ColorFrom(const TFormValue& value) {
-  if (value.Text == kNoColor) return TColor::None();
-  if (value.Text == kInheritedColor) return TColor::Inherited();
-  bool isNumber = false;
-  const int number = value.Text.toInt(&isNumber);
-  if (isNumber) return TColor(number);
-  const QColor color(value.Text);
-  if (!color.isValid()) return {};
-  if (color.alpha() == 0) return TColor::None();
-  return TColor::FromQColor(color);
-}
-
-QString ColorText(TColor color) {
-  if (color.IsNone()) return kNoColor;
-  if (color.IsInherited()) return kInheritedColor;
-  return color.ToQColor().name();
-}
-
 /// Nothing if the text is no number of the type.
 QVariant NumberFrom(int type, const QString& text) {
   bool isNumber = false;
@@ -107,7 +85,7 @@ QVariant FromForm(const QMetaProperty& property, const TFormValue& value) {
   const int type = property.typeId();
   if (property.isEnumType()) return EnumFrom(property, value);
   if (type == qMetaTypeId<TColor>()) {
-    const std::optional<TColor> color = ColorFrom(value);
+    const std::optional<TColor> color = ColorFromText(value.Text);
     return color ? QVariant::fromValue(*color) : QVariant();
   }
   if (IsNumber(type)) return NumberFrom(type, value.Text);
