@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QSet>
 #include <QWidget>
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -31,12 +33,52 @@ void DrawBevel(QPainter& painter, const QRect& rect, TBevelKind kind) {
   painter.fillRect(rect.left(), rect.bottom(), rect.width(), 1, lower);
 }
 
+void DrawDashedFrame(QPainter& painter, const QRect& rect) {
+  constexpr int kDash = 3;
+  constexpr int kLongest = 1 << 14;  // more than a screen shows
+  const auto strips = [&](int length, auto strip) {
+    for (int at = 0; at < length; at += 2 * kDash) strip(at, std::min(kDash, length - at));
+  };
+  strips(std::min(rect.width(), kLongest), [&](int at, int length) {
+    painter.fillRect(rect.left() + at, rect.top(), length, 1, kDark);
+    painter.fillRect(rect.left() + at, rect.bottom(), length, 1, kDark);
+  });
+  strips(std::min(rect.height(), kLongest), [&](int at, int length) {
+    painter.fillRect(rect.left(), rect.top() + at, 1, length, kDark);
+    painter.fillRect(rect.right(), rect.top() + at, 1, length, kDark);
+  });
+}
+
 void RotateText(QPainter& painter, const QPointF& point, double angleDeg, const QString& text) {
   painter.save();
   painter.translate(point);
   painter.rotate(-angleDeg);
   painter.drawText(QPointF(0.0, QFontMetricsF(painter.font(), painter.device()).ascent()), text);
   painter.restore();
+}
+
+TSharpPen::TSharpPen(QPainter& painter, const QColor& color, int width)
+    : toDevice_(painter.deviceTransform()), fromDevice_(toDevice_.inverted()) {
+  constexpr int kWidest = 1 << 14;
+  const double scale = std::max(std::hypot(toDevice_.m11(), toDevice_.m12()), 1.0e-3);
+  const int pixels = qMax(1, qRound(qBound(0, width, kWidest) * scale));
+  if (pixels % 2 == 1) middle_ = 0.5;
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(color, pixels / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+}
+
+QPointF TSharpPen::Map(QPoint point) const {
+  constexpr double kFar = 1 << 20;
+  const QPointF device = toDevice_.map(QPointF(point));
+  return fromDevice_.map(QPointF(qBound(-kFar, std::round(device.x()), kFar) + middle_,
+                                 qBound(-kFar, std::round(device.y()), kFar) + middle_));
+}
+
+QPolygonF TSharpPen::Map(std::span<const QPoint> points) const {
+  QPolygonF result;
+  result.reserve(static_cast<qsizetype>(points.size()));
+  for (const QPoint& point : points) result.append(Map(point));
+  return result;
 }
 
 QEvent::Type TDesignModeEvent::Kind() {

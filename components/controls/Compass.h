@@ -1,0 +1,44 @@
+#pragma once
+
+#include "components/controls/Imagecontrol.h"
+#include "components/controls/Needle.h"
+
+/// Shows a direction with a needle over an optional picture. Angles are in degrees, clockwise;
+/// North is where 0 lies on the control, 0 to the right. GUI thread only.
+///
+/// Ctrl + double click puts the needle's centre under the mouse, Shift + double click its tip's
+/// distance from the centre.
+class TCompass : public TCustomImageControl {
+  Q_OBJECT
+  Q_PROPERTY(TNeedle* Needle READ GetNeedle WRITE SetNeedle)
+  Q_PROPERTY(double Angle READ GetAngle WRITE SetAngle)
+  Q_PROPERTY(double North READ GetNorth WRITE SetNorth)
+  Q_PROPERTY(QString ImageFile READ GetImageFile WRITE SetImageFile)
+  Q_PROPERTY(bool ShowImage READ GetShowImage WRITE SetShowImage)
+  Q_PROPERTY(bool Transparent READ GetTransparent WRITE SetTransparent)
+  Q_PROPERTY(bool Visible READ GetVisible WRITE SetVisible)
+
+ public:
+  explicit TCompass(QWidget* parent = nullptr);
+
+  TNeedle* GetNeedle() { return &needle_; }
+  /// Copies the needle; null changes nothing.
+  void SetNeedle(const TNeedle* needle) { needle_.Assign(needle); }
+
+  /// The needle's angle less North.
+  double GetAngle() const;
+  /// Not finite is ignored.
+  void SetAngle(double angleDeg);
+  double GetNorth() const { return north_; }
+  /// Turns the scale and the needle with it: Angle stays. Not finite is ignored.
+  void SetNorth(double northDeg);
+
+ protected:
+  void Paint(QPainter& painter) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+ private:
+  TNeedle needle_{this};
+  double north_ = 0.0;
+  double angle_ = 0.0;  ///< as it was set last; the needle may have been turned since
+};

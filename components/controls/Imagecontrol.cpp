@@ -1,0 +1,176 @@
+#include "components/controls/Imagecontrol.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QPainter>
+#include <QTextOption>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "components/controls/Iconimages.h"
+#include "components/controls/Korvaltools.h"
+
+namespace {
+
+constexpr QSize kDefaultSize(81, 81);
+
+/// A vector file can draw without end; only pictures made of pixels are taken.
+bool IsVector(const QByteArray& format) { return format.startsWith("svg") || format == "pdf"; }
+
+/// Reads the picture of a file; a null one and why.
+QImage ReadPicture(const QString& fileName, QString* fault) {
+  const auto refuse = [&](const QString& why) {
+    *fault = QStringLiteral("Cannot read %1: %2").arg(fileName, why);
+    return QImage();
+  };
+  const QFileInfo info(fileName);
+  if (!info.exists()) return refuse(QStringLiteral("there is no such file"));
+  if (!info.isFile()) return refuse(QStringLiteral("it is no file"));
+  if (info.size() > TCustomImageControl::kMaxFileSize) {
+    return refuse(QStringLiteral("the file is larger than %1 MiB")
+                      .arg(TCustomImageControl::kMaxFileSize >> 20));
+  }
+  QFile file(fileName);
+  if (!file.open(QIODevice::ReadOnly)) return refuse(file.errorString());
+  QImageReader reader(&file);
+  reader.setDecideFormatFromContent(true);
+  reader.setAutoTransform(true);
+  if (!reader.canRead() || IsVector(reader.format())) {
+    return refuse(QStringLiteral("it is no picture of a known format"));
+  }
+  const QSize size = reader.size();
+  if (qint64{size.width()} * size.height() > TCustomImageControl::kMaxPixels) {
+    return refuse(
+        QStringLiteral("%1 x %2 pixels are too many").arg(size.width()).arg(size.height()));
+  }
+  QImage image = reader.read();
+  if (image.isNull()) return refuse(reader.errorString());
+  constexpr int kMaxSide = TCustomImageControl::kMaxSide;
+  if (std::max(image.width(), image.height()) > kMaxSide) {
+    image = image.scaled(kMaxSide, kMaxSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  }
+  return image;
+}
+
+/// The picture without the pixels that have the colour of its lower left corner.
+QImage WithoutBackground(const QImage& picture) {
+  QImage image = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  if (picture.hasAlphaChannel() || image.isNull()) return image;
+  const QRgb background = image.pixel(0, image.height() - 1);
+  for (int y = 0; y < image.height(); ++y) {
+    auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+    std::replace(row, row + image.width(), background, qRgba(0, 0, 0, 0));
+  }
+  return image;
+}
+
+}  // namespace
+
+TCustomImageControl::TCustomImageControl(QWidget* parent) : TComponentControl(parent) {
+  resize(kDefaultSize);
+  SetFace(true);
+}
+
+void TCustomImageControl::SetImageFile(const QString& fileName) {
+  if (fileName == imageFile_) return;
+  imageFile_ = fileName;
+  const QString oldFault = std::exchange(fault_, QString());
+  picture_ = fileName.isEmpty() ? QImage() : ReadPicture(fileName, &fault_);
+  if (toolTip() == oldFault) setToolTip(fault_);
+  updateGeometry();
+  MakeShown();
+}
+
+void TCustomImageControl::SetShowImage(bool show) {
+  if (show == showImage_) return;
+  showImage_ = show;
+  update();
+}
+
+void TCustomImageControl::SetTransparent(bool transparent) {
+  if (transparent == transparent_) return;
+  transparent_ = transparent;
+  MakeShown();
+}
+
+void TCustomImageControl::SetFit(TImageFit fit) {
+  if (fit == fit_ || fit < ifFit || fit > ifActual) return;
+  fit_ = fit;
+  update();
+}
+
+void TCustomImageControl::MakeShown() {
+  shown_ = transparent_ ? WithoutBackground(picture_) : picture_;
+  scaled_ = QPixmap();
+  update();
+}
+
+QSize TCustomImageControl::sizeHint() const {
+  constexpr QSize kLargest(640, 480);
+  if (picture_.isNull()) return kDefaultSize;
+  const QSize size = picture_.size();
+  return size.boundedTo(kLargest) == size ? size : size.scaled(kLargest, Qt::KeepAspectRatio);
+}
+
+void TCustomImageControl::paintEvent(QPaintEvent* event) {
+  Q_UNUSED(event)
+  QPainter painter(this);
+  Paint(painter);
+}
+
+void TCustomImageControl::Paint(QPainter& painter) {
+  if (!transparent_) painter.fillRect(rect(), palette().window());
+  if (!showImage_) return;
+  if (!fault_.isEmpty()) DrawFault(painter);
+  if (!shown_.isNull()) DrawPicture(painter);
+}
+
+QRectF TCustomImageControl::PictureRect() const {
+  if (fit_ == ifStretch) return rect();
+  const QSizeF size =
+      fit_ == ifActual ? QSizeF(picture_.size())
+                       : QSizeF(picture_.size()).scaled(QSizeF(this->size()), Qt::KeepAspectRatio);
+  QRectF result(QPointF(), size);
+  if (fit_ == ifFit) result.moveCenter(QRectF(rect()).center());
+  return result;
+}
+
+/// The picture is scaled once to whole device pixels, with every pixel of it taking part. Where the
+/// result would be larger than any screen, only what can be seen is scaled, each time.
+void TCustomImageControl::DrawPicture(QPainter& painter) {
+  const double ratio = painter.device()->devicePixelRatioF();
+  const QRectF place = PictureRect();
+  const QSize pixels = (place.size() * ratio).toSize().expandedTo(QSize(1, 1));
+  if (qint64{pixels.width()} * pixels.height() > kMaxPixels / 2) {
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(place, shown_);
+    return;
+  }
+  if (scaled_.size() != pixels) {
+    scaled_ =
+        QPixmap::fromImage(shown_.size() == pixels ? shown_
+                                                   : shown_.scaled(pixels, Qt::IgnoreAspectRatio,
+                                                                   Qt::SmoothTransformation));
+  }
+  scaled_.setDevicePixelRatio(ratio);
+  const QPointF corner = place.topLeft() * ratio;
+  painter.drawPixmap(QPointF(std::round(corner.x()), std::round(corner.y())) / ratio, scaled_);
+}
+
+void TCustomImageControl::DrawFault(QPainter& painter) const {
+  const QColor ink(170, 20, 20);
+  painter.fillRect(rect(), QColor(255, 240, 240));
+  painter.setPen(ink);
+  QTextOption option(Qt::AlignCenter);
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  painter.drawText(QRectF(rect()).adjusted(3, 3, -3, -3), fault_, option);
+}
+
+void TImageControl::Paint(QPainter& painter) {
+  TCustomImageControl::Paint(painter);
+  if (!GetImageFile().isEmpty() || !IsDesignMode(this)) return;
+  DrawDashedFrame(painter, rect());
+  DrawIconImage(painter, QRectF(rect()).adjusted(4, 4, -4, -4), QStringLiteral("TImageControl"));
+}

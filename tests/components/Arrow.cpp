@@ -1,0 +1,272 @@
+#include "components/controls/Arrow.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QPainter>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <climits>
+
+#include "components/controls/Korvaltools.h"
+
+namespace {
+
+using TEnd = TArrowEnd;
+
+/// A form with two plain widgets and an arrow, shown without a screen's size in the way.
+struct Arrow : testing::Test {
+  Arrow() {
+    form.resize(400, 300);
+    first.setGeometry(100, 50, 80, 40);
+    second.setGeometry(250, 201, 61, 31);
+    arrow.setGeometry(10, 20, 40, 60);
+    first.setObjectName("first");
+    second.setObjectName("second");
+    form.show();
+  }
+
+  QImage Picture() {
+    QImage image(form.size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    arrow.render(&painter, arrow.pos(), QRegion(), QWidget::RenderFlags());
+    return image;
+  }
+
+  QWidget form;
+  QWidget first{&form};
+  QWidget second{&form};
+  TArrow arrow{&form};
+  TArrowEnd& start = *arrow.GetArrowStart();
+  TArrowEnd& end = *arrow.GetArrowEnd();
+};
+
+TEST_F(Arrow, EndsInTheMiddleOfASideAndOnTheOppositeOneOfItsOwnBox) {
+  const struct {
+    TEnd::TAttachPos side;
+    QPoint attached, free;
+  } cases[] = {{TEnd::apControlLeft, {100, 70}, {50, 50}},
+               {TEnd::apControlTop, {140, 50}, {30, 80}},
+               {TEnd::apControlRight, {180, 70}, {10, 50}},
+               {TEnd::apControlBottom, {140, 90}, {30, 20}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.side);
+    arrow.setGeometry(10, 20, 40, 60);
+    end.SetControl(nullptr);
+    end.SetAttachTo(c.side);
+    arrow.setGeometry(10, 20, 40, 60);
+    EXPECT_EQ(end.GetPos(), c.free);
+    end.SetControl(&first);
+    EXPECT_EQ(end.GetPos(), c.attached);
+  }
+}
+
+TEST_F(Arrow, MiddlesAreHalvesRoundedTowardsZero) {
+  end.SetControl(&second);
+  end.SetAttachTo(TEnd::apControlTop);
+  EXPECT_EQ(end.GetPos(), QPoint(280, 201));  // of 250 and 311
+  second.setGeometry(-10, 0, 7, 7);
+  EXPECT_EQ(end.GetPos(), QPoint(-6, 0));  // of -10 and -3
+}
+
+TEST_F(Arrow, EnclosesItsLineAndFollowsItsControls) {
+  start.SetControl(&first);  // at the bottom
+  end.SetControl(&second);
+  end.SetAttachTo(TEnd::apControlLeft);
+  // From (140, 90) to (250, 216).
+  EXPECT_EQ(arrow.geometry(), QRect(132, 82, 110 + 16, 126 + 16));
+  second.move(20, 201);
+  EXPECT_EQ(arrow.geometry(), QRect(12, 82, 120 + 16, 126 + 16));
+  first.resize(80, 60);
+  EXPECT_EQ(arrow.geometry(), QRect(12, 102, 120 + 16, 106 + 16));
+  EXPECT_EQ(arrow.Points().Count(), 2);
+  EXPECT_EQ(arrow.Points().Get(0), QPoint(140, 110));
+  EXPECT_EQ(arrow.Points().Get(1), QPoint(20, 216));
+  arrow.setGeometry(0, 0, 10, 10);  // by somebody else: both ends are held
+  EXPECT_EQ(arrow.geometry(), QRect(12, 102, 120 + 16, 106 + 16));
+}
+
+TEST_F(Arrow, AFreeEndStaysWhereItIsWhenTheOtherOneMoves) {
+  start.SetAttachTo(TEnd::apControlTop);  // free: the lower side, (30, 80)
+  end.SetControl(&first);
+  EXPECT_EQ(arrow.geometry(), QRect(22, 72, 110 + 16, 10 + 16));
+  first.move(200, 160);
+  EXPECT_EQ(start.GetPos(), QPoint(30, 80));
+  EXPECT_EQ(arrow.geometry(), QRect(22, 72, 210 + 16, 120 + 16));
+}
+
+TEST_F(Arrow, FollowsControlsInOtherWidgets) {
+  QWidget outer(&form), inner(&outer);
+  outer.setGeometry(200, 100, 150, 150);
+  inner.setGeometry(10, 20, 100, 100);
+  first.setParent(&inner);
+  first.setGeometry(1, 2, 20, 10);
+  outer.show();
+  first.show();
+  end.SetControl(&first);
+  EXPECT_EQ(end.GetPos(), QPoint(221, 132));
+  outer.move(100, 100);
+  EXPECT_EQ(end.GetPos(), QPoint(121, 132));
+  inner.move(0, 0);
+  EXPECT_EQ(end.GetPos(), QPoint(111, 112));
+  first.setParent(&form);
+  EXPECT_EQ(end.GetPos(), QPoint(11, 12));
+  outer.move(0, 0);  // is none of the arrow's business any more
+  EXPECT_EQ(end.GetPos(), QPoint(11, 12));
+  end.SetControl(nullptr);
+}
+
+TEST_F(Arrow, LetsGoOfAControlThatIsDestroyed) {
+  auto* button = new QPushButton(&form);
+  button->setGeometry(200, 200, 50, 20);
+  end.SetControl(button);
+  EXPECT_EQ(end.GetPos(), QPoint(225, 220));
+  QSignalSpy changes(&end, &TEnd::OnChange);
+  delete button;
+  EXPECT_EQ(end.GetControl(), nullptr);
+  EXPECT_EQ(changes.count(), 1);
+  // Free again, at the upper side of the box about (30, 20) to (225, 220).
+  EXPECT_EQ(end.GetPos(), QPoint(127, 12));
+}
+
+TEST_F(Arrow, RefusesArrowsAndSurvivesTheFormsEnd) {
+  TArrow other(&form);
+  end.SetControl(&other);
+  EXPECT_EQ(end.GetControl(), nullptr);
+  end.SetControl(&arrow);
+  EXPECT_EQ(end.GetControl(), nullptr);
+  auto* doomed = new QWidget(&form);
+  auto* held = new QWidget(doomed);
+  auto* line = new TArrow(doomed);
+  line->GetArrowStart()->SetControl(held);
+  line->GetArrowEnd()->SetControl(doomed);
+  EXPECT_EQ(line->GetArrowEnd()->GetControl(), doomed);
+  delete doomed;
+}
+
+/// A control that gives way to the arrow moves while the arrow changes its bounds.
+TEST_F(Arrow, IsNotEnteredAgainWhileItChangesItsBounds) {
+  struct Fleeing : QObject {
+    explicit Fleeing(QWidget& prey) : widget(prey) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+      if (event->type() == QEvent::Resize && ++count < 1000)
+        widget.move(widget.x() + 1, widget.y());
+      return false;
+    }
+    QWidget& widget;
+    int count = 0;
+  } fleeing(first);
+  start.SetControl(&second);
+  arrow.installEventFilter(&fleeing);
+  end.SetControl(&first);
+  EXPECT_EQ(fleeing.count, 1);
+}
+
+TEST_F(Arrow, HeadsPointIntoTheControl) {
+  const struct {
+    TEnd::TAttachPos side;
+    QPoint wings[2];
+  } cases[] = {{TEnd::apControlLeft, {{92, 67}, {92, 73}}},
+               {TEnd::apControlTop, {{137, 42}, {143, 42}}},
+               {TEnd::apControlRight, {{188, 67}, {188, 73}}},
+               {TEnd::apControlBottom, {{137, 98}, {143, 98}}}};
+  start.SetControl(&second);
+  end.SetControl(&first);
+  end.SetStyle(TEnd::asArrow);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.side);
+    end.SetAttachTo(c.side);
+    const QImage image = Picture();
+    for (const QPoint& wing : c.wings) EXPECT_LT(qGray(image.pixel(wing)), 128);
+    EXPECT_LT(qGray(image.pixel(end.GetPos())), 128);
+  }
+}
+
+TEST_F(Arrow, DrawsItsLineInItsColourWithADiscAtItsEnd) {
+  second.setGeometry(100, 200, 80, 40);
+  start.SetControl(&first);
+  end.SetControl(&second);
+  end.SetAttachTo(TEnd::apControlTop);
+  end.SetStyle(TEnd::asCircle);
+  arrow.SetColor(TColor::FromRgb(0, 0, 255));
+  const QImage image = Picture();
+  const QColor blue(0, 0, 255), white(255, 255, 255);
+  for (int y = 91; y < 200; ++y) EXPECT_EQ(image.pixelColor(140, y), blue);
+  EXPECT_EQ(image.pixelColor(139, 150), white);  // one pixel wide and sharp
+  EXPECT_EQ(image.pixelColor(141, 150), white);
+  for (const int away : {-2, 2}) {
+    EXPECT_EQ(image.pixelColor(140 + away, 200), blue);
+    EXPECT_EQ(image.pixelColor(140, 200 + away), blue);
+    EXPECT_EQ(image.pixelColor(140 + 2 * away, 200), white);
+  }
+}
+
+TEST_F(Arrow, IsFramedByDashesWhileItIsDesignedAndHeldByNothing) {
+  arrow.setGeometry(10, 20, 40, 60);
+  const auto greys = [this] {
+    const QImage image = Picture();
+    int count = 0;
+    for (int x = 10; x < 50; ++x) count += image.pixelColor(x, 20) == QColor(128, 128, 128);
+    return count;
+  };
+  EXPECT_EQ(greys(), 0);
+  EXPECT_EQ(form.childAt(30, 50), nullptr);  // the mouse does not see it
+  SetDesignMode(&form, true);
+  EXPECT_GT(greys(), 15);
+  EXPECT_LT(greys(), 25);
+  EXPECT_EQ(form.childAt(30, 50), &arrow);
+  end.SetControl(&first);
+  EXPECT_EQ(greys(), 0);
+}
+
+TEST_F(Arrow, FindsItsControlsByNameOnceTheFormIsComplete) {
+  TArrow late(&form);
+  late.BeginLoading();
+  late.setGeometry(5, 5, 30, 30);
+  late.GetArrowStart()->SetControlName("first");
+  late.GetArrowEnd()->SetControlName("second");
+  EXPECT_EQ(late.geometry(), QRect(5, 5, 30, 30));
+  late.Loaded();
+  EXPECT_EQ(late.GetArrowStart()->GetControl(), &first);
+  EXPECT_EQ(late.geometry(), QRect(132, 82, 140 + 16, 142 + 16));  // (140, 90) to (280, 232)
+  late.GetArrowEnd()->SetControlName("nobody");
+  late.GetArrowEnd()->Loaded();
+  EXPECT_EQ(late.GetArrowEnd()->GetControl(), nullptr);
+  EXPECT_EQ(late.GetArrowEnd()->GetControlName(), "nobody");
+}
+
+/// What is saved and read over and over stays where it is.
+TEST_F(Arrow, AFreeEndIsFoundAgainFromTheBoxThatTheFormKept) {
+  start.SetAttachTo(TEnd::apControlTop);
+  end.SetControl(&first);
+  TArrow again(&form);
+  again.BeginLoading();
+  again.setGeometry(arrow.geometry());
+  again.GetArrowStart()->SetAttachTo(TEnd::apControlTop);
+  again.GetArrowEnd()->SetControlName("first");
+  again.Loaded();
+  EXPECT_EQ(again.GetArrowStart()->GetPos(), QPoint(30, 80));
+  EXPECT_EQ(again.geometry(), arrow.geometry());
+}
+
+TEST_F(Arrow, EndsAreAssignedWithTheirControl) {
+  start.SetStyle(TEnd::asCircle);
+  start.SetAttachTo(TEnd::apControlLeft);
+  start.SetControl(&second);
+  end.Assign(&start);
+  EXPECT_TRUE(end.SameAs(&start));
+  EXPECT_EQ(end.GetPos(), QPoint(250, 216));
+  EXPECT_EQ(end.GetArrow(), &arrow);
+}
+
+TEST_F(Arrow, SurvivesControlsAtTheEndOfTheWorld) {
+  start.SetControl(&first);
+  end.SetControl(&second);
+  first.setGeometry(INT_MIN / 2, INT_MIN / 2, 10, 10);
+  second.setGeometry(INT_MAX / 2, INT_MAX / 2, 10, 10);
+  Picture();  // returns
+}
+
+}  // namespace
