@@ -24,7 +24,7 @@ class TDesignerWidget : public QDesignerCustomWidgetInterface {
   QString toolTip() const override { return class_.Name; }
   QString whatsThis() const override { return {}; }
   QString includeFile() const override { return class_.Header; }
-  bool isContainer() const override { return false; }
+  bool isContainer() const override { return class_.IsContainer; }
   bool isInitialized() const override { return initialized_; }
 
   QIcon icon() const override {

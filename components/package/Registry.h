@@ -10,6 +10,7 @@ struct TComponentClass {
   QString Name;  ///< of the class, as forms write it
   QString Page;  ///< of the palette
   QString Header;
+  bool IsContainer;  ///< takes other widgets
   const QMetaObject* Meta;
   QWidget* (*Make)(QWidget* parent);
   /// Tells a new component that its form is being read, and, when all of them have their
