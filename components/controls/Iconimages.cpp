@@ -149,6 +149,100 @@ void DrawSpectrum(QPainter& painter) {
   painter.drawLine(QPointF(4.0, 19.5), QPointF(20.0, 19.5));
 }
 
+void DrawCompass(QPainter& painter) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(kPaper);
+  painter.drawEllipse(QRectF(1.5, 1.5, 21.0, 21.0));
+  painter.setPen(Ink(0.8));
+  painter.setBrush(kBlue);
+  painter.drawPolygon(QPolygonF({{17.5, 6.5}, {13.8, 13.8}, {10.2, 10.2}}));
+  painter.setBrush(QColor(200, 206, 216));
+  painter.drawPolygon(QPolygonF({{6.5, 17.5}, {13.8, 13.8}, {10.2, 10.2}}));
+}
+
+void DrawArrow(QPainter& painter) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(kPaper);
+  painter.drawRect(QRectF(1.5, 14.5, 9.0, 8.0));
+  painter.drawRect(QRectF(13.5, 1.5, 9.0, 6.0));
+  painter.setPen(Ink(1.8, kBlue));
+  painter.drawLine(QPointF(8.0, 14.0), QPointF(17.0, 9.5));
+  painter.drawPolyline(QPolygonF({{13.5, 8.7}, {17.5, 9.2}, {15.2, 12.6}}));
+}
+
+/// The outline of a field, with or without its own paper.
+void DrawField(QPainter& painter, const QColor& fill = kPaper) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(fill);
+  painter.drawRect(QRectF(1.5, 6.0, 21.0, 12.0));
+  painter.setBrush(Qt::NoBrush);
+}
+
+void DrawValueEdit(QPainter& painter) {
+  DrawField(painter);
+  painter.setPen(Ink(1.6, kBlue));
+  painter.drawLine(QPointF(5.0, 9.0), QPointF(5.0, 15.0));
+  painter.drawLine(QPointF(8.0, 12.0), QPointF(12.0, 12.0));
+  painter.setPen(Ink(1.0));
+  painter.setBrush(kInk);
+  painter.drawPolygon(QPolygonF({{15.5, 10.8}, {17.8, 8.2}, {20.1, 10.8}}));
+  painter.drawPolygon(QPolygonF({{15.5, 13.2}, {17.8, 15.8}, {20.1, 13.2}}));
+}
+
+void DrawColorLabel(QPainter& painter) {
+  DrawField(painter);
+  painter.setPen(Qt::NoPen);
+  const QColor levels[] = {QColor(60, 180, 80), kAmber, QColor(214, 60, 50)};
+  double left = 2.2;
+  for (const QColor& level : levels) {
+    painter.fillRect(QRectF(left, 6.7, 6.6, 10.6), level);
+    left += 6.5;
+  }
+}
+
+/// A capital letter A in lines.
+void DrawLetter(QPainter& painter, QPointF foot, double height) {
+  const double half = 0.38 * height;
+  painter.drawPolyline(
+      QPolygonF({foot, foot + QPointF(half, -height), foot + QPointF(2 * half, 0)}));
+  painter.drawLine(foot + QPointF(0.5 * half, -0.4 * height),
+                   foot + QPointF(1.5 * half, -0.4 * height));
+}
+
+void DrawTextLabel(QPainter& painter) {
+  painter.setPen(Ink(2.4));
+  DrawLetter(painter, QPointF(5.5, 20.0), 16.5);
+}
+
+void DrawTextPanel(QPainter& painter) {
+  painter.fillRect(QRectF(1.5, 3.5, 21.0, 17.0), QColor(226, 229, 235));
+  painter.setPen(Ink(1.6, QColor(250, 251, 253)));
+  painter.drawPolyline(QPolygonF({{2.0, 20.0}, {2.0, 4.0}, {22.0, 4.0}}));
+  painter.setPen(Ink(1.6, QColor(128, 134, 146)));
+  painter.drawPolyline(QPolygonF({{2.0, 20.0}, {22.0, 20.0}, {22.0, 4.0}}));
+  painter.setPen(Ink(1.8));
+  DrawLetter(painter, QPointF(8.4, 16.5), 9.5);
+}
+
+void DrawHyperlink(QPainter& painter) {
+  painter.setPen(Ink(2.2, kBlue));
+  DrawLetter(painter, QPointF(6.0, 17.0), 14.5);
+  painter.setPen(Ink(1.6, kBlue));
+  painter.drawLine(QPointF(4.0, 21.0), QPointF(20.0, 21.0));
+}
+
+void DrawImage(QPainter& painter) {
+  painter.setPen(Ink(1.4));
+  painter.setBrush(QColor(214, 230, 250));
+  painter.drawRect(QRectF(1.5, 3.5, 21.0, 17.0));
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(kAmber);
+  painter.drawEllipse(QPointF(7.5, 8.5), 2.4, 2.4);
+  painter.setBrush(kBlue);
+  painter.drawPolygon(QPolygonF(
+      {{2.2, 19.8}, {9.0, 13.0}, {12.5, 16.0}, {17.0, 10.0}, {21.8, 16.5}, {21.8, 19.8}}));
+}
+
 /// The way out for a name nobody registered: a tile in a colour of its own with the first letter.
 void DrawInitial(QPainter& painter, const QString& name) {
   const int hue = static_cast<int>(qHash(name, 1) % 360);
@@ -170,11 +264,24 @@ void DrawLamp(QPainter& painter, const QColor& color) {
 
 QHash<QString, TIconPainter>& Images() {
   static QHash<QString, TIconPainter> images = {
-      {"ChannelImage", DrawChannel},        {"DataChannelImage", DrawDataChannel},
-      {"VariableImage", DrawVariable},      {"MacroImage", DrawMacro},
-      {"THistogram", DrawHistogram},        {"TOccurrenceHistogram", DrawOccurrenceHistogram},
-      {"Simulator", DrawSimulator},         {"FileReader", DrawFileReader},
-      {"TextConverter", DrawTextConverter}, {"FFTImage", DrawSpectrum},
+      {"ChannelImage", DrawChannel},
+      {"DataChannelImage", DrawDataChannel},
+      {"VariableImage", DrawVariable},
+      {"MacroImage", DrawMacro},
+      {"THistogram", DrawHistogram},
+      {"TOccurrenceHistogram", DrawOccurrenceHistogram},
+      {"Simulator", DrawSimulator},
+      {"FileReader", DrawFileReader},
+      {"TextConverter", DrawTextConverter},
+      {"FFTImage", DrawSpectrum},
+      {"TCompass", DrawCompass},
+      {"TArrow", DrawArrow},
+      {"TValueEdit", DrawValueEdit},
+      {"TColorLabel", DrawColorLabel},
+      {"TTextLabel", DrawTextLabel},
+      {"TTextPanel", DrawTextPanel},
+      {"THyperlink", DrawHyperlink},
+      {"TImageControl", DrawImage},
   };
   return images;
 }
