@@ -6,6 +6,8 @@
 TCompass::TCompass(QWidget* parent) : TCustomImageControl(parent) {
   needle_.SetXYLength({40, 40}, 30);
   connect(&needle_, &TNeedle::OnChange, this, qOverload<>(&QWidget::update));
+  connect(&link_, &TOneChannelLink::OnChannelChanged, this, &TCompass::SelectedChannelChanged);
+  connect(&link_, &TOneChannelLink::OnData, this, &TCompass::UpdateValue);
 }
 
 /// An angle that was set is read back as it was, without the rounding of sum and difference.
@@ -25,6 +27,18 @@ void TCompass::SetNorth(double northDeg) {
   const double angle = GetAngle();
   north_ = northDeg;
   SetAngle(angle);
+}
+
+void TCompass::SelectedChannelChanged() { link_.SetEnabled(link_.SelectedChannel()); }
+
+void TCompass::UpdateValue() {
+  if (!link_.SelectedChannel()) return;
+  SetAngle(link_.GetData().ShownValue(link_.GetOptions()->GetValueType()));
+}
+
+void TCompass::Loaded() {
+  link_.Loaded();
+  TCustomImageControl::Loaded();
 }
 
 void TCompass::Paint(QPainter& painter) {

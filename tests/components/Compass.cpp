@@ -94,6 +94,40 @@ TEST(TCompass, DrawsTheNeedleOverThePicture) {
   EXPECT_EQ(image.pixel(39, 55), kRed);
 }
 
+TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
+  TChannelSource source;
+  TChannelSet* set = source.GetSets()->Add();
+  set->SetLabel("Wind");
+  set->SetRows(2);
+  set->GetChannels()->GetItem(0)->SetLabel("Direction");
+  TCompass compass;
+  compass.SetNorth(-90.0);
+  compass.SetAngle(5.0);
+  TOneChannelLink& link = *compass.GetChannelLink();
+  link.DoOnData(nullptr);
+  EXPECT_EQ(compass.GetAngle(), 5.0);  // no channel, nothing to show
+  EXPECT_FALSE(link.GetEnabled());
+  link.SetChannelSource(&source);
+  link.GetChannelSet()->SetItem("Wind");
+  link.GetChannel()->SetItem("Direction");
+  EXPECT_TRUE(link.GetEnabled());
+  // A block of two rows, half a second long: time and four channels each.
+  const double rows[2][5] = {{45000.0, 30.0, 0, 0, 0}, {45000.0 + 0.5 / 86400.0, 40.0, 0, 0, 0}};
+  for (const auto& row : rows) set->SetRow(row, 0, 5);
+  const auto tick = [] {
+    for (int i = 0; i < 10; ++i) TTimerServer::Instance()->Timer();
+  };
+  tick();
+  EXPECT_EQ(compass.GetAngle(), 35.0);
+  EXPECT_EQ(compass.GetNeedle()->GetAngle(), -55.0);
+  link.GetOptions()->SetValueType(svMax);
+  tick();
+  EXPECT_EQ(compass.GetAngle(), 40.0);
+  link.SetChannelSource(nullptr);
+  EXPECT_FALSE(link.GetEnabled());
+  EXPECT_EQ(compass.GetAngle(), 40.0);
+}
+
 TEST(TImageControl, FitsStretchesOrLeavesThePicture) {
   // 40 x 20 in a control of 80 x 80: twice as large, in the middle.
   TImageControl control;
