@@ -186,17 +186,23 @@ void TArrow::SetColor(TColor color) {
 
 void TArrow::EndMoved(TArrowEnd& end) {
   if (changing_) return;
+  DefineFreeEnds();
   end.DefinePos();
   AdjustBounds();
 }
 
-/// Somebody else moved or resized the arrow, and its free ends with it.
 void TArrow::BoundsChanged() {
   if (changing_ || geometry() == ownBounds_) return;
+  DefineFreeEnds();
+  AdjustBounds();
+}
+
+/// Free ends move with the arrow if somebody else moves it, but not when it takes its own bounds.
+void TArrow::DefineFreeEnds() {
+  if (geometry() == ownBounds_) return;
   for (TArrowEnd* end : {&start_, &end_}) {
     if (!end->GetControl()) end->DefinePos();
   }
-  AdjustBounds();
 }
 
 void TArrow::AdjustBounds() {

@@ -131,6 +131,7 @@ class TArrow : public TComponentControl {
   bool IsAttached() const { return start_.GetControl() || end_.GetControl(); }
   void EndMoved(TArrowEnd& end);
   void BoundsChanged();
+  void DefineFreeEnds();
   void RestoreFreeEnd();
   void TakeMouse();
 

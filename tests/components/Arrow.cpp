@@ -237,6 +237,20 @@ TEST_F(Arrow, FindsItsControlsByNameOnceTheFormIsComplete) {
   EXPECT_EQ(late.GetArrowEnd()->GetControlName(), "nobody");
 }
 
+/// A widget that was placed before it is shown hears of that when it is shown.
+TEST_F(Arrow, AFreeEndStaysWhereItIsWhenTheFormIsShown) {
+  QWidget hidden;
+  QWidget control(&hidden);
+  TArrow line(&hidden);
+  control.setGeometry(100, 50, 80, 40);
+  line.setGeometry(10, 20, 40, 60);
+  line.GetArrowEnd()->SetControl(&control);
+  EXPECT_EQ(line.geometry(), QRect(22, 12, 126, 86));  // (30, 20) to (140, 90)
+  hidden.show();
+  EXPECT_EQ(line.GetArrowStart()->GetPos(), QPoint(30, 20));
+  EXPECT_EQ(line.geometry(), QRect(22, 12, 126, 86));
+}
+
 /// What is saved and read over and over stays where it is.
 TEST_F(Arrow, AFreeEndIsFoundAgainFromTheBoxThatTheFormKept) {
   start.SetAttachTo(TEnd::apControlTop);
