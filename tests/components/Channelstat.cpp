@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QDataStream>
+#include <QDate>
+#include <QIODevice>
 #include <QLocale>
 #include <clocale>
 #include <cmath>

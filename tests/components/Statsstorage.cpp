@@ -14,6 +14,7 @@
 #include <csignal>
 #endif
 
+#include "components/package/Panel.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -282,6 +283,30 @@ TEST(TStatsStorage, NamesFilesSoThatEverySystemTakesThem) {
   stored.storage->SetFileExt(".txt");
   stored.Block(1, 1.0);
   EXPECT_TRUE(QFile::exists(stored.File("x_20240531.txt")));
+}
+
+TEST(TStatsStorage, IsFoundByItsSetsWhenAPanelIsLoaded) {
+  const auto panel = TPanel::FromText(
+      "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Panel\">"
+      "<widget class=\"TChannelSource\" name=\"source\"/>"
+      "<widget class=\"TStatsStorage\" name=\"store\"/></widget></ui>",
+      "p.ui", nullptr);
+  ASSERT_TRUE(panel);
+  TChannelSet* set = panel->Root()->findChild<TChannelSource*>()->GetSets()->Add();
+  set->SetStorage(panel->Root()->findChild<TStatsStorage*>());
+  for (int i = 0; i < 50; ++i) {
+    const double row[] = {kDay + i * kSecond, 1.0 * i};
+    set->SetRow(row, 0, 2);
+  }
+  QStringList faults;
+  const auto again = TPanel::FromText(panel->Text(), "p.ui", &faults);
+  EXPECT_EQ(faults, QStringList());
+  ASSERT_TRUE(again);
+  TChannelSets* sets = again->Root()->findChild<TChannelSource*>()->GetSets();
+  ASSERT_EQ(sets->Count(), 1);
+  EXPECT_EQ(sets->GetItem(0)->GetStorage(), again->Root()->findChild<TStatsStorage*>());
+  EXPECT_EQ(sets->GetItem(0)->GetChannels()->GetItem(0)->GetStats()->WriteHistories(),
+            set->GetChannels()->GetItem(0)->GetStats()->WriteHistories());
 }
 
 TEST(ParseStats, SkipsWhatIsNoBlock) {
