@@ -109,8 +109,9 @@ QString TValueEdit::EditText() const {
     return format_.FormatedValue(shown_);
   }
   TNumberFormat plain;
-  format_.AssignTo(&plain);
   plain.SetFormat(TNumberFormat::ffFixed);
+  plain.SetPrecision(format_.GetPrecision());
+  plain.SetDigits(format_.GetDigits());
   return plain.FormatedValue(shown_);
 }
 

@@ -149,6 +149,11 @@ void Change(const TPublished& published) {
   property.write(published.Object, value);
 }
 
+/// What these properties do when they are set depends on files and servers.
+bool Starts(const QString& path) {
+  return path == QLatin1String("Active") || path == QLatin1String("Logging");
+}
+
 std::map<QString, TFormValue> StoredOf(QWidget& component) {
   std::map<QString, TFormValue> result;
   ForEachStored(component, [&](const TPublished& published) {
@@ -170,7 +175,7 @@ TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {
     int properties = 0;
     ForEachStored(changed, [&](const TPublished& published) {
       ++properties;
-      if (published.Path != QLatin1String("Active")) Change(published);
+      if (!Starts(published.Path)) Change(published);
     });
     EXPECT_GT(properties, 3);
     const QString saved = first->Text();
