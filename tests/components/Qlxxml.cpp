@@ -240,6 +240,16 @@ TEST_F(TQLXXMLClientTest, GoesOnAfterEveryFaultOfTheServer) {
   EXPECT_TRUE(client->GetActive());
 }
 
+TEST_F(TQLXXMLClientTest, TakesARecordThatTheServerPlays) {
+  server.Replay = TReplay(Recording(MastAndWeather(), TDateTime(45413.0), 30.0));
+  server.SetRateFactor(100.0);
+  Connect();
+  ASSERT_TRUE(WaitFor([this] { return recorder.Rows(0).size() >= 3100; }));
+  EXPECT_NEAR(recorder.Rows(0)[0][0], 45413.0, 1e-9);
+  EXPECT_NEAR(recorder.Rows(0)[2999][0], 45413.0 + 29.99 / 86400.0, 1e-9);
+  EXPECT_NEAR(recorder.Rows(0)[3000][0], 45413.0, 1e-9);  // and once more
+}
+
 TEST_F(TQLXXMLClientTest, LogsEveryByteUnchanged) {
   const QString name = TestFolder() + "/log.packages";
   client->SetLogFile(name);
