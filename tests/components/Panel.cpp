@@ -5,8 +5,11 @@
 
 #include <QMetaEnum>
 
+#include "components/channels/Channelset.h"
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
+#include "components/comms/Qlxmaster.h"
+#include "components/comms/Qlxxml.h"
 #include "components/graphing/Graph.h"
 #include "components/package/Panelwindow.h"
 #include "tests/support/Testsupport.h"
@@ -66,6 +69,34 @@ TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
   EXPECT_FALSE(channel->IsLoading());
   EXPECT_EQ(graph->GetColor(), TColor::FromRgb(0x10, 0x20, 0x30));
   EXPECT_EQ(graph->GetHorizontalAx()->GetTitle()->GetCaption(), QString::fromUtf8("t < ä"));
+}
+
+TEST(Panel, ClientsOfRowsStartOnceEverythingIsThere) {
+  const QString log = TestFolder() + "/log";
+  QStringList faults;
+  const auto panel = Load(
+      QStringLiteral(
+          "<widget class=\"TXMLFileClient\" name=\"record\">\n"
+          " <property name=\"Active\"><bool>true</bool></property>\n"
+          " <property name=\"Logging\"><bool>true</bool></property>\n"
+          " <property name=\"ChannelSource\"><string>rows</string></property>\n"
+          " <property name=\"LogFile\"><string>%1</string></property>\n"
+          " <property name=\"FileName\"><string>%2</string></property>\n</widget>\n"
+          "<widget class=\"TQLXMasterClient\" name=\"device\">\n"
+          " <property name=\"AutoConnect\"><bool>true</bool></property>\n"
+          " <property name=\"ChSet.Item\" stdset=\"0\"><string>ChannelSet1</string></property>\n"
+          " <property name=\"Port.PortNum\" stdset=\"0\"><string>COM16</string></property>\n"
+          "</widget>\n<widget class=\"TChannelSource\" name=\"rows\"/>\n")
+          .arg(log, SourceFile("examples/mast.packages")),
+      &faults);
+  ASSERT_TRUE(panel);
+  EXPECT_THAT(faults, ElementsAre());
+  auto* record = Find<TXMLFileClient>(*panel, "record");
+  EXPECT_TRUE(record->GetActive());
+  EXPECT_TRUE(record->GetLogging());
+  EXPECT_EQ(record->GetChannelSource(), Find<TChannelSource>(*panel, "rows"));
+  EXPECT_EQ(Find<TQLXMasterClient>(*panel, "device")->GetPort()->GetPortNum(), "COM16");
+  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<property name=\"Active\""));
 }
 
 TEST(Panel, SaysInOneLineWhatIsWrongAndRunsTheRest) {
