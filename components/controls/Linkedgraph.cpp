@@ -1,6 +1,7 @@
 #include "components/controls/Linkedgraph.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "components/graphing/Graph.h"
 
@@ -37,16 +38,12 @@ TLinkedGraph::TLinkedGraph(QWidget* parent) : TIconControl(parent) {
   connect(&graphLink_, &TCustomGraphLink::OnGraphChanged, this, &TLinkedGraph::GraphChanged);
   connect(&data_, &TPersistent::OnChange, &graphLink_, &TCustomGraphLink::Replay);
   connect(&link_, &TCustomChannelLink::OnData, this, &TLinkedGraph::UpdateValues);
-  connect(&link_, &TCustomChannelLink::OnSourceChanged, this, &TLinkedGraph::GraphChanged);
-  connect(&link_, &TTwoChannelLink::OnChannelChanged1, this, &TLinkedGraph::GraphChanged);
-  connect(&link_, &TTwoChannelLink::OnChannelChanged2, this, &TLinkedGraph::GraphChanged);
+  connect(&link_, &TCustomChannelLink::OnSourceChanged, this, &TLinkedGraph::ConfigurationChanged);
+  connect(&link_, &TTwoChannelLink::OnChannelChanged1, this, &TLinkedGraph::ConfigurationChanged);
+  connect(&link_, &TTwoChannelLink::OnChannelChanged2, this, &TLinkedGraph::ConfigurationChanged);
   for (TStatisticsOptions* options : {link_.GetOptions1(), link_.GetOptions2()}) {
     connect(options, &TPersistent::OnChange, this, &TLinkedGraph::GraphChanged);
   }
-}
-
-void TLinkedGraph::SetMaxPoints(int points) {
-  if (points >= 1) data_.SetMaxCount(points);
 }
 
 void TLinkedGraph::GetLabels() {
@@ -68,12 +65,27 @@ void TLinkedGraph::GraphChanged() {
   graphLink_.Replay();
 }
 
+/// The captions follow the labels and units of the channels.
+void TLinkedGraph::ConfigurationChanged() {
+  const TChannel* chosen[] = {link_.SelectedChannel1(), link_.SelectedChannel2()};
+  for (std::size_t i = 0; i < channels_.size(); ++i) {
+    disconnect(channels_[i]);
+    if (chosen[i]) {
+      channels_[i] = connect(chosen[i], &TPersistent::OnChange, this, &TLinkedGraph::GraphChanged);
+    }
+  }
+  GraphChanged();
+}
+
+/// The link ticks whether there are new data or not: those at hand would push the others out.
 void TLinkedGraph::UpdateValues() {
   if (!HasBoth()) return;
+  const std::array<TStatSet, 2> now = {link_.GetData1(), link_.GetData2()};
+  if (std::exchange(last_, now) == now) return;
   double* row = data_.PushBackRow();
   if (!row) return;
-  row[0] = link_.GetData1().ShownValue(link_.GetOptions1()->GetValueType());
-  row[1] = link_.GetData2().ShownValue(link_.GetOptions2()->GetValueType());
+  row[0] = now[0].ShownValue(link_.GetOptions1()->GetValueType());
+  row[1] = now[1].ShownValue(link_.GetOptions2()->GetValueType());
   if (updating_) graphLink_.Update();
 }
 

@@ -1,17 +1,19 @@
 #pragma once
 
+#include <array>
+
 #include "components/channels/Channellinks.h"
 #include "components/controls/Compbase.h"
 #include "components/links/Linkclasses.h"
 #include "components/links/Objlists.h"
 
 /// Plots one channel against another, or against time, in a graph: it collects a pair of values
-/// with each delivery of its link. GUI thread only.
+/// with each delivery of its link that brings something new. GUI thread only.
 class TLinkedGraph : public TIconControl {
   Q_OBJECT
   Q_PROPERTY(TTwoChannelLink* ChannelLink READ GetChannelLink WRITE SetChannelLink)
   Q_PROPERTY(TGraphLink* GraphLink READ GetGraphLink WRITE SetGraphLink)
-  /// Pairs kept, 1 to 65536; further ones push the oldest out.
+  /// Pairs kept, 1 to 65536; further ones push the oldest out. 0 keeps as many as there can be.
   Q_PROPERTY(int MaxPoints READ GetMaxPoints WRITE SetMaxPoints)
   /// Whether new pairs are drawn; they are collected all the same.
   Q_PROPERTY(bool Updating READ GetUpdating WRITE SetUpdating)
@@ -26,7 +28,7 @@ class TLinkedGraph : public TIconControl {
   TGraphLink* GetGraphLink() { return &graphLink_; }
   void SetGraphLink(const TGraphLink* link) { graphLink_.Assign(link); }
   int GetMaxPoints() const { return data_.GetMaxCount(); }
-  void SetMaxPoints(int points);
+  void SetMaxPoints(int points) { data_.SetMaxCount(points); }
   bool GetUpdating() const { return updating_; }
   void SetUpdating(bool updating) { updating_ = updating; }
   /// X and Y, oldest first.
@@ -47,6 +49,7 @@ class TLinkedGraph : public TIconControl {
  private:
   bool HasBoth() const { return link_.SelectedChannel1() && link_.SelectedChannel2(); }
   void GraphChanged();
+  void ConfigurationChanged();
   void GetLabels();
   void UpdateValues();
 
@@ -56,4 +59,6 @@ class TLinkedGraph : public TIconControl {
   TGraphLink graphLink_{this};
   TCoordinateList data_{this};
   bool updating_ = true;
+  std::array<TStatSet, 2> last_;  ///< what the link delivered last
+  std::array<QMetaObject::Connection, 2> channels_;
 };

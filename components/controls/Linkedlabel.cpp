@@ -1,31 +1,29 @@
 #include "components/controls/Linkedlabel.h"
 
+#include <QContextMenuEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QToolTip>
 
 namespace {
 
-/// Lets the user choose a channel of the link's source.
-void ChooseChannel(TOneChannelLink& link, QPoint at) {
-  const TChannelSource* source = link.GetChannelSource();
-  QMenu menu;
-  const QStringList sets = link.GetChannelSet()->Items();
-  for (qsizetype i = 0; source && i < sets.size(); ++i) {
-    QMenu* channels = menu.addMenu(sets[i]);
-    const TChannelSet* set = source->GetSets()->GetItem(static_cast<int>(i));
-    if (!set) continue;
-    const QStringList labels = set->GetChannels()->Labels();
-    for (qsizetype k = 0; k < labels.size(); ++k) {
-      QObject::connect(channels->addAction(labels[k]), &QAction::triggered, &link, [&link, i, k] {
-        link.GetChannelSet()->SetIndex(static_cast<int>(i));
-        link.GetChannel()->SetIndex(static_cast<int>(k));
-      });
-    }
+/// A label's own `&` is no mark for a key.
+QString MenuText(QString label) { return label.replace('&', QStringLiteral("&&")); }
+
+/// The channels of one set, of which one is chosen.
+void AddChannels(QMenu& menu, TChannelSet& set, TOneChannelLink& link) {
+  for (int i = 0; i < set.GetChannels()->Count(); ++i) {
+    const TChannel* channel = set.GetChannels()->GetItem(i);
+    QAction* action = menu.addAction(MenuText(channel->GetLabel()));
+    action->setCheckable(true);
+    action->setChecked(channel == link.SelectedChannel());
+    QObject::connect(action, &QAction::triggered, &link, [&link, set = set.Index(), i] {
+      link.GetChannelSet()->SetIndex(set);
+      link.GetChannel()->SetIndex(i);
+    });
   }
-  if (menu.isEmpty()) {
-    menu.addAction(QObject::tr("There is no channel source to choose from"))->setEnabled(false);
-  }
-  menu.exec(at);
 }
 
 }  // namespace
@@ -41,19 +39,32 @@ TLinkedLabel::TLinkedLabel(QWidget* parent) : QLabel(parent) {
 
 void TLinkedLabel::SelectedChannelChanged() {
   TChannel* channel = link_.SelectedChannel();
+  disconnect(channel_);
   valid_ = false;
+  before_ = link_.GetData();
   link_.SetEnabled(channel);
   if (channel) {
-    label_ = channel->GetLabel();
-    units_ = channel->GetUnits();
+    channel_ = connect(channel, &TPersistent::OnChange, this, &TLinkedLabel::TakeNames);
     format_.Assign(channel->GetNumFormat());
+    TakeNames();
   }
   InvalidateLabel();
 }
 
+void TLinkedLabel::TakeNames() {
+  const TChannel* channel = link_.SelectedChannel();
+  if (!channel) return;
+  label_ = channel->GetLabel();
+  units_ = channel->GetUnits();
+  InvalidateLabel();
+}
+
+/// The link ticks whether there are data or not. What it still holds of another channel is no value
+/// of this one.
 void TLinkedLabel::UpdateValue() {
-  valid_ = link_.SelectedChannel();
-  value_ = link_.GetData().ShownValue(link_.GetOptions()->GetValueType());
+  const TStatSet& now = link_.GetData();
+  valid_ = link_.SelectedChannel() && (valid_ || now != before_);
+  if (valid_) value_ = now.ShownValue(link_.GetOptions()->GetValueType());
   InvalidateLabel();
 }
 
@@ -73,11 +84,52 @@ void TLinkedLabel::InvalidateLabel() {
   setText(text);
 }
 
+bool TLinkedLabel::IsCut() const {
+  return !wordWrap() && QLabel::minimumSizeHint().width() > width();
+}
+
+bool TLinkedLabel::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip || !IsCut() || !toolTip().isEmpty()) {
+    return QLabel::event(event);
+  }
+  const QString whole = QStringLiteral("<p>%1</p>").arg(text().toHtmlEscaped());
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole, this);
+  return true;
+}
+
+/// Digits that are cut off would make another number of a value.
+void TLinkedLabel::paintEvent(QPaintEvent* event) {
+  if (!IsCut()) return QLabel::paintEvent(event);
+  QPainter painter(this);
+  drawFrame(&painter);
+  const QRect room = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+  const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+  const int flags = static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment()) |
+                                     Qt::TextSingleLine);
+  style()->drawItemText(&painter, room, flags, palette(), isEnabled(), shown, foregroundRole());
+}
+
 void TLinkedLabel::mouseReleaseEvent(QMouseEvent* event) {
   QLabel::mouseReleaseEvent(event);
   if (event->button() == Qt::LeftButton && rect().contains(event->pos())) emit OnClick(this);
 }
 
 void TLinkedLabel::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) ChooseChannel(link_, event->globalPosition().toPoint());
+  if (event->button() == Qt::LeftButton) ChooseChannel(event->globalPosition().toPoint());
+}
+
+void TLinkedLabel::contextMenuEvent(QContextMenuEvent* event) { ChooseChannel(event->globalPos()); }
+
+void TLinkedLabel::ChooseChannel(QPoint at) {
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  const TChannelSource* source = link_.GetChannelSource();
+  for (int i = 0; source && i < source->GetSets()->Count(); ++i) {
+    TChannelSet& set = *source->GetSets()->GetItem(i);
+    AddChannels(*menu->addMenu(MenuText(set.GetLabel())), set, link_);
+  }
+  if (menu->isEmpty()) {
+    menu->addAction(tr("There is no channel source to choose from"))->setEnabled(false);
+  }
+  menu->popup(at);
 }

@@ -6,8 +6,9 @@
 #include "components/graphing/Utilclasses.h"
 
 /// A text that shows a channel of a channel source: its label, its value, its unit and what the
-/// value is. It stands in angle brackets while no channel is linked or none has delivered. A double
-/// click chooses the channel. GUI thread only.
+/// value is. It stands in angle brackets while no channel is linked or the linked one has delivered
+/// nothing. A text that is too long for its place ends in dots and is told by the tool tip. A
+/// double click, and the menu of the right button, choose the channel. GUI thread only.
 class TLinkedLabel : public QLabel {
   Q_OBJECT
   Q_PROPERTY(QString Label READ GetLabel WRITE SetLabel)
@@ -23,7 +24,8 @@ class TLinkedLabel : public QLabel {
  public:
   explicit TLinkedLabel(QWidget* parent = nullptr);
 
-  /// Label, unit and format are those of the channel once one is linked.
+  /// Label, unit and format are those of the channel once one is linked. Label and unit follow it
+  /// when they change.
   const QString& GetLabel() const { return label_; }
   void SetLabel(const QString& label) { Set(label_, label); }
   double GetValue() const { return value_; }
@@ -44,7 +46,7 @@ class TLinkedLabel : public QLabel {
 
   TOneChannelLink* GetChannelLink() { return &link_; }
   void SetChannelLink(const TOneChannelLink* link) { link_.Assign(link); }
-  /// A channel is linked and has delivered.
+  /// A channel is linked and has delivered since.
   bool IsValid() const { return valid_; }
 
   /// To be called once the form is complete.
@@ -59,9 +61,15 @@ class TLinkedLabel : public QLabel {
  protected:
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  bool event(QEvent* event) override;
 
  private:
+  bool IsCut() const;
+  void ChooseChannel(QPoint at);
   void SelectedChannelChanged();
+  void TakeNames();
   void UpdateValue();
 
   template <class T>
@@ -79,6 +87,8 @@ class TLinkedLabel : public QLabel {
   bool showUnits_ = true;
   bool showDescription_ = false;
   bool valid_ = false;
+  TStatSet before_;  ///< what the link held when the channel was chosen
+  QMetaObject::Connection channel_;
   TNumberFormat format_{this};
   TOneChannelLink link_{true, this};
 };

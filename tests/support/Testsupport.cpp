@@ -20,9 +20,10 @@ std::unique_ptr<QTemporaryDir> folder;
 void TakeQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   fprintf(stderr, "%s\n", qPrintable(text));
   if (type == QtDebugMsg || type == QtInfoMsg) return;
-  // The offscreen platform says so of every tool window; there is nothing to raise it over, and no
-  // window manager to be told of sizes.
+  // The offscreen platform says so of every tool window and menu; there is nothing to raise it
+  // over, no other program that has the keys, and no window manager to be told of sizes.
   if (text == QStringLiteral("This plugin does not support raise()")) return;
+  if (text == QStringLiteral("This plugin does not support grabbing the keyboard")) return;
   if (text == QStringLiteral("This plugin does not support propagateSizeHints()")) return;
   for (qsizetype i = 0; i < expectedWarnings.size(); ++i) {
     if (!text.contains(expectedWarnings[i])) continue;
