@@ -29,6 +29,10 @@ QPoint OriginIn(const QWidget* widget, const QWidget* where) {
   return where->mapFromGlobal(widget->mapToGlobal(QPoint()));
 }
 
+bool Holds(const QWidget& widget, const QWidget* other) {
+  return &widget == other || widget.isAncestorOf(other);
+}
+
 /// Kept where sums of pixels cannot overflow.
 QPoint Point(qint64 x, qint64 y) {
   constexpr qint64 kFar = 1 << 28;
@@ -90,12 +94,25 @@ void TArrowEnd::TrapControlPos(QWidget* control) {
     if (widget) widget->removeEventFilter(this);
   }
   watched_.clear();
-  // A control that lies in other widgets moves with them.
-  for (; control && control != arrow_->parentWidget(); control = control->parentWidget()) {
-    watched_.emplace_back(control);
-    control->installEventFilter(this);
-    if (control->isWindow()) break;
+  if (!control) return;
+  // A control that lies in other widgets moves with them, and so does the arrow.
+  QWidget* parent = arrow_->parentWidget();
+  Watch(control);
+  WatchUpTo(parent, control->isWindow() ? nullptr : control->parentWidget());
+  WatchUpTo(control, parent);
+}
+
+/// Watches a widget and those in which it lies, without the ones that hold the other one as well.
+void TArrowEnd::WatchUpTo(const QWidget* other, QWidget* widget) {
+  for (; widget && !Holds(*widget, other); widget = widget->parentWidget()) {
+    Watch(widget);
+    if (widget->isWindow()) break;
   }
+}
+
+void TArrowEnd::Watch(QWidget* widget) {
+  watched_.emplace_back(widget);
+  widget->installEventFilter(this);
 }
 
 bool TArrowEnd::eventFilter(QObject* watched, QEvent* event) {
@@ -266,7 +283,8 @@ void TArrow::paintEvent(QPaintEvent* event) {
   Q_UNUSED(event)
   QPainter painter(this);
   if (!IsAttached() && IsDesignMode(this)) DrawDashedFrame(painter, rect());
-  const TSharpPen pen(painter, color_.ToQColor(), 1);
+  const QColor own = color_.IsNone() ? palette().windowText().color() : color_.ToQColor();
+  const TSharpPen pen(painter, own, 1);
   start_.DrawArrow(painter);
   end_.DrawArrow(painter);
   std::vector<QPoint> line;

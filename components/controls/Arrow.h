@@ -81,12 +81,14 @@ class TArrowEnd : public TPersistent {
   friend class TArrow;
   void ControlChanged();
   void TrapControlPos(QWidget* control);
+  void WatchUpTo(const QWidget* other, QWidget* widget);
+  void Watch(QWidget* widget);
 
   TArrow* arrow_;
   QPoint shift_;
   TAttachPos attachTo_ = apControlBottom;
   TKorvalCompList control_;                 ///< one at most
-  std::vector<QPointer<QWidget>> watched_;  ///< the control and what it lies in
+  std::vector<QPointer<QWidget>> watched_;  ///< the control, and what either of the two lies in
   QPoint pos_;
   TArrowStyle style_ = asNone;
 };
@@ -110,6 +112,7 @@ class TArrow : public TComponentControl {
   void SetArrowStart(const TArrowEnd* end) { start_.Assign(end); }
   void SetArrowEnd(const TArrowEnd* end) { end_.Assign(end); }
 
+  /// Of line and heads; None is the colour of the form's texts.
   TColor GetColor() const { return color_; }
   void SetColor(TColor color);
 
@@ -138,7 +141,7 @@ class TArrow : public TComponentControl {
   TPointList points_;
   TArrowEnd start_{this};
   TArrowEnd end_{this};
-  TColor color_;
+  TColor color_ = TColor::None();
   bool changing_ = false;  ///< the arrow is changing its own bounds
   QRect ownBounds_;        ///< as it took them last
 };
