@@ -9,9 +9,36 @@
 #include <QStyleOptionFocusRect>
 
 #include "components/controls/Korvaltools.h"
+#include "components/controls/Textaccess.h"
 #include "model/Message.h"
 
+namespace {
+
+/// A link that is told of, and can be pressed.
+class TLinkAccess : public TTextAccess {
+ public:
+  explicit TLinkAccess(THyperlink* link) : TTextAccess(link, QAccessible::Link) {}
+
+  QStringList actionNames() const override { return TTextAccess::actionNames() << pressAction(); }
+  void doAction(const QString& name) override {
+    if (name == pressAction() && widget()->isEnabled()) {
+      static_cast<THyperlink*>(widget())->Click();
+    } else {
+      TTextAccess::doAction(name);
+    }
+  }
+};
+
+QAccessibleInterface* MakeAccess(const QString& className, QObject* object) {
+  auto* link = qobject_cast<THyperlink*>(object);
+  const bool mine = className == THyperlink::staticMetaObject.className();
+  return mine && link ? new TLinkAccess(link) : nullptr;
+}
+
+}  // namespace
+
 THyperlink::THyperlink(QWidget* parent) : TCustomTextControl(parent) {
+  [[maybe_unused]] static const bool installed = (QAccessible::installFactory(MakeAccess), true);
   setCursor(Qt::PointingHandCursor);
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_Hover);

@@ -39,6 +39,9 @@ class THyperlink : public TCustomTextControl {
 
   bool IsVisited() const { return visited_; }
 
+  /// What a click does: fires OnClick, then opens the target unless the form is being designed.
+  void Click();
+
   /// Opens the target with the program that the system has for it. Only pages of the web, letters
   /// and files are opened; anything else, and a failure, is told to the user.
   void Open();
@@ -62,7 +65,6 @@ class THyperlink : public TCustomTextControl {
 
  private:
   QUrl Target() const;
-  void Click();
 
   QString url_;
   bool underline_ = true;

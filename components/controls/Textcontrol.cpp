@@ -6,14 +6,43 @@
 #include <cmath>
 #include <numbers>
 
+#include "components/controls/Textaccess.h"
+
 namespace {
 
 /// A text longer than any screen is not laid out.
 constexpr int kMaxShown = 10000;
 
+/// Of the light that white gives, as the eye sees it.
+/// https://www.w3.org/TR/WCAG21/#dfn-relative-luminance
+double Luminance(const QColor& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+         0.0722 * linear(color.blueF());
+}
+
+/// Black or white, whichever has more contrast.
+QColor LegibleOn(const QColor& back) {
+  constexpr double kEqualContrast = 0.179;
+  return Luminance(back) > kEqualContrast ? Qt::black : Qt::white;
+}
+
+QColor Between(const QColor& a, const QColor& b) {
+  return {(a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2};
+}
+
+QAccessibleInterface* MakeAccess(const QString& className, QObject* object) {
+  auto* control = qobject_cast<TCustomTextControl*>(object);
+  const bool mine = className == TCustomTextControl::staticMetaObject.className();
+  return mine && control ? new TTextAccess(control) : nullptr;
+}
+
 }  // namespace
 
 TCustomTextControl::TCustomTextControl(QWidget* parent) : TComponentControl(parent) {
+  [[maybe_unused]] static const bool installed = (QAccessible::installFactory(MakeAccess), true);
   constexpr QSize kDefaultSize(80, 22);
   resize(kDefaultSize);
   SetFace(true);
@@ -50,6 +79,10 @@ void TCustomTextControl::SetColor(TColor color) { StoreLook(color_, color); }
 
 void TCustomTextControl::TextChanged() {
   update();
+  if (QAccessible::isActive()) {
+    QAccessibleEvent event(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
+  }
   updateGeometry();
   const bool laidOut = parentWidget() && parentWidget()->layout();
   if (autoSize_ && !laidOut && !IsLoading()) resize(TCustomTextControl::sizeHint());
@@ -104,12 +137,21 @@ void TCustomTextControl::Paint(QPainter& painter) {
   DrawText(painter);
 }
 
-void TCustomTextControl::DrawText(QPainter& painter) const {
+/// Of the text; pale while the control is disabled.
+QColor TCustomTextControl::Ink() const {
+  const TColor back = BackColor();
   const TColor color = TextColor();
+  if (back.IsNone()) {
+    return color.IsNone() || !isEnabled() ? palette().windowText().color() : color.ToQColor();
+  }
+  const QColor ink = color.IsNone() ? LegibleOn(back.ToQColor()) : color.ToQColor();
+  return isEnabled() ? ink : Between(ink, back.ToQColor());
+}
+
+void TCustomTextControl::DrawText(QPainter& painter) const {
   painter.save();
   painter.setFont(TextFont());
-  painter.setPen(color.IsNone() || !isEnabled() ? palette().windowText().color()
-                                                : color.ToQColor());
+  painter.setPen(Ink());
   QRectF room = QRectF(rect().marginsRemoved(Frame()));
   if (angle_ != 0.0) {
     const double angle = angle_ * std::numbers::pi / 180.0;

@@ -36,7 +36,8 @@ class TCustomTextControl : public TComponentControl {
   double GetAngle() const { return angle_; }
   void SetAngle(double angleDeg);
 
-  /// Of the text; None is the colour of the form's texts.
+  /// Of the text; None is the colour of the form's texts, or on a background of its own black or
+  /// white, whichever is legible there.
   TColor GetFontColor() const { return fontColor_; }
   void SetFontColor(TColor color);
   /// Of the background; None lets the form be seen.
@@ -67,6 +68,7 @@ class TCustomTextControl : public TComponentControl {
 
  private:
   int TextFlags() const;
+  QColor Ink() const;
   void DrawText(QPainter& painter) const;
   template <class T>
   void StoreLook(T& field, const T& value);
