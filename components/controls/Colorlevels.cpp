@@ -23,21 +23,8 @@ std::optional<TColorLevel> TColorLevel::FromText(const QString& text) {
   return level;
 }
 
-QString TColorLevel::ToText() const {
-  const QString limit = QString::number(Limit, 'g', QLocale::FloatingPointShortest);
-  const QString result =
-      QStringLiteral("%1; %2; %3").arg(limit, ColorText(Color), ColorText(FontColor));
-  return Text.isEmpty() ? result : result + QStringLiteral("; ") + Text;
-}
-
-QStringList TColorLevels::GetLevels() const {
-  QStringList result;
-  for (const TColorLevel& level : levels_) result << level.ToText();
-  return result;
-}
-
 void TColorLevels::SetLevels(const QStringList& levels) {
-  if (levels.size() > kMaxCount) return;
+  if (levels == texts_ || levels.size() > kMaxCount) return;
   std::vector<TColorLevel> taken;
   for (const QString& text : levels) {
     const std::optional<TColorLevel> level = TColorLevel::FromText(text);
@@ -45,9 +32,9 @@ void TColorLevels::SetLevels(const QStringList& levels) {
     taken.push_back(*level);
   }
   std::ranges::stable_sort(taken, {}, &TColorLevel::Limit);
-  const QStringList before = GetLevels();
   levels_ = std::move(taken);
-  if (GetLevels() != before) emit OnChange(this);
+  texts_ = levels;
+  emit OnChange(this);
 }
 
 void TColorLevels::SetHysteresis(double hysteresis) {
@@ -66,11 +53,11 @@ int TColorLevels::LevelOf(double value, int last) const {
 void TColorLevels::AssignTo(TPersistent* destination) const {
   auto* levels = qobject_cast<TColorLevels*>(destination);
   if (!levels || levels == this) return;
-  levels->SetLevels(GetLevels());
+  levels->SetLevels(texts_);
   levels->SetHysteresis(hysteresis_);
 }
 
 bool TColorLevels::SameAs(const TPersistent* other) const {
   const auto* levels = qobject_cast<const TColorLevels*>(other);
-  return levels && hysteresis_ == levels->hysteresis_ && GetLevels() == levels->GetLevels();
+  return levels && hysteresis_ == levels->hysteresis_ && levels_ == levels->levels_;
 }

@@ -17,7 +17,8 @@ struct TColorLevel {
   /// From "LIMIT; COLOR; FONTCOLOR; TEXT", such as "80; #ffb000; #000000; Warning {value}". What
   /// follows the colour may be left out. Nothing for a text that is no level.
   static std::optional<TColorLevel> FromText(const QString& text);
-  QString ToText() const;
+
+  friend bool operator==(const TColorLevel&, const TColorLevel&) = default;
 };
 
 /// Levels by ascending limit. A member of its owner; GUI thread only.
@@ -31,8 +32,8 @@ class TColorLevels : public TPersistent {
 
   using TPersistent::TPersistent;
 
-  /// One text each, see TColorLevel.
-  QStringList GetLevels() const;
+  /// One text each, see TColorLevel; as they were set.
+  const QStringList& GetLevels() const { return texts_; }
   /// Ignored if one of them is no level, or if they are more than kMaxCount.
   void SetLevels(const QStringList& levels);
   /// How far a value has to fall below the limit of its level before it leaves that: a value that
@@ -51,6 +52,7 @@ class TColorLevels : public TPersistent {
   bool SameAs(const TPersistent* other) const override;
 
  private:
-  std::vector<TColorLevel> levels_;
+  QStringList texts_;
+  std::vector<TColorLevel> levels_;  ///< by ascending limit
   double hysteresis_ = 0.0;
 };

@@ -212,13 +212,15 @@ TEST(THyperlink, MayBeDestroyedByItsClick) {
 const QStringList kLevels = {"80; #ff0000; #ffffff; ALARM {value}", "60;#ffc000",
                              "-5; none; #0000ff"};
 
-TEST(TColorLevels, AreReadSortedAndWritten) {
+TEST(TColorLevels, AreReadSortedAndKeptAsTheyWereWritten) {
   TColorLevels levels;
   QSignalSpy changes(&levels, &TColorLevels::OnChange);
   levels.SetLevels(kLevels);
   EXPECT_EQ(changes.count(), 1);
-  EXPECT_EQ(levels.GetLevels(), QStringList({"-5; none; #0000ff", "60; #ffc000; none",
-                                             "80; #ff0000; #ffffff; ALARM {value}"}));
+  EXPECT_EQ(levels.GetLevels(), kLevels);
+  EXPECT_EQ(levels.Get(0).Limit, -5.0);
+  EXPECT_EQ(levels.Get(1).Limit, 60.0);
+  EXPECT_TRUE(levels.Get(1).FontColor.IsNone());
   EXPECT_EQ(levels.Get(2).Text, "ALARM {value}");
   levels.SetLevels(levels.GetLevels());
   for (const char* wrong : {"", "x; #ff0000", "1; reddish", "nan; #ff0000", "inf", "1; none; ?"}) {
