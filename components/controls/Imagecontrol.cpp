@@ -117,6 +117,8 @@ QSize TCustomImageControl::sizeHint() const {
 void TCustomImageControl::paintEvent(QPaintEvent* event) {
   Q_UNUSED(event)
   QPainter painter(this);
+  constexpr double kPale = 0.4;
+  if (!isEnabled()) painter.setOpacity(kPale);
   Paint(painter);
 }
 
@@ -165,7 +167,15 @@ void TCustomImageControl::DrawFault(QPainter& painter) const {
   painter.setPen(ink);
   QTextOption option(Qt::AlignCenter);
   option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-  painter.drawText(QRectF(rect()).adjusted(3, 3, -3, -3), fault_, option);
+  const QRectF room = QRectF(rect()).adjusted(3, 3, -3, -3);
+  // As large as there is room for it; the tool tip tells what no room is left for.
+  QFont font = painter.font();
+  for (const double scale : {1.0, 0.85, 0.7}) {
+    font.setPointSizeF(QFontInfo(this->font()).pointSizeF() * scale);
+    painter.setFont(font);
+    if (painter.boundingRect(room, fault_, option).height() <= room.height()) break;
+  }
+  painter.drawText(room, fault_, option);
 }
 
 void TImageControl::Paint(QPainter& painter) {

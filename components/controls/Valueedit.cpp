@@ -10,7 +10,7 @@
 #include <cmath>
 #include <utility>
 
-#include "model/Datetime.h"
+#include "components/graphing/Datetimeformat.h"
 
 namespace {
 
@@ -27,13 +27,6 @@ double Rounded(double value, double step) {
 }
 
 QString Plain(double value) { return QString::number(value, 'g', 10); }
-
-/// Days since 30 December 1899 of a date and time such as "2020-05-17 12:30".
-std::optional<double> ParseTime(const QString& text) {
-  const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
-  if (!time.isValid()) return {};
-  return TDateTime::FromQDateTime(time).Days();
-}
 
 }  // namespace
 
@@ -101,8 +94,8 @@ bool TValueEdit::IsTyping() const { return lineEdit()->isModified(); }
 /// The value as it can be typed: without separators of thousands and signs of currencies.
 QString TValueEdit::EditText() const {
   if (format_.GetIsTimeFormat()) {
-    const QDateTime time = TDateTime(shown_).ToQDateTime();
-    if (time.isValid()) return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
+    const QString time = TypedTime(TDateTime(shown_));
+    if (!time.isEmpty()) return time;
   }
   const auto kind = format_.GetFormat();
   if (kind != TNumberFormat::ffNumber && kind != TNumberFormat::ffCurrency) {
@@ -122,7 +115,9 @@ std::optional<double> TValueEdit::Parse(const QString& text) const {
   bool isNumber = false;
   const double value = number.toDouble(&isNumber);
   if (isNumber && std::isfinite(value)) return value;
-  return format_.GetIsTimeFormat() ? ParseTime(number) : std::nullopt;
+  if (!format_.GetIsTimeFormat()) return {};
+  const std::optional<TDateTime> time = ScanTypedTime(number);
+  return time ? std::optional(time->Days()) : std::nullopt;
 }
 
 QString TValueEdit::FaultOf(std::optional<double> value) const {
@@ -142,8 +137,17 @@ QString TValueEdit::FaultOf(std::optional<double> value) const {
 void TValueEdit::ShowValue() {
   showsLater_ = false;
   const bool typable = hasFocus() && !isReadOnly();
-  lineEdit()->setText(typable ? EditText() : format_.FormatedValue(shown_));
+  const QString text = typable ? EditText() : format_.FormatedValue(shown_);
+  lineEdit()->setText(hasFocus() ? text : Fitting(text));
   ShowFault(FaultOf(shown_));
+}
+
+/// Digits that are cut off would make another number of a value: it ends in dots.
+QString TValueEdit::Fitting(const QString& text) const {
+  constexpr int kInner = 6;  // what the field keeps free of text
+  const QMargins margins = lineEdit()->textMargins();
+  const int room = lineEdit()->width() - margins.left() - margins.right() - kInner;
+  return isVisible() ? fontMetrics().elidedText(text, Qt::ElideRight, room) : text;
 }
 
 void TValueEdit::ShowFault(const QString& fault) {
@@ -152,8 +156,10 @@ void TValueEdit::ShowFault(const QString& fault) {
   QPalette colors;
   if (!fault.isEmpty()) {
     const bool dark = palette().base().color().lightness() < 128;
-    colors.setColor(QPalette::Base, dark ? QColor(110, 30, 30) : QColor(255, 214, 214));
-    colors.setColor(QPalette::Text, dark ? QColor(255, 235, 235) : QColor(110, 0, 0));
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+      colors.setColor(group, QPalette::Base, dark ? QColor(110, 30, 30) : QColor(255, 214, 214));
+      colors.setColor(group, QPalette::Text, dark ? QColor(255, 235, 235) : QColor(110, 0, 0));
+    }
   }
   lineEdit()->setPalette(colors);
   lineEdit()->setToolTip(fault);
@@ -261,6 +267,16 @@ void TValueEdit::changeEvent(QEvent* event) {
 }
 
 // Size
+
+void TValueEdit::resizeEvent(QResizeEvent* event) {
+  QAbstractSpinBox::resizeEvent(event);
+  if (!IsTyping()) ShowValue();
+}
+
+void TValueEdit::showEvent(QShowEvent* event) {
+  QAbstractSpinBox::showEvent(event);
+  if (!IsTyping()) ShowValue();
+}
 
 int TValueEdit::WidthFor(int digits) const {
   QStyleOptionSpinBox option;

@@ -76,11 +76,14 @@ class TValueEdit : public QAbstractSpinBox {
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   bool HasLimits() const { return min_ < max_; }
   bool IsTyping() const;
   QString EditText() const;
+  QString Fitting(const QString& text) const;
   std::optional<double> Parse(const QString& text) const;
   QString FaultOf(std::optional<double> value) const;
   bool Commit();

@@ -13,20 +13,16 @@
 #include <cmath>
 #include <optional>
 
+#include "components/graphing/Datetimeformat.h"
 #include "components/graphing/Pickers.h"
 
 namespace {
 
-const QString& TimePattern() {
-  static const QString pattern = QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz");
-  return pattern;
-}
-
 /// A bound as the user sees it: a date and time on a time axis, a number elsewhere.
 QString BoundText(const TAxis& axis, double value) {
   if (axis.GetScale() == TAxis::asTime) {
-    const QDateTime time = TDateTime(value).ToQDateTime();
-    if (time.isValid()) return time.toString(TimePattern());
+    const QString time = TypedTime(TDateTime(value));
+    if (!time.isEmpty()) return time;
   }
   return QString::number(value, 'g', 15);
 }
@@ -35,13 +31,8 @@ std::optional<double> BoundValue(const QString& text) {
   bool isNumber = false;
   const double number = text.toDouble(&isNumber);
   if (isNumber) return number;
-  for (const QString& pattern :
-       {TimePattern(), QStringLiteral("yyyy-MM-dd HH:mm:ss"), QStringLiteral("yyyy-MM-dd HH:mm"),
-        QStringLiteral("yyyy-MM-dd")}) {
-    const QDateTime time = QDateTime::fromString(text.trimmed(), pattern);
-    if (time.isValid()) return TDateTime::FromQDateTime(time).Days();
-  }
-  return std::nullopt;
+  const std::optional<TDateTime> time = ScanTypedTime(text);
+  return time ? std::optional(time->Days()) : std::nullopt;
 }
 
 }  // namespace
@@ -271,7 +262,7 @@ QWidget* TAxisEditor::Bound(const QString& name, const std::function<double()>& 
   layout->setContentsMargins(0, 0, 0, 0);
   auto* edit = new QLineEdit;
   edit->setObjectName(name);
-  edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance(TimePattern()) + 16);
+  edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance(TypedTime(TDateTime(0.0))) + 16);
   auto* automatic = new QCheckBox(tr("Automatic"));
   automatic->setObjectName(QStringLiteral("Auto") + name);
   layout->addWidget(edit, 1);

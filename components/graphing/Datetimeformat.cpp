@@ -193,3 +193,15 @@ std::optional<QString> FormatDateTime(QStringView pattern, TDateTime time,
   if (!clock.date.isValid()) return {};
   return TDateTimeWriter(clock, settings).Write(pattern);
 }
+
+QString TypedTime(TDateTime time) {
+  const TDateTime::TClock clock = time.Clock();
+  if (!clock.date.isValid()) return {};
+  return clock.date.toString(Qt::ISODate) + ' ' + clock.time.toString(Qt::ISODateWithMs);
+}
+
+std::optional<TDateTime> ScanTypedTime(const QString& text) {
+  const QDateTime time = QDateTime::fromString(text.trimmed(), Qt::ISODateWithMs);
+  if (!time.isValid()) return {};
+  return TDateTime::FromQDateTime(time);
+}

@@ -31,3 +31,9 @@
 /// Letters may be of either case. Everything else stands for itself.
 std::optional<QString> FormatDateTime(QStringView pattern, TDateTime time,
                                       const TFormatSettings& settings = FormatSettings());
+
+/// A date-time as it can be typed, such as "2026-01-31 12:30:00.000". Empty for a value that is no
+/// valid date-time.
+QString TypedTime(TDateTime time);
+/// Reads what TypedTime writes, and shorter forms without milliseconds, seconds or time of day.
+std::optional<TDateTime> ScanTypedTime(const QString& text);
