@@ -69,6 +69,7 @@ void TDataLogger::Loaded() {
 void TDataLogger::SetStatus(const QString& text) {
   if (text == status_) return;
   status_ = text;
+  setToolTip(text);
   emit OnStatusChanged(this);
 }
 

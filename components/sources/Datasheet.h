@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QTableView>
 #include <QTimer>
+#include <set>
 
 #include "components/graphing/Utilclasses.h"
 #include "components/links/Complist.h"
@@ -10,9 +11,10 @@
 
 class TDataSheetModel;
 
-/// A grid that shows a data table and edits it. Cells are copied to and pasted from spreadsheets:
-/// rows on lines, values separated by tabs, with a full stop as decimal point. It follows the
-/// newest row while it shows the last one. GUI thread only.
+/// A grid that shows a data table and edits it, also while rows come in. Cells are copied to and
+/// pasted from spreadsheets: rows on lines, values separated by tabs, with a full stop as decimal
+/// point; a pasted number may have that of the locale. It follows the newest row while it shows the
+/// last one. GUI thread only.
 class TDataSheet : public QTableView {
   Q_OBJECT
   Q_PROPERTY(QString Table READ GetTableName WRITE SetTableName)
@@ -45,9 +47,12 @@ class TDataSheet : public QTableView {
  public slots:
   /// The selected cells, as text, to the clipboard.
   void Copy();
-  /// Text of the clipboard into the cells from the current one on, adding rows as long as the
-  /// table takes them. Text that holds anything but numbers changes nothing, and is said.
+  /// Text of the clipboard into the cells from the current one on, with new rows as they are
+  /// needed. Text that holds anything but numbers, or dates and times for the first column, and
+  /// text that the table has no room for, changes nothing, and is said.
   void Paste();
+  /// A row of zeros at the present time, above the current one or at the end.
+  void InsertRow();
   void DeleteSelectedRows();
 
  protected:
@@ -57,13 +62,19 @@ class TDataSheet : public QTableView {
  private:
   friend class TDataSheetModel;
   void TableChanged();
-  void RefreshLater() { refresh_.start(); }
+  void RowAdded();
+  void RowsChanged();
   void Refresh();
+  bool MayEdit() const { return GetTable() && !readOnly_; }
+  std::set<int> SelectedRows() const;
+  int WidthOf(const QString& text) const;
 
   TKorvalCompList table_{this, &TDataTable::staticMetaObject};  ///< one at most
   TNumberFormat valueFormat_{this};
   TNumberFormat timeFormat_{this};
   TDataSheetModel* model_;  ///< a child
   QTimer refresh_;          ///< many rows are shown at once
+  int added_ = 0;           ///< rows since the last time
+  bool changed_ = false;    ///< other rows are not what they were
   bool readOnly_ = false;
 };

@@ -28,6 +28,7 @@ void TRowSampler::Sample() {
     if (control) row_[i] = control->GetValue();
   }
   const auto* last = static_cast<const TDataControl*>(controls_.Get(controls_.Count() - 1));
-  const double time = last->GetTime() != 0.0 ? last->GetTime() : TDateTime::Now().Days();
-  if (OnRow) OnRow(time, row_);
+  const TDateTime time(last->GetTime());
+  const bool hasTime = time.Days() != 0.0 && time.Clock().date.isValid();
+  if (OnRow) OnRow(hasTime ? time.Days() : TDateTime::Now().Days(), row_);
 }

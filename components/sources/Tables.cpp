@@ -14,7 +14,11 @@ TDataTable::TDataTable(QWidget* parent)
 void TDataTable::SetMaxRows(int rows) {
   if (rows == maxRows_ || rows < 1 || rows > TDataList::kLimit) return;
   maxRows_ = rows;
+  // The list alone would let go of the newest.
+  QSignalBlocker once(this);
+  DeleteRows(0, RowCount() - rows);
   rows_->SetMaxCount(rows);
+  once.unblock();
   emit OnChange(this);
 }
 
@@ -62,8 +66,8 @@ void TDataTable::InsertRow(int row) {
 }
 
 void TDataTable::DeleteRows(int first, int count) {
-  const int end = std::min(first + count, RowCount());
-  if (first < 0 || count < 1 || first >= end) return;
+  if (first < 0 || count < 1 || first >= RowCount()) return;
+  const int end = first + std::min(count, RowCount() - first);
   for (int row = end - 1; row >= first; --row) rows_->Delete(row);
   emit OnChange(this);
 }
