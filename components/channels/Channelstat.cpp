@@ -123,11 +123,6 @@ double DaysOf(TStatInterval interval) {
   }
 }
 
-bool IsFinite(const TStatSet& record) {
-  return std::isfinite(record.Sum) && std::isfinite(record.SqSum) && std::isfinite(record.Max) &&
-         std::isfinite(record.Min) && std::isfinite(record.Count);
-}
-
 }  // namespace
 
 TStatHistory::TStatHistory(TStatInterval interval, const TLimits* limits)
@@ -139,16 +134,11 @@ std::size_t TStatHistory::Slot(int index) const {
 }
 
 void TStatHistory::UpdateStatistics(const TStatSet& block) {
-  TStatSet sum = current_;
-  sum.Merge(block);
-  if (!IsHistoryTime(block.Time) || !IsFinite(sum)) return;
+  TStatSet alone;
+  if (!IsHistoryTime(block.Time) || !alone.Merge(block)) return;
   if (!IsStarted()) ResetTime(block.Time);
-  if (block.Time < current_.Time) {
-    Restart(block.Time);
-    sum = current_;
-    sum.Merge(block);
-  }
-  current_ = sum;
+  if (block.Time < current_.Time) Restart(block.Time);
+  current_.Merge(block);
   current_.Time = block.Time;
   if (block.Time >= end_) Complete(block.Time);
 }

@@ -133,10 +133,12 @@ class TStatHistory {
   TStatHistory* Next() const { return next_; }
   void SetNext(TStatHistory* next) { next_ = next; }
 
-  /// Adds a block of values. One with a time outside the years 1 to 9999, or that would make the
-  /// sums infinite or not a number, is left out.
+  /// Adds a block of values. One with a time outside the years 1 to 9999, or with values that are
+  /// infinite or not a number, is left out; one that would make the sums infinite only ends its
+  /// interval.
   void UpdateStatistics(const TStatSet& block);
-  /// Makes one record of all that the shorter history has not passed on yet.
+  /// Makes one record of all that the shorter history has not passed on yet; what would make its
+  /// sums infinite is left out.
   void UpdateStatistics(TStatHistory* shorter);
   /// Puts a record in front; a full history uses the place of its oldest.
   void AddToHistory(const TStatSet& record);

@@ -24,9 +24,9 @@ QDataStream& operator>>(QDataStream& stream, TStatSet& record) {
   return stream;
 }
 
+/// Also one whose ends have become equal by the digits of the text form, which then begins anew.
 bool IsInterval(double start, double end) {
-  if (start == end) return start == 0.0;
-  return IsHistoryTime(start) && end > start && end - start < 400.0;
+  return IsHistoryTime(start) && end >= start && end - start < 400.0;
 }
 
 }  // namespace

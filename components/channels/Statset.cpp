@@ -58,13 +58,20 @@ QString IntervalText(TStatInterval interval) {
 
 bool IsHistoryTime(double time) { return time >= kFirstDay && time < kEndDay; }
 
-void TStatSet::Merge(const TStatSet& other) {
-  if (!(other.Count > 0.0)) return;
+bool TStatSet::Merge(const TStatSet& other) {
+  if (other.Count == 0.0) return true;
+  const double count = Count + other.Count;
+  const double sum = Sum + other.Sum;
+  const double sqSum = SqSum + other.SqSum;
+  // Each of them times zero is zero, or else not a number.
+  const double zero = 0.0 * count + 0.0 * sum + 0.0 * sqSum + 0.0 * other.Max + 0.0 * other.Min;
+  if (zero != 0.0 || !(other.Count >= 1.0)) return false;
   Max = Count > 0.0 ? std::max(Max, other.Max) : other.Max;
   Min = Count > 0.0 ? std::min(Min, other.Min) : other.Min;
-  Count += other.Count;
-  Sum += other.Sum;
-  SqSum += other.SqSum;
+  Count = count;
+  Sum = sum;
+  SqSum = sqSum;
+  return true;
 }
 
 void TStatSet::ComputeMoments() {
@@ -113,7 +120,7 @@ bool TStatSet::IsValid() const {
   // Each of them times zero is zero, or else not a number.
   const double zero =
       0.0 * Count + 0.0 * Sum + 0.0 * SqSum + 0.0 * Max + 0.0 * Min + 0.0 * Mean + 0.0 * StDev;
-  return zero == 0.0 && Count >= 0.0 && IsHistoryTime(Time);
+  return zero == 0.0 && (Count == 0.0 || Count >= 1.0) && IsHistoryTime(Time);
 }
 
 QString TStatSet::GetAsText() const {

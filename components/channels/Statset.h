@@ -68,8 +68,9 @@ struct TStatSet {
   double StDev = 0.0;  ///< of the sample (n - 1)
   double Time = 0.0;   ///< of the last block that went in, days since 30 December 1899
 
-  /// Adds the values of another record; its time and moments do not count.
-  void Merge(const TStatSet& other);
+  /// Adds the values of another record; its time and moments do not count. False, and nothing
+  /// changes, if it counts less than one value but some, or a sum would not be finite.
+  bool Merge(const TStatSet& other);
   /// Mean and StDev from the sums. A variance that rounding has made negative counts as 0.
   void ComputeMoments();
   /// The same values under another calibration. A record that then exceeds the range of a double
@@ -79,7 +80,7 @@ struct TStatSet {
   /// The same as a display shows it while the record is accumulated: Mean and StDev are those of
   /// what is in it so far.
   double ShownValue(TStatValue value) const;
-  /// All eight are numbers, the count is not negative, and the time lies in the years 1 to 9999.
+  /// All eight are numbers, the count is 0 or at least 1, and the time lies in the years 1 to 9999.
   [[nodiscard]] bool IsValid() const;
 
   /// The record as text, in the order of the header and with a full stop in its numbers whatever

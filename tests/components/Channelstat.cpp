@@ -390,6 +390,25 @@ TEST(TChannelStatistics, BothFormsReadBackEqual) {
   EXPECT_NEAR(Held(text).Sum / Held(statistics).Sum, 1.0, 1e-5);
 }
 
+TEST(TChannelStatistics, WhatTheyHoldCanAlwaysBeReadBack) {
+  TChannelStatistics statistics;
+  // The squares of a minute exceed the range of a double, those of a second do not.
+  for (int i = 0; i < 300; ++i) Add(statistics, Block(45000.0 + 1.5 * i * kSecond, 1e153, 100.0));
+  Add(statistics, Block(45000.5, 1e300, 1e-300));  // less than one value
+  EXPECT_LT(statistics.Get(0)->Current().Time, 45000.1);
+  EXPECT_GT(statistics.Get(1)->Count(), 5);
+  TChannelStatistics read;
+  EXPECT_TRUE(read.ReadBinaryData(statistics.WriteBinaryData()));
+  EXPECT_TRUE(read.ReadData(statistics.WriteData()));
+
+  // A minute that begins so near to its end that the digits of the text form make them one.
+  TChannelStatistics late;
+  Add(late, Block(std::nextafter(45001.0, 0.0), 2.0));
+  ASSERT_TRUE(read.ReadData(late.WriteData()));
+  Add(read, Block(45001.0 + kSecond, 4.0));
+  EXPECT_EQ(Held(read).Count, 2.0);
+}
+
 TEST(TChannelStatistics, RefuseDamagedFormsAndKeepWhatTheyHave) {
   TChannelStatistics source;
   Fill(source);
