@@ -1,5 +1,6 @@
 #include "components/channels/Channelset.h"
 
+#include <QPointer>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -53,8 +54,9 @@ void TChannelSet::SetCount(int count) {
     }
     while (channels_.Count() < count && channels_.Add()) continue;
   }
+  const QPointer<TChannelSet> alive(this);
   emit channels_.OnChange(&channels_);
-  emit OnChange(this);
+  if (alive) emit OnChange(this);
 }
 
 void TChannelSet::SetRows(int rows) {
@@ -303,13 +305,17 @@ void TChannelSet::CalculateOffset(int column) {
   if (HasColumn(column)) Offset(column);
 }
 
-void TChannelSet::Offset(int column) {
+/// False, and nothing changes, if the data have no finite mean.
+bool TChannelSet::Offset(int column) {
   const TCalibration now = CalibrationOf(column);
   double sum = 0.0;
   for (int row = 0; row < data_.Rows(); ++row) {
     sum += (data_.At(row, column) - now.Offset - now.InitialValue) / now.ScaleFactor;
   }
-  calibration_.At(kOffset, column) = -now.ScaleFactor * (sum / data_.Rows());
+  const double offset = -now.ScaleFactor * (sum / data_.Rows());
+  if (!std::isfinite(offset)) return false;
+  calibration_.At(kOffset, column) = offset;
+  return true;
 }
 
 void TChannelSet::ShiftToInitial(int column) {
@@ -323,7 +329,7 @@ void TChannelSet::ShiftToInitial() {
 }
 
 void TChannelSet::Shift(int column) {
-  Offset(column);
+  if (!Offset(column)) return;
   const TCalibration now = CalibrationOf(column);
   for (int row = 0; row < data_.Rows(); ++row) {
     double& value = data_.At(row, column);
@@ -350,7 +356,8 @@ void TChannelSet::ChangeChannels(int goneColumn, const std::function<void()>& ch
 }
 
 void TChannelSet::DeleteChannel(int index) {
-  if (channels_.Take(index, true)) emit OnChange(this);
+  const QPointer<TChannelSet> alive(this);
+  if (channels_.Take(index, true) && alive) emit OnChange(this);
 }
 
 void TChannelSet::DefaultHandler(const TObjectMessage& message) {
@@ -359,8 +366,9 @@ void TChannelSet::DefaultHandler(const TObjectMessage& message) {
   const auto* channel = qobject_cast<const TChannel*>(message.Sender);
   if (!channel || channels_.GetItem(channel->Index()) != channel) return;
   // It is being destroyed already.
+  const QPointer<TChannelSet> alive(this);
   static_cast<void>(channels_.Take(channel->Index(), true).release());
-  emit OnChange(this);
+  if (alive) emit OnChange(this);
 }
 
 void TChannelSet::customEvent(QEvent* event) {
@@ -407,7 +415,7 @@ void TChannelSet::ReadEnd() {
 // Storage
 
 void TChannelSet::SetStorage(TBlockStorage* storage) {
-  if (storage == storageNow_ && storage_.GetNames().isEmpty() == !storage) return;
+  if (storage == storageNow_ && (storage || storage_.GetNames().isEmpty())) return;
   storage_.Clear();
   if (storage) storage_.Add(storage);
   emit OnChange(this);

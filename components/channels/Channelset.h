@@ -152,7 +152,7 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   double BlockTime() const override { return endTime_; }
 
   /// Offset that gives the column's data the mean 0 before the initial value is added. Columns
-  /// outside 1 to the last are ignored.
+  /// outside 1 to the last are ignored, and so are data that hold NaN or an infinity.
   void CalculateOffset(int column);
   /// Does so, and then converts the data, which have been converted already, once more: on purpose.
   void ShiftToInitial(int column) override;
@@ -216,7 +216,7 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   bool StoreRow(const double* values, int first, int count);
   void Analyse();
   void ComputeBlock(int firstColumn, int endColumn);
-  void Offset(int column);
+  bool Offset(int column);
   void Shift(int column);
   void RescaleColumn(int column, const TCalibration& from, const TCalibration& to);
   TCalibration CalibrationOf(int column) const;
@@ -277,6 +277,8 @@ class TChannelSets : public TPersistent {
   static constexpr int kMaxSets = 256;
   /// Cells that the data of all sets of a text may have.
   static constexpr qint64 kMaxCells = 4 * TMatrix::kMaxCells;
+  /// Channels of all sets of a text.
+  static constexpr int kMaxChannels = 32 * TChannelSet::kMaxChannels;
 
   explicit TChannelSets(QObject* owner = nullptr) : TPersistent(owner) {}
   ~TChannelSets() override;

@@ -1,5 +1,6 @@
 #include <QJsonDocument>
 #include <QPainter>
+#include <QPointer>
 #include <algorithm>
 
 #include "components/channels/Channelset.h"
@@ -134,7 +135,7 @@ std::unique_ptr<TChannelSet> TChannelSets::Take(int index) {
 void TChannelSets::Delete(int index) { Take(index); }
 
 void TChannelSets::Clear() {
-  while (Count() > 0) Delete(Count() - 1);
+  if (Count() > 0) Replace({});
 }
 
 QString TChannelSets::WriteProperties() const {
@@ -156,6 +157,7 @@ bool TChannelSets::ReadProperties(const QString& text, QString* error) {
   }
   std::vector<std::unique_ptr<TChannelSet>> read;
   qint64 cells = 0;
+  int channels = 0;
   for (const auto& record : records) {
     const QString where = QStringLiteral("Set %1: ").arg(read.size() + 1);
     read.push_back(std::make_unique<TChannelSet>(Owner()));
@@ -165,6 +167,8 @@ bool TChannelSets::ReadProperties(const QString& text, QString* error) {
     }
     cells += qint64{read.back()->GetRows()} * read.back()->GetColumns();
     if (cells > kMaxCells) return Refuse(error, where + QStringLiteral("too many rows"));
+    channels += read.back()->GetCount();
+    if (channels > kMaxChannels) return Refuse(error, where + QStringLiteral("too many channels"));
   }
   Replace(std::move(read));
   return true;
@@ -174,6 +178,7 @@ void TChannelSets::Replace(std::vector<std::unique_ptr<TChannelSet>> sets) {
   const auto gone = std::exchange(items_, {});
   for (const auto& set : gone) {
     set->sets_ = nullptr;
+    set->index_ = -1;
     disconnect(set.get(), nullptr, this, nullptr);
   }
   for (auto& set : sets) {
@@ -186,9 +191,11 @@ void TChannelSets::Replace(std::vector<std::unique_ptr<TChannelSet>> sets) {
 void TChannelSets::AssignTo(TPersistent* destination) const {
   auto* sets = qobject_cast<TChannelSets*>(destination);
   if (!sets || sets == this) return;
-  while (sets->Count() > Count()) sets->Delete(sets->Count() - 1);
-  while (sets->Count() < Count()) sets->Add();
-  for (int i = 0; i < Count(); ++i) sets->SetItem(i, GetItem(i));
+  // Not until the counts are equal: whoever is told of a change may make another one.
+  const QPointer<TChannelSets> alive(sets);
+  for (int i = sets->Count() - Count(); alive && i > 0; --i) sets->Delete(sets->Count() - 1);
+  for (int i = Count() - (alive ? sets->Count() : 0); alive && i > 0; --i) sets->Add();
+  for (int i = 0; alive && i < Count(); ++i) sets->SetItem(i, GetItem(i));
 }
 
 bool TChannelSets::SameAs(const TPersistent* other) const {

@@ -291,6 +291,51 @@ TEST(TChannelSet, ShiftToInitialConvertsTheStoredValuesOnceMore) {
   EXPECT_EQ(set.GetData().At(0, 0), kStart);
 }
 
+TEST(TChannelSet, AColumnWithoutAMeanIsNotShifted) {
+  TChannelSource source;
+  TChannelSet* set = source.GetSets()->Add();
+  set->SetRows(3);
+  TChannel* channel = set->GetChannels()->GetItem(0);
+  channel->SetOffset(5.0);
+  for (const double value : {1.0, std::nan(""), 3.0}) SetRow(*set, 1.0 + value, value);
+  channel->ShiftToInitial();
+  set->CalculateOffset(1);
+  EXPECT_EQ(channel->GetOffset(), 5.0);
+  EXPECT_EQ(set->GetData().At(2, 1), 8.0);
+  // The form can be read again.
+  EXPECT_TRUE(TChannelSource().GetSets()->ReadProperties(source.GetSets()->WriteProperties()));
+}
+
+TEST(TChannelSet, MayBeDestroyedByItsOwnNews) {
+  const std::function<void(TChannelSet*)> changes[] = {
+      [](TChannelSet* set) { set->SetCount(7); }, [](TChannelSet* set) { set->DeleteChannel(1); },
+      [](TChannelSet* set) { delete set->GetChannels()->GetItem(1); },
+      [](TChannelSet* set) { set->SetLabel("x"); }};
+  for (const auto& change : changes) {
+    for (const bool ofTheChannels : {true, false}) {
+      QPointer<TChannelSet> set = new TChannelSet;
+      const TPersistent* sender = set;
+      if (ofTheChannels) sender = set->GetChannels();
+      QObject::connect(sender, &TPersistent::OnChange, [set] { delete set; });
+      change(set);
+      delete set;  // not all of them are news of the channels
+    }
+  }
+}
+
+TEST(TChannelSets, ListenersThatAddSetsDoNotKeepThemFromBeingCleared) {
+  TChannelSource source;
+  TChannelSource copy;
+  for (int i = 0; i < 3; ++i) copy.GetSets()->Add();
+  int added = 0;
+  QObject::connect(copy.GetSets(), &TChannelSets::OnChange, [&] {
+    if (++added < 5000) copy.GetSets()->Add();  // up to kMaxSets
+  });
+  source.GetSets()->AssignTo(copy.GetSets());
+  copy.GetSets()->Clear();
+  EXPECT_LT(added, 1000);
+}
+
 TEST(TChannelSet, ADestroyedChannelTakesItsColumnAlong) {
   for (const bool byTheSet : {true, false}) {
     SCOPED_TRACE(byTheSet);
@@ -418,6 +463,8 @@ TEST(TChannelSets, RefuseDamagedTextAndKeepWhatTheyHave) {
   count.replace("\"ChannelCount\":2", "\"ChannelCount\":2147483647");
   QString rows = text;
   rows.replace("\"Rows\":5", "\"Rows\":1000000000");
+  QString many = "{\"ChannelCount\":1024,\"Channels\":[" + QString("{},").repeated(1023) + "{}]},";
+  many = '[' + many.repeated(33).chopped(1) + ']';
   const struct {
     QString text, error;
   } cases[] = {{"", "Character 0: illegal value"},
@@ -425,7 +472,8 @@ TEST(TChannelSets, RefuseDamagedTextAndKeepWhatTheyHave) {
                {"[1]", "Set 1: ChannelCount is not the number of channels"},
                {zero, "Set 1: Channel 2: TChannel.ScaleFactor does not take its value"},
                {count, "Set 1: ChannelCount is not the number of channels"},
-               {rows, "Set 1: TChannelSet.Rows does not take its value"}};
+               {rows, "Set 1: TChannelSet.Rows does not take its value"},
+               {many, "Set 33: too many channels"}};
   for (const auto& c : cases) {
     QString error;
     EXPECT_FALSE(source.GetSets()->ReadProperties(c.text, &error));
