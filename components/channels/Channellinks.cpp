@@ -22,12 +22,17 @@ void TChannelEnd::ChannelChosen() {
   if (chosen != channel_) SelectedChannelChanged(chosen);
 }
 
-void TChannelEnd::SetSource(TChannelSource* source) {
+void TChannelEnd::Clear() {
   disconnect(sets_);
   source_ = nullptr;
+  const QPointer<TChannelEnd> alive(this);
   ChannelSet.Clear();
-  Channel.Clear();
-  if (set_) SelectedChannelSetChanged(nullptr);
+  // Whoever was told may have destroyed the link or chosen another source.
+  if (alive && !source_) Channel.Clear();
+  if (alive && !source_ && set_) SelectedChannelSetChanged(nullptr);
+}
+
+void TChannelEnd::SetSource(TChannelSource* source) {
   source_ = source;
   if (!source) return;
   const QPointer<TChannelSets> sets = source->GetSets();
@@ -38,8 +43,12 @@ void TChannelEnd::SetSource(TChannelSource* source) {
 void TChannelEnd::SelectedChannelSetChanged(TChannelSet* set) {
   disconnect(channels_);
   set_ = set;
+  const QPointer<TChannelEnd> alive(this);
+  // Whoever is told may destroy the link or choose another set.
+  const auto stays = [&] { return alive && set_ == set; };
   Channel.Clear();
-  if (channel_) SelectedChannelChanged(nullptr);
+  if (stays() && channel_) SelectedChannelChanged(nullptr);
+  if (!stays()) return;
   if (set) {
     const QPointer<TChannels> channels = set->GetChannels();
     channels_ = connect(channels, &TPersistent::OnChange, this, &TChannelEnd::ChannelsChanged);
@@ -61,8 +70,9 @@ void TChannelEnd::SetsChanged() {
     return;
   }
   const QString channel = Channel.GetItem();
+  const QPointer<TChannelEnd> alive(this);
   SetChosen();
-  Channel.SetItem(channel);
+  if (alive) Channel.SetItem(channel);
 }
 
 void TChannelEnd::ChannelsChanged() {
@@ -125,9 +135,11 @@ TChannelSource* TCustomChannelLink::GetChannelSource() const {
 
 void TCustomChannelLink::SetChannelSource(TChannelSource* source) {
   if (source == GetChannelSource()) return;
-  const QSignalBlocker once(&source_);
-  source_.Clear();
-  if (source) source_.Add(source);
+  {
+    const QSignalBlocker once(&source_);
+    source_.Clear();
+    if (source) source_.Add(source);
+  }
   SourceChanged();
 }
 
@@ -145,10 +157,11 @@ void TCustomChannelLink::Loaded() {
   for (const auto& end : ends_) {
     names.push_back({end->ChannelSet.GetItem(), end->Channel.GetItem()});
   }
+  const QPointer<TCustomChannelLink> alive(this);
   source_.GetComponentsByNames();
-  for (std::size_t i = 0; i < ends_.size(); ++i) {
+  for (std::size_t i = 0; alive && i < ends_.size(); ++i) {
     ends_[i]->ChannelSet.SetItem(names[i].set);
-    ends_[i]->Channel.SetItem(names[i].channel);
+    if (alive) ends_[i]->Channel.SetItem(names[i].channel);
   }
 }
 
@@ -156,6 +169,10 @@ void TCustomChannelLink::SourceChanged() {
   // A name that waits for its form is no source yet, and takes no selection away.
   TChannelSource* source = GetChannelSource();
   if (!source && !source_.GetNames().isEmpty()) return;
+  const QPointer<TCustomChannelLink> alive(this);
+  for (std::size_t i = 0; alive && i < ends_.size(); ++i) ends_[i]->Clear();
+  // Whoever was told may have chosen another one.
+  if (!alive || GetChannelSource() != source) return;
   for (const auto& end : ends_) end->SetSource(source);
   emit OnSourceChanged(this);
 }
@@ -192,16 +209,30 @@ void TCustomChannelLink::DoOnData(QObject* sender) {
   emit OnData(GetChannelSource());
 }
 
+namespace {
+
+/// Makes the same selection: by its place, as several may have one label, or by a label that is not
+/// resolved yet.
+void Select(TSelectedCollItem& item, const TSelectedCollItem& wanted) {
+  if (wanted.GetIndex() >= 0) {
+    item.SetIndex(wanted.GetIndex());
+  } else {
+    item.SetItem(wanted.GetItem());
+  }
+}
+
+}  // namespace
+
 void TCustomChannelLink::AssignTo(TPersistent* destination) const {
   auto* link = qobject_cast<TCustomChannelLink*>(destination);
   if (!link || link == this || link->metaObject() != metaObject()) return;
+  const QPointer<TCustomChannelLink> alive(link);
   link->SetInterval(intervalMs_);
-  link->SetChannelSource(GetChannelSource());
-  for (std::size_t i = 0; i < ends_.size(); ++i) {
-    TChannelEnd& end = *link->ends_[i];
-    end.ChannelSet.SetIndex(ends_[i]->ChannelSet.GetIndex());
-    end.Channel.SetIndex(ends_[i]->Channel.GetIndex());
-    end.Options.Assign(&ends_[i]->Options);
+  if (alive) link->source_.Assign(&source_);
+  for (std::size_t i = 0; alive && i < ends_.size(); ++i) {
+    Select(link->ends_[i]->ChannelSet, ends_[i]->ChannelSet);
+    if (alive) Select(link->ends_[i]->Channel, ends_[i]->Channel);
+    if (alive) link->ends_[i]->Options.Assign(&ends_[i]->Options);
   }
 }
 

@@ -34,7 +34,9 @@ class TChannelEnd : public QObject {
   TChannelSet* SelectedSet() const { return set_; }
   TChannel* SelectedChannel() const { return channel_; }
 
-  /// Takes the selections away and offers the sets of another source; null for none.
+  /// Leaves the source and takes the selections away.
+  void Clear();
+  /// Offers the sets of a source to an end without one; null for none.
   void SetSource(TChannelSource* source);
   /// Remembers the set, takes the selected channel away and offers the channels of the set.
   void SelectedChannelSetChanged(TChannelSet* set);

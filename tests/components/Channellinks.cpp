@@ -216,6 +216,58 @@ TEST(TOneChannelLink, ResolvesItsSelectionsWhenTheFormIsLoaded) {
   EXPECT_EQ(link.SelectedChannel(), source->GetSets()->GetItem(0)->GetChannels()->GetItem(3));
 }
 
+TEST(TOneChannelLink, MayBeDestroyedByAnyOfItsNews) {
+  using TNews = void (TOneChannelLink::*)(QObject*);
+  const TNews news[] = {&TOneChannelLink::OnSourceChanged, &TOneChannelLink::OnChannelSetChanged,
+                        &TOneChannelLink::OnChannelChanged};
+  const std::function<void(TTwoSets&, TOneChannelLink&)> changes[] = {
+      [](TTwoSets&, TOneChannelLink& link) { link.SetChannelSource(nullptr); },
+      [](TTwoSets&, TOneChannelLink& link) { link.GetChannelSet()->SetItem("B"); },
+      [](TTwoSets& sets, TOneChannelLink&) { sets.source->GetSets()->Delete(0); },
+      [](TTwoSets& sets, TOneChannelLink&) { sets.source.reset(); },
+      [](TTwoSets& sets, TOneChannelLink&) { sets.Set(0)->DeleteChannel(0); },
+      [](TTwoSets&, TOneChannelLink& link) {
+        link.Assign(std::make_unique<TOneChannelLink>(false).get());
+      }};
+  int destroyed = 0;
+  for (const TNews what : news) {
+    for (const auto& change : changes) {
+      TTwoSets sets;
+      auto link = std::make_unique<TOneChannelLink>(false);
+      Select(*link, sets.source.get(), "A", "a1");
+      QObject::connect(link.get(), what, [&] { link.reset(); });
+      change(sets, *link);
+      destroyed += !link;
+    }
+  }
+  EXPECT_EQ(destroyed, 3 + 5 + 6);
+}
+
+TEST(TOneChannelLink, MayTakeAnotherSourceWhenItIsToldOfOne) {
+  TTwoSets first;
+  TTwoSets second;
+  TOneChannelLink link(false);
+  Select(link, first.source.get(), "A", "a1");
+  TChannelSource third;
+  QObject::connect(&link, &TOneChannelLink::OnChannelChanged, [&] {
+    if (link.GetChannelSource() == &third) Select(link, second.source.get(), "B", "b2");
+  });
+  link.SetChannelSource(&third);
+  EXPECT_EQ(link.GetChannelSource(), second.source.get());
+  EXPECT_EQ(link.SelectedChannel(), second.Set(1)->GetChannels()->GetItem(1));
+}
+
+TEST(TOneChannelLink, CopiesWhatIsNotResolvedYet) {
+  TOneChannelLink link(false);
+  link.GetChannelSet()->SetItem("A");
+  link.GetChannel()->SetItem("a4");
+  link.SetChannelSourceName("Source");
+  TOneChannelLink copy(false);
+  copy.Assign(&link);
+  EXPECT_EQ(copy.GetChannelSourceName(), "Source");
+  EXPECT_TRUE(copy.SameAs(&link));
+}
+
 TEST(TOneChannelLink, MayBeDestroyedByItsOwnData) {
   TTwoSets sets;
   auto link = std::make_unique<TOneChannelLink>(false);
