@@ -1,14 +1,15 @@
 #include "components/channels/Statsfile.h"
 
 #include <QDate>
-#include <QFile>
 #include <QList>
 #include <QLocale>
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
 
 #include "model/Datetime.h"
+#include "model/Readfile.h"
 #include "model/Textscanner.h"
 
 namespace {
@@ -18,6 +19,8 @@ constexpr std::array kValues = {&TStatSet::Mean, &TStatSet::Max, &TStatSet::Min,
                                 &TStatSet::Count};
 constexpr std::array kTitles = {"Mean", "Max", "Min", "StDev", "Count"};
 constexpr auto kPerChannel = static_cast<qsizetype>(kValues.size());
+/// Channels that a header may name; a line of commas alone is not to become cells by the million.
+constexpr qsizetype kMaxChannels = 4096;
 constexpr char kTime[] = "Time";
 /// Title of the last column, which holds the number of cells before it: a line that was cut lacks
 /// it or has it wrong.
@@ -36,7 +39,7 @@ QString Title(const TStatsColumn& channel, const char* value) {
   return title;
 }
 
-/// The cells of a line; none if a quote is not closed.
+/// The cells of a line; none if a quote is not closed, or there are too many.
 QList<QByteArray> Split(QByteArrayView line) {
   QList<QByteArray> cells(1);
   bool quoted = false;
@@ -47,6 +50,7 @@ QList<QByteArray> Split(QByteArrayView line) {
       if (escaped) cells.back() += line[++i];
       if (!escaped) quoted = !quoted;
     } else if (character == ',' && !quoted) {
+      if (cells.size() > kPerChannel * kMaxChannels + 1) return {};
       cells.emplace_back();
     } else {
       cells.back() += character;
@@ -102,11 +106,12 @@ void RestoreSums(TStatSet& record) {
 }
 
 bool ParseBlock(QByteArrayView line, std::size_t channels, TStatsBlock& block) {
-  const auto cells = line.toByteArray().split(',');
   const qsizetype numbers = 1 + kPerChannel * static_cast<qsizetype>(channels);
+  if (std::count(line.begin(), line.end(), ',') != numbers) return false;
+  const auto cells = line.toByteArray().split(',');
   double count = 0.0;
-  if (cells.size() != numbers + 1 || !ToNumber(cells.last(), count) ||
-      count != static_cast<double>(numbers) || !ToTime(cells.first(), block.Time)) {
+  if (!ToNumber(cells.last(), count) || count != static_cast<double>(numbers) ||
+      !ToTime(cells.first(), block.Time)) {
     return false;
   }
   block.Channels.resize(channels);
@@ -179,12 +184,13 @@ TStatsContent ParseStats(QByteArrayView text) {
 }
 
 bool ReadStatsFile(const QString& fileName, TStatsContent& content, QString* error) {
-  QFile file(fileName);
-  if (!file.open(QIODevice::ReadOnly)) {
-    if (error) *error = QStringLiteral("Cannot read %1: %2").arg(fileName, file.errorString());
+  TFileText text;
+  TLoadReport report;
+  if (!ReadFile(fileName, text, report)) {
+    if (error) *error = report.Sentence(fileName);
     return false;
   }
-  content = ParseStats(file.readAll());
+  content = ParseStats({text.data(), static_cast<qsizetype>(text.size())});
   return true;
 }
 

@@ -37,7 +37,7 @@ struct TStatsContent {
 
 /// Reads a text. Lines that are cut or damaged, or have no header, are skipped and counted.
 TStatsContent ParseStats(QByteArrayView text);
-/// Reads a file. False, with a reason, if it cannot be read.
+/// Reads a regular file of at most 4 GiB. False, with a reason, if it cannot be read.
 [[nodiscard]] bool ReadStatsFile(const QString& fileName, TStatsContent& content, QString* error);
 
 /// The text with what file names cannot hold replaced by "_", at most 120 bytes long.

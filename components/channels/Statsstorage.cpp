@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QPainter>
+#include <QPointer>
 #include <algorithm>
 #include <cmath>
 
@@ -128,14 +129,14 @@ void TStatsStorage::Collect(TCollected& collected) {
   if (collected.block.empty() || collected.block.size() != collected.sums.size()) return;
   const double time = collected.block.front().Time;
   if (!IsHistoryTime(time) || (settings_.endTime > 0.0 && time > settings_.endTime)) return;
-  const double start = collected.due - settings_.saveInterval / kSecondsPerDay;
-  if (!collected.empty && time < start) Write(collected);  // the clock has been set back
+  const double length = settings_.saveInterval / kSecondsPerDay;
+  const bool setBack = time < collected.due - length;
+  const bool afterPause = length > 0.0 && time > collected.due + length;
+  if (setBack || afterPause) Write(collected);
   if (collected.empty) Begin(collected, time);
   for (std::size_t i = 0; i < collected.sums.size(); ++i) {
-    TStatSet sum = collected.sums[i];
-    sum.Merge(collected.block[i]);
     // A sensor that gives no number does not spoil the line.
-    if (std::isfinite(sum.Sum) && std::isfinite(sum.SqSum)) collected.sums[i] = sum;
+    collected.sums[i].Merge(collected.block[i]);
   }
   collected.time = time;
   if (time >= collected.due) Write(collected);
@@ -143,7 +144,9 @@ void TStatsStorage::Collect(TCollected& collected) {
 
 void TStatsStorage::Begin(TCollected& collected, double time) const {
   const double length = settings_.saveInterval / kSecondsPerDay;
-  collected.due = length > 0.0 ? (std::floor(time / length) + 1.0) * length : time;
+  const double midnight = std::floor(time);
+  const double passed = length > 0.0 ? std::floor((time - midnight) / length) + 1.0 : 0.0;
+  collected.due = length > 0.0 ? std::min(midnight + passed * length, midnight + 1.0) : time;
   collected.empty = false;
 }
 
@@ -214,6 +217,7 @@ void TStatsStorage::SetStatus(const QString& text) {
   QMetaObject::invokeMethod(
       this,
       [this, text] {
+        const QPointer<TStatsStorage> alive(this);
         if (QObject* logger = logger_.Empty() ? nullptr : logger_.Get(0)) {
           for (const char* slot : {"Log", "appendPlainText"}) {
             if (logger->metaObject()->indexOfMethod(QByteArray(slot) + "(QString)") < 0) continue;
@@ -221,7 +225,7 @@ void TStatsStorage::SetStatus(const QString& text) {
             break;
           }
         }
-        emit OnStatusChanged(this);
+        if (alive) emit OnStatusChanged(this);
       },
       Qt::QueuedConnection);
 }

@@ -54,8 +54,9 @@ class TStatsStorage : public TBlockStorage {
   /// Blocks after this time are not stored; 0 for no end. Days since 30 December 1899.
   double GetEndTime() const { return Settings().endTime; }
   void SetEndTime(double time);
-  /// Seconds, 0 to 86,400, that a line stands for; intervals begin at midnight. 0 writes each
-  /// block.
+  /// Seconds, 0 to 86,400, that a line stands for at most; intervals are counted from midnight, and
+  /// the last one of a day ends with it. What came before a longer pause, or before the clock was
+  /// set back, has a line of its own. 0 writes each block.
   int GetSaveInterval() const { return Settings().saveInterval; }
   void SetSaveInterval(int seconds);
   /// Whether times are written as days, or as date and time of day.

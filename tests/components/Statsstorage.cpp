@@ -267,6 +267,32 @@ TEST(TStatsStorage, StopsAtItsEndAndSurvivesTheClock) {
   EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 1.0);
 }
 
+TEST(TStatsStorage, WhatCameBeforeAPauseHasALineInTheFileOfItsDay) {
+  TStored stored;
+  stored.storage->SetSaveInterval(3600);
+  stored.Block(61000, 1.0);
+  stored.Block(2 * 86400 + 100, 3.0);
+  stored.storage->SetActive(false);
+  const TStatsContent before = Content(stored.File());
+  const TStatsContent after = Content(stored.File("Crane_20240602.csv"));
+  ASSERT_EQ(before.Blocks.size(), 1u);
+  ASSERT_EQ(after.Blocks.size(), 1u);
+  EXPECT_EQ(before.Blocks[0].Channels[0].Mean, 1.0);
+  EXPECT_EQ(after.Blocks[0].Channels[0].Mean, 3.0);
+}
+
+TEST(TStatsStorage, CountsIntervalsFromMidnight) {
+  TStored stored;
+  stored.storage->SetSaveInterval(50000);
+  stored.Block(40000, 1.0);
+  stored.Block(50001, 1.0);  // ends the first
+  EXPECT_EQ(Content(stored.File()).Blocks.size(), 1u);
+  stored.Block(80000, 1.0);
+  stored.Block(86400.5, 1.0);  // the second ends with the day
+  stored.Block(86400 + 49999, 1.0);
+  EXPECT_EQ(Content(stored.File("Crane_20240601.csv")).Blocks.size(), 1u);
+}
+
 TEST(TStatsStorage, NamesFilesSoThatEverySystemTakesThem) {
   const struct {
     const char *label, *safe;
@@ -309,6 +335,15 @@ TEST(TStatsStorage, IsFoundByItsSetsWhenAPanelIsLoaded) {
             set->GetChannels()->GetItem(0)->GetStats()->WriteHistories());
 }
 
+TEST(ReadStatsFile, RefusesWhatIsNoFile) {
+  TStatsContent content;
+  QString error;
+  EXPECT_FALSE(ReadStatsFile(TestFolder(), content, &error));
+  EXPECT_TRUE(error.endsWith(": it is a folder.")) << error.toStdString();
+  EXPECT_FALSE(ReadStatsFile("/dev/zero", content, &error));
+  EXPECT_EQ(error, "Cannot read zero: it is not a regular file.");
+}
+
 TEST(ParseStats, SkipsWhatIsNoBlock) {
   const QByteArray line = "2024-05-31 00:00:10.500,20,31,9,9,6,6\n";
   const struct {
@@ -324,6 +359,7 @@ TEST(ParseStats, SkipsWhatIsNoBlock) {
                {kHeader + "45000.5,20,31,9,9,6,7\n", 0, 1},
                {kHeader + "Time,\"x,Cells\n" + line, 1, 1},
                {kHeader + QByteArray(1000, '\0') + '\n' + line, 1, 1},
+               {"Time" + QByteArray(1'000'000, ',') + "\n" + kHeader + line, 1, 1},
                {"Time,Cells\n45000.5,1\n", 1, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text.toStdString());
