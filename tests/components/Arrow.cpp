@@ -118,6 +118,21 @@ TEST_F(Arrow, FollowsControlsInOtherWidgets) {
   end.SetControl(nullptr);
 }
 
+TEST_F(Arrow, FollowsItsParentAndControlsBesideIt) {
+  QWidget panel(&form);
+  panel.setGeometry(50, 50, 200, 100);
+  panel.show();
+  TArrow line(&panel);
+  line.GetArrowStart()->SetControl(&panel);
+  EXPECT_EQ(line.GetArrowStart()->GetPos(), QPoint(100, 100));
+  panel.resize(200, 60);
+  EXPECT_EQ(line.GetArrowStart()->GetPos(), QPoint(100, 60));
+  line.GetArrowEnd()->SetControl(&second);  // its bottom: (280, 232) of the form
+  EXPECT_EQ(line.GetArrowEnd()->GetPos(), QPoint(230, 182));
+  panel.move(60, 40);
+  EXPECT_EQ(line.GetArrowEnd()->GetPos(), QPoint(220, 192));
+}
+
 TEST_F(Arrow, LetsGoOfAControlThatIsDestroyed) {
   auto* button = new QPushButton(&form);
   button->setGeometry(200, 200, 50, 20);
@@ -191,7 +206,7 @@ TEST_F(Arrow, DrawsItsLineInItsColourWithADiscAtItsEnd) {
   end.SetAttachTo(TEnd::apControlTop);
   end.SetStyle(TEnd::asCircle);
   arrow.SetColor(TColor::FromRgb(0, 0, 255));
-  const QImage image = Picture();
+  QImage image = Picture();
   const QColor blue(0, 0, 255), white(255, 255, 255);
   for (int y = 91; y < 200; ++y) EXPECT_EQ(image.pixelColor(140, y), blue);
   EXPECT_EQ(image.pixelColor(139, 150), white);  // one pixel wide and sharp
@@ -201,6 +216,13 @@ TEST_F(Arrow, DrawsItsLineInItsColourWithADiscAtItsEnd) {
     EXPECT_EQ(image.pixelColor(140, 200 + away), blue);
     EXPECT_EQ(image.pixelColor(140 + 2 * away, 200), white);
   }
+  // Without a colour of its own it has that of the form's texts.
+  QPalette colors;
+  colors.setColor(QPalette::WindowText, Qt::magenta);
+  form.setPalette(colors);
+  arrow.SetColor(TColor::None());
+  image = Picture();
+  EXPECT_EQ(image.pixelColor(140, 150), QColor(Qt::magenta));
 }
 
 TEST_F(Arrow, IsFramedByDashesWhileItIsDesignedAndHeldByNothing) {

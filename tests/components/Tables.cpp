@@ -7,9 +7,11 @@
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
 
+#include "components/graphing/Formatsettings.h"
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
 #include "tests/support/Testsupport.h"
@@ -70,6 +72,18 @@ TEST(TDataTable, LivesOnWhenItsControlsGo) {
   EXPECT_EQ(table.RowCount(), 0);
 }
 
+TEST(TDataTable, LetsGoOfTheOldestRowsWhenItGetsSmaller) {
+  TDataTable table;
+  TTwoControls controls(table.GetControls());
+  for (int i = 0; i < 5; ++i) controls.Row(kNoon + i, i, i);
+  QSignalSpy changes(&table, &TDataTable::OnChange);
+  table.SetMaxRows(2);
+  EXPECT_EQ(changes.count(), 1);
+  ASSERT_EQ(table.RowCount(), 2);
+  EXPECT_EQ(table.GetValue(0, 1), 3.0);
+  EXPECT_EQ(table.GetValue(1, 1), 4.0);
+}
+
 TEST(TDataSheet, CopiesAndPastesAsSpreadsheetsDo) {
   TDataTable table;
   TTwoControls controls(table.GetControls());
@@ -119,6 +133,115 @@ TEST(TDataSheet, ShowsManyNewRowsAtOnceAndOutlivesTheTable) {
   EXPECT_EQ(sheet.model()->rowCount(), 0);
 }
 
+/// A sheet of three rows, and the editor of one of its cells.
+struct DataSheet : testing::Test {
+  DataSheet() {
+    for (int i = 0; i < 3; ++i) controls.Row(kNoon + i, i, 10 * i);
+    sheet.resize(500, 300);
+    sheet.SetTable(&table);
+    sheet.show();
+  }
+  ~DataSheet() override { SetFormatLocale(QLocale::system()); }
+  QLineEdit* Edit(int row, int column) {
+    sheet.setCurrentIndex(sheet.model()->index(row, column));
+    sheet.edit(sheet.currentIndex());
+    return sheet.findChild<QLineEdit*>();
+  }
+  void Paste(const QString& text, int row, int column) {
+    sheet.setCurrentIndex(sheet.model()->index(row, column));
+    QApplication::clipboard()->setText(text);
+    QTest::keyClick(&sheet, Qt::Key_V, Qt::ControlModifier);
+  }
+
+  TDataTable table;
+  TTwoControls controls{table.GetControls()};
+  TDataSheet sheet;
+};
+
+TEST_F(DataSheet, IsEditedWhileRowsComeInAndMakeRoom) {
+  table.SetMaxRows(3);
+  QCoreApplication::processEvents();
+  QLineEdit* editor = Edit(1, 1);
+  ASSERT_TRUE(editor);
+  editor->selectAll();
+  QTest::keyClicks(editor, "7.5");
+  controls.Row(kNoon + 3, 3, 30);  // the first row goes: the one that is edited is the first now
+  QCoreApplication::processEvents();
+  ASSERT_EQ(sheet.findChild<QLineEdit*>(), editor);
+  EXPECT_EQ(editor->text(), "7.5");
+  QTest::keyClick(editor, Qt::Key_Return);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(table.GetValue(0, 1), 7.5);
+  EXPECT_EQ(table.GetValue(1, 1), 2.0);
+  for (int i = 0; i < 100; ++i) controls.Row(kNoon + 4 + i, i, i);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(sheet.model()->rowCount(), 3);
+  EXPECT_EQ(sheet.model()->index(2, 1).data().toString(), "99");
+}
+
+TEST_F(DataSheet, EditsTimesAsDates) {
+  table.SetValue(0, 0, kNoon + 1e-9);
+  QCoreApplication::processEvents();
+  QLineEdit* editor = Edit(0, 0);
+  ASSERT_TRUE(editor);
+  EXPECT_EQ(editor->text(), "2025-12-09 12:00:00.000");
+  QTest::keyClick(editor, Qt::Key_Return);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(table.GetValue(0, 0), kNoon + 1e-9);  // only looked at
+  Paste("2025-12-10 18:00\t5\n46000.25\t6\n", 1, 0);
+  EXPECT_EQ(table.GetValue(1, 0), kNoon + 1.25);
+  EXPECT_EQ(table.GetValue(2, 0), 46'000.25);
+  EXPECT_EQ(table.GetValue(2, 1), 6.0);
+  Paste("2025-12-10", 1, 1);
+  EXPECT_THAT(TakeMessages(),
+              ElementsAre(QString("Cannot paste \"2025-12-10\" in line 1: it is not a number.")));
+}
+
+TEST_F(DataSheet, PastesNumbersOfTheLocaleButNotTheirThousands) {
+  SetFormatLocale(QLocale("de_DE"));
+  Paste("3,5\t4.25", 0, 1);
+  EXPECT_EQ(table.GetValue(0, 1), 3.5);
+  EXPECT_EQ(table.GetValue(0, 2), 4.25);
+  Paste("1.234,5", 0, 1);
+  EXPECT_EQ(TakeMessages().size(), 1);
+  EXPECT_EQ(table.GetValue(0, 1), 3.5);
+}
+
+TEST_F(DataSheet, PastesAllOrNothing) {
+  table.SetMaxRows(4);
+  Paste("1\n2\n3\n", 2, 1);
+  Paste("1\t2\n3\n", 0, 2);
+  EXPECT_THAT(TakeMessages(),
+              ElementsAre("Cannot paste 3 rows of 1 values: there is room for 2 rows of 2.",
+                          "Cannot paste 2 rows of 2 values: there is room for 4 rows of 1."));
+  EXPECT_EQ(table.GetValue(2, 1), 2.0);
+  Paste("1\n2\n", 2, 1);
+  EXPECT_EQ(table.RowCount(), 4);
+}
+
+TEST_F(DataSheet, InsertsAndDeletesRowsByKey) {
+  sheet.setCurrentIndex(sheet.model()->index(1, 1));
+  QTest::keyClick(&sheet, Qt::Key_Insert);
+  ASSERT_EQ(table.RowCount(), 4);
+  EXPECT_GT(table.GetValue(1, 0), kNoon);
+  EXPECT_EQ(table.GetValue(1, 1), 0.0);
+  EXPECT_EQ(table.GetValue(2, 1), 1.0);
+  QCoreApplication::processEvents();
+  // The first two and the last one, cell by cell.
+  QItemSelection cells;
+  for (const int row : {3, 0, 1}) {
+    cells.merge({sheet.model()->index(row, 2), sheet.model()->index(row, 2)},
+                QItemSelectionModel::Select);
+  }
+  sheet.selectionModel()->select(cells, QItemSelectionModel::ClearAndSelect);
+  QTest::keyClick(&sheet, Qt::Key_Delete);
+  ASSERT_EQ(table.RowCount(), 1);
+  EXPECT_EQ(table.GetValue(0, 1), 1.0);
+  table.SetMaxRows(1);
+  QTest::keyClick(&sheet, Qt::Key_Insert);
+  EXPECT_THAT(TakeMessages(), ElementsAre("Cannot insert a row: the table is full."));
+}
+
 QString Contents(const QString& name) {
   QFile file(name);
   return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
@@ -143,6 +266,21 @@ TEST(TDataLogger, WritesOneFilePerNameAndEachRowAtOnce) {
   controls.Row(kNoon + 1, 8, 9);
   EXPECT_EQ(Contents(folder + "/log-20251210.txt"),
             "Time\ta\tb\n2025-12-10 12:00:00.000\t4\t5\n2025-12-10 12:00:00.000\t8\t9\n");
+}
+
+/// A time that is none would make lines without one, and files of the year 0.
+TEST(TDataLogger, TakesThePresentTimeForOneThatIsNone) {
+  TDataLogger logger;
+  TTwoControls controls(logger.GetControls());
+  logger.SetFileName(TestFolder() + "/log-%Y.txt");
+  logger.SetActive(true);
+  controls.Row(std::numeric_limits<double>::quiet_NaN(), 1, 2);
+  controls.Row(1e300, 3, 4);
+  const QString year = QString::number(QDate::currentDate().year());
+  const QStringList lines = Contents(logger.CurrentFile()).split('\n');
+  ASSERT_EQ(lines.size(), 4);
+  EXPECT_TRUE(lines[1].startsWith(year) || lines[2].startsWith(year)) << lines[1].toStdString();
+  EXPECT_EQ(lines[2].section('\t', 1), "3\t4");
 }
 
 TEST(TDataLogger, NumbersFilesAndTriesAgainAfterAFailure) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QDesktopServices>
 #include <QPainter>
 #include <QSignalSpy>
@@ -97,6 +98,33 @@ TEST(TTextLabel, EndsInDotsOrGoesOnInTheNextLine) {
   EXPECT_GT(Inked(Grab(label)).height(), 2 * line);
   label.SetCaption(QString(1000000, 'x'));
   Grab(label);  // returns at once
+}
+
+TEST(TTextLabel, IsLegibleOnAGroundOfItsOwn) {
+  TTextLabel label;
+  QPalette colors;
+  colors.setColor(QPalette::WindowText, QColor(200, 200, 100));
+  label.setPalette(colors);
+  label.resize(60, 30);
+  label.SetCaption(QString(3, QChar(0x2588)));  // full blocks
+  const struct {
+    QColor ground, ink;
+  } cases[] = {{QColor(255, 255, 0), Qt::black},
+               {QColor(0, 0, 128), Qt::white},
+               {QColor(255, 176, 0), Qt::black},
+               {QColor(90, 90, 90), Qt::white}};
+  for (const auto& c : cases) {
+    label.SetColor(TColor::FromQColor(c.ground));
+    EXPECT_EQ(Grab(label).pixelColor(8, 15), c.ink);
+  }
+  label.SetFontColor(TColor::FromRgb(0, 255, 0));
+  EXPECT_EQ(Grab(label).pixelColor(8, 15), QColor(0, 255, 0));
+  label.setEnabled(false);
+  EXPECT_EQ(Grab(label).pixelColor(8, 15), QColor(45, 172, 45));  // half of the ground
+  label.SetFontColor(TColor::None());
+  label.SetColor(TColor::None());
+  label.setEnabled(true);
+  EXPECT_EQ(Grab(label).pixelColor(8, 15), QColor(200, 200, 100));
 }
 
 TEST(TTextPanel, HasTwoBevelsAboutItsText) {
@@ -207,6 +235,29 @@ TEST(THyperlink, MayBeDestroyedByItsClick) {
   QApplication::sendEvent(link, &key);
   EXPECT_FALSE(alive);
   EXPECT_THAT(opened.urls, ElementsAre());
+}
+
+TEST(TCustomTextControl, ItsTextAndItsLinkAreToldToThoseWhoCannotSeeThem) {
+  TOpened opened;
+  TTextLabel label;
+  label.SetCaption("Speed");
+  QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&label);
+  ASSERT_TRUE(access);
+  EXPECT_EQ(access->text(QAccessible::Name), "Speed");
+  EXPECT_EQ(access->role(), QAccessible::StaticText);
+  label.setAccessibleName("Speed of the wind");
+  EXPECT_EQ(access->text(QAccessible::Name), "Speed of the wind");
+  THyperlink link;
+  link.SetURL("http://example.org");
+  access = QAccessible::queryAccessibleInterface(&link);
+  ASSERT_TRUE(access);
+  EXPECT_EQ(access->role(), QAccessible::Link);
+  EXPECT_EQ(access->text(QAccessible::Name), "http://example.org");
+  access->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_THAT(opened.urls, ElementsAre("http://example.org"));
+  link.setEnabled(false);
+  access->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(opened.urls.size(), 1);
 }
 
 const QStringList kLevels = {"80; #ff0000; #ffffff; ALARM {value}", "60;#ffc000",

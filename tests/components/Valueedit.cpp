@@ -11,6 +11,7 @@
 #include <limits>
 
 #include "components/channels/Variable.h"
+#include "components/graphing/Formatsettings.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ struct ValueEdit : testing::Test {
     edit.setFocus();
     field.selectAll();
   }
+  ~ValueEdit() override { SetFormatLocale(QLocale::system()); }
 
   void Type(const QString& text) {
     field.selectAll();
@@ -148,6 +150,7 @@ TEST_F(ValueEdit, WhatIsOnlyLookedAtIsNotRounded) {
 }
 
 TEST_F(ValueEdit, ShowsItsFormatAndEditsAPlainNumber) {
+  SetFormatLocale(QLocale("en_US"));
   edit.SetMax(0.0);  // no limits
   edit.GetFormat()->SetFormat(TNumberFormat::ffNumber);
   edit.SetValue(1234567.5);
@@ -165,6 +168,22 @@ TEST_F(ValueEdit, ShowsItsFormatAndEditsAPlainNumber) {
   EXPECT_EQ(edit.GetValue(), 2.25);
   Type("1900-13-01");
   EXPECT_EQ(edit.Fault(), "Not a date and time");
+}
+
+TEST_F(ValueEdit, ShowsNoNumberWithoutItsLastDigits) {
+  edit.SetMax(0.0);
+  edit.SetValue(12345.0);
+  edit.SetUnits("mm");
+  other.setFocus();
+  EXPECT_EQ(field.text(), "12345");
+  edit.resize(edit.minimumSizeHint());
+  EXPECT_TRUE(field.text().endsWith(QChar(0x2026))) << field.text().toStdString();
+  edit.setFocus();
+  EXPECT_EQ(field.text(), "12345");
+  other.setFocus();
+  EXPECT_EQ(edit.GetValue(), 12345.0);
+  edit.resize(200, 26);
+  EXPECT_EQ(field.text(), "12345");
 }
 
 TEST_F(ValueEdit, FeedsAControlAndRefusesWhatItsOwnerRefuses) {
