@@ -22,13 +22,14 @@ QSerialPort::StopBits StopBitsOf(int code) {
 
 class TSystemDriver final : public TSerialDriver {
  public:
-  TSystemDriver() {
+  /// `device` is what every port name stands for; empty: what SystemDevice says.
+  explicit TSystemDriver(const QString& device = {}) : device_(device) {
     QObject::connect(&port_, &QSerialPort::errorOccurred, &port_,
                      [this](QSerialPort::SerialPortError error) { TakeError(error); });
   }
 
   bool Open(const QString& portName) override {
-    const QString device = SystemDevice(portName);
+    const QString device = device_.isEmpty() ? SystemDevice(portName) : device_;
     port_.setPortName(device);
     if (port_.open(QIODevice::ReadWrite)) return true;
     error_ = QStringLiteral("Cannot open %1: %2").arg(device, port_.errorString());
@@ -59,6 +60,7 @@ class TSystemDriver final : public TSerialDriver {
  private:
   void TakeError(QSerialPort::SerialPortError error);
 
+  QString device_;
   QSerialPort port_;
   QString error_;
   int outputSize_ = 0;
@@ -129,6 +131,10 @@ void TSystemDriver::TakeError(QSerialPort::SerialPortError error) {
 }  // namespace
 
 std::unique_ptr<TSerialDriver> MakeSystemDriver() { return std::make_unique<TSystemDriver>(); }
+
+std::unique_ptr<TSerialDriver> MakeDeviceDriver(const QString& device) {
+  return std::make_unique<TSystemDriver>(device);
+}
 
 QString SystemDevice(const QString& portName) {
   const QString named = qEnvironmentVariable(("VELMORA_" + portName.toUpper()).toLatin1());

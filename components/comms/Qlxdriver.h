@@ -51,6 +51,8 @@ using TDriverFactory = std::function<std::unique_ptr<TSerialDriver>()>;
 
 /// A driver of the system's serial ports.
 std::unique_ptr<TSerialDriver> MakeSystemDriver();
+/// A driver of one device, such as "/dev/ttyUSB0", whatever the name of the port.
+std::unique_ptr<TSerialDriver> MakeDeviceDriver(const QString& device);
 
 /// The system's device behind "COM3": what the environment variable VELMORA_COM3 names, else
 /// /dev/ttyS2, or COM3 itself on Windows.
