@@ -1,9 +1,10 @@
 // Stored statistics: histories in both forms, the texts of channel sets, and statistics files. What
-// is taken writes back to the same; what is refused changes nothing.
+// is taken writes back to the same and takes more blocks; what is refused changes nothing.
 
 #include "components/channels/Statsfile.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -15,6 +16,29 @@ void Check(bool right) {
   if (!right) std::abort();
 }
 
+/// Both forms of what a channel holds can be read again.
+void CheckReadable(const TChannelStatistics& statistics) {
+  TChannelStatistics again;
+  Check(again.ReadBinaryData(statistics.WriteBinaryData()));
+  Check(again.WriteBinaryData() == statistics.WriteBinaryData());
+  Check(again.ReadData(statistics.WriteData()));
+  Check(again.WriteData() == statistics.WriteData());
+}
+
+/// Blocks that go on from the time at which the stored ones end, and one before it.
+void AddBlocks(TChannelStatistics& statistics) {
+  TMatrix block;
+  Check(block.Resize(5, 2));
+  double time = 45000.0;
+  for (int i = 0; i < statistics.Count(); ++i) {
+    time = std::max(time, statistics.Get(i)->Current().Time);
+  }
+  for (const double days : {0.0, 1e-5, 1e-3, 0.1, 2.0, 40.0, 400.0, -1.0, 0.0}) {
+    for (int row = 0; row < 5; ++row) block.At(row, 1) = row + 1.0;
+    statistics.UpdateStatistics(1, block, time + days);
+  }
+}
+
 void Histories(const QByteArray& data) {
   TChannelStatistics statistics;
   const QByteArray empty = statistics.WriteBinaryData();
@@ -22,8 +46,10 @@ void Histories(const QByteArray& data) {
     TChannelStatistics again;
     Check(again.ReadBinaryData(statistics.WriteBinaryData()));
     Check(again.WriteBinaryData() == statistics.WriteBinaryData());
+    AddBlocks(statistics);
+    CheckReadable(statistics);
     statistics.RescaleData({}, {.ScaleFactor = 1e200, .Offset = -1e300});
-    Check(again.ReadBinaryData(statistics.WriteBinaryData()));
+    CheckReadable(statistics);
   } else {
     Check(statistics.WriteBinaryData() == empty);
   }
@@ -32,8 +58,25 @@ void Histories(const QByteArray& data) {
     TChannelStatistics again;
     Check(again.ReadData(text.WriteData()));
     Check(again.WriteData() == text.WriteData());
+    AddBlocks(text);
+    CheckReadable(text);
   } else {
     Check(text.WriteBinaryData() == empty);
+  }
+}
+
+void StatisticsFile(const QByteArray& text) {
+  const TStatsContent content = ParseStats(text);
+  for (const TStatsBlock& block : content.Blocks) {
+    Check(block.Layout >= 0);
+    const auto& layout = content.Layouts[static_cast<std::size_t>(block.Layout)];
+    Check(block.Channels.size() == layout.size());
+    const QByteArray written = StatsHeader(layout) + StatsLine(block.Time, block.Channels, true);
+    const TStatsContent again = ParseStats(written);
+    Check(again.Blocks.size() == 1 && again.Skipped == 0);
+    Check(StatsHeader(again.Layouts[0]) == StatsHeader(layout));
+    Check(StatsLine(block.Time, again.Blocks[0].Channels, true) ==
+          StatsLine(block.Time, block.Channels, true));
   }
 }
 
@@ -54,7 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       break;
     }
     default:
-      for (const TStatsBlock& block : ParseStats(bytes).Blocks) Check(block.Layout >= 0);
+      StatisticsFile(bytes);
   }
   return 0;
 }
