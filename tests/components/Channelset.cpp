@@ -324,10 +324,10 @@ TEST(TChannelSet, MayBeDestroyedByItsOwnNews) {
 }
 
 TEST(TChannelSets, ListenersThatAddSetsDoNotKeepThemFromBeingCleared) {
+  int added = 0;  // outlives the sets, which are news to the last
   TChannelSource source;
   TChannelSource copy;
   for (int i = 0; i < 3; ++i) copy.GetSets()->Add();
-  int added = 0;
   QObject::connect(copy.GetSets(), &TChannelSets::OnChange, [&] {
     if (++added < 5000) copy.GetSets()->Add();  // up to kMaxSets
   });
