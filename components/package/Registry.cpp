@@ -23,6 +23,7 @@
 #include "components/controls/Valueedit.h"
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
+#include "components/package/Paletteimages.h"
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
 #include "components/sources/Filereader.h"
@@ -71,10 +72,9 @@ TComponentClass Component(const char* page, const char* header) {
           Loaded<T>};
 }
 
-}  // namespace
-
-std::span<const TComponentClass> ComponentClasses() {
-  static const std::vector<TComponentClass> classes = {
+std::vector<TComponentClass> MakeClasses() {
+  RegisterPaletteImages();
+  return {
       Component<TSignalSimulator>("Sources", "components/sources/Simulator.h"),
       Component<TFileReader>("Sources", "components/sources/Filereader.h"),
       Component<TStringReader>("Sources", "components/sources/Stringreader.h"),
@@ -104,6 +104,12 @@ std::span<const TComponentClass> ComponentClasses() {
       Component<THyperlink>("Standard", "components/controls/Hyperlink.h"),
       Component<TImageControl>("Standard", "components/controls/Imagecontrol.h"),
   };
+}
+
+}  // namespace
+
+std::span<const TComponentClass> ComponentClasses() {
+  static const std::vector<TComponentClass> classes = MakeClasses();
   return classes;
 }
 
