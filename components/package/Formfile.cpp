@@ -9,36 +9,87 @@ namespace {
 /// Walks through the elements of a form and notes the widgets.
 class TFormParser {
  public:
-  TFormParser(const QString& text, std::vector<TFormFile::TWidget>& widgets)
-      : text_(text), reader_(text), widgets_(widgets) {}
+  TFormParser(const QString& text, std::vector<TFormFile::TWidget>& widgets,
+              std::vector<TFormFile::TOversized>& oversized)
+      : text_(text), reader_(text), widgets_(widgets), oversized_(oversized) {}
 
   /// Empty if the text is a form.
   QString Parse();
 
  private:
   struct TElement {
-    int widget;  ///< index of the widget that this element is, or -1
+    int widget = -1;  ///< index of the widget that this element is
+    QString owner{};  ///< for a widget, a layout or a spacer, which have properties
+  };
+  /// Of a rectangle or a size.
+  struct TExtent {
+    qint64 largest = 0;  ///< absolute value of a number in it
+    qint64 width = 0;
+    qint64 height = 0;
   };
 
   void Start();
   void StartWidget();
-  void ReadProperty(int widget);
+  void ReadProperty();
+  void ReadValue(TFormValue& value, TExtent& extent);
+  void ReadExtent(TExtent& extent);
   QString ReadColor();
+  bool IsOversized(const TFormFile::TProperty& property, const TExtent& extent);
   qsizetype TagBegin() const;
-  void Fail(const QString& what) {
-    if (fault_.isEmpty())
-      fault_ = QStringLiteral("line %1: %2").arg(reader_.lineNumber()).arg(what);
+  QString OwnerText() const;
+  void Fail(const QString& what) { FailAt(reader_.lineNumber(), what); }
+  void FailAt(qint64 line, const QString& what) {
+    if (fault_.isEmpty()) fault_ = QStringLiteral("line %1: %2").arg(line).arg(what);
   }
 
   const QString& text_;
   QXmlStreamReader reader_;
   std::vector<TFormFile::TWidget>& widgets_;
+  std::vector<TFormFile::TOversized>& oversized_;
   std::vector<TElement> open_;
+  qint64 area_ = 0;
   bool isForm_ = false;
   QString fault_;
 };
 
+/// The XML reader compares all attributes of an element with each other: text with a tag that has
+/// too many of them must not reach it. The place of such a tag, or -1.
+qsizetype FindCrowdedTag(const QString& text) {
+  const auto skipTo = [&](qsizetype from, const char* end) {
+    const qsizetype at = text.indexOf(QLatin1String(end), from);
+    return at < 0 ? text.size() : at;
+  };
+  for (qsizetype at = text.indexOf('<'); at >= 0; at = text.indexOf('<', at + 1)) {
+    const QStringView rest = QStringView(text).mid(at);
+    if (rest.startsWith(QLatin1String("<!--"))) {
+      at = skipTo(at, "-->");
+    } else if (rest.startsWith(QLatin1String("<![CDATA["))) {
+      at = skipTo(at, "]]>");
+    } else {
+      int attributes = 0;
+      QChar quote;
+      for (qsizetype i = at + 1; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (!quote.isNull()) {
+          if (c == quote) quote = QChar();
+        } else if (c == '"' || c == '\'') {
+          quote = c;
+          if (++attributes > TFormFile::kMaxAttributes) return at;
+        } else if (c == '>' || c == '<') {
+          break;
+        }
+      }
+    }
+  }
+  return -1;
+}
+
 QString TFormParser::Parse() {
+  if (const qsizetype crowded = FindCrowdedTag(text_); crowded >= 0) {
+    FailAt(QStringView(text_).left(crowded).count('\n') + 1,
+           QStringLiteral("an element has more than %1 attributes").arg(TFormFile::kMaxAttributes));
+    return fault_;
+  }
   while (fault_.isEmpty() && !reader_.atEnd()) {
     switch (reader_.readNext()) {
       case QXmlStreamReader::StartElement:
@@ -88,10 +139,20 @@ void TFormParser::Start() {
     if (!isForm_) Fail(QStringLiteral("this is no form file"));
   }
   if (open_.size() >= TFormFile::kMaxDepth) return Fail(QStringLiteral("it is nested too deep"));
-  const int widget = open_.empty() ? -1 : open_.back().widget;
-  if (reader_.name() == QLatin1String("widget")) return StartWidget();
-  if (widget >= 0 && reader_.name() == QLatin1String("property")) return ReadProperty(widget);
-  open_.push_back({-1});
+  const auto name = reader_.name();
+  if (name == QLatin1String("widget")) return StartWidget();
+  if (name == QLatin1String("property") && !open_.empty() && !open_.back().owner.isEmpty()) {
+    return ReadProperty();
+  }
+  const bool hasProperties = name == QLatin1String("layout") || name == QLatin1String("spacer");
+  open_.push_back({-1, hasProperties ? OwnerText() : QString()});
+}
+
+QString TFormParser::OwnerText() const {
+  const auto className = reader_.attributes().value(QLatin1String("class"));
+  return QStringLiteral("%1 (%2)").arg(
+      reader_.attributes().value(QLatin1String("name")),
+      className.isEmpty() ? QStringView(reader_.name()) : QStringView(className));
 }
 
 void TFormParser::StartWidget() {
@@ -102,48 +163,84 @@ void TFormParser::StartWidget() {
   widget.Line = static_cast<int>(reader_.lineNumber());
   widget.ContentBegin = static_cast<qsizetype>(reader_.characterOffset());
   widget.SelfClosing = text_.mid(widget.ContentBegin - 2, 2) == QLatin1String("/>");
-  open_.push_back({static_cast<int>(widgets_.size())});
+  open_.push_back({static_cast<int>(widgets_.size()), OwnerText()});
   widgets_.push_back(std::move(widget));
 }
 
-/// Reads to the end of the element. A colour becomes "#aarrggbb"; of other values that are made of
-/// elements, such as a rectangle, only the kind is known.
-void TFormParser::ReadProperty(int widget) {
+/// Reads to the end of the element.
+void TFormParser::ReadProperty() {
   TFormFile::TProperty property;
+  TExtent extent;
   property.Begin = TagBegin();
   property.Line = static_cast<int>(reader_.lineNumber());
   property.Name = reader_.attributes().value(QLatin1String("name")).toString();
+  while (reader_.readNextStartElement()) {
+    property.Value = {reader_.name().toString(), {}, {}};
+    ReadValue(property.Value, extent);
+  }
+  property.End = static_cast<qsizetype>(reader_.characterOffset());
+  const TElement& owner = open_.back();
+  if (IsOversized(property, extent)) {
+    oversized_.push_back({owner.owner, std::move(property)});
+  } else if (owner.widget >= 0) {
+    widgets_[static_cast<std::size_t>(owner.widget)].Properties.push_back(std::move(property));
+  }
+}
+
+/// A colour becomes "#aarrggbb"; of other values that are made of elements, such as a rectangle,
+/// only the kind is known.
+void TFormParser::ReadValue(TFormValue& value, TExtent& extent) {
+  if (value.Kind == QLatin1String("color")) {
+    value.Text = ReadColor();
+    return;
+  }
+  const bool isList = value.Kind == QLatin1String("stringlist");
+  const bool isExtent = value.Kind == QLatin1String("rect") || value.Kind == QLatin1String("size");
   int depth = 1;
   while (depth > 0 && !reader_.atEnd()) {
     const auto token = reader_.readNext();
-    if (token == QXmlStreamReader::StartElement) {
-      if (++depth == 2) property.Value.Kind = reader_.name().toString();
-      if (depth == 2 && property.Value.Kind == QLatin1String("color")) {
-        property.Value.Text = ReadColor();
-        --depth;
-      }
-      if (depth > 2 && property.Value.Kind == QLatin1String("stringlist")) {
-        property.Value.Items.append(reader_.readElementText());
-        --depth;
-      }
+    if (token == QXmlStreamReader::Characters && depth == 1 && !isList) {
+      value.Text += reader_.text();
     } else if (token == QXmlStreamReader::EndElement) {
       --depth;
-    } else if (token == QXmlStreamReader::Characters && depth == 2 &&
-               property.Value.Kind != QLatin1String("stringlist")) {
-      property.Value.Text += reader_.text();
+    } else if (token == QXmlStreamReader::StartElement && isList) {
+      value.Items.append(reader_.readElementText());
+    } else if (token == QXmlStreamReader::StartElement && isExtent) {
+      ReadExtent(extent);
+    } else if (token == QXmlStreamReader::StartElement) {
+      ++depth;
     }
   }
-  property.End = static_cast<qsizetype>(reader_.characterOffset());
-  widgets_[static_cast<std::size_t>(widget)].Properties.push_back(std::move(property));
+}
+
+void TFormParser::ReadExtent(TExtent& extent) {
+  const QString name = reader_.name().toString();
+  const qint64 number = std::abs(qint64{reader_.readElementText().toInt()});
+  extent.largest = std::max(extent.largest, number);
+  if (name == QLatin1String("width")) extent.width = number;
+  if (name == QLatin1String("height")) extent.height = number;
+}
+
+bool TFormParser::IsOversized(const TFormFile::TProperty& property, const TExtent& extent) {
+  if (property.Name == QLatin1String("maximumSize")) return false;
+  qint64 largest = extent.largest;
+  // The margins and the spacing of a layout.
+  const bool isPixels = open_.back().widget < 0 && property.Value.Kind == QLatin1String("number");
+  if (isPixels) largest = std::abs(qint64{property.Value.Text.toInt()});
+  if (largest > TFormFile::kMaxPixels) return true;
+  area_ += extent.width * extent.height;
+  return area_ > TFormFile::kMaxArea;
 }
 
 /// As the content of an element. Characters that a form file cannot hold become question marks.
 QString Escaped(const QString& text) {
   QString result = text.toHtmlEscaped();
   for (QChar& c : result) {
-    if (c < u' ' && c != u'\n' && c != u'\t') c = u'?';
+    const bool isControl = c < u' ' && c != u'\n' && c != u'\t' && c != u'\r';
+    if (isControl || c >= QChar(0xfffe)) c = u'?';
   }
-  return result;
+  // As itself it would be read as a line feed.
+  return result.replace('\r', QLatin1String("&#13;"));
 }
 
 QString ElementText(const QString& name, const TFormValue& value) {
@@ -185,29 +282,44 @@ TEdit CutOut(const QString& text, const TFormFile::TProperty& property) {
   return {wholeLine ? begin : property.Begin, property.End, {}};
 }
 
+/// The blanks before the tag that ends at a place; none if something else stands before it.
+QString IndentOf(const QString& text, qsizetype tagEnd) {
+  constexpr qsizetype kMostIndent = 200;
+  const qsizetype tag = text.lastIndexOf('<', tagEnd - 1);
+  qsizetype begin = tag;
+  while (begin > 0 && tag - begin < kMostIndent && text[begin - 1] == ' ') --begin;
+  const bool isIndent = begin == 0 || text[begin - 1] == '\n';
+  return isIndent ? text.mid(begin, tag - begin) : QString();
+}
+
 }  // namespace
 
 bool TFormFile::Parse(const QString& text, QString* error) {
   text_ = text;
   widgets_.clear();
-  const QString fault = TFormParser(text_, widgets_).Parse();
+  oversized_.clear();
+  const QString fault = TFormParser(text_, widgets_, oversized_).Parse();
   if (!fault.isEmpty() && error) *error = fault;
   return fault.isEmpty();
 }
 
 QString TFormFile::Without(
     const std::function<bool(const TWidget&, const TProperty&)>& drop) const {
-  return Replaced(drop, [](const TWidget&) { return TNewProperties(); });
+  std::vector<TEdit> edits;
+  for (const TOversized& one : oversized_) edits.push_back(CutOut(text_, one.Property));
+  for (const TWidget& widget : widgets_) {
+    for (const TProperty& property : widget.Properties) {
+      if (drop(widget, property)) edits.push_back(CutOut(text_, property));
+    }
+  }
+  return Apply(text_, std::move(edits));
 }
 
 QString TFormFile::Replaced(const std::function<bool(const TWidget&, const TProperty&)>& drop,
                             const std::function<TNewProperties(const TWidget&)>& put) const {
   std::vector<TEdit> edits;
   for (const TWidget& widget : widgets_) {
-    const qsizetype tag = text_.lastIndexOf('<', widget.ContentBegin - 1);
-    const qsizetype lineBegin = text_.lastIndexOf('\n', tag) + 1;
-    QString indent = QStringView(text_).mid(lineBegin, tag - lineBegin).toString();
-    if (!QStringView(indent).trimmed().isEmpty()) indent.clear();
+    const QString indent = IndentOf(text_, widget.ContentBegin);
     QString added;
     for (const auto& [name, value] : put(widget)) {
       added += '\n' + indent + ' ' + ElementText(name, value);

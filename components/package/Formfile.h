@@ -27,9 +27,18 @@ class TFormFile {
     std::vector<TProperty> Properties;  ///< its own, not those of widgets in it
   };
 
+  /// A place or a size that no screen has: it would exhaust the program.
+  struct TOversized {
+    QString Owner;  ///< "name (class)" of a widget, layout or spacer
+    TProperty Property;
+  };
+
   /// Limits that keep a file from exhausting the program.
   static constexpr int kMaxWidgets = 20000;
-  static constexpr int kMaxDepth = 200;  ///< of elements in each other
+  static constexpr int kMaxDepth = 200;        ///< of elements in each other
+  static constexpr int kMaxAttributes = 100;   ///< of an element
+  static constexpr int kMaxPixels = 10000;     ///< of a coordinate, width or height
+  static constexpr qint64 kMaxArea = 1 << 27;  ///< pixels of all widgets together
 
   /// Takes the text of a file. False, with a sentence "line N: what is wrong", for a text that is
   /// no form file.
@@ -39,7 +48,9 @@ class TFormFile {
   /// In the order of the text, the outermost first.
   const std::vector<TWidget>& Widgets() const { return widgets_; }
 
-  /// The text without the properties for which `drop` is true.
+  const std::vector<TOversized>& Oversized() const { return oversized_; }
+
+  /// The text without the properties for which `drop` is true and without the oversized ones.
   QString Without(const std::function<bool(const TWidget&, const TProperty&)>& drop) const;
 
   /// The text in which each widget's properties for which `drop` is true are replaced by those that
@@ -51,4 +62,5 @@ class TFormFile {
  private:
   QString text_;
   std::vector<TWidget> widgets_;
+  std::vector<TOversized> oversized_;
 };

@@ -1,6 +1,7 @@
 #include "components/package/Panel.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -13,7 +14,8 @@
 
 namespace {
 
-constexpr qint64 kMaxFileSize = 256 << 20;
+constexpr qint64 kMaxFileSize = 64 << 20;
+constexpr qsizetype kMaxFaults = 1000;  ///< told of one file
 
 /// Makes the widgets of a form: the toolkit's, the components, and placeholders for the rest.
 class TFormLoader : public QUiLoader {
@@ -24,12 +26,23 @@ class TFormLoader : public QUiLoader {
     return known_.contains(className) || FindComponentClass(className);
   }
 
+  /// Null for a class that is not known.
+  const QMetaObject* MetaOf(const QString& className) {
+    if (const TComponentClass* component = FindComponentClass(className)) return component->Meta;
+    const auto found = metas_.constFind(className);
+    if (found != metas_.cend()) return *found;
+    const std::unique_ptr<QWidget> sample(
+        known_.contains(className) ? QUiLoader::createWidget(className, nullptr, {}) : nullptr);
+    return *metas_.insert(className, sample ? sample->metaObject() : nullptr);
+  }
+
   QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override {
     if (const TComponentClass* component = FindComponentClass(className)) {
       QWidget* made = component->Make(parent);
       made->setObjectName(name);
       component->BeginLoading(made);
-      Made.insert(name, made);
+      made_.push_back({made, component});
+      first_.emplace(TKey(name, component), made);
       return made;
     }
     if (known_.contains(className)) return QUiLoader::createWidget(className, parent, name);
@@ -40,11 +53,45 @@ class TFormLoader : public QUiLoader {
     return placeholder;
   }
 
-  QHash<QString, QWidget*> Made;  ///< components by name, not owned
+  struct TMade {
+    QPointer<QWidget> Component;
+    const TComponentClass* Class;
+  };
+  const std::vector<TMade>& Made() const { return made_; }
+
+  /// The first component that was made with this name and class.
+  QWidget* Find(const QString& name, const TComponentClass* component) const {
+    const auto found = first_.find({name, component});
+    return found == first_.end() ? nullptr : found->second.data();
+  }
 
  private:
+  using TKey = std::pair<QString, const TComponentClass*>;
+
   const QStringList known_;
+  QHash<QString, const QMetaObject*> metas_;
+  std::vector<TMade> made_;
+  std::map<TKey, QPointer<QWidget>> first_;
 };
+
+/// What is wrong with the value of a property of the toolkit's own: its form loader would set
+/// something else without a word. Empty if nothing is.
+QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property) {
+  const QMetaProperty published =
+      meta.property(meta.indexOfProperty(property.Name.toLatin1().constData()));
+  if (!published.isValid()) return {};
+  const int type = published.typeId();
+  const QString& kind = property.Value.Kind;
+  if ((type == QMetaType::QRect && kind != QLatin1String("rect")) ||
+      (type == QMetaType::QSize && kind != QLatin1String("size"))) {
+    return QStringLiteral("a %1 is not a %2").arg(kind, QLatin1String(published.typeName()));
+  }
+  const bool isPlain = published.isEnumType() || type == QMetaType::Bool ||
+                       type == QMetaType::Int || type == QMetaType::Double;
+  QString reason;
+  if (isPlain) (void)ReadFormValue({property.Name, nullptr, published}, property.Value, &reason);
+  return reason;
+}
 
 }  // namespace
 
@@ -56,38 +103,86 @@ class TPanelReader {
   bool Read();
 
  private:
+  /// A value on its way into a property.
+  struct TWanted {
+    const TFormFile::TProperty* property;
+    TPublished published;
+    QVariant value;
+    QVariant before;
+
+    void Write() const { published.Property.write(published.Object, value); }
+    /// Texts may be read as others than were set; a hidden one, such as rows of numbers, is damaged
+    /// if it has no effect.
+    bool Stands() const {
+      const QVariant now = published.Property.read(published.Object);
+      const bool isText = value.typeId() == QMetaType::QString;
+      return now == value || (isText && (published.Property.isDesignable() || now != before));
+    }
+  };
+
   using TWidget = TFormFile::TWidget;
   using TProperty = TFormFile::TProperty;
 
   void Fault(int line, const QString& what) {
+    if (++faultCount_ > kMaxFaults) return;
     faults_.append(QStringLiteral("%1:%2: %3").arg(panel_.fileName_).arg(line).arg(what));
+  }
+  void PropertyFault(const QString& owner, const TProperty& property, const QString& what) {
+    const QString name = property.Name.isEmpty() ? QStringLiteral("without a name") : property.Name;
+    Fault(property.Line, QStringLiteral("%1: property %2: %3").arg(owner, name, what));
   }
   static QString NameOf(const TWidget& widget) {
     return QStringLiteral("%1 (%2)").arg(widget.Name, widget.ClassName);
   }
 
   void CheckWidgets();
+  void CheckToolkit();
   bool MakeWidgets();
   void SetProperties();
   void Set(const TWidget& widget, QWidget& component);
+  void Refuse(const TWidget& widget, const TProperty& property, const QString& reason);
   void Complete();
   void ReportUnresolved(const QObject* owner, const QString& name);
   void OpenCircles();
-  bool IsOurs(const TWidget& widget, const TProperty& property) const;
+  static bool IsOurs(const TWidget& widget, const TProperty& property);
 
   TPanel& panel_;
   QStringList& faults_;
+  qsizetype faultCount_ = 0;
   TFormLoader loader_;
   std::map<QString, const TWidget*> components_;  ///< by name
+  std::set<const TProperty*> wrong_;              ///< the toolkit's, with wrong values
 };
 
 bool TPanelReader::Read() {
   CheckWidgets();
+  CheckToolkit();
   if (!MakeWidgets()) return false;
   SetProperties();
   Complete();
   OpenCircles();
+  if (faultCount_ > kMaxFaults) {
+    faults_.append(QStringLiteral("%1: there are %2 faults more")
+                       .arg(panel_.fileName_)
+                       .arg(faultCount_ - kMaxFaults));
+  }
   return true;
+}
+
+void TPanelReader::CheckToolkit() {
+  for (const TFormFile::TOversized& one : panel_.form_.Oversized()) {
+    PropertyFault(one.Owner, one.Property, QStringLiteral("it is too large for any screen"));
+  }
+  for (const TWidget& widget : panel_.form_.Widgets()) {
+    const QMetaObject* meta = loader_.MetaOf(widget.ClassName);
+    for (const TProperty& property : widget.Properties) {
+      if (!meta || IsOurs(widget, property)) continue;
+      const QString reason = WrongValue(*meta, property);
+      if (reason.isEmpty()) continue;
+      PropertyFault(NameOf(widget), property, reason);
+      wrong_.insert(&property);
+    }
+  }
 }
 
 void TPanelReader::CheckWidgets() {
@@ -104,7 +199,7 @@ void TPanelReader::CheckWidgets() {
   }
 }
 
-bool TPanelReader::IsOurs(const TWidget& widget, const TProperty& property) const {
+bool TPanelReader::IsOurs(const TWidget& widget, const TProperty& property) {
   const TComponentClass* component = FindComponentClass(widget.ClassName);
   // A name of the toolkit's class is left to the form loader.
   return component && (property.Name.contains('.') ||
@@ -115,22 +210,24 @@ bool TPanelReader::IsOurs(const TWidget& widget, const TProperty& property) cons
 bool TPanelReader::MakeWidgets() {
   QByteArray text = panel_.form_
                         .Without([this](const TWidget& widget, const TProperty& property) {
-                          return IsOurs(widget, property);
+                          return wrong_.contains(&property) || IsOurs(widget, property);
                         })
                         .toUtf8();
   QBuffer buffer(&text);
   buffer.open(QIODevice::ReadOnly);
+  loader_.setWorkingDirectory(QFileInfo(panel_.fileName_).dir());
   panel_.root_ = loader_.load(&buffer);
   if (!panel_.root_) Fault(1, loader_.errorString());
   return panel_.root_;
 }
 
 void TPanelReader::SetProperties() {
-  for (const TWidget& widget : panel_.form_.Widgets()) {
+  for (const auto& widget : panel_.form_.Widgets()) {
     const auto found = components_.find(widget.Name);
     if (found == components_.end() || found->second != &widget) continue;
-    if (QWidget* component = loader_.Made.value(widget.Name)) {
-      panel_.entries_.push_back({widget.Name, FindComponentClass(widget.ClassName), component});
+    const TComponentClass* componentClass = FindComponentClass(widget.ClassName);
+    if (QWidget* component = loader_.Find(widget.Name, componentClass)) {
+      panel_.entries_.push_back({widget.Name, componentClass, component, &widget});
       Set(widget, *component);
     }
   }
@@ -139,48 +236,42 @@ void TPanelReader::SetProperties() {
 /// Some setters look at other properties: a pair of limits never crosses on its way. So what a
 /// later property has moved is set again, until all of them stand.
 void TPanelReader::Set(const TWidget& widget, QWidget& component) {
-  struct TWanted {
-    const TProperty* property;
-    TPublished published;
-    QVariant value;
-    bool Stands() const {
-      return value.typeId() == QMetaType::QString ||
-             published.Property.read(published.Object) == value;
-    }
-  };
   std::vector<TWanted> wanted;
-  const auto refuse = [&](const TProperty& property, const QString& reason) {
-    Fault(property.Line,
-          QStringLiteral("%1: property %2: %3").arg(NameOf(widget), property.Name, reason));
-    panel_.refused_.emplace(widget.Name, property.Name);
-  };
+  std::set<QString> names;
   for (const TProperty& property : widget.Properties) {
     if (!IsOurs(widget, property)) continue;
+    if (!names.insert(property.Name).second) {
+      PropertyFault(NameOf(widget), property, QStringLiteral("it is given twice"));
+      continue;
+    }
     QString reason;
-    const auto published = FindPublished(component, property.Name, &reason);
-    if (!published) {
-      refuse(property, reason);
-      continue;
+    auto published = FindPublished(component, property.Name, &reason);
+    const QVariant value =
+        published ? ReadFormValue(*published, property.Value, &reason) : QVariant();
+    if (value.isValid()) {
+      const QVariant before = published->Property.read(published->Object);
+      wanted.push_back({&property, std::move(*published), value, before});
+      wanted.back().Write();
+    } else {
+      Refuse(widget, property, reason);
     }
-    const QVariant value = ReadFormValue(*published, property.Value, &reason);
-    if (!value.isValid()) {
-      refuse(property, reason);
-      continue;
-    }
-    published->Property.write(published->Object, value);
-    wanted.push_back({&property, *published, value});
   }
   constexpr int kRounds = 2;
   for (int round = 0; round < kRounds; ++round) {
     for (const TWanted& one : wanted) {
-      if (!one.Stands()) one.published.Property.write(one.published.Object, one.value);
+      if (!one.Stands()) one.Write();
     }
   }
   for (const TWanted& one : wanted) {
     if (!one.published.Property.isStored() || one.Stands()) continue;
-    refuse(*one.property,
-           QStringLiteral("it does not take the value '%1'").arg(one.property->Value.Text));
+    Refuse(widget, *one.property,
+           QStringLiteral("it does not take the value '%1'").arg(ShownText(one.property->Value)));
   }
+}
+
+void TPanelReader::Refuse(const TWidget& widget, const TProperty& property, const QString& reason) {
+  PropertyFault(NameOf(widget), property, reason);
+  panel_.refused_.insert(&property);
 }
 
 void TPanelReader::Complete() {
@@ -189,6 +280,10 @@ void TPanelReader::Complete() {
   };
   for (const TPanel::TEntry& entry : panel_.entries_) {
     if (entry.Component) entry.Class->Loaded(entry.Component);
+  }
+  // Those without a name of their own.
+  for (const TFormLoader::TMade& made : loader_.Made()) {
+    if (made.Component && IsLoading(made.Component)) made.Class->Loaded(made.Component);
   }
   TKorvalCompList::OnUnresolved = nullptr;
 }
@@ -201,9 +296,8 @@ void TPanelReader::ReportUnresolved(const QObject* owner, const QString& name) {
   const TWidget& widget = *found->second;
   for (const TProperty& property : widget.Properties) {
     if (property.Value.Text != name && !property.Value.Items.contains(name)) continue;
-    return Fault(property.Line,
-                 QStringLiteral("%1: property %2: there is no component %3 that fits")
-                     .arg(NameOf(widget), property.Name, name));
+    return PropertyFault(NameOf(widget), property,
+                         QStringLiteral("there is no component %1 that fits").arg(name));
   }
   Fault(widget.Line,
         QStringLiteral("%1: there is no component %2 that fits").arg(NameOf(widget), name));
@@ -235,6 +329,20 @@ void TPanelReader::OpenCircles() {
 
 // TPanel
 
+namespace {
+
+/// The number of the first line that is no UTF-8 text; 0 if there is none.
+int FirstForeignLine(QByteArrayView bytes) {
+  for (int line = 1; !bytes.isEmpty(); ++line) {
+    const qsizetype end = bytes.indexOf('\n');
+    if (!bytes.first(end < 0 ? bytes.size() : end).isValidUtf8()) return line;
+    bytes = bytes.sliced(end < 0 ? bytes.size() : end + 1);
+  }
+  return 0;
+}
+
+}  // namespace
+
 TPanel::~TPanel() {
   if (root_ && !root_->parent()) delete root_;
 }
@@ -264,7 +372,9 @@ std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* fault
     error = QStringLiteral("it is larger than %1 MiB").arg(kMaxFileSize >> 20);
   } else {
     const QByteArray bytes = file.read(kMaxFileSize);
-    return FromText(QString::fromUtf8(bytes), fileName, faults);
+    const int line = FirstForeignLine(bytes);
+    if (line == 0) return FromText(QString::fromUtf8(bytes), fileName, faults);
+    error = QStringLiteral("line %1 is no UTF-8 text").arg(line);
   }
   if (faults) faults->append(QStringLiteral("Cannot read %1: %2").arg(fileName, error));
   return nullptr;
@@ -285,39 +395,68 @@ TStoredValues DefaultsOf(const TComponentClass& component) {
   return values;
 }
 
+/// Not what changes by itself while a panel runs.
+bool IsSetting(const TPublished& published) {
+  const QString name = published.Path.section('.', -1);
+  return published.Property.isDesignable() && name != QLatin1String("Value") &&
+         name != QLatin1String("Active") && name != QLatin1String("Logging");
+}
+
+/// Those that a new component has otherwise.
+TFormFile::TNewProperties ChangedProperties(QWidget& component, const TStoredValues& standard) {
+  TFormFile::TNewProperties result;
+  ForEachStored(component, [&](const TPublished& published) {
+    TFormValue value = WriteFormValue(published);
+    const auto found = standard.find(published.Path);
+    const bool isDefault = found != standard.end() && found->second == value;
+    if (!isDefault) result.emplace_back(published.Path, std::move(value));
+  });
+  return result;
+}
+
 }  // namespace
 
 QString TPanel::Text() const {
-  std::map<QString, TStoredValues> defaults;
-  QHash<QString, const TEntry*> entries;
-  for (const TEntry& entry : entries_) {
-    if (entry.Component) entries.insert(entry.Name, &entry);
-  }
-  const auto entryOf = [&](const TFormFile::TWidget& widget) {
-    const TEntry* entry = entries.value(widget.Name);
-    return entry && entry->Class->Name == widget.ClassName ? entry : nullptr;
+  struct TState {
+    QWidget* component;
+    TFormFile::TNewProperties properties;
+    std::set<QString> names{};
   };
+  std::map<const TComponentClass*, TStoredValues> defaults;
+  std::map<const TFormFile::TWidget*, TState> states;
+  for (const TEntry& entry : entries_) {
+    if (!entry.Component) continue;
+    const auto [standard, isNew] = defaults.try_emplace(entry.Class);
+    if (isNew) standard->second = DefaultsOf(*entry.Class);
+    TState& state = states.emplace(entry.Widget, TState{entry.Component, {}}).first->second;
+    state.properties = ChangedProperties(*entry.Component, standard->second);
+    for (const auto& [name, value] : state.properties) state.names.insert(name);
+  }
   return form_.Replaced(
       [&](const TFormFile::TWidget& widget, const TFormFile::TProperty& property) {
-        const TEntry* entry = entryOf(widget);
-        return entry && !refused_.contains({widget.Name, property.Name}) &&
-               FindPublished(*entry->Component, property.Name, nullptr);
+        const auto state = states.find(&widget);
+        if (state == states.end()) return false;
+        return state->second.names.contains(property.Name) ||
+               (!refused_.contains(&property) &&
+                FindPublished(*state->second.component, property.Name, nullptr));
       },
       [&](const TFormFile::TWidget& widget) {
-        TFormFile::TNewProperties result;
-        const TEntry* entry = entryOf(widget);
-        if (!entry) return result;
-        const auto [known, isNew] = defaults.try_emplace(entry->Class->Name);
-        if (isNew) known->second = DefaultsOf(*entry->Class);
-        const auto& standard = known->second;
-        ForEachStored(*entry->Component, [&](const TPublished& published) {
-          TFormValue value = WriteFormValue(published);
-          const auto found = standard.find(published.Path);
-          const bool isDefault = found != standard.end() && found->second == value;
-          if (!isDefault) result.emplace_back(published.Path, std::move(value));
-        });
-        return result;
+        const auto state = states.find(&widget);
+        return state == states.end() ? TFormFile::TNewProperties() : state->second.properties;
       });
+}
+
+QString TPanel::Settings() const {
+  QString text;
+  for (const TEntry& entry : entries_) {
+    if (!entry.Component) continue;
+    ForEachStored(*entry.Component, [&](const TPublished& published) {
+      if (!IsSetting(published)) return;
+      const TFormValue value = WriteFormValue(published);
+      text += published.Path + '=' + value.Text + value.Items.join(',') + '\n';
+    });
+  }
+  return text;
 }
 
 bool TPanel::Save(const QString& fileName, QString* error) {

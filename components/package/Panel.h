@@ -7,7 +7,6 @@
 #include <memory>
 #include <set>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "components/package/Formfile.h"
@@ -19,7 +18,7 @@
 /// What is wrong in a file is told in one sentence each, "FILE:LINE: component: property: what",
 /// and the rest works: an unknown class leaves a placeholder, a property that cannot be set keeps
 /// its default, a reference to nothing is kept for the day it can be resolved, a circle of client
-/// controls is opened where it closes.
+/// controls is opened where it closes, and of two components with one name the first has it.
 class TPanel {
  public:
   /// Null only if the text is no form file at all.
@@ -36,13 +35,18 @@ class TPanel {
     QString Name;  ///< in the file
     const TComponentClass* Class;
     QPointer<QWidget> Component;  ///< not owned, may go first
+    const TFormFile::TWidget* Widget;
   };
   /// In the order of the file.
   std::span<const TEntry> Components() const { return entries_; }
 
   /// The form file with the present properties of the components, hidden ones included, where they
-  /// differ from those of a new component. All else is as it was read.
+  /// differ from those of a new component. All else is as it was read, a value that a property
+  /// refused included, until the property has another one.
   QString Text() const;
+  /// What a user has set, to see whether it has changed: the text without hidden properties,
+  /// without values, and without what is switched on.
+  QString Settings() const;
   /// Writes it, replacing the file at once or not at all. False with a sentence if it cannot.
   [[nodiscard]] bool Save(const QString& fileName, QString* error);
 
@@ -53,8 +57,7 @@ class TPanel {
   TFormFile form_;
   QPointer<QWidget> root_;
   std::vector<TEntry> entries_;
-  /// Properties that could not be set stay in the file: name of the component and of the property.
-  std::set<std::pair<QString, QString>> refused_;
+  std::set<const TFormFile::TProperty*> refused_;  ///< could not be set
 
   friend class TPanelReader;
 };

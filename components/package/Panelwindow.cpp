@@ -1,10 +1,14 @@
 #include "components/package/Panelwindow.h"
 
+#include <QCloseEvent>
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPixmap>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTimer>
 
 #include "components/controls/Korvaltools.h"
@@ -14,11 +18,23 @@ namespace {
 
 constexpr int kShownFaults = 20;
 
+/// Null for a widget that is too large.
 QPixmap Grab(QWidget& widget) {
-  QPixmap picture(widget.size());
+  const bool fits = qint64{widget.width()} * widget.height() <= TFormFile::kMaxArea;
+  QPixmap picture(fits ? widget.size() : QSize());
+  if (picture.isNull()) return picture;
   picture.fill(widget.palette().color(QPalette::Window));
   widget.render(&picture);
   return picture;
+}
+
+TPanelWindow::TAnswer AskWithBox(QWidget* parent, const QString& question) {
+  const auto button = QMessageBox::question(
+      parent, parent->windowTitle(), question,
+      QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+  return button == QMessageBox::Save      ? TPanelWindow::TAnswer::Save
+         : button == QMessageBox::Discard ? TPanelWindow::TAnswer::Discard
+                                          : TPanelWindow::TAnswer::Cancel;
 }
 
 void ShowFaults(const QStringList& faults) {
@@ -63,17 +79,40 @@ void TPanelWindow::Show(std::unique_ptr<TPanel> panel) {
   const QString title = root->windowTitle().isEmpty() ? QFileInfo(panel_->FileName()).fileName()
                                                       : root->windowTitle();
   setWindowTitle(QStringLiteral("%1 - Velmora Animator").arg(title));
-  const QSize size = root->size();
+  const QSize size = root->size().expandedTo(root->minimumSizeHint());
+  const QSize room = screen()->availableSize();
   root->setWindowFlags(Qt::Widget);
-  setCentralWidget(root);
+  if (size.boundedTo(room) == size) {
+    setCentralWidget(root);
+  } else {
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidget(root);
+    setCentralWidget(scroll);
+  }
   root->show();
-  resize(size + QSize(0, menuBar()->sizeHint().height()));
+  resize((size + QSize(0, menuBar()->sizeHint().height())).boundedTo(room));
   ShowComponents(showComponents_->isChecked());
+  settings_ = panel_->Settings();
 }
 
-void TPanelWindow::SaveTo(const QString& fileName) {
+bool TPanelWindow::SaveTo(const QString& fileName) {
   QString error;
-  if (!panel_->Save(fileName, &error)) ShowMessage(error);
+  if (!panel_->Save(fileName, &error)) {
+    ShowMessage(error);
+    return false;
+  }
+  settings_ = panel_->Settings();
+  return true;
+}
+
+void TPanelWindow::closeEvent(QCloseEvent* event) {
+  if (panel_->Settings() == settings_) return event->accept();
+  const QString question =
+      tr("Settings of %1 have been changed. Save them?").arg(panel_->FileName());
+  const TAnswer answer = AskToSave ? AskToSave(question) : AskWithBox(this, question);
+  const bool close =
+      answer == TAnswer::Discard || (answer == TAnswer::Save && SaveTo(panel_->FileName()));
+  event->setAccepted(close);
 }
 
 void TPanelWindow::Save() { SaveTo(panel_->FileName()); }
@@ -88,7 +127,9 @@ void TPanelWindow::Reload() {
   if (auto panel = OpenPanel(panel_->FileName())) Show(std::move(panel));
 }
 
-void TPanelWindow::ShowComponents(bool show) { SetDesignMode(panel_->Root(), show); }
+void TPanelWindow::ShowComponents(bool show) {
+  if (panel_->Root()) SetDesignMode(panel_->Root(), show);
+}
 
 bool RunPanel(const QString& fileName, const TPanelRun& run) {
   QStringList faults;
@@ -102,7 +143,8 @@ bool RunPanel(const QString& fileName, const TPanelRun& run) {
   QEventLoop loop;
   QTimer::singleShot(static_cast<int>(run.Seconds * 1000.0), &loop, &QEventLoop::quit);
   loop.exec();
-  if (!run.PictureFile.isEmpty() && !Grab(root).save(run.PictureFile)) {
+  const QPixmap picture = run.PictureFile.isEmpty() ? QPixmap() : Grab(root);
+  if (!run.PictureFile.isEmpty() && !picture.save(run.PictureFile)) {
     ShowMessage(QStringLiteral("Cannot write %1").arg(run.PictureFile));
     return false;
   }

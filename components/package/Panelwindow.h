@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 #include "components/package/Panel.h"
 
-/// The window of a panel: the panel fills it, its menu saves the panel back. GUI thread only.
+/// The window of a panel: the panel fills it, its menu saves the panel back. Closing it asks what
+/// to do about settings that have been changed and not saved. GUI thread only.
 class TPanelWindow : public QMainWindow {
   Q_OBJECT
 
@@ -15,6 +17,10 @@ class TPanelWindow : public QMainWindow {
 
   const TPanel& Panel() const { return *panel_; }
 
+  enum class TAnswer { Save, Discard, Cancel };
+  /// Unset: a message box.
+  std::function<TAnswer(const QString& question)> AskToSave;
+
  public slots:
   void Save();
   void SaveAs();
@@ -23,11 +29,15 @@ class TPanelWindow : public QMainWindow {
   /// Shows the components that have no face of their own, as while a form is designed.
   void ShowComponents(bool show);
 
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
  private:
   void Show(std::unique_ptr<TPanel> panel);
-  void SaveTo(const QString& fileName);
+  bool SaveTo(const QString& fileName);
 
   std::unique_ptr<TPanel> panel_;
+  QString settings_;  ///< as they are in the file
   QAction* showComponents_;
 };
 

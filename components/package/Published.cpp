@@ -32,13 +32,15 @@ void Visit(QObject& object, const QString& prefix,
   for (int i = FirstOwnProperty(*meta); i < meta->propertyCount(); ++i) {
     const QMetaProperty property = meta->property(i);
     // A class may publish a property of its base anew.
-    if (!property.isStored() || meta->indexOfProperty(property.name()) != i) continue;
+    if (meta->indexOfProperty(property.name()) != i) continue;
     const QString path = prefix + QString::fromLatin1(property.name());
     if (!IsSubObject(property)) {
       if (property.isWritable()) visit({path, &object, property});
-    } else if (QObject* sub = SubObject(&object, property)) {
-      Visit(*sub, path + '.', visit);
+      continue;
     }
+    // A sub-object that is not stored belongs to somebody else.
+    if (!property.isStored()) continue;
+    if (QObject* sub = SubObject(&object, property)) Visit(*sub, path + '.', visit);
   }
 }
 
@@ -120,8 +122,14 @@ QString KindName(const QMetaProperty& property) {
 
 }  // namespace
 
-void ForEachStored(QObject& component, const std::function<void(const TPublished&)>& visit) {
+void ForEachPublished(QObject& component, const std::function<void(const TPublished&)>& visit) {
   Visit(component, QString(), visit);
+}
+
+void ForEachStored(QObject& component, const std::function<void(const TPublished&)>& visit) {
+  ForEachPublished(component, [&](const TPublished& published) {
+    if (published.Property.isStored()) visit(published);
+  });
 }
 
 bool IsOwnProperty(const QMetaObject& componentClass, const QString& path) {
@@ -172,11 +180,16 @@ TFormValue WriteFormValue(const TPublished& published) {
   return {"string", value.toString(), {}};
 }
 
+QString ShownText(const TFormValue& value) {
+  constexpr qsizetype kMost = 100;
+  const QString text = value.Items.isEmpty() ? value.Text : value.Items.join(QLatin1String(", "));
+  return text.size() <= kMost ? text : text.left(kMost) + QLatin1String("...");
+}
+
 QVariant ReadFormValue(const TPublished& published, const TFormValue& value, QString* reason) {
   QVariant result = FromForm(published.Property, value);
   if (result.isValid() && result.convert(published.Property.metaType())) return result;
-  Refuse(reason, QStringLiteral("'%1' is not %2")
-                     .arg(value.Items.isEmpty() ? value.Text.left(100) : value.Items.join(", "),
-                          KindName(published.Property)));
+  Refuse(reason,
+         QStringLiteral("'%1' is not %2").arg(ShownText(value), KindName(published.Property)));
   return {};
 }

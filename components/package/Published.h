@@ -14,8 +14,10 @@ struct TPublished {
   QMetaProperty Property;
 };
 
-/// Calls `visit` with each plain property that the component and its sub-objects publish and store,
-/// in the order of publication, hidden ones included.
+/// Calls `visit` with each plain property that the component and its sub-objects publish and let
+/// themselves be set, in the order of publication, hidden ones included.
+void ForEachPublished(QObject& component, const std::function<void(const TPublished&)>& visit);
+/// Only with those that are stored: not with buttons, such as the Click of a TClick.
 void ForEachStored(QObject& component, const std::function<void(const TPublished&)>& visit);
 
 /// The plain property at a path. Nothing, and a reason that begins with what is wrong, for a path
@@ -37,5 +39,7 @@ struct TFormValue {
 
 /// The present value of a property.
 TFormValue WriteFormValue(const TPublished& published);
+/// In a sentence; long ones are cut.
+QString ShownText(const TFormValue& value);
 /// The value in the type of the property; invalid, with a reason, if it is of another kind.
 QVariant ReadFormValue(const TPublished& published, const TFormValue& value, QString* reason);

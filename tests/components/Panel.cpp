@@ -1,5 +1,3 @@
-#include "components/package/Panel.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +10,7 @@
 #include "components/comms/Qlxxml.h"
 #include "components/graphing/Graph.h"
 #include "components/package/Panelwindow.h"
+#include "tests/components/Panelforms.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -20,18 +19,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-QString Form(const QString& widgets) {
-  return QStringLiteral(
-             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ui version=\"4.0\">\n"
-             " <class>Panel</class>\n <widget class=\"QWidget\" name=\"Panel\">\n%1 </widget>\n"
-             "</ui>\n")
-      .arg(widgets);
-}
-
-std::unique_ptr<TPanel> Load(const QString& widgets, QStringList* faults) {
-  return TPanel::FromText(Form(widgets), "p.ui", faults);
-}
-
 template <class T>
 T* Find(const TPanel& panel, const QString& name) {
   return panel.Root()->findChild<T*>(name);
@@ -39,7 +26,7 @@ T* Find(const TPanel& panel, const QString& name) {
 
 TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
   QStringList faults;
-  const auto panel = Load(
+  const auto panel = LoadForm(
       "<widget class=\"TDataChannel\" name=\"speed\">\n"
       " <property name=\"ScaleFactor\"><double>2.5</double></property>\n"
       " <property name=\"LimitMax\"><double>-5</double></property>\n"
@@ -74,7 +61,7 @@ TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
 TEST(Panel, ClientsOfRowsStartOnceEverythingIsThere) {
   const QString log = TestFolder() + "/log";
   QStringList faults;
-  const auto panel = Load(
+  const auto panel = LoadForm(
       QStringLiteral(
           "<widget class=\"TXMLFileClient\" name=\"record\">\n"
           " <property name=\"Active\"><bool>true</bool></property>\n"
@@ -101,7 +88,7 @@ TEST(Panel, ClientsOfRowsStartOnceEverythingIsThere) {
 
 TEST(Panel, SaysInOneLineWhatIsWrongAndRunsTheRest) {
   QStringList faults;
-  const auto panel = Load(
+  const auto panel = LoadForm(
       "<widget class=\"TNothing\" name=\"odd\"/>\n"
       "<widget class=\"TDataChannel\" name=\"a\">\n"
       " <property name=\"ScaleFactor\"><string>fast</string></property>\n"
@@ -185,10 +172,12 @@ bool Starts(const QString& path) {
   return path == QLatin1String("Active") || path == QLatin1String("Logging");
 }
 
-std::map<QString, TFormValue> StoredOf(QWidget& component) {
-  std::map<QString, TFormValue> result;
+std::map<std::string, std::string> StoredOf(QWidget& component) {
+  std::map<std::string, std::string> result;
   ForEachStored(component, [&](const TPublished& published) {
-    result.emplace(published.Path, WriteFormValue(published));
+    const TFormValue value = WriteFormValue(published);
+    const QString text = value.Kind + ": " + value.Text + value.Items.join(" | ");
+    result.emplace(published.Path.toStdString(), text.toStdString());
   });
   return result;
 }
@@ -197,8 +186,8 @@ TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {
   for (const TComponentClass& component : ComponentClasses()) {
     SCOPED_TRACE(component.Name.toStdString());
     QStringList faults;
-    const auto first =
-        Load(QStringLiteral("  <widget class=\"%1\" name=\"it\"/>\n").arg(component.Name), &faults);
+    const auto first = LoadForm(
+        QStringLiteral("  <widget class=\"%1\" name=\"it\"/>\n").arg(component.Name), &faults);
     ASSERT_TRUE(first);
     EXPECT_THAT(faults, ElementsAre());
     ASSERT_EQ(first->Components().size(), 1U);
@@ -219,7 +208,7 @@ TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {
 }
 
 TEST(Panel, SavesNoCaptionThatAVariableMakesItself) {
-  const auto panel = Load("  <widget class=\"TVariable\" name=\"v\"/>\n", nullptr);
+  const auto panel = LoadForm("  <widget class=\"TVariable\" name=\"v\"/>\n", nullptr);
   Find<TVariable>(*panel, "v")->SetValue(3.0);
   ASSERT_EQ(Find<TVariable>(*panel, "v")->GetCaption(), "v=3");
   EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<double>3</double>"));
@@ -228,7 +217,7 @@ TEST(Panel, SavesNoCaptionThatAVariableMakesItself) {
 
 TEST(Panel, SavesTheLastSamplesOfAChannel) {
   QStringList faults;
-  const auto panel = Load("  <widget class=\"TDataChannel\" name=\"c\"/>\n", &faults);
+  const auto panel = LoadForm("  <widget class=\"TDataChannel\" name=\"c\"/>\n", &faults);
   for (int i = 0; i < 150; ++i) Find<TDataChannel>(*panel, "c")->SetTimeAndValue(i, 0.5 * i);
   const auto again = TPanel::FromText(panel->Text(), "p.ui", &faults);
   EXPECT_THAT(faults, ElementsAre());

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "components/package/Panel.h"
+
+/// A form with these widgets in it; the first of them begins in line 5.
+inline QString FormOf(const QString& widgets) {
+  return QStringLiteral(
+             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ui version=\"4.0\">\n"
+             " <class>Panel</class>\n <widget class=\"QWidget\" name=\"Panel\">\n%1 </widget>\n"
+             "</ui>\n")
+      .arg(widgets);
+}
+
+inline std::unique_ptr<TPanel> LoadForm(const QString& widgets, QStringList* faults) {
+  return TPanel::FromText(FormOf(widgets), QStringLiteral("p.ui"), faults);
+}
