@@ -44,9 +44,8 @@ class TDesignerWidget : public QDesignerCustomWidgetInterface {
     initialized_ = true;
     static bool registered = false;
     if (std::exchange(registered, true)) return;
-    QExtensionManager* manager = core->extensionManager();
-    manager->registerExtensions(new TPropertySheetFactory(manager),
-                                Q_TYPEID(QDesignerPropertySheetExtension));
+    core->extensionManager()->registerExtensions(new TPropertySheetFactory(*core),
+                                                 Q_TYPEID(QDesignerPropertySheetExtension));
   }
 
   QWidget* createWidget(QWidget* parent) override {

@@ -2,13 +2,19 @@
 
 #include <QtDesigner/QDesignerPropertySheetExtension>
 #include <QtDesigner/QExtensionFactory>
+#include <map>
 #include <vector>
 
 #include "components/package/Published.h"
 
+class QDesignerFormEditorInterface;
+
 /// Makes the published properties of a component's sub-objects editable in Designer, under dotted
 /// names, beside the component's own: Designer by itself knows neither sub-objects nor TColor. The
 /// properties that it knows are left to its own sheet.
+///
+/// A property is saved when it differs from that of a new component, whoever has changed it: a
+/// setter that moves another property, or a button such as ShiftToInitial.Click.
 class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   Q_OBJECT
   Q_INTERFACES(QDesignerPropertySheetExtension)
@@ -16,7 +22,7 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
  public:
   /// `own` is Designer's sheet of the component; neither is owned.
   TPropertySheet(QWidget& component, QDesignerPropertySheetExtension& own,
-                 QExtensionManager* manager, QObject* parent);
+                 QDesignerFormEditorInterface& core, QObject* parent);
 
   int count() const override;
   int indexOf(const QString& name) const override;
@@ -36,21 +42,23 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   bool isEnabled(int index) const override;
 
  private:
-  struct TExtra {
+  /// A published property with the value that a new component has.
+  struct TEntry {
     TPublished published;
-    QVariant initial;
-    bool changed = false;
+    TFormValue initial;
+    bool IsMoved() const { return WriteFormValue(published) != initial; }
   };
-  const TExtra* Extra(int index) const;
-  TExtra* Extra(int index) { return const_cast<TExtra*>(std::as_const(*this).Extra(index)); }
-
+  /// Null for an index of the component's own sheet.
+  const TEntry* Extra(int index) const;
   QVariant Plain(const QVariant& value);
+  void ShowAgain(int button);
 
-  QExtensionManager* manager_;
+  QDesignerFormEditorInterface& core_;
   QObject carrier_;  ///< see Plain
   QWidget& component_;
   QDesignerPropertySheetExtension& own_;
-  std::vector<TExtra> extras_;
+  std::vector<TEntry> extras_;        ///< behind the properties of the component's own sheet
+  std::map<int, TEntry> ownEntries_;  ///< by their index in the component's own sheet
 };
 
 /// Gives Designer such a sheet for every component.
@@ -58,11 +66,12 @@ class TPropertySheetFactory : public QExtensionFactory {
   Q_OBJECT
 
  public:
-  explicit TPropertySheetFactory(QExtensionManager* manager) : QExtensionFactory(manager) {}
+  explicit TPropertySheetFactory(QDesignerFormEditorInterface& core);
 
  protected:
   QObject* createExtension(QObject* object, const QString& iid, QObject* parent) const override;
 
  private:
+  QDesignerFormEditorInterface& core_;
   mutable bool asking_ = false;  ///< Designer's own factories for their sheet
 };

@@ -1,0 +1,168 @@
+#include "tests/designer/Probe.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QCryptographicHash>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLineEdit>
+#include <QListView>
+#include <QMainWindow>
+#include <QTest>
+#include <QTreeWidget>
+#include <QtDesigner/QDesignerFormWindowCursorInterface>
+#include <QtDesigner/QDesignerFormWindowInterface>
+#include <QtDesigner/QDesignerFormWindowManagerInterface>
+#include <QtDesigner/QDesignerPropertyEditorInterface>
+#include <QtDesigner/QDesignerWidgetBoxInterface>
+
+namespace {
+
+QString ScriptFile() { return qEnvironmentVariable("VELMORA_PROBE"); }
+
+QString Fingerprint(const QIcon& icon) {
+  const QImage image = icon.pixmap(22, 22).toImage().convertToFormat(QImage::Format_ARGB32);
+  const QByteArray bits(reinterpret_cast<const char*>(image.constBits()),
+                        static_cast<qsizetype>(image.sizeInBytes()));
+  const bool blank = image.isNull() || bits.count('\0') == bits.size();
+  return blank
+             ? QString()
+             : QString::fromLatin1(QCryptographicHash::hash(bits, QCryptographicHash::Md5).toHex());
+}
+
+}  // namespace
+
+void TProbe::initialize(QDesignerFormEditorInterface* core) {
+  core_ = core;
+  connect(&timer_, &QTimer::timeout, this, &TProbe::LookForForm);
+  timer_.start(50);
+}
+
+void TProbe::LookForForm() {
+  auto* manager = core_->formWindowManager();
+  if (!manager || !manager->activeFormWindow() || !core_->propertyEditor()) return;
+  if (!core_->propertyEditor()->object()) return;
+  timer_.stop();
+  Run();
+  QCoreApplication::exit();
+}
+
+void TProbe::Run() {
+  QFile file(ScriptFile());
+  if (!file.open(QIODevice::ReadWrite)) return;
+  QJsonArray answers;
+  for (const QString& line : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts)) {
+    const QString answer = Do(line.split(' '));
+    answers.append(QString(line + ": " + (answer.isEmpty() ? "done" : answer)));
+  }
+  const QJsonObject report{{"palette", Palette()}, {"shown", ShownWidgets()}, {"answers", answers}};
+  file.resize(0);
+  file.write(QJsonDocument(report).toJson());
+}
+
+/// Empty if it worked.
+QString TProbe::Do(const QStringList& words) {
+  if (words[0] == "save") return Save();
+  if (words[0] == "picture") return core_->topLevel()->grab().save(words[1]) ? "" : "not written";
+  QTreeWidgetItem* item = FindProperty(words[1], words[2]);
+  if (!item) return "the property editor does not show it";
+  return words[0] == "type" ? Type(*item, words[3]) : Press(*item);
+}
+
+/// Of every page the names that it shows, each with a fingerprint of its icon.
+QJsonObject TProbe::Palette() const {
+  QJsonObject pages;
+  QDesignerWidgetBoxInterface* box = core_->widgetBox();
+  const auto views = box->findChildren<QListView*>();
+  for (int i = 0; i < box->categoryCount(); ++i) {
+    const auto category = box->category(i);
+    QJsonObject page;
+    for (int w = 0; w < category.widgetCount(); ++w) {
+      const QString name = category.widget(w).name();
+      page.insert(name, QString());
+      for (const QListView* view : views) {
+        for (int row = 0; row < view->model()->rowCount(); ++row) {
+          const QModelIndex index = view->model()->index(row, 0);
+          if (index.data().toString() != name) continue;
+          page.insert(name, Fingerprint(index.data(Qt::DecorationRole).value<QIcon>()));
+        }
+      }
+    }
+    pages.insert(category.name(), page);
+  }
+  return pages;
+}
+
+/// Of the form: whether a person sees the widget.
+QJsonObject TProbe::ShownWidgets() const {
+  QJsonObject shown;
+  const auto* cursor = core_->formWindowManager()->activeFormWindow()->cursor();
+  for (int i = 0; i < cursor->widgetCount(); ++i) {
+    const QWidget* widget = cursor->widget(i);
+    shown.insert(widget->objectName(), widget->isVisible() && !widget->visibleRegion().isEmpty());
+  }
+  return shown;
+}
+
+QTreeWidgetItem* TProbe::FindProperty(const QString& component, const QString& name) const {
+  QDesignerFormWindowInterface* form = core_->formWindowManager()->activeFormWindow();
+  form->clearSelection();
+  auto* widget = form->findChild<QWidget*>(component);
+  if (!widget) return nullptr;
+  form->selectWidget(widget);
+  const auto shown = [&] { return core_->propertyEditor()->object() == widget; };
+  if (!QTest::qWaitFor(shown)) return nullptr;
+  for (QTreeWidget* tree : core_->propertyEditor()->findChildren<QTreeWidget*>()) {
+    for (QTreeWidgetItem* item : tree->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)) {
+      if (!item->isHidden()) return item;
+    }
+  }
+  return nullptr;
+}
+
+QString TProbe::Type(QTreeWidgetItem& item, const QString& text) const {
+  QTreeWidget& tree = *item.treeWidget();
+  tree.scrollToItem(&item);
+  tree.setCurrentItem(&item);
+  tree.editItem(&item, 1);
+  QLineEdit* edit = nullptr;
+  const auto open = [&] {
+    edit = tree.viewport()->findChild<QLineEdit*>();
+    return edit && edit->isVisible();
+  };
+  if (!QTest::qWaitFor(open)) return "it cannot be edited";
+  edit->setFocus();
+  edit->selectAll();
+  QTest::keyClicks(edit, text);
+  QTest::keyClick(edit, Qt::Key_Return);
+  QTest::qWait(0);
+  return {};
+}
+
+QString TProbe::Press(QTreeWidgetItem& item) const {
+  QTreeWidget& tree = *item.treeWidget();
+  tree.scrollToItem(&item);
+  tree.setCurrentItem(&item);
+  tree.editItem(&item, 1);
+  QCheckBox* box = nullptr;
+  const auto open = [&] {
+    box = tree.viewport()->findChild<QCheckBox*>();
+    return box && box->isVisible();
+  };
+  if (!QTest::qWaitFor(open)) return "it has no box to tick";
+  QTest::mouseClick(box, Qt::LeftButton);
+  return QTest::qWaitFor([box] { return !box->isChecked(); }) ? "" : "the box stays ticked";
+}
+
+QString TProbe::Save() const {
+  for (const QWidget* widget : QApplication::allWidgets()) {
+    for (QAction* action : widget->actions()) {
+      if (action->objectName() != "__qt_save_form_action") continue;
+      action->trigger();
+      return core_->formWindowManager()->activeFormWindow()->isDirty() ? "not saved" : "";
+    }
+  }
+  return "there is no such action";
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QPointer>
+#include <QTimer>
+#include <QtDesigner/QDesignerFormEditorInterface>
+#include <QtDesigner/QDesignerFormEditorPluginInterface>
+
+class QTreeWidgetItem;
+
+/// A plug-in that takes a person's place at a running Designer: once the form named on Designer's
+/// command line is open, it does the steps in the file VELMORA_PROBE with the mouse and the keys,
+/// writes what it has seen into the same file and ends Designer.
+///
+/// Each step is a line of words: "type COMPONENT PROPERTY TEXT", "press COMPONENT PROPERTY" for a
+/// button, "save", "picture FILE".
+class TProbe : public QObject, public QDesignerFormEditorPluginInterface {
+  Q_OBJECT
+  Q_PLUGIN_METADATA(IID "org.qt-project.Qt.Designer.QDesignerFormEditorPluginInterface")
+  Q_INTERFACES(QDesignerFormEditorPluginInterface)
+
+ public:
+  bool isInitialized() const override { return core_; }
+  void initialize(QDesignerFormEditorInterface* core) override;
+  QAction* action() const override { return nullptr; }
+  QDesignerFormEditorInterface* core() const override { return core_; }
+
+ private:
+  void LookForForm();
+  void Run();
+  QString Do(const QStringList& words);
+
+  QJsonObject Palette() const;
+  QJsonObject ShownWidgets() const;
+  QTreeWidgetItem* FindProperty(const QString& component, const QString& name) const;
+  QString Type(QTreeWidgetItem& item, const QString& text) const;
+  QString Press(QTreeWidgetItem& item) const;
+  QString Save() const;
+
+  QPointer<QDesignerFormEditorInterface> core_;
+  QTimer timer_;
+};
