@@ -138,6 +138,7 @@ void Running(TBench& bench, int values) {
   for (TDataChannel* channel : channels) channel->GetGraphLink()->SetUpdateInterval(values);
 
   TPanelWindow window(std::move(panel));
+  window.resize(1640, 1040);  // all of them are seen, even on a smaller screen
   window.show();
   QCoreApplication::processEvents();
   counter.Paints.clear();

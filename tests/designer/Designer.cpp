@@ -21,7 +21,7 @@ using testing::ElementsAre;
 const QByteArray kForm =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ui version=\"4.0\">\n <class>Panel</class>\n"
     " <widget class=\"QWidget\" name=\"Panel\">\n"
-    "  <property name=\"geometry\"><rect><x>0</x><y>0</y><width>400</width><height>300</height>"
+    "  <property name=\"geometry\"><rect><x>0</x><y>0</y><width>800</width><height>600</height>"
     "</rect></property>\n"
     "  <widget class=\"TDataChannel\" name=\"speed\">\n"
     "   <property name=\"geometry\"><rect><x>10</x><y>10</y><width>80</width><height>24</height>"
@@ -68,12 +68,19 @@ QString Rows(const std::vector<double>& values) {
   return channel.GetData()->property("DataValues").toString();
 }
 
-/// A component of every class, named after it.
+/// A component of every class, named after it, none above another.
 QString OneOfEach() {
   QString widgets;
+  int place = 0;
   for (const TComponentClass& component : ComponentClasses()) {
-    widgets += QStringLiteral("  <widget class=\"%1\" name=\"%2\"/>\n")
-                   .arg(component.Name, component.Name.toLower());
+    widgets += QStringLiteral(
+                   "  <widget class=\"%1\" name=\"%2\">\n   <property name=\"geometry\"><rect>"
+                   "<x>%3</x><y>%4</y><width>70</width><height>40</height></rect></property>\n"
+                   "  </widget>\n")
+                   .arg(component.Name, component.Name.toLower())
+                   .arg(80 * (place % 10))
+                   .arg(280 + 50 * (place / 10));
+    ++place;
   }
   return widgets;
 }

@@ -95,13 +95,13 @@ QJsonObject TProbe::Palette() const {
   return pages;
 }
 
-/// Of the form: whether a person sees the widget.
+/// Of the form: whether it shows the widget, if need be after scrolling.
 QJsonObject TProbe::ShownWidgets() const {
   QJsonObject shown;
   const auto* cursor = core_->formWindowManager()->activeFormWindow()->cursor();
   for (int i = 0; i < cursor->widgetCount(); ++i) {
     const QWidget* widget = cursor->widget(i);
-    shown.insert(widget->objectName(), widget->isVisible() && !widget->visibleRegion().isEmpty());
+    shown.insert(widget->objectName(), widget->isVisible() && !widget->size().isEmpty());
   }
   return shown;
 }
