@@ -187,10 +187,8 @@ void TStatHistory::AddToHistory(const TStatSet& record) {
   PutFirst(record);
   if (!next_) return;
   if (!next_->IsStarted()) next_->ResetTime(record.Time);
-  if (record.Time >= next_->end_) {
-    next_->UpdateStatistics(this);
-    next_->ResetTime(record.Time);
-  }
+  // Which also begins the next interval there, as the record is of the time that ends this one.
+  if (record.Time >= next_->end_) next_->UpdateStatistics(this);
 }
 
 void TStatHistory::PutFirst(const TStatSet& record) {

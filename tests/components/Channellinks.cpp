@@ -276,6 +276,11 @@ TEST(TOneChannelLink, MayBeDestroyedByItsOwnData) {
   sets.Row(0, 1, 1);
   EXPECT_EQ(link, nullptr);
   sets.Row(0, 2, 1);
+  auto ticked = std::make_unique<TTwoChannelLink>(true);
+  ticked->SetEnabled(true);
+  QObject::connect(ticked.get(), &TTwoChannelLink::OnData, [&] { ticked.reset(); });
+  for (int i = 0; ticked && i < 20; ++i) TTimerServer::Instance()->Timer();
+  EXPECT_EQ(ticked, nullptr);
 }
 
 }  // namespace

@@ -97,7 +97,7 @@ TEST(TStatHistory, CompletesARecordWithTheBlockThatReachesItsEnd) {
 
 TEST(TStatHistory, SixtyOneSecondsKeepSixtyAndReachTheMinutes) {
   TChannelStatistics statistics;
-  const double start = Day(2024, 5, 1);
+  const double start = Day(2024, 5, 1) + 10 * kHour;
   for (int i = 0; i <= 61; ++i) Add(statistics, Block(start + i * 1.0001 * kSecond, i));
   const TStatHistory* seconds = statistics.Get(0);
   EXPECT_EQ(seconds->Count(), 60);
@@ -108,6 +108,9 @@ TEST(TStatHistory, SixtyOneSecondsKeepSixtyAndReachTheMinutes) {
   EXPECT_EQ(minutes->Get(0).Count, 61.0);  // blocks 0 to 60, the last of which passed the minute
   EXPECT_EQ(minutes->Get(0).Max, 60.0);
   EXPECT_EQ(minutes->Get(0).Min, 0.0);
+  EXPECT_EQ(minutes->StartText(), "10:00:01");  // of the first completed second
+  EXPECT_EQ(minutes->EndText(), "10:01:00");
+  EXPECT_EQ(minutes->StartTime(), minutes->Get(0).Time);
 }
 
 TEST(TStatHistory, MonthsAreThoseOfTheCalendar) {
