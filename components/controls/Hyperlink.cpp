@@ -17,7 +17,8 @@ namespace {
 /// A link that is told of, and can be pressed.
 class TLinkAccess : public TTextAccess {
  public:
-  explicit TLinkAccess(THyperlink* link) : TTextAccess(link, QAccessible::Link) {}
+  explicit TLinkAccess(THyperlink* link)
+      : TTextAccess(link, QAccessible::Link, [link] { return link->Text(); }) {}
 
   QStringList actionNames() const override { return TTextAccess::actionNames() << pressAction(); }
   void doAction(const QString& name) override {

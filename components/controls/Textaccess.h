@@ -1,20 +1,21 @@
 #pragma once
 
 #include <QAccessibleWidget>
+#include <functional>
+#include <utility>
 
-#include "components/controls/Textcontrol.h"
-
-/// What programs for those who cannot see the screen are told of a text control: its text, unless
-/// the form gives it another name. GUI thread only.
+/// What programs for those who cannot see the screen are told of a widget that draws a text: that
+/// text, unless the form gives it another name. GUI thread only.
 class TTextAccess : public QAccessibleWidget {
  public:
-  explicit TTextAccess(TCustomTextControl* control,
-                       QAccessible::Role role = QAccessible::StaticText)
-      : QAccessibleWidget(control, role) {}
+  TTextAccess(QWidget* widget, QAccessible::Role role, std::function<QString()> shown)
+      : QAccessibleWidget(widget, role), shown_(std::move(shown)) {}
 
   QString text(QAccessible::Text kind) const override {
     const QString own = QAccessibleWidget::text(kind);
-    if (kind != QAccessible::Name || !own.isEmpty()) return own;
-    return static_cast<const TCustomTextControl*>(widget())->Text();
+    return kind == QAccessible::Name && own.isEmpty() ? shown_() : own;
   }
+
+ private:
+  std::function<QString()> shown_;
 };

@@ -36,7 +36,8 @@ QColor Between(const QColor& a, const QColor& b) {
 QAccessibleInterface* MakeAccess(const QString& className, QObject* object) {
   auto* control = qobject_cast<TCustomTextControl*>(object);
   const bool mine = className == TCustomTextControl::staticMetaObject.className();
-  return mine && control ? new TTextAccess(control) : nullptr;
+  if (!mine || !control) return nullptr;
+  return new TTextAccess(control, QAccessible::StaticText, [control] { return control->Text(); });
 }
 
 }  // namespace
