@@ -60,10 +60,25 @@ window() {
   kill $process
 }
 
+# The simulated device and server, started as the user's guide says.
+monitor() {
+  local examples=build/release/examples device server
+  "$examples/device-simulator/device-simulator" --link /tmp/device >/dev/null &
+  device=$!
+  "$examples/package-server/package-server" >/dev/null &
+  server=$!
+  sleep 1 # until both can be reached
+  QT_QPA_PLATFORM=offscreen "$examples/monitor/monitor" --device /tmp/device \
+    --server 127.0.0.1:4001 --after 40 --render "$frames/monitor.png"
+  kill $device $server
+  convert "$frames/monitor.png" +dither -colors 255 "$pictures/monitor.png"
+}
+
 moving
 scale_types
 window
 QT_QPA_PLATFORM=offscreen build/release/examples/gallery/gallery --render "$pictures/gallery.png"
 QT_QPA_PLATFORM=offscreen build/release/examples/values/values --render "$pictures/values.png"
+monitor
 rm -r "$frames"
 ls -l "$pictures"

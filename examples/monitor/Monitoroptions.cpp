@@ -16,7 +16,8 @@ QString TakeDevice(const QString& text, TMonitorOptions& options) {
     return QStringLiteral("--device %1: that is a %2, not a serial port")
         .arg(text, file.isDir() ? QStringLiteral("folder") : QStringLiteral("file"));
   }
-  options.Device = text;
+  // What exists is meant from the present folder; any other name is one of the system's devices.
+  options.Device = !IsPortName(text) && file.exists() ? file.absoluteFilePath() : text;
   return {};
 }
 

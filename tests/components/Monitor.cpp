@@ -12,6 +12,8 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
+#include <cmath>
 #include <map>
 #include <memory>
 
@@ -19,6 +21,7 @@
 #include "components/graphing/Graph.h"
 #include "examples/monitor/Channeltable.h"
 #include "examples/monitor/Fittinglabel.h"
+#include "examples/monitor/Historyview.h"
 #include "examples/monitor/Monitoredsets.h"
 #include "examples/monitor/Monitorpanel.h"
 #include "examples/monitor/Valuecard.h"
@@ -146,6 +149,49 @@ TEST(MonitoredSets, ShowValuesWithTheirUnitAndNeverEndlessly) {
   EXPECT_EQ(ValueText(*weather.GetChannels()->GetItem(1), 231.4), QStringLiteral("231 \u00b0"));
   EXPECT_EQ(ValueText(speed, -1e300), "-1e+300 m/s");
   EXPECT_EQ(LimitsText(speed), "Alarm above 11.5 m/s, warning from 10.0 m/s on");
+}
+
+TEST(ChannelTable, HidesInputsThatTheDeviceDoesNotHave) {
+  TChannelSource source;
+  AddMonitoredSets(source, 100.0);
+  TChannelTable table(source);
+  const auto shown = [&table] {
+    int rows = 0;
+    for (int row = 0; row < table.rowCount(); ++row) rows += !table.isRowHidden(row);
+    return rows;
+  };
+  EXPECT_EQ(shown(), 4 + 3 + 16) << "as long as nothing is known of the devices";
+  const double row[] = {45413.5, 0.0, 1.0, 2.0};
+  source.GetSets()->GetItem(kMachine)->SetRow(row, 0, 4);
+  table.ShowValues(si1_Second, [](const TChannelSet&) { return true; });
+  EXPECT_EQ(shown(), 4 + 3 + 3);
+}
+
+TEST(HistoryView, LeavesAGapWhereNothingWasMeasured) {
+  TChannelSource source;
+  AddMonitoredSets(source, 100.0);
+  TChannelSet& weather = *source.GetSets()->GetItem(kWeather);
+  for (const double start : {0.0, 100.0}) {
+    for (int i = 0; i < 10; ++i) {
+      const double row[] = {45413.5 + (start + 1.5 * i) / 86400.0, 8.0};
+      weather.SetRow(row, 0, 2);
+    }
+  }
+  THistoryView view;
+  view.SetChannel(weather.GetChannels()->GetItem(0), weather.GetLabel());
+  const TSeriesList& curves = view.findChild<TKorvalGraph*>()->GetDataPanel()->GetSeriesList();
+  ASSERT_EQ(curves.Count(), 3);
+  for (int curve = 0; curve < 3; ++curve) {
+    int index = 0;
+    TCoordinate point;
+    TCoordinate extent;
+    std::vector<double> values;
+    while (curves.Get(curve)->DataSource(index, point, extent)) values.push_back(point.Y);
+    // The first row has no length, and the second begins the second that the third completes.
+    EXPECT_EQ(std::ranges::count(values, 8.0), 8 + 10);
+    ASSERT_EQ(values.size(), 8u + 1u + 10u);  // the newest first
+    EXPECT_TRUE(std::isnan(values[10]));
+  }
 }
 
 TEST(FittingLabel, LeavesOutTheMiddleOfWhatHasNoRoom) {
