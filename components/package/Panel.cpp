@@ -397,9 +397,8 @@ TStoredValues DefaultsOf(const TComponentClass& component) {
 
 /// Not what changes by itself while a panel runs.
 bool IsSetting(const TPublished& published) {
-  const QString name = published.Path.section('.', -1);
-  return published.Property.isDesignable() && name != QLatin1String("Value") &&
-         name != QLatin1String("Active") && name != QLatin1String("Logging");
+  static const QStringList kMoving = {"Value", "Data", "CumulCount", "Active", "Logging"};
+  return published.Property.isDesignable() && !kMoving.contains(published.Path.section('.', -1));
 }
 
 /// Those that a new component has otherwise.

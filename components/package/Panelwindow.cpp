@@ -4,6 +4,7 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QImageWriter>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPixmap>
@@ -18,14 +19,20 @@ namespace {
 
 constexpr int kShownFaults = 20;
 
-/// Null for a widget that is too large.
-QPixmap Grab(QWidget& widget) {
-  const bool fits = qint64{widget.width()} * widget.height() <= TFormFile::kMaxArea;
-  QPixmap picture(fits ? widget.size() : QSize());
-  if (picture.isNull()) return picture;
-  picture.fill(widget.palette().color(QPalette::Window));
-  widget.render(&picture);
-  return picture;
+/// False with a sentence if the picture cannot be made or written.
+bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
+  QString reason =
+      QStringLiteral("%1 x %2 pixels are too many").arg(widget.width()).arg(widget.height());
+  if (qint64{widget.width()} * widget.height() <= TFormFile::kMaxArea) {
+    QPixmap picture(widget.size());
+    picture.fill(widget.palette().color(QPalette::Window));
+    widget.render(&picture);
+    QImageWriter writer(fileName);
+    if (writer.write(picture.toImage())) return true;
+    reason = writer.errorString();
+  }
+  *error = QStringLiteral("Cannot write %1: %2").arg(fileName, reason);
+  return false;
 }
 
 TPanelWindow::TAnswer AskWithBox(QWidget* parent, const QString& question) {
@@ -143,12 +150,11 @@ bool RunPanel(const QString& fileName, const TPanelRun& run) {
   QEventLoop loop;
   QTimer::singleShot(static_cast<int>(run.Seconds * 1000.0), &loop, &QEventLoop::quit);
   loop.exec();
-  const QPixmap picture = run.PictureFile.isEmpty() ? QPixmap() : Grab(root);
-  if (!run.PictureFile.isEmpty() && !picture.save(run.PictureFile)) {
-    ShowMessage(QStringLiteral("Cannot write %1").arg(run.PictureFile));
+  QString error;
+  if (!run.PictureFile.isEmpty() && !WritePicture(root, run.PictureFile, &error)) {
+    ShowMessage(error);
     return false;
   }
-  QString error;
   if (!run.SaveFile.isEmpty() && !panel->Save(run.SaveFile, &error)) {
     ShowMessage(error);
     return false;

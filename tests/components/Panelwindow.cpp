@@ -134,6 +134,42 @@ TEST(Panelwindow, ShowsComponentsWithoutAFaceOnRequest) {
   EXPECT_FALSE(channel->isVisible());
 }
 
+/// Else closing any panel that has run would ask.
+TEST(Panelwindow, RunningChangesNoSettingOfAnyClass) {
+  for (const TComponentClass& component : ComponentClasses()) {
+    SCOPED_TRACE(component.Name.toStdString());
+    const auto panel = LoadForm(
+        QStringLiteral("<widget class=\"%1\" name=\"it\"/>\n"
+                       "<widget class=\"TKorvalGraph\" name=\"plot\"/>\n"
+                       "<widget class=\"TDataChannel\" name=\"source\">\n"
+                       " <property name=\"ClientControls.Components\"><stringlist><string>it"
+                       "</string></stringlist></property>\n"
+                       " <property name=\"GraphLink.Graph\"><string>plot</string></property>\n"
+                       "</widget>\n")
+            .arg(component.Name),
+        nullptr);
+    ASSERT_TRUE(panel);
+    const std::string before = panel->Settings().toStdString();
+    auto* source = panel->Root()->findChild<TDataChannel*>("source");
+    for (int i = 0; i < 300; ++i) source->SetTimeAndValue(i, i % 7 * 1000.0);
+    panel->Root()->grab();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->Settings().toStdString(), before);
+  }
+}
+
+TEST(Panelwindow, SaysWhyAPictureCannotBeWritten) {
+  const QString file =
+      WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
+  const QString picture = TestFolder() + "/none/p.png";
+  EXPECT_FALSE(RunPanel(file, {0.0, picture, {}, {}}));
+  EXPECT_EQ(
+      TakeMessages().join('\n').toStdString(),
+      ("Cannot write " + picture + ": Cannot open device for writing: No such file or directory")
+          .toStdString());
+  EXPECT_TRUE(RunPanel(file, {0.0, TestFolder() + "/p.png", {}, {}}));
+}
+
 TEST(Panelwindow, APanelLargerThanTheScreenScrolls) {
   const QString file = WriteTestFile(
       "large.ui", FormOf("<property name=\"geometry\"><rect><x>0</x><y>0</y><width>9000</width>"
