@@ -19,10 +19,13 @@ int Fail(const QString& text) {
 }
 
 struct TCommandLine {
-  QCommandLineOption device{"device", "Serial port: COM1 to COM16, or its path.", "port", "COM1"};
-  QCommandLineOption rate{"rate", "Packets per second that the device sends, 40 to 800.", "hertz",
-                          "100"};
-  QCommandLineOption server{"server", "Package server.", "host:port", "127.0.0.1:4001"};
+  QCommandLineOption device{"device", "Serial port: COM1 to COM16, or its path; initially COM1.",
+                            "port", "COM1"};
+  QCommandLineOption rate{"rate",
+                          "Packets per second that the device sends, 40 to 800; initially 100.",
+                          "hertz", "100"};
+  QCommandLineOption server{"server", "Package server; initially 127.0.0.1:4001.", "host:port",
+                            "127.0.0.1:4001"};
   QCommandLineOption store{"store", "Store statistics into this folder from the start.", "folder"};
   QCommandLineOption render{"render", "Draw into a PNG file and end.", "file"};
   QCommandLineOption after{"after", "With --render: measure so long, 0 to 86400.", "seconds", "5"};
