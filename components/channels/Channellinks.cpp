@@ -13,7 +13,7 @@ TChannelEnd::TChannelEnd(TCustomChannelLink& link)
 }
 
 void TChannelEnd::SetChosen() {
-  TChannelSet* chosen = source_ ? source_->GetSets()->GetItem(ChannelSet.GetIndex()) : nullptr;
+  TChannelSet* chosen = sets_ ? sets_->GetItem(ChannelSet.GetIndex()) : nullptr;
   if (chosen != set_) SelectedChannelSetChanged(chosen);
 }
 
@@ -23,25 +23,24 @@ void TChannelEnd::ChannelChosen() {
 }
 
 void TChannelEnd::Clear() {
-  disconnect(sets_);
-  source_ = nullptr;
+  disconnect(setsChanged_);
+  sets_ = nullptr;
   const QPointer<TChannelEnd> alive(this);
   ChannelSet.Clear();
   // Whoever was told may have destroyed the link or chosen another source.
-  if (alive && !source_) Channel.Clear();
-  if (alive && !source_ && set_) SelectedChannelSetChanged(nullptr);
+  if (alive && !sets_) Channel.Clear();
+  if (alive && !sets_ && set_) SelectedChannelSetChanged(nullptr);
 }
 
 void TChannelEnd::SetSource(TChannelSource* source) {
-  source_ = source;
   if (!source) return;
-  const QPointer<TChannelSets> sets = source->GetSets();
-  sets_ = connect(sets, &TPersistent::OnChange, this, &TChannelEnd::SetsChanged);
+  const QPointer<TChannelSets> sets = sets_ = source->GetSets();
+  setsChanged_ = connect(sets, &TPersistent::OnChange, this, &TChannelEnd::SetsChanged);
   ChannelSet.SetCollection([sets] { return sets ? sets->Labels() : QStringList(); });
 }
 
 void TChannelEnd::SelectedChannelSetChanged(TChannelSet* set) {
-  disconnect(channels_);
+  disconnect(channelsChanged_);
   set_ = set;
   const QPointer<TChannelEnd> alive(this);
   // Whoever is told may destroy the link or choose another set.
@@ -51,7 +50,8 @@ void TChannelEnd::SelectedChannelSetChanged(TChannelSet* set) {
   if (!stays()) return;
   if (set) {
     const QPointer<TChannels> channels = set->GetChannels();
-    channels_ = connect(channels, &TPersistent::OnChange, this, &TChannelEnd::ChannelsChanged);
+    channelsChanged_ =
+        connect(channels, &TPersistent::OnChange, this, &TChannelEnd::ChannelsChanged);
     Channel.SetCollection([channels] { return channels ? channels->Labels() : QStringList(); });
   }
   emit OnChannelSetChanged(this);
@@ -64,8 +64,8 @@ void TChannelEnd::SelectedChannelChanged(TChannel* channel) {
 
 /// The chosen set may have another label or place, or may be gone.
 void TChannelEnd::SetsChanged() {
-  if (!source_) return;
-  if (set_ && source_->GetSets()->GetItem(set_->Index()) == set_) {
+  if (!sets_) return;
+  if (set_ && sets_->GetItem(set_->Index()) == set_) {
     if (ChannelSet.GetIndex() != set_->Index()) ChannelSet.SetIndex(set_->Index());
     return;
   }

@@ -58,11 +58,11 @@ class TChannelEnd : public QObject {
   void SetsChanged();
   void ChannelsChanged();
 
-  QPointer<TChannelSource> source_;
+  QPointer<TChannelSets> sets_;  ///< of the source, which may be half destroyed without them
   QPointer<TChannelSet> set_;
   QPointer<TChannel> channel_;
-  QMetaObject::Connection sets_;
-  QMetaObject::Connection channels_;
+  QMetaObject::Connection setsChanged_;
+  QMetaObject::Connection channelsChanged_;
   TDataClient client_;
 };
 

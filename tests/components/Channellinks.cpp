@@ -243,6 +243,19 @@ TEST(TOneChannelLink, MayBeDestroyedByAnyOfItsNews) {
   EXPECT_EQ(destroyed, 3 + 5 + 6);
 }
 
+TEST(TOneChannelLink, IsAtRestWhileAnotherIsToldThatTheSourceGoes) {
+  TTwoSets sets;
+  TOneChannelLink told(false);
+  TOneChannelLink other(false);
+  for (TOneChannelLink* link : {&told, &other}) Select(*link, sets.source.get(), "A", "a1");
+  QObject::connect(&told, &TOneChannelLink::OnSourceChanged, [&] {
+    other.GetChannelSet()->SetItem("B");
+    EXPECT_EQ(other.SelectedChannelSet(), nullptr);
+  });
+  sets.source.reset();
+  EXPECT_EQ(other.GetChannelSource(), nullptr);
+}
+
 TEST(TOneChannelLink, MayTakeAnotherSourceWhenItIsToldOfOne) {
   TTwoSets first;
   TTwoSets second;
