@@ -25,6 +25,8 @@ TChannelSet::TChannelSet(QObject* owner)
 }
 
 TChannelSet::~TChannelSet() {
+  // First of all, so that nobody finds the set there who is told of anything below.
+  LeaveCollection();
   BeforeDestruction();
   SetStorage(nullptr);
   for (int i = 0; i < channels_.Count(); ++i) {
@@ -37,7 +39,6 @@ TChannelSet::~TChannelSet() {
       if (client) client->set_ = nullptr;
     }
   }
-  LeaveCollection();
 }
 
 int TChannelSet::GetCount() { return count_ = channels_.Count(); }

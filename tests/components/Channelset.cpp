@@ -8,6 +8,7 @@
 #include <random>
 #include <thread>
 
+#include "components/channels/Statsstorage.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -321,6 +322,16 @@ TEST(TChannelSet, MayBeDestroyedByItsOwnNews) {
       delete set;  // not all of them are news of the channels
     }
   }
+}
+
+TEST(TChannelSets, NobodyFindsASetThatIsBeingDestroyed) {
+  TChannelSource source;
+  TStatsStorage storage;
+  TChannelSet* set = source.GetSets()->Add();
+  set->SetStorage(&storage);  // which it leaves on the way, and tells so
+  QObject::connect(source.GetSets(), &TChannelSets::OnChange, [&] { source.GetSets()->Delete(0); });
+  delete set;
+  EXPECT_EQ(source.GetSets()->Count(), 0);
 }
 
 TEST(TChannelSets, ListenersThatAddSetsDoNotKeepThemFromBeingCleared) {
