@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
+#include <QTimer>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
@@ -47,13 +48,15 @@ class TSynchronizer::TReceiver : public QObject {
     const TAnswer answer = step();
     const std::lock_guard lock(shared->mutex);
     if (!shared->CallsFor()) return;
-    if (answer == TAnswer::Again) {
-      shared->step = std::move(step);
-      Post();
-    } else {
+    if (answer == TAnswer::Done) {
       shared->waiting = false;
       shared->changed.notify_one();
+      return;
     }
+    shared->step = std::move(step);
+    if (answer == TAnswer::Again) return Post();
+    constexpr int kLaterMs = 5;
+    QTimer::singleShot(kLaterMs, this, [this] { Post(); });
   }
 
   const std::shared_ptr<TShared> shared_;

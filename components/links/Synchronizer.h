@@ -12,7 +12,8 @@ class TSynchronizer {
  public:
   enum class TAnswer {
     Done,
-    Again  ///< the step is to run once more, after the event loop has seen to other things
+    Again,  ///< the step is to run once more, after the event loop has seen to other things
+    Later   ///< as Again, but not before some milliseconds have passed
   };
   using TStep = std::function<TAnswer()>;
 

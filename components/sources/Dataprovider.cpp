@@ -128,7 +128,9 @@ TThreadProvider::TAnswer TThreadProvider::DeliverValues() {
   constexpr auto kTurn = std::chrono::milliseconds(4);
   const QPointer<TThreadProvider> self(this);
   const auto end = TClock::now() + kTurn;
-  while (GetActive() && thread_->TakeValue()) {
+  while (GetActive()) {
+    if (!MayDeliver()) return TAnswer::Later;
+    if (!thread_->TakeValue()) break;
     ValueTaken();
     UpdateData();
     if (self) ValueDelivered();

@@ -45,8 +45,6 @@ class TCustomDataProvider : public TStateControl {
   int GetPageSize() const { return pageSize_; }
   void SetPageSize(int size);
 
-  /// While a form is being read the switch is only remembered; Loaded throws it.
-  void SetActive(bool active) override;
   /// What forms store: until the form is complete, whether the provider will start then.
   bool IsSwitchedOn() const { return IsLoading() ? startWhenLoaded_ : GetActive(); }
 
@@ -55,6 +53,10 @@ class TCustomDataProvider : public TStateControl {
   virtual void Reset();
 
   void Loaded() override;
+
+ public slots:
+  /// While a form is being read the switch is only remembered; Loaded throws it.
+  void SetActive(bool active) override;
 
  protected:
   /// The client whose turn it is, or null; the turn passes on.
@@ -122,6 +124,8 @@ class TThreadProvider : public TCustomDataProvider {
 
   /// Delivers the value that was taken from the thread.
   void UpdateData() override;
+  /// Whether the next value may be delivered yet.
+  virtual bool MayDeliver() { return true; }
   /// Before and after a value is delivered.
   virtual void ValueTaken() {}
   virtual void ValueDelivered() {}

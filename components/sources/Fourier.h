@@ -134,9 +134,7 @@ class TFFTChannel : public TDataControl {
   void SetLowerFilter(double frequency);
   void SetUpperFilter(double frequency);
 
-  /// Starts the averages again.
   TClick* GetResetFFT() { return &resetFFT_; }
-  void Reset();
 
   void SetValue(double value) override;
   void Loaded() override;
@@ -144,6 +142,10 @@ class TFFTChannel : public TDataControl {
   /// The points of the curve: up to half the sample rate (frequency, average over the blocks) and
   /// the width of a bin as extents, or for the inverse all points (index, value).
   bool ProvideGraphData(int& index, TCoordinate& point, TCoordinate& extent) const;
+
+ public slots:
+  /// What the button does: starts the averages again.
+  void Reset();
 
  private:
   bool IsOutputUsable() const;

@@ -1,5 +1,6 @@
 #include "components/sources/Simulator.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <numbers>
@@ -81,6 +82,7 @@ TSignalSimulator::TSignalSimulator(QWidget* parent)
   SetStateImages(QStringLiteral("SimulatorIdle"), QStringLiteral("SimulatorActive"),
                  QStringLiteral("SimulatorDown"));
   connect(GetClientControls(), &TPersistent::OnChange, this, [this] { Thread().Discard(); });
+  connect(this, &TStateControl::OnActiveChanged, this, &TSignalSimulator::RestartClock);
 }
 
 TSimulationThread& TSignalSimulator::Worker() { return static_cast<TSimulationThread&>(Thread()); }
@@ -99,6 +101,26 @@ void TSignalSimulator::SetFunction(TSimFuncType function) {
   if (function == function_ || function < sfConstant || function > sfSinusoid) return;
   function_ = function;
   Thread().Discard();
+}
+
+void TSignalSimulator::SetRate(double rate) {
+  if (rate == rate_ || !std::isfinite(rate) || rate < 0.0) return;
+  rate_ = rate;
+  RestartClock();
+}
+
+void TSignalSimulator::RestartClock() {
+  started_ = std::chrono::steady_clock::now();
+  delivered_ = 0.0;
+}
+
+bool TSignalSimulator::MayDeliver() {
+  if (rate_ == 0.0) return true;
+  constexpr double kMostSeconds = 0.25;
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - started_;
+  const double due = passed.count() * rate_;
+  delivered_ = std::max(delivered_, due - kMostSeconds * rate_ - 1.0);
+  return delivered_ < due;
 }
 
 void TSignalSimulator::Reset() {
