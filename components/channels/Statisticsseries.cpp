@@ -144,10 +144,10 @@ QRect TStatisticsSeries::Bar(double pos, double from, double to, int reach) cons
   return bar & Panel()->Rect().adjusted(-margin, -margin, margin, margin);
 }
 
-void TStatisticsSeries::AssignTo(TPersistent* destination) const {
-  auto* series = qobject_cast<TStatisticsSeries*>(destination);
-  if (series && series != this) series->Statistics = Statistics;
-  TCustomDataSeries::AssignTo(destination);
+void TStatisticsSeries::TakeSources(const TCustomGraphSeries& other) {
+  TCustomDataSeries::TakeSources(other);
+  const auto* statistics = qobject_cast<const TStatisticsSeries*>(&other);
+  if (statistics) Statistics = statistics->Statistics;
 }
 
 TStatisticsSeries* AddStatisticsSeries(TCustomGraphLink& link, const TStatistics& statistics,

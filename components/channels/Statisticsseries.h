@@ -59,6 +59,7 @@ class TStatisticsSeries : public TCustomDataSeries {
 
   /// The records; a series without a source has none.
   TProvideStatistics Statistics;
+  void TakeSources(const TCustomGraphSeries& other) override;
 
   TStatSeriesStyle* GetStyle() const { return static_cast<TStatSeriesStyle*>(BasicStyle()); }
   /// Copies the style and redraws once; null changes nothing.
@@ -69,8 +70,6 @@ class TStatisticsSeries : public TCustomDataSeries {
   void Draw(QPainter* painter) override;
   void UpdateRangeX() override;
   void UpdateRangeY() override;
-
-  void AssignTo(TPersistent* destination) const override;
 
  private:
   template <class TVisit>

@@ -141,11 +141,15 @@ bool TCustomGraphSeries::ReadSeries(const QJsonObject& record, QString* error) {
 bool TCustomGraphSeries::Grab(QPoint) { return false; }
 bool TCustomGraphSeries::Drag(QPoint) { return false; }
 
+void TCustomGraphSeries::TakeSources(const TCustomGraphSeries& other) {
+  DataSource = other.DataSource;
+  BlockSource = other.BlockSource;
+}
+
 void TCustomGraphSeries::AssignTo(TPersistent* destination) const {
   auto* series = qobject_cast<TCustomGraphSeries*>(destination);
   if (!series || series == this) return;
-  series->DataSource = DataSource;
-  series->BlockSource = BlockSource;
+  series->TakeSources(*this);
   CopyPublished(*this, *series);
 }
 

@@ -63,6 +63,8 @@ class TCustomGraphSeries : public TPersistent {
   /// The same points in blocks, beside DataSource and used in its place where no extents are
   /// needed.
   TProvideGraphBlock BlockSource;
+  /// Copies them from a series of the same class.
+  virtual void TakeSources(const TCustomGraphSeries& other);
 
   virtual void Draw(QPainter* painter) { Q_UNUSED(painter) }
   virtual void UpdateRangeX() {}

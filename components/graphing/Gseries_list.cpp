@@ -161,8 +161,7 @@ void TSeriesList::RestoreProperties(const QString& text) {
   if (!read.ReadProperties(text)) return;
   for (int i = 0; i < std::min(Count(), read.Count()); ++i) {
     if (Get(i)->metaObject() != read.Get(i)->metaObject()) continue;
-    read.Get(i)->DataSource = Get(i)->DataSource;
-    read.Get(i)->BlockSource = Get(i)->BlockSource;
+    read.Get(i)->TakeSources(*Get(i));
     Get(i)->Assign(read.Get(i));
   }
 }
