@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "components/controls/Iconimages.h"
+#include "components/controls/Korvaltools.h"
 #include "model/Datetime.h"
 
 namespace {
@@ -58,7 +59,13 @@ void TStatsStorage::SetLoggerName(const QString& name) {
   logger_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
 }
 
-void TStatsStorage::SetRootDir(const QString& folder) { Set(&TSettings::rootDir, folder); }
+void TStatsStorage::SetRootDir(const QString& folder) {
+  const QString path = FormPath(this, folder);
+  const TLock lock(mutex_);
+  settings_.rootDir = folder;
+  settings_.path = path;
+}
+
 void TStatsStorage::SetFilePrefix(const QString& prefix) { Set(&TSettings::filePrefix, prefix); }
 void TStatsStorage::SetAutoPrefix(bool on) { Set(&TSettings::autoPrefix, on); }
 void TStatsStorage::SetUseDoubleTime(bool on) { Set(&TSettings::doubleTime, on); }
@@ -176,7 +183,7 @@ QString TStatsStorage::FileName(const TCollected& collected) const {
   const QString prefix = settings_.autoPrefix ? collected.label + '_' : settings_.filePrefix;
   const QString day = TDateTime(collected.time).Clock().date.toString(QStringLiteral("yyyyMMdd"));
   const QString extension = SafeFileName(settings_.fileExt);
-  return QDir(settings_.rootDir)
+  return QDir(settings_.path)
       .filePath(SafeFileName(prefix) + day + (extension.isEmpty() ? QString() : '.' + extension));
 }
 
@@ -184,7 +191,7 @@ bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
                            const QByteArray& line, QString& reason) {
   QFile file(fileName);
   constexpr auto kMode = QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered;
-  if (!file.open(kMode) && !(QDir().mkpath(settings_.rootDir) && file.open(kMode))) {
+  if (!file.open(kMode) && !(QDir().mkpath(settings_.path) && file.open(kMode))) {
     reason = file.errorString();
     return false;
   }

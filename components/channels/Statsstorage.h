@@ -78,6 +78,7 @@ class TStatsStorage : public TBlockStorage {
  private:
   struct TSettings {
     QString rootDir;
+    QString path;  ///< of the folder
     QString filePrefix;
     bool autoPrefix = true;
     QString fileExt = QStringLiteral("csv");

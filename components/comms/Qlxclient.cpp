@@ -6,6 +6,7 @@
 
 #include "components/channels/Channelset.h"
 #include "components/controls/Iconimages.h"
+#include "components/controls/Korvaltools.h"
 
 namespace {
 
@@ -114,7 +115,9 @@ void TQLXClient::ReportActive() {
 
 void TQLXClient::SetStatus(const QString& text) {
   status_ = text;
-  emit OnStatusChanged(this);
+  const QPointer<TQLXClient> self(this);
+  emit OnStatusText(status_);
+  if (self) emit OnStatusChanged(this);
 }
 
 TChannelSource* TQLXClient::GetChannelSource() const {
@@ -144,8 +147,9 @@ void TQLXClient::SetLogging(bool logging) {
   }
   log_.reset();
   if (!logging || logFile_.isEmpty()) return;
-  if (!MayLogInto(logFile_)) return CannotLog(QStringLiteral("it is being read"));
-  auto log = std::make_unique<QFile>(logFile_);
+  const QString path = FormPath(this, logFile_);
+  if (!MayLogInto(path)) return CannotLog(QStringLiteral("it is being read"));
+  auto log = std::make_unique<QFile>(path);
   // Without a buffer nothing is lost in a crash, and a full disk shows at once.
   if (!log->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
     return CannotLog(log->errorString());

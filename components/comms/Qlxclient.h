@@ -61,6 +61,8 @@ class TQLXClient : public TIconControl {
  signals:
   void OnActiveChanged(QObject* sender);
   void OnStatusChanged(QObject* sender);
+  /// The same news for what shows the text.
+  void OnStatusText(const QString& text);
   /// A piece of text has come, of any size. Valid during the call.
   void OnReceived(QObject* sender, const QByteArray& text);
 

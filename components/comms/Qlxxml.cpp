@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "components/comms/Qlxwebdebug.h"
+#include "components/controls/Korvaltools.h"
 
 namespace {
 
@@ -116,13 +117,14 @@ void TXMLFileClient::SetReadInterval(int milliseconds) {
 
 void TXMLFileClient::Open() {
   if (file_) return;
-  const QFileInfo info(fileName_);
+  const QString path = FormPath(this, fileName_);
+  const QFileInfo info(path);
   if (!info.exists()) {
     return SetStatus(QStringLiteral("File '%1' does not exist").arg(fileName_));
   }
-  auto file = std::make_unique<QFile>(fileName_);
+  auto file = std::make_unique<QFile>(path);
   // A file that is being logged into would never end.
-  if (!info.isFile() || (GetLogging() && !MayLogInto(GetLogFile())) ||
+  if (!info.isFile() || (GetLogging() && !MayLogInto(FormPath(this, GetLogFile()))) ||
       !file->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
     return SetStatus(QStringLiteral("Error opening file"));
   }
@@ -167,5 +169,5 @@ bool TXMLFileClient::MayLogInto(const QString& fileName) const {
   const auto same = [&](const QString& name) {
     return !log.isEmpty() && log == QFileInfo(name).canonicalFilePath();
   };
-  return !same(fileName_) && !(file_ && same(file_->fileName()));
+  return !same(FormPath(this, fileName_)) && !(file_ && same(file_->fileName()));
 }

@@ -85,13 +85,14 @@ class TXMLFileClient : public TQLXClient {
   /// True while the file is open.
   bool GetActive() const override { return file_ != nullptr; }
 
+  const TQLXPackage& GetPackage() const { return package_; }
+
+ public slots:
   /// Opens the file and begins to read. Anything but a plain file, such as a folder or a pipe, is
   /// refused.
   void Open() override;
   /// Also called at the end of the file.
   void Close() override;
-
-  const TQLXPackage& GetPackage() const { return package_; }
 
  protected:
   bool Reconnects() const override { return false; }

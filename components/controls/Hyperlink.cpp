@@ -96,7 +96,9 @@ void THyperlink::Paint(QPainter& painter) {
   style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
-QUrl THyperlink::Target() const { return QUrl::fromUserInput(url_, QDir::currentPath()); }
+QUrl THyperlink::Target() const {
+  return QUrl::fromUserInput(url_, QDir(FormPath(this, QStringLiteral("."))).absolutePath());
+}
 
 void THyperlink::Open() {
   const auto refuse = [this](const QString& why) {

@@ -77,7 +77,7 @@ void TCustomImageControl::SetImageFile(const QString& fileName) {
   if (fileName == imageFile_) return;
   imageFile_ = fileName;
   const QString oldFault = std::exchange(fault_, QString());
-  picture_ = fileName.isEmpty() ? QImage() : ReadPicture(fileName, &fault_);
+  picture_ = fileName.isEmpty() ? QImage() : ReadPicture(FormPath(this, fileName), &fault_);
   if (toolTip() == oldFault) setToolTip(fault_);
   updateGeometry();
   MakeShown();

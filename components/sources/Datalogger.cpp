@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include "components/controls/Korvaltools.h"
 #include "model/Datetime.h"
 
 namespace {
@@ -84,7 +85,7 @@ QByteArray TDataLogger::HeaderLine() const {
 }
 
 bool TDataLogger::OpenFor(double time) {
-  const QString name = NameAt(fileName_, time);
+  const QString name = FormPath(this, NameAt(fileName_, time));
   if (file_.isOpen() && name == openedFor_) return true;
   file_.close();
   file_.setFileName(NumberedName(name));

@@ -5,6 +5,8 @@
 #include <QPointer>
 #include <algorithm>
 
+#include "components/controls/Korvaltools.h"
+
 namespace {
 
 /// The file open for reading, or null with the reason in `error`.
@@ -30,8 +32,8 @@ TFileReader::TFileReader(QWidget* parent) : TStreamProvider(parent) {
 
 void TFileReader::SetFileName(const QString& name) {
   QString error;
-  const bool opens = name.isEmpty() || OpenFile(name, error);
-  const QString stored = opens ? name : QFileInfo(name).isFile() ? fileName_ : QString();
+  const bool opens = name.isEmpty() || OpenFile(FormPath(this, name), error);
+  const QString stored = opens ? name : QFileInfo(FormPath(this, name)).isFile() ? fileName_ : QString();
   const QPointer<TFileReader> self(this);
   if (stored != fileName_) {
     WhileInactive([this, &stored] {
@@ -77,7 +79,7 @@ void TFileReader::ProvideStream() {
     return;
   }
   QString error;
-  std::unique_ptr<QFile> file = OpenFile(name, error);
+  std::unique_ptr<QFile> file = OpenFile(FormPath(this, name), error);
   if (!file) {
     FailOpening(error);
     return;
