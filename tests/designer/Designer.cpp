@@ -85,15 +85,27 @@ QString OneOfEach() {
   return widgets;
 }
 
+/// Presses every button of these components.
+QByteArray PressAll() {
+  QByteArray steps;
+  for (const TComponentClass& component : ComponentClasses()) {
+    const std::unique_ptr<QWidget> sample(component.Make(nullptr));
+    ForEachPublished(*sample, [&](const TPublished& published) {
+      if (!published.Path.endsWith(QLatin1String(".Click"))) return;
+      steps += "press " + component.Name.toLower().toUtf8() + ' ' + published.Path.toUtf8() + '\n';
+    });
+  }
+  return steps;
+}
+
 TEST(GlDesigner, ShowsTheComponentsAndSavesWhatIsTypedIntoTheirSubObjects) {
   const QString file = WriteTestFile(
       "p.ui", QString::fromUtf8(kForm).arg(Rows({3.0, 4.0, 5.0}), OneOfEach()).toUtf8());
   const QByteArray steps =
       "type plot HorizontalAx.Title.Caption Time\n"
       "type speed GraphLink.Graph plot\n"
-      "press speed ShiftToInitial.Click\n"
-      "picture " +
-      BuiltFile("designer.png").toUtf8() + "\nsave\n";
+      "press speed ShiftToInitial.Click\n" +
+      PressAll() + "picture " + BuiltFile("designer.png").toUtf8() + "\nsave\n";
   const QJsonObject report = RunDesigner(file, steps);
 
   QString answers;

@@ -20,6 +20,8 @@
 
 namespace {
 
+constexpr int kPatience = 30'000;  ///< milliseconds, for a machine that is busy
+
 QString ScriptFile() { return qEnvironmentVariable("VELMORA_PROBE"); }
 
 QString Fingerprint(const QIcon& icon) {
@@ -30,6 +32,25 @@ QString Fingerprint(const QIcon& icon) {
   return blank
              ? QString()
              : QString::fromLatin1(QCryptographicHash::hash(bits, QCryptographicHash::Md5).toHex());
+}
+
+/// The editor in the row of a property; null if it does not open.
+template <class T>
+T* OpenEditor(QTreeWidgetItem& item) {
+  QTreeWidget& tree = *item.treeWidget();
+  tree.scrollToItem(&item);
+  tree.setCurrentItem(&item);
+  T* found = nullptr;
+  const auto isOpen = [&] {
+    for (T* editor : tree.viewport()->findChildren<T*>()) {
+      const QPoint middle = editor->mapTo(tree.viewport(), editor->rect().center());
+      if (editor->isVisible() && tree.visualItemRect(&item).contains(middle)) found = editor;
+    }
+    return found != nullptr;
+  };
+  // The property editor opens some rows as soon as they are current.
+  if (!isOpen()) tree.editItem(&item, 1);
+  return QTest::qWaitFor(isOpen, kPatience) ? found : nullptr;
 }
 
 }  // namespace
@@ -108,12 +129,15 @@ QJsonObject TProbe::ShownWidgets() const {
 
 QTreeWidgetItem* TProbe::FindProperty(const QString& component, const QString& name) const {
   QDesignerFormWindowInterface* form = core_->formWindowManager()->activeFormWindow();
-  form->clearSelection();
   auto* widget = form->findChild<QWidget*>(component);
   if (!widget) return nullptr;
-  form->selectWidget(widget);
-  const auto shown = [&] { return core_->propertyEditor()->object() == widget; };
-  if (!QTest::qWaitFor(shown)) return nullptr;
+  // The form first: that closes what is still being edited.
+  for (QWidget* next : {form->mainContainer(), widget}) {
+    form->clearSelection();
+    form->selectWidget(next);
+    const auto isShown = [&] { return core_->propertyEditor()->object() == next; };
+    if (!QTest::qWaitFor(isShown, kPatience)) return nullptr;
+  }
   for (QTreeWidget* tree : core_->propertyEditor()->findChildren<QTreeWidget*>()) {
     for (QTreeWidgetItem* item : tree->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)) {
       if (!item->isHidden()) return item;
@@ -123,16 +147,8 @@ QTreeWidgetItem* TProbe::FindProperty(const QString& component, const QString& n
 }
 
 QString TProbe::Type(QTreeWidgetItem& item, const QString& text) const {
-  QTreeWidget& tree = *item.treeWidget();
-  tree.scrollToItem(&item);
-  tree.setCurrentItem(&item);
-  tree.editItem(&item, 1);
-  QLineEdit* edit = nullptr;
-  const auto open = [&] {
-    edit = tree.viewport()->findChild<QLineEdit*>();
-    return edit && edit->isVisible();
-  };
-  if (!QTest::qWaitFor(open)) return "it cannot be edited";
+  auto* edit = OpenEditor<QLineEdit>(item);
+  if (!edit) return "it cannot be edited";
   edit->setFocus();
   edit->selectAll();
   QTest::keyClicks(edit, text);
@@ -142,18 +158,11 @@ QString TProbe::Type(QTreeWidgetItem& item, const QString& text) const {
 }
 
 QString TProbe::Press(QTreeWidgetItem& item) const {
-  QTreeWidget& tree = *item.treeWidget();
-  tree.scrollToItem(&item);
-  tree.setCurrentItem(&item);
-  tree.editItem(&item, 1);
-  QCheckBox* box = nullptr;
-  const auto open = [&] {
-    box = tree.viewport()->findChild<QCheckBox*>();
-    return box && box->isVisible();
-  };
-  if (!QTest::qWaitFor(open)) return "it has no box to tick";
+  const QPointer<QCheckBox> box = OpenEditor<QCheckBox>(item);
+  if (!box) return "it has no box to tick";
   QTest::mouseClick(box, Qt::LeftButton);
-  return QTest::qWaitFor([box] { return !box->isChecked(); }) ? "" : "the box stays ticked";
+  const auto isEmpty = [&] { return !box || !box->isChecked(); };
+  return QTest::qWaitFor(isEmpty, kPatience) ? "" : "the box stays ticked";
 }
 
 QString TProbe::Save() const {
