@@ -75,13 +75,19 @@ class TFormLoader : public QUiLoader {
 };
 
 /// What is wrong with the value of a property of the toolkit's own: its form loader would set
-/// something else without a word. Empty if nothing is.
-QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property) {
+/// something else without a word, or wait for a picture from a pipe. Empty if nothing is.
+QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property,
+                   const QDir& folder) {
   const QMetaProperty published =
       meta.property(meta.indexOfProperty(property.Name.toLatin1().constData()));
   if (!published.isValid()) return {};
   const int type = published.typeId();
   const QString& kind = property.Value.Kind;
+  if (kind == QLatin1String("pixmap") || kind == QLatin1String("iconset")) {
+    const QFileInfo picture(folder, property.Value.Text.trimmed());
+    const bool isOdd = picture.exists() && !picture.isFile() && !picture.isDir();
+    return isOdd ? QStringLiteral("'%1' is no file").arg(ShownText(property.Value)) : QString();
+  }
   if ((type == QMetaType::QRect && kind != QLatin1String("rect")) ||
       (type == QMetaType::QSize && kind != QLatin1String("size"))) {
     return QStringLiteral("a %1 is not a %2").arg(kind, QLatin1String(published.typeName()));
@@ -170,6 +176,7 @@ bool TPanelReader::Read() {
 }
 
 void TPanelReader::CheckToolkit() {
+  const QDir folder = QFileInfo(panel_.fileName_).dir();
   for (const TFormFile::TOversized& one : panel_.form_.Oversized()) {
     PropertyFault(one.Owner, one.Property, QStringLiteral("it is too large for any screen"));
   }
@@ -177,7 +184,7 @@ void TPanelReader::CheckToolkit() {
     const QMetaObject* meta = loader_.MetaOf(widget.ClassName);
     for (const TProperty& property : widget.Properties) {
       if (!meta || IsOurs(widget, property)) continue;
-      const QString reason = WrongValue(*meta, property);
+      const QString reason = WrongValue(*meta, property, folder);
       if (reason.isEmpty()) continue;
       PropertyFault(NameOf(widget), property, reason);
       wrong_.insert(&property);
