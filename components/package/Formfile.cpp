@@ -10,8 +10,13 @@ namespace {
 class TFormParser {
  public:
   TFormParser(const QString& text, std::vector<TFormFile::TWidget>& widgets,
-              std::vector<TFormFile::TOversized>& oversized)
-      : text_(text), reader_(text), widgets_(widgets), oversized_(oversized) {}
+              std::vector<TFormFile::TOversized>& oversized,
+              std::vector<TFormFile::TConnection>& connections)
+      : text_(text),
+        reader_(text),
+        widgets_(widgets),
+        oversized_(oversized),
+        connections_(connections) {}
 
   /// Empty if the text is a form.
   QString Parse();
@@ -33,6 +38,7 @@ class TFormParser {
   void ReadProperty();
   void ReadValue(TFormValue& value, TExtent& extent);
   void ReadExtent(TExtent& extent);
+  void ReadConnection();
   QString ReadColor();
   bool IsOversized(const TFormFile::TProperty& property, const TExtent& extent);
   qsizetype TagBegin() const;
@@ -46,6 +52,7 @@ class TFormParser {
   QXmlStreamReader reader_;
   std::vector<TFormFile::TWidget>& widgets_;
   std::vector<TFormFile::TOversized>& oversized_;
+  std::vector<TFormFile::TConnection>& connections_;
   std::vector<TElement> open_;
   qint64 area_ = 0;
   bool isForm_ = false;
@@ -144,6 +151,7 @@ void TFormParser::Start() {
   if (name == QLatin1String("property") && !open_.empty() && !open_.back().owner.isEmpty()) {
     return ReadProperty();
   }
+  if (name == QLatin1String("connection")) return ReadConnection();
   const bool hasProperties = name == QLatin1String("layout") || name == QLatin1String("spacer");
   open_.push_back({-1, hasProperties ? OwnerText() : QString()});
 }
@@ -174,6 +182,7 @@ void TFormParser::ReadProperty() {
   property.Begin = TagBegin();
   property.Line = static_cast<int>(reader_.lineNumber());
   property.Name = reader_.attributes().value(QLatin1String("name")).toString();
+  property.IsDynamic = reader_.attributes().value(QLatin1String("stdset")) == QLatin1String("0");
   while (reader_.readNextStartElement()) {
     property.Value = {reader_.name().toString(), {}, {}};
     ReadValue(property.Value, extent);
@@ -232,6 +241,29 @@ bool TFormParser::IsOversized(const TFormFile::TProperty& property, const TExten
   return area_ > TFormFile::kMaxArea;
 }
 
+/// Reads to the end of the element.
+void TFormParser::ReadConnection() {
+  if (connections_.size() >= TFormFile::kMaxConnections) return Fail("too many connections");
+  TFormFile::TConnection connection;
+  connection.Begin = TagBegin();
+  connection.Line = static_cast<int>(reader_.lineNumber());
+  const std::pair<const char*, QString*> parts[] = {{"sender", &connection.Sender},
+                                                    {"signal", &connection.Signal},
+                                                    {"receiver", &connection.Receiver},
+                                                    {"slot", &connection.Slot}};
+  while (reader_.readNextStartElement()) {
+    const auto part = std::ranges::find_if(
+        parts, [&](const auto& known) { return reader_.name() == QLatin1String(known.first); });
+    if (part == std::end(parts)) {
+      reader_.skipCurrentElement();
+    } else {
+      *part->second = reader_.readElementText(QXmlStreamReader::SkipChildElements).trimmed();
+    }
+  }
+  connection.End = static_cast<qsizetype>(reader_.characterOffset());
+  connections_.push_back(std::move(connection));
+}
+
 /// As the content of an element. Characters that a form file cannot hold become question marks.
 QString Escaped(const QString& text) {
   QString result = text.toHtmlEscaped();
@@ -272,14 +304,15 @@ QString Apply(const QString& text, std::vector<TEdit> edits) {
   return result;
 }
 
-/// The blank line that would stay behind goes too.
-TEdit CutOut(const QString& text, const TFormFile::TProperty& property) {
-  qsizetype begin = property.Begin;
+/// Takes an element out. The blank line that would stay behind goes too.
+template <class TElement>
+TEdit CutOut(const QString& text, const TElement& element) {
+  qsizetype begin = element.Begin;
   while (begin > 0 && (text[begin - 1] == ' ' || text[begin - 1] == '\t')) --begin;
   const bool wholeLine = begin > 0 && text[begin - 1] == '\n';
   if (wholeLine) --begin;
   if (wholeLine && begin > 0 && text[begin - 1] == '\r') --begin;
-  return {wholeLine ? begin : property.Begin, property.End, {}};
+  return {wholeLine ? begin : element.Begin, element.End, {}};
 }
 
 /// The blanks before the tag that ends at a place; none if something else stands before it.
@@ -298,7 +331,8 @@ bool TFormFile::Parse(const QString& text, QString* error) {
   text_ = text;
   widgets_.clear();
   oversized_.clear();
-  const QString fault = TFormParser(text_, widgets_, oversized_).Parse();
+  connections_.clear();
+  const QString fault = TFormParser(text_, widgets_, oversized_, connections_).Parse();
   if (!fault.isEmpty() && error) *error = fault;
   return fault.isEmpty();
 }
@@ -312,6 +346,7 @@ QString TFormFile::Without(
       if (drop(widget, property)) edits.push_back(CutOut(text_, property));
     }
   }
+  for (const TConnection& connection : connections_) edits.push_back(CutOut(text_, connection));
   return Apply(text_, std::move(edits));
 }
 

@@ -14,7 +14,8 @@ class TFormFile {
   struct TProperty {
     QString Name;  ///< dotted for a property of a sub-object
     TFormValue Value;
-    int Line = 0;  ///< from 1
+    bool IsDynamic = false;  ///< the file says that the class does not have it
+    int Line = 0;            ///< from 1
     qsizetype Begin = 0;
     qsizetype End = 0;  ///< one past the element, in characters of the text
   };
@@ -33,8 +34,20 @@ class TFormFile {
     TProperty Property;
   };
 
+  /// From a signal of an object to a slot or signal of another.
+  struct TConnection {
+    QString Sender;
+    QString Signal;
+    QString Receiver;
+    QString Slot;
+    int Line = 0;
+    qsizetype Begin = 0;
+    qsizetype End = 0;
+  };
+
   /// Limits that keep a file from exhausting the program.
   static constexpr int kMaxWidgets = 20000;
+  static constexpr int kMaxConnections = 20000;
   static constexpr int kMaxDepth = 200;        ///< of elements in each other
   static constexpr int kMaxAttributes = 100;   ///< of an element
   static constexpr int kMaxPixels = 10000;     ///< of a coordinate, width or height
@@ -47,10 +60,12 @@ class TFormFile {
   const QString& Text() const { return text_; }
   /// In the order of the text, the outermost first.
   const std::vector<TWidget>& Widgets() const { return widgets_; }
+  const std::vector<TConnection>& Connections() const { return connections_; }
 
   const std::vector<TOversized>& Oversized() const { return oversized_; }
 
-  /// The text without the properties for which `drop` is true and without the oversized ones.
+  /// The text without the properties for which `drop` is true, without the oversized ones, and
+  /// without connections.
   QString Without(const std::function<bool(const TWidget&, const TProperty&)>& drop) const;
 
   /// The text in which each widget's properties for which `drop` is true are replaced by those that
@@ -63,4 +78,5 @@ class TFormFile {
   QString text_;
   std::vector<TWidget> widgets_;
   std::vector<TOversized> oversized_;
+  std::vector<TConnection> connections_;
 };

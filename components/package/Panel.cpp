@@ -6,10 +6,12 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QLabel>
+#include <QMetaMethod>
 #include <QSaveFile>
 #include <QUiLoader>
 #include <map>
 
+#include "components/controls/Korvaltools.h"
 #include "components/links/Compclasses.h"
 
 namespace {
@@ -99,6 +101,33 @@ QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property
   return reason;
 }
 
+/// Empty, or why it cannot be made.
+QString Connect(QObject* sender, QObject* receiver, const TFormFile::TConnection& wanted) {
+  if (!sender || !receiver) {
+    return QStringLiteral("there is no object %1").arg(sender ? wanted.Receiver : wanted.Sender);
+  }
+  const auto normalized = [](const QString& signature) {
+    return QMetaObject::normalizedSignature(signature.toLatin1().constData());
+  };
+  const QMetaObject& from = *sender->metaObject();
+  const QMetaObject& to = *receiver->metaObject();
+  const QMetaMethod signal = from.method(from.indexOfSignal(normalized(wanted.Signal)));
+  const QMetaMethod slot = to.method(to.indexOfMethod(normalized(wanted.Slot)));
+  const auto lacks = [](const QMetaObject& meta, const char* what, const QString& name) {
+    return QStringLiteral("%1 has no %2 %3").arg(meta.className(), what, name);
+  };
+  if (!signal.isValid()) return lacks(from, "signal", wanted.Signal);
+  const bool isSlot = slot.methodType() == QMetaMethod::Slot;
+  if (!slot.isValid() || !(isSlot || slot.methodType() == QMetaMethod::Signal)) {
+    return lacks(to, "slot", wanted.Slot);
+  }
+  if (!QMetaObject::checkConnectArgs(signal, slot)) {
+    return QStringLiteral("%1 does not fit %2").arg(wanted.Slot, wanted.Signal);
+  }
+  QObject::connect(sender, signal, receiver, slot);
+  return {};
+}
+
 }  // namespace
 
 /// Builds one panel from its form.
@@ -144,6 +173,7 @@ class TPanelReader {
   void CheckWidgets();
   void CheckToolkit();
   bool MakeWidgets();
+  void MakeConnections();
   void SetProperties();
   void Set(const TWidget& widget, QWidget& component);
   void Refuse(const TWidget& widget, const TProperty& property, const QString& reason);
@@ -164,6 +194,7 @@ bool TPanelReader::Read() {
   CheckWidgets();
   CheckToolkit();
   if (!MakeWidgets()) return false;
+  MakeConnections();
   SetProperties();
   Complete();
   OpenCircles();
@@ -208,10 +239,10 @@ void TPanelReader::CheckWidgets() {
 
 bool TPanelReader::IsOurs(const TWidget& widget, const TProperty& property) {
   const TComponentClass* component = FindComponentClass(widget.ClassName);
-  // A name of the toolkit's class is left to the form loader.
-  return component && (property.Name.contains('.') ||
-                       component->Meta->indexOfProperty(property.Name.toLatin1()) < 0 ||
-                       IsOwnProperty(*component->Meta, property.Name));
+  if (!component) return false;
+  if (property.Name.contains('.') || IsOwnProperty(*component->Meta, property.Name)) return true;
+  // Names of the toolkit's class, and such as style sheets ask for, are left to the form loader.
+  return !property.IsDynamic && component->Meta->indexOfProperty(property.Name.toLatin1()) < 0;
 }
 
 bool TPanelReader::MakeWidgets() {
@@ -224,8 +255,30 @@ bool TPanelReader::MakeWidgets() {
   buffer.open(QIODevice::ReadOnly);
   loader_.setWorkingDirectory(QFileInfo(panel_.fileName_).dir());
   panel_.root_ = loader_.load(&buffer);
-  if (!panel_.root_) Fault(1, loader_.errorString());
-  return panel_.root_;
+  if (!panel_.root_) {
+    Fault(1, loader_.errorString());
+    return false;
+  }
+  SetFormFolder(*panel_.root_, QFileInfo(panel_.fileName_).absolutePath());
+  return true;
+}
+
+/// The form loader would only mutter about a connection that cannot be made.
+void TPanelReader::MakeConnections() {
+  if (panel_.form_.Connections().empty()) return;
+  QHash<QString, QObject*> objects;
+  for (QObject* object : panel_.root_->findChildren<QObject*>()) {
+    if (!object->objectName().isEmpty()) objects.insert(object->objectName(), object);
+  }
+  objects.insert(panel_.root_->objectName(), panel_.root_);
+  for (const TFormFile::TConnection& wanted : panel_.form_.Connections()) {
+    const QString fault =
+        Connect(objects.value(wanted.Sender), objects.value(wanted.Receiver), wanted);
+    if (fault.isEmpty()) continue;
+    Fault(
+        wanted.Line,
+        QStringLiteral("connection from %1 to %2: %3").arg(wanted.Sender, wanted.Receiver, fault));
+  }
 }
 
 void TPanelReader::SetProperties() {
@@ -470,6 +523,7 @@ bool TPanel::Save(const QString& fileName, QString* error) {
   const QByteArray text = Text().toUtf8();
   if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
     fileName_ = fileName;
+    if (root_) SetFormFolder(*root_, QFileInfo(fileName).absolutePath());
     return true;
   }
   if (error) *error = QStringLiteral("Cannot write %1: %2").arg(fileName, file.errorString());

@@ -21,10 +21,13 @@ constexpr int kShownFaults = 20;
 
 /// False with a sentence if the picture cannot be made or written.
 bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
+  const double ratio = widget.devicePixelRatioF();
+  const QSize size = widget.size() * ratio;
   QString reason =
-      QStringLiteral("%1 x %2 pixels are too many").arg(widget.width()).arg(widget.height());
-  if (qint64{widget.width()} * widget.height() <= TFormFile::kMaxArea) {
-    QPixmap picture(widget.size());
+      QStringLiteral("%1 x %2 pixels are too many").arg(size.width()).arg(size.height());
+  if (qint64{size.width()} * size.height() <= TFormFile::kMaxArea) {
+    QPixmap picture(size);
+    picture.setDevicePixelRatio(ratio);
     picture.fill(widget.palette().color(QPalette::Window));
     widget.render(&picture);
     QImageWriter writer(fileName);

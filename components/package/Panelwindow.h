@@ -50,7 +50,7 @@ struct TPanelRun {
   double Seconds = 0.0;  ///< how long it runs first
   QString PictureFile;   ///< empty: no picture
   QString SaveFile;      ///< empty: not saved
-  QSize Size;            ///< of the picture, pixels; invalid: the size that the form has
+  QSize Size;            ///< of the picture, logical pixels; invalid: the size that the form has
 };
 
 /// False, after a message, if something of it cannot be done or the file has faults.

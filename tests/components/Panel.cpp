@@ -124,6 +124,64 @@ TEST(Panel, SaysInOneLineWhatIsWrongAndRunsTheRest) {
   EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<string>gone</string>"));
 }
 
+TEST(Panel, MakesTheConnectionsOfAForm) {
+  const QString connection = QStringLiteral(
+      "<connection><sender>%1</sender><signal>%2</signal><receiver>%3</receiver><slot>%4</slot>"
+      "<hints><hint type=\"sourcelabel\"><x>1</x></hint></hints></connection>\n");
+  const QString form =
+      Form(
+          "<widget class=\"QCheckBox\" name=\"box\"/>\n<widget class=\"TDataChannel\" name=\"c\"/>"
+          "<widget class=\"QLabel\" name=\"label\"/>\n")
+          .replace("</ui>",
+                   "<connections>\n" +
+                       connection.arg("box", "toggled(bool)", "label", "setDisabled(bool)") +
+                       connection.arg("box", "clicked()", "c", "ResetChannel()") +
+                       connection.arg("box", "clicked()", "c", "Explode()") +
+                       connection.arg("box", "burnt()", "c", "ResetChannel()") +
+                       connection.arg("nobody", "clicked()", "c", "ResetChannel()") +
+                       connection.arg("box", "clicked()", "label", "setDisabled(bool)") +
+                       "</connections></ui>");
+  QStringList faults;
+  const auto panel = TPanel::FromText(form, "p.ui", &faults);
+  ASSERT_TRUE(panel);
+  EXPECT_THAT(
+      faults,
+      ElementsAre(QString("p.ui:11: connection from box to c: TDataChannel has no slot "
+                          "Explode()"),
+                  QString("p.ui:12: connection from box to c: QCheckBox has no signal "
+                          "burnt()"),
+                  QString("p.ui:13: connection from nobody to c: there is no object nobody"),
+                  QString("p.ui:14: connection from box to label: setDisabled(bool) does "
+                          "not fit clicked()")));
+  auto* channel = Find<TDataChannel>(*panel, "c");
+  channel->SetValue(1.0);
+  ASSERT_EQ(channel->GetPointCount(), 1);
+  Find<QCheckBox>(*panel, "box")->click();
+  EXPECT_EQ(channel->GetPointCount(), 0);
+  EXPECT_FALSE(Find<QLabel>(*panel, "label")->isEnabled());
+  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<slot>Explode()</slot>"));
+}
+
+TEST(Panel, RelativeFileNamesAreMeantFromTheFolderOfTheForm) {
+  WriteTestFile("rows.packages", "<data>\r\n</data>\r\n");
+  const QString name = WriteTestFile(
+      "p.ui", Form("<widget class=\"TXMLFileClient\" name=\"c\">\n"
+                   "<property name=\"FileName\"><string>rows.packages</string></property>\n"
+                   "<property name=\"role\" stdset=\"0\"><string>input</string></property>\n"
+                   "</widget>\n")
+                  .toUtf8());
+  QStringList faults;
+  const auto panel = TPanel::Load(name, &faults);
+  ASSERT_TRUE(panel);
+  EXPECT_THAT(faults, ElementsAre());
+  auto* client = Find<TXMLFileClient>(*panel, "c");
+  client->SetActive(true);
+  EXPECT_EQ(client->GetStatus(), "File 'rows.packages' opened for reading");
+  EXPECT_EQ(client->GetFileName(), "rows.packages");
+  // A name that the class does not have, and the file says so, is for style sheets and the like.
+  EXPECT_EQ(client->property("role"), "input");
+}
+
 TEST(Panel, RefusesWhatIsNoForm) {
   const struct {
     QString text;
