@@ -32,7 +32,8 @@ void TCompass::SetNorth(double northDeg) {
 void TCompass::SelectedChannelChanged() { link_.SetEnabled(link_.SelectedChannel()); }
 
 void TCompass::UpdateValue() {
-  if (!link_.SelectedChannel()) return;
+  // The link ticks before the first value, too.
+  if (!link_.SelectedChannel() || link_.GetData() == TStatSet()) return;
   SetAngle(link_.GetData().ShownValue(link_.GetOptions()->GetValueType()));
 }
 

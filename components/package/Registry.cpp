@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "components/channels/Channelset.h"
+#include "components/channels/Channelvalue.h"
 #include "components/channels/Datachannel.h"
+#include "components/channels/Runningstatistics.h"
 #include "components/channels/Statsstorage.h"
 #include "components/channels/Variable.h"
 #include "components/comms/Qlxmaster.h"
@@ -13,6 +15,7 @@
 #include "components/controls/Arrow.h"
 #include "components/controls/Colorlabel.h"
 #include "components/controls/Compass.h"
+#include "components/controls/Historygraph.h"
 #include "components/controls/Hyperlink.h"
 #include "components/controls/Imagecontrol.h"
 #include "components/controls/Linkedgraph.h"
@@ -84,6 +87,8 @@ std::vector<TComponentClass> MakeClasses() {
       Component<TVariable>("Data", "components/channels/Variable.h"),
       Component<TDataChannel>("Data", "components/channels/Datachannel.h"),
       Component<TChannelSource>("Data", "components/channels/Channelset.h"),
+      Component<TChannelValue>("Data", "components/channels/Channelvalue.h"),
+      Component<TRunningStatistics>("Data", "components/channels/Runningstatistics.h"),
       Component<TStatsStorage>("Data", "components/channels/Statsstorage.h"),
       Component<TMacro>("Analysis", "components/sources/Macro.h"),
       Component<TFFTChannel>("Analysis", "components/sources/Fourier.h"),
@@ -91,6 +96,7 @@ std::vector<TComponentClass> MakeClasses() {
       Component<TOccurrenceHistogram>("Analysis", "components/graphing/Basichistogram.h"),
       Component<TKorvalGraph>("Graphs", "components/graphing/Graph.h"),
       Component<TLinkedGraph>("Graphs", "components/controls/Linkedgraph.h"),
+      Component<THistoryGraph>("Graphs", "components/controls/Historygraph.h"),
       Component<TDataTable>("Tables", "components/sources/Tables.h"),
       Component<TDataSheet>("Tables", "components/sources/Datasheet.h"),
       Component<TDataLogger>("Tables", "components/sources/Datalogger.h"),

@@ -1,0 +1,56 @@
+#include "components/channels/Channelvalue.h"
+
+#include <QPainter>
+
+#include "components/controls/Iconimages.h"
+
+namespace {
+
+/// Three channels, one of them led out.
+void DrawTap(QPainter& painter) {
+  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
+  painter.setBrush(QColor(250, 251, 253));
+  painter.drawRoundedRect(QRectF(1.5, 3.5, 12.0, 17.0), 2.0, 2.0);
+  for (const double row : {7.5, 12.0, 16.5})
+    painter.drawLine(QPointF(4.0, row), QPointF(11.0, row));
+  painter.setPen(QPen(QColor(32, 104, 208), 2.0));
+  painter.drawLine(QPointF(11.0, 12.0), QPointF(19.0, 12.0));
+  painter.drawPolyline(QPolygonF({{17.0, 8.5}, {21.0, 12.0}, {17.0, 15.5}}));
+}
+
+}  // namespace
+
+TChannelValue::TChannelValue(QWidget* parent) : TCustomVariable(parent) {
+  const QString image = QStringLiteral("TChannelValue");
+  if (!HasIconImage(image)) RegisterIconImage(image, DrawTap);
+  SetIconImage(image);
+  connect(&link_, &TCustomChannelLink::OnData, this, &TChannelValue::BlockCame);
+}
+
+void TChannelValue::SetContent(TContent content) {
+  if (content >= ctBlock && content <= ctStatus) content_ = content;
+}
+
+void TChannelValue::BlockCame() {
+  const TChannel* channel = link_.SelectedChannel();
+  if (!channel) return;
+  if (const std::optional<double> value = Present(*channel)) SetValue(*value);
+}
+
+/// Nothing if the block has no statistics, or none of this channel.
+std::optional<double> TChannelValue::Present(const TChannel& channel) {
+  if (content_ == ctStatus) return static_cast<double>(channel.GetStats()->GetStatus());
+  if (content_ == ctHistory) {
+    if (link_.GetData() == TStatSet()) return {};
+    return link_.GetData().ShownValue(link_.GetOptions()->GetValueType());
+  }
+  const auto index = static_cast<std::size_t>(channel.Index());
+  if (!link_.SelectedChannelSet()->CopyBlockStats(block_) || index >= block_.size()) return {};
+  const TStatSet& block = block_[index];
+  return block.Count > 0.0 ? std::optional(block.Sum / block.Count) : std::nullopt;
+}
+
+void TChannelValue::Loaded() {
+  link_.Loaded();
+  TCustomVariable::Loaded();
+}

@@ -1,0 +1,84 @@
+#include "components/channels/Runningstatistics.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "components/controls/Iconimages.h"
+
+namespace {
+
+/// A wave with the line of its mean.
+void DrawMean(QPainter& painter) {
+  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
+  painter.setBrush(QColor(250, 251, 253));
+  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 3.0, 3.0);
+  painter.setPen(QPen(QColor(32, 104, 208), 1.8));
+  painter.drawPolyline(
+      QPolygonF({{4.0, 15.0}, {7.0, 7.5}, {10.0, 13.0}, {12.5, 9.0}, {15.5, 17.0}, {20.0, 8.0}}));
+  painter.setPen(QPen(QColor(224, 150, 20), 1.6));
+  painter.drawLine(QPointF(4.0, 12.0), QPointF(20.0, 12.0));
+}
+
+}  // namespace
+
+TRunningStatistics::TRunningStatistics(QWidget* parent) : TCustomVariable(parent) {
+  const QString image = QStringLiteral("TRunningStatistics");
+  if (!HasIconImage(image)) RegisterIconImage(image, DrawMean);
+  SetIconImage(image);
+  connect(&reset_, &TClick::OnClick, this, &TRunningStatistics::ResetStatistics);
+}
+
+void TRunningStatistics::SetFigure(TFigure figure) {
+  if (figure == figure_ || figure < fgCount || figure > fgMin) return;
+  figure_ = figure;
+  if (!IsLoading()) TCustomVariable::SetValue(GetFigureValue());
+}
+
+double TRunningStatistics::GetFigureValue() const {
+  const double count = statistics_.GetCount();
+  if (count < 1.0) return 0.0;
+  switch (figure_) {
+    case fgCount:
+      return count;
+    case fgMean:
+      return statistics_.GetMean();
+    case fgStDev:
+      return std::sqrt(std::max(statistics_.GetVariance(), 0.0));
+    case fgRms:
+      return std::sqrt(std::max(statistics_.GetSqSum(), 0.0) / count);
+    case fgMax:
+      return max_;
+    case fgMin:
+      return min_;
+  }
+  return 0.0;
+}
+
+void TRunningStatistics::SetMax(double max) {
+  if (std::isfinite(max)) max_ = max;
+}
+
+void TRunningStatistics::SetMin(double min) {
+  if (std::isfinite(min)) min_ = min;
+}
+
+void TRunningStatistics::SetValue(double value) {
+  if (!std::isfinite(value)) return;
+  const bool first = statistics_.GetCount() < 1.0;
+  statistics_.AddValue(value);
+  max_ = first ? value : std::max(max_, value);
+  min_ = first ? value : std::min(min_, value);
+  TCustomVariable::SetValue(GetFigureValue());
+}
+
+void TRunningStatistics::ResetStatistics(QObject*) {
+  statistics_.Reset();
+  max_ = min_ = 0.0;
+  TCustomVariable::SetValue(0.0);
+}
+
+void TRunningStatistics::Loaded() {
+  HoldValue(GetFigureValue());
+  TCustomVariable::Loaded();
+}

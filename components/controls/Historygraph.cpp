@@ -1,0 +1,111 @@
+#include "components/controls/Historygraph.h"
+
+#include <QPainter>
+#include <limits>
+
+#include "components/controls/Iconimages.h"
+#include "components/graphing/Graph.h"
+
+namespace {
+
+/// A clock and what it counts.
+void DrawHistory(QPainter& painter) {
+  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
+  painter.setBrush(QColor(250, 251, 253));
+  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 3.0, 3.0);
+  painter.setPen(QPen(QColor(200, 60, 50), 1.2, Qt::DashLine));
+  painter.drawLine(QPointF(4.0, 7.0), QPointF(20.0, 7.0));
+  painter.setPen(QPen(QColor(32, 104, 208), 1.8));
+  painter.drawPolyline(
+      QPolygonF({{4.0, 17.0}, {8.0, 12.0}, {12.0, 15.0}, {16.0, 9.5}, {20.0, 13.0}}));
+}
+
+}  // namespace
+
+THistoryGraph::THistoryGraph(QWidget* parent) : TIconControl(parent) {
+  const QString image = QStringLiteral("THistoryGraph");
+  if (!HasIconImage(image)) RegisterIconImage(image, DrawHistory);
+  SetIconImage(image);
+  auto* history = graphLink_.AddSeries(std::make_unique<TSeries>());
+  history->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+  history->DataSource = [this](int& index, TCoordinate& point, TCoordinate& extent) {
+    const TChannelStatistics* statistics = Statistics();
+    return statistics && statistics->ProvideGraphData(*link_.GetOptions(), index, point, extent);
+  };
+  history->BlockSource = [this](int index, std::span<TCoordinate> points) {
+    const TChannelStatistics* statistics = Statistics();
+    return statistics ? statistics->ProvideGraphBlock(*link_.GetOptions(), index, points) : 0;
+  };
+  auto* limits = graphLink_.AddSeries(std::make_unique<TSeries>());
+  limits->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+  limits->GetStyle()->SetLineColor(TColor::FromRgb(200, 60, 50));
+  limits->GetStyle()->SetLineStyle(TSeriesStyle::psDash);
+  limits->DataSource = [this](int& index, TCoordinate& point, TCoordinate&) {
+    if (index < 0 || index >= static_cast<int>(limitLines_.size())) return false;
+    point = limitLines_[static_cast<std::size_t>(index++)];
+    return true;
+  };
+  connect(&graphLink_, &TCustomGraphLink::OnGraphChanged, this, &THistoryGraph::GraphChanged);
+  connect(&link_, &TCustomChannelLink::OnData, this, &THistoryGraph::LookForRecord);
+  connect(&link_, &TOneChannelLink::OnChannelChanged, this, &THistoryGraph::GraphChanged);
+  connect(link_.GetOptions(), &TPersistent::OnChange, this, &THistoryGraph::GraphChanged);
+}
+
+void THistoryGraph::SetShowLimits(bool show) {
+  if (show == showLimits_) return;
+  showLimits_ = show;
+  GraphChanged();
+}
+
+const TChannelStatistics* THistoryGraph::Statistics() {
+  const TChannel* channel = link_.SelectedChannel();
+  return channel ? channel->GetStats() : nullptr;
+}
+
+void THistoryGraph::GraphChanged() {
+  if (TKorvalGraph* graph = graphLink_.GetGraph()) {
+    graph->GetHorizontalAx()->SetScale(TAxis::asTime);
+  }
+  link_.SetEnabled(Statistics());
+  FindLimitLines();
+  graphLink_.Replay();
+}
+
+/// The histories of most channels change far less often than one may want to look.
+void THistoryGraph::LookForRecord() {
+  TCoordinate newest;
+  const TChannelStatistics* statistics = Statistics();
+  if (!statistics || statistics->ProvideGraphBlock(*link_.GetOptions(), 0, {&newest, 1}) == 0)
+    return;
+  if (newest.X == newest_) return;
+  newest_ = newest.X;
+  FindLimitLines();
+  graphLink_.Update();
+}
+
+/// A line along the whole history for each limit, with a gap behind it.
+void THistoryGraph::FindLimitLines() {
+  limitLines_.clear();
+  const TChannelStatistics* statistics = Statistics();
+  TCoordinate newest;
+  if (!statistics || !showLimits_) return;
+  if (statistics->ProvideGraphBlock(*link_.GetOptions(), 0, {&newest, 1}) == 0) return;
+  TCoordinate oldest = newest;
+  int index = 0;
+  for (TCoordinate extent;
+       statistics->ProvideGraphData(*link_.GetOptions(), index, oldest, extent);) {
+  }
+  const TLimitLevels& limits = *statistics->GetLimits();
+  const auto add = [&](double limit) {
+    constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
+    limitLines_.insert(limitLines_.end(), {{oldest.X, limit}, {newest.X, limit}, {kGap, kGap}});
+  };
+  if (limits.GetCheckMax()) add(limits.GetMax());
+  if (limits.GetCheckMin()) add(limits.GetMin());
+}
+
+void THistoryGraph::Loaded() {
+  link_.Loaded();
+  graphLink_.Loaded();
+  TIconControl::Loaded();
+}

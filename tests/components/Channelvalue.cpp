@@ -1,0 +1,153 @@
+#include "components/channels/Channelvalue.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "components/channels/Runningstatistics.h"
+#include "components/controls/Historygraph.h"
+#include "components/graphing/Graph.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kStart = 45000.0;
+
+TEST(TRunningStatistics, GivesEachFigureOfWhatItWasGiven) {
+  const struct {
+    TRunningStatistics::TFigure figure;
+    double expected;
+  } cases[] = {
+      // Of 1, -3, 0, 6: mean 1, squared deviations 0 + 16 + 1 + 25, squares 1 + 9 + 0 + 36.
+      {TRunningStatistics::fgCount, 4.0},
+      {TRunningStatistics::fgMean, 1.0},
+      {TRunningStatistics::fgStDev, std::sqrt(42.0 / 3.0)},
+      {TRunningStatistics::fgRms, std::sqrt(46.0 / 4.0)},
+      {TRunningStatistics::fgMax, 6.0},
+      {TRunningStatistics::fgMin, -3.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.figure);
+    TRunningStatistics statistics;
+    TVariable client;
+    statistics.SetFigure(c.figure);
+    statistics.GetClientControls()->Add(&client);
+    for (const double value : {1.0, -3.0, std::nan(""), 0.0, 6.0}) statistics.SetValue(value);
+    EXPECT_DOUBLE_EQ(statistics.GetValue(), c.expected);
+    EXPECT_EQ(client.GetValue(), statistics.GetValue());
+    statistics.GetReset()->Click();
+    EXPECT_EQ(client.GetValue(), 0.0);
+    statistics.SetValue(-2.0);
+    statistics.SetValue(-2.0);
+    const bool isCount = c.figure == TRunningStatistics::fgCount;
+    const bool isDeviation = c.figure == TRunningStatistics::fgStDev;
+    const bool isRms = c.figure == TRunningStatistics::fgRms;
+    EXPECT_EQ(client.GetValue(), isDeviation ? 0.0 : isCount || isRms ? 2.0 : -2.0);
+  }
+}
+
+/// A set "Mast" with the channels "a" and "b", and what follows it.
+class ChannelValue : public testing::Test {
+ protected:
+  ChannelValue() {
+    source.setObjectName("source");
+    set->SetLabel("Mast");
+    set->SetCount(2);
+    set->SetRows(2);
+    set->GetChannels()->GetItem(0)->SetLabel("a");
+    set->GetChannels()->GetItem(1)->SetLabel("b");
+  }
+  void Follow(TOneChannelLink& link, const char* channel) {
+    link.SetChannelSource(&source);
+    link.GetChannelSet()->SetItem("Mast");
+    link.GetChannel()->SetItem(channel);
+  }
+  void Row(double seconds, double a, double b) {
+    const double row[] = {kStart + seconds * kSecond, a, b};
+    set->SetRow(row, 0, 3);
+  }
+
+  QWidget form;
+  TChannelSource source{&form};
+  TChannelSet* set = source.GetSets()->Add();
+};
+
+TEST_F(ChannelValue, GivesTheMeanOfEachBlockOnce) {
+  TChannelValue value(&form);
+  Follow(*value.GetChannelLink(), "b");
+  std::vector<double> taken;
+  TValueLink link([&](double x) { taken.push_back(x); });
+  value.AddLink(&link, false);
+  Row(0.1, 7.0, 1.0);
+  EXPECT_TRUE(taken.empty());
+  Row(0.2, 7.0, 2.0);
+  Row(0.3, 7.0, -4.0);
+  Row(0.4, 7.0, 10.0);
+  EXPECT_EQ(taken, std::vector<double>({1.5, 3.0}));
+}
+
+TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
+  TLimitLevels& limits = *set->GetChannels()->GetItem(0)->GetStats()->GetLimits();
+  limits.SetLimitMax(10.0);
+  limits.SetWarningLevel(2.0);
+  limits.SetCheckMax(true);
+  TChannelValue status(&form);
+  status.SetContent(TChannelValue::ctStatus);
+  Follow(*status.GetChannelLink(), "a");
+  const struct {
+    double value;
+    double status;
+  } seconds[] = {{5.0, 1.0}, {9.0, 2.0}, {11.0, 3.0}, {11.0, 3.0}};
+  double at = 0.0;
+  Row(0.0, 5.0, 0.0);
+  Row(0.5, 5.0, 0.0);
+  EXPECT_EQ(status.GetValue(), 0.0);  // no second is over
+  for (const auto& second : seconds) {
+    at += 1.0;
+    for (const double part : {0.2, 0.4, 0.6, 0.8}) Row(at + part, second.value, 0.0);
+    Row(at + 1.1, second.value, 0.0);
+    Row(at + 1.15, second.value, 0.0);
+    EXPECT_EQ(status.GetValue(), second.status) << second.value;
+  }
+}
+
+TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {
+  TKorvalGraph graph(&form);
+  graph.setObjectName("graph");
+  THistoryGraph history(&form);
+  history.GetGraphLink()->SetGraph(&graph);
+  Follow(*history.GetChannelLink(), "a");
+  EXPECT_EQ(graph.GetHorizontalAx()->GetScale(), TAxis::asTime);
+  const auto points = [&](int series) {
+    std::vector<TCoordinate> result;
+    TCoordinate point, extent;
+    for (int i = 0;
+         history.GetGraphLink()->GetSeriesList().Get(series)->DataSource(i, point, extent);)
+      result.push_back(point);
+    return result;
+  };
+  TLimitLevels& limits = *set->GetChannels()->GetItem(0)->GetStats()->GetLimits();
+  limits.SetLimitValues(20.0, -20.0);
+  limits.SetCheckMin(true);
+  history.GetChannelLink()->DoOnData(nullptr);
+  EXPECT_TRUE(points(0).empty());
+  EXPECT_TRUE(points(1).empty());
+  for (int i = 0; i <= 40; ++i) Row(0.1 * i, i < 20 ? 1.0 : 3.0, 0.0);
+  history.GetChannelLink()->DoOnData(nullptr);
+  const auto kept = points(0);
+  ASSERT_GE(kept.size(), 2u);
+  EXPECT_EQ(kept.back().Y, 1.0);
+  EXPECT_EQ(kept.front().Y, 3.0);
+  EXPECT_GT(kept.front().X, kept.back().X);
+  const auto lines = points(1);
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0].X, kept.back().X);
+  EXPECT_EQ(lines[1].X, kept.front().X);
+  EXPECT_EQ(lines[0].Y, -20.0);
+  EXPECT_TRUE(std::isnan(lines[2].X));
+  history.SetShowLimits(false);
+  EXPECT_TRUE(points(1).empty());
+}
+
+}  // namespace
