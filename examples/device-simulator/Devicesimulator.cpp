@@ -4,6 +4,27 @@
 #include <cmath>
 #include <numbers>
 
+namespace {
+
+double Sine(double frequencyHz, double seconds) {
+  return std::sin(2.0 * std::numbers::pi * std::fmod(frequencyHz * seconds, 1.0));
+}
+
+}  // namespace
+
+double TDeviceWave::Value(double seconds) const {
+  const double swollen = 1.0 + swell * Sine(1.0 / swellSeconds, seconds);
+  return level + amplitude * swollen * Sine(frequencyHz, seconds);
+}
+
+std::vector<TDeviceWave> MachineWaves() {
+  return {{0.493, 0.003, 0.11, 0.0, 1.0, 0.001},
+          {0.0, 0.26, 24.7, 0.5, 30.0, 0.02},
+          {0.0, 0.14, 24.7, 0.2, 47.0, 0.02},
+          {0.62, 0.045, 1.0 / 90.0, 0.0, 1.0, 0.001},
+          {0.42, 0.015, 0.05, 0.0, 1.0, 0.002}};
+}
+
 void TDeviceSimulator::Receive(std::string_view bytes, double now) {
   constexpr std::size_t kLongestCommand = 64;
   for (const char byte : bytes) {
@@ -81,15 +102,29 @@ void TDeviceSimulator::PutMarker(double now) {
       now);
 }
 
+/// 24 bits; 0x800000 stands for 0.
+std::uint32_t TDeviceSimulator::Sample(int input, double now) {
+  constexpr double kScale = 0x800000;
+  const auto index = static_cast<std::size_t>(input);
+  double value = 0.0;
+  if (index < Waves.size()) {
+    const TDeviceWave& wave = Waves[index];
+    value = wave.Value(now);
+    if (wave.noise > 0.0) value += wave.noise * (2.0 * Chance() - 1.0);
+  } else if (input == 0) {
+    return static_cast<std::uint32_t>(bytesPerSample_ == 3 ? packets_ : packets_ << 8);
+  } else {
+    value = 0.5 * Sine(input, now);
+  }
+  return static_cast<std::uint32_t>(
+      std::lround(std::clamp(kScale + kScale * value, 0.0, 2.0 * kScale - 1.0)));
+}
+
 void TDeviceSimulator::PutPacket(double now) {
   const int inputs = std::clamp(Inputs, 1, 255 / bytesPerSample_);
   std::string bytes(1, static_cast<char>(inputs * bytesPerSample_));
   for (int input = 0; input < inputs; ++input) {
-    const double wave = std::sin(2.0 * std::numbers::pi * std::fmod(input * now, 1.0));
-    const auto level = static_cast<std::uint32_t>(std::lround(0x800000 + 0x400000 * wave));
-    const bool isCounter = input == 0;
-    const auto sample = static_cast<std::uint32_t>(
-        isCounter ? (bytesPerSample_ == 3 ? packets_ : packets_ << 8) : level);
+    const std::uint32_t sample = Sample(input, now);
     bytes += static_cast<char>(sample >> 16 & 0xFF);
     bytes += static_cast<char>(sample >> 8 & 0xFF);
     if (bytesPerSample_ == 3) bytes += static_cast<char>(sample & 0xFF);

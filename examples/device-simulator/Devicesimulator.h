@@ -5,6 +5,25 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
+
+/// What an input measures, in parts of the full scale: a level, and a wave about it that swells and
+/// falls.
+struct TDeviceWave {
+  double level = 0.0;
+  double amplitude = 0.0;
+  double frequencyHz = 1.0;
+  double swell = 0.0;         ///< by which part the amplitude swells and falls
+  double swellSeconds = 1.0;  ///< from swell to swell
+  double noise = 0.0;
+
+  /// At a time, without the noise.
+  double Value(double seconds) const;
+};
+
+/// A motor with its pump: shaft speed, vibration at the drive end, which comes and goes, and at the
+/// other end, bearing temperature, oil pressure.
+std::vector<TDeviceWave> MachineWaves();
 
 /// A measuring device as its serial line sees it. Works on memory; the caller tells the time, in
 /// seconds from any start, never backwards.
@@ -12,8 +31,8 @@
 /// It takes the commands "lroff", "lron", "sloop0", "sloop1", the data requests "cr", "mr" and
 /// "sr", each ended by a carriage return, and BEL, which needs none. In the streaming loop with
 /// loop-read on, a request starts a stream of packets with a marker packet before it; else it is
-/// answered by one packet. The first input counts the packets, the others are sine waves of 1 Hz, 2
-/// Hz, ...
+/// answered by one packet. The first inputs measure the Waves. Of those behind, the very first
+/// counts the packets, and the others are sine waves of 1 Hz, 2 Hz, ... at half the full scale.
 class TDeviceSimulator {
  public:
   struct TFaults {
@@ -28,6 +47,7 @@ class TDeviceSimulator {
   double RateHz = 100.0;  ///< packets per second while streaming, above 0
   int MarkerEvery = 0;    ///< packets from one marker to the next; 0 for one at the start
   TFaults Faults;
+  std::vector<TDeviceWave> Waves;
 
   /// Takes bytes that have come from the other end.
   void Receive(std::string_view bytes, double now);
@@ -54,6 +74,7 @@ class TDeviceSimulator {
   void Stream(double now);
   void PutMarker(double now);
   void PutPacket(double now);
+  std::uint32_t Sample(int input, double now);
   void Put(std::string bytes, double now);
   double Chance() { return static_cast<double>(random_()) / 4294967296.0; }
 

@@ -30,6 +30,9 @@ struct TOptions {
   QCommandLineOption late{"late", "Send everything so much later.", "MS", "0"};
   QCommandLineOption silentAfter{"silent-after", "Send nothing any more after so long.", "S", "-1"};
   QCommandLineOption seconds{"seconds", "End after so long.", "S", "-1"};
+  QCommandLineOption machine{"machine",
+                             "Measure a machine: speed, vibration at both ends, temperature, oil "
+                             "pressure."};
   QCommandLineOption link{
       "link", "Make a link to the terminal, to be found by the same name after each start.",
       "FILE"};
@@ -66,6 +69,10 @@ void SetUp(TDeviceSimulator& device, const QCommandLineParser& parser, const TOp
   device.Inputs = static_cast<int>(number(options.inputs, 1.0, 127.0));
   device.RateHz = number(options.rate, 0.001, 100'000.0);
   device.MarkerEvery = static_cast<int>(number(options.markers, 0.0, 1e9));
+  if (parser.isSet(options.machine)) {
+    device.Waves = MachineWaves();
+    if (!parser.isSet(options.inputs)) device.Inputs = static_cast<int>(device.Waves.size());
+  }
   device.Faults.dropRate = number(options.drop, 0.0, 1.0);
   device.Faults.garbageRate = number(options.garbage, 0.0, 1.0);
   device.Faults.lateSeconds = number(options.late, 0.0, 1e6) / 1000.0;
@@ -91,7 +98,8 @@ int main(int argc, char** argv) {
   parser.addHelpOption();
   const TOptions options;
   parser.addOptions({options.inputs, options.rate, options.markers, options.drop, options.garbage,
-                     options.late, options.silentAfter, options.seconds, options.link});
+                     options.late, options.silentAfter, options.seconds, options.machine,
+                     options.link});
   parser.process(application);
 
   TDeviceSimulator device;
