@@ -5,7 +5,8 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 "$here/scripts/setup.sh"
-(cd "$here" && cmake --preset release && cmake --build --preset release --target velmora-animator)
+(cd "$here" && cmake --preset release &&
+  cmake --build --preset release --target velmora-animator package-server device-simulator)
 program=$here/build/release/velmora-animator
 
 if [ $# -gt 0 ]; then

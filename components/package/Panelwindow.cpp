@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QImageWriter>
+#include <QLayout>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPixmap>
@@ -148,7 +149,9 @@ bool RunPanel(const QString& fileName, const TPanelRun& run) {
   if (!panel) return false;
   QWidget& root = *panel->Root();
   root.setAttribute(Qt::WA_DontShowOnScreen);
-  if (run.Size.isValid()) root.resize(run.Size);
+  // A window's own minimum size is a message to a window system that is not there.
+  if (QLayout* layout = root.layout()) layout->setSizeConstraint(QLayout::SetNoConstraint);
+  root.resize((run.Size.isValid() ? run.Size : root.size()).expandedTo(root.minimumSizeHint()));
   root.show();
   QEventLoop loop;
   QTimer::singleShot(static_cast<int>(run.Seconds * 1000.0), &loop, &QEventLoop::quit);
