@@ -269,6 +269,22 @@ std::vector<TRecorder> Simulate(TSignalSimulator& simulator, std::size_t clients
   return recorders;
 }
 
+TEST(TSignalSimulator, NeverGivesMoreValuesThanItsRateAllows) {
+  TSignalSimulator simulator;
+  TRecorder recorder;
+  simulator.GetClientControls()->Add(&recorder);
+  simulator.SetRate(400.0);
+  for (const double ignored : {-1.0, std::nan(""), HUGE_VAL}) simulator.SetRate(ignored);
+  EXPECT_EQ(simulator.GetRate(), 400.0);
+  QElapsedTimer clock;
+  clock.start();
+  simulator.SetActive(true);
+  ASSERT_TRUE(RunUntil([&] { return recorder.given.size() >= 100; }));
+  // The first comes at once, each other one a four hundredth of a second after the one before.
+  EXPECT_GE(static_cast<double>(clock.nsecsElapsed()) / 1e9 * 400.0 + 1.0,
+            static_cast<double>(recorder.given.size()));
+}
+
 TEST(TSignalSimulator, GivesEachClientTheSameSampleOfTheSine) {
   for (const std::size_t clients : {1, 2, 3}) {
     TSignalSimulator simulator;
