@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QWidget>
 #include <cmath>
