@@ -13,6 +13,7 @@
 class TCompass : public TCustomImageControl {
   Q_OBJECT
   Q_PROPERTY(TNeedle* Needle READ GetNeedle WRITE SetNeedle)
+  Q_CLASSINFO("Measured", "Angle")
   Q_PROPERTY(double Angle READ GetAngle WRITE SetAngle)
   Q_PROPERTY(double North READ GetNorth WRITE SetNorth)
   Q_PROPERTY(QString ImageFile READ GetImageFile WRITE SetImageFile)

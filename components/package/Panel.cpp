@@ -455,10 +455,15 @@ TStoredValues DefaultsOf(const TComponentClass& component) {
   return values;
 }
 
-/// Not what changes by itself while a panel runs.
+/// Not what changes by itself while a panel runs. That of one class alone its class information
+/// names.
 bool IsSetting(const TPublished& published) {
-  static const QStringList kMoving = {"Value", "Data", "CumulCount", "Active", "Logging"};
-  return published.Property.isDesignable() && !kMoving.contains(published.Path.section('.', -1));
+  static const QByteArrayList kMoving = {"Value",  "Data",    "CumulCount",
+                                         "Active", "Logging", "TimeFormatStr"};
+  const QMetaObject& meta = *published.Object->metaObject();
+  const QByteArray name = published.Property.name();
+  const QByteArray measured = meta.classInfo(meta.indexOfClassInfo("Measured")).value();
+  return published.Property.isDesignable() && !kMoving.contains(name) && measured != name;
 }
 
 /// Those that a new component has otherwise.

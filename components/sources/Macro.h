@@ -17,6 +17,8 @@ class TMacro : public TCustomVariable {
   Q_PROPERTY(bool ShowName READ GetShowName WRITE SetShowName)
   Q_PROPERTY(TNumberFormat* ValueFormat READ GetValueFormat WRITE SetFormat)
   Q_PROPERTY(double Value READ GetValue WRITE SetValue STORED false)
+  /// Made of the others, and so no form keeps it.
+  Q_PROPERTY(QString Caption READ GetCaption WRITE SetCaption STORED false DESIGNABLE false)
 
  public:
   explicit TMacro(QWidget* parent = nullptr);

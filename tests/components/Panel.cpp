@@ -129,7 +129,7 @@ TEST(Panel, MakesTheConnectionsOfAForm) {
       "<connection><sender>%1</sender><signal>%2</signal><receiver>%3</receiver><slot>%4</slot>"
       "<hints><hint type=\"sourcelabel\"><x>1</x></hint></hints></connection>\n");
   const QString form =
-      Form(
+      FormOf(
           "<widget class=\"QCheckBox\" name=\"box\"/>\n<widget class=\"TDataChannel\" name=\"c\"/>"
           "<widget class=\"QLabel\" name=\"label\"/>\n")
           .replace("</ui>",
@@ -165,10 +165,10 @@ TEST(Panel, MakesTheConnectionsOfAForm) {
 TEST(Panel, RelativeFileNamesAreMeantFromTheFolderOfTheForm) {
   WriteTestFile("rows.packages", "<data>\r\n</data>\r\n");
   const QString name = WriteTestFile(
-      "p.ui", Form("<widget class=\"TXMLFileClient\" name=\"c\">\n"
-                   "<property name=\"FileName\"><string>rows.packages</string></property>\n"
-                   "<property name=\"role\" stdset=\"0\"><string>input</string></property>\n"
-                   "</widget>\n")
+      "p.ui", FormOf("<widget class=\"TXMLFileClient\" name=\"c\">\n"
+                     "<property name=\"FileName\"><string>rows.packages</string></property>\n"
+                     "<property name=\"role\" stdset=\"0\"><string>input</string></property>\n"
+                     "</widget>\n")
                   .toUtf8());
   QStringList faults;
   const auto panel = TPanel::Load(name, &faults);
