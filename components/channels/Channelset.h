@@ -276,7 +276,7 @@ class TChannelSets : public TPersistent {
  public:
   static constexpr int kMaxSets = 256;
   /// Cells that the data of all sets of a text may have.
-  static constexpr qint64 kMaxCells = 4 * TMatrix::kMaxCells;
+  static constexpr qint64 kMaxCells = qint64{4} * TMatrix::kMaxCells;
   /// Channels of all sets of a text.
   static constexpr int kMaxChannels = 32 * TChannelSet::kMaxChannels;
 

@@ -129,7 +129,7 @@ TStatHistory::TStatHistory(TStatInterval interval, const TLimits* limits)
     : interval_(interval), maxCount_(HistoryLength(interval)), limits_(limits) {}
 
 std::size_t TStatHistory::Slot(int index) const {
-  const auto slot = static_cast<std::size_t>(first_ + index);
+  const auto slot = static_cast<std::size_t>(first_) + static_cast<std::size_t>(index);
   return slot < records_.size() ? slot : slot - records_.size();
 }
 

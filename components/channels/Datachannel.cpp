@@ -118,6 +118,7 @@ void TCustomDataChannel::SendDataToClients(QObject*) {
     if (!TakeValue(data_.Row(row)[TFloatList::kValue])) return;
   }
   const QPointer<TCustomDataChannel> self(this);
+  // NOLINTNEXTLINE(bugprone-parent-virtual-call): the value is shown again, clients have it
   TDataControl::SetValue(value);
   if (self) sending_ = false;
 }
@@ -256,5 +257,6 @@ void TDataChannel::Compute(std::span<const double> dropped, int rows) {
   statistics_.SetCount(count);
   statistics_.SetSum(sum);
   statistics_.SetSqSum(sqSum);
-  statistics_.SetPos(count / 2);
+  const int middle = count / 2;
+  statistics_.SetPos(middle);
 }

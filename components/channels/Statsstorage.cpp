@@ -14,7 +14,8 @@
 namespace {
 
 constexpr double kSecondsPerDay = 86400.0;
-constexpr std::size_t kMaxHeaders = 2 * TChannelSets::kMaxSets;  ///< remembered at a time
+constexpr std::size_t kMaxHeaders =
+    2 * std::size_t{TChannelSets::kMaxSets};  ///< remembered at a time
 
 /// A drum of discs.
 void DrawStorage(QPainter& painter) {
@@ -222,17 +223,17 @@ void TStatsStorage::SetStatus(const QString& text) {
   if (text == status_) return;
   status_ = text;
   QMetaObject::invokeMethod(
-      this,
-      [this, text] {
-        const QPointer<TStatsStorage> alive(this);
-        if (QObject* logger = logger_.Empty() ? nullptr : logger_.Get(0)) {
-          for (const char* slot : {"Log", "appendPlainText"}) {
-            if (logger->metaObject()->indexOfMethod(QByteArray(slot) + "(QString)") < 0) continue;
-            QMetaObject::invokeMethod(logger, slot, Q_ARG(QString, text));
-            break;
-          }
-        }
-        if (alive) emit OnStatusChanged(this);
-      },
-      Qt::QueuedConnection);
+      this, [this, text] { TellStatus(text); }, Qt::QueuedConnection);
+}
+
+void TStatsStorage::TellStatus(const QString& text) {
+  const QPointer<TStatsStorage> alive(this);
+  if (QObject* logger = logger_.Empty() ? nullptr : logger_.Get(0)) {
+    for (const char* slot : {"Log", "appendPlainText"}) {
+      if (logger->metaObject()->indexOfMethod(QByteArray(slot) + "(QString)") < 0) continue;
+      QMetaObject::invokeMethod(logger, slot, Q_ARG(QString, text));
+      break;
+    }
+  }
+  if (alive) emit OnStatusChanged(this);
 }

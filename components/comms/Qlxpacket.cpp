@@ -47,12 +47,13 @@ TQLXDecoder::TItem TQLXDecoder::Next() {
 
 void TQLXDecoder::DecodeSamples(const std::uint8_t* bytes) {
   double* value = values_.data() + 1;
+  const auto length = static_cast<std::size_t>(packetLength_);
   if (wide_) {
-    for (const std::uint8_t* const end = bytes + packetLength_ / 3 * 3; bytes < end; bytes += 3) {
+    for (const std::uint8_t* const end = bytes + length / 3 * 3; bytes < end; bytes += 3) {
       *value++ = static_cast<double>(bytes[0] << 16 | bytes[1] << 8 | bytes[2]) - kZero;
     }
   } else {
-    for (const std::uint8_t* const end = bytes + packetLength_ / 2 * 2; bytes < end; bytes += 2) {
+    for (const std::uint8_t* const end = bytes + length / 2 * 2; bytes < end; bytes += 2) {
       *value++ = static_cast<double>(bytes[0] << 16 | bytes[1] << 8) - kZero;
     }
   }
