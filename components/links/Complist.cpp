@@ -108,6 +108,7 @@ void TKorvalCompList::SetNames(const QStringList& names) {
 }
 
 QObject* TKorvalCompList::Find(const QString& name) const {
+  if (OnFind) return OnFind(name, baseClass_);
   const auto above = [](QObject* object) {
     const auto* part = qobject_cast<const TPersistent*>(object);
     return part ? part->Owner() : object->parent();

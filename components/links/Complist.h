@@ -67,6 +67,10 @@ class TKorvalCompList : public TPersistent {
   /// Told of each name that a list does not find; unset tells nobody. For whoever reads forms.
   static inline std::function<void(QObject* owner, const QString& name)> OnUnresolved;
 
+  /// Finds a name in the form that is being read, for whoever reads it: it knows them all. Unset
+  /// searches the owner's form anew for each name.
+  static inline std::function<QObject*(const QString& name, const QMetaObject* baseClass)> OnFind;
+
   /// Makes the destination hold these components in this order. Each is subject to its base class
   /// and its OnBeforeChange; OnChange fires once if anything changed.
   void AssignTo(TPersistent* destination) const override;

@@ -180,6 +180,7 @@ class TPanelReader {
   void Complete();
   void ReportUnresolved(const QObject* owner, const QString& name);
   void OpenCircles();
+  void ReportCircle(const TServerDataControl& control, const QString& client);
   static bool IsOurs(const TWidget& widget, const TProperty& property);
 
   TPanel& panel_;
@@ -335,6 +336,16 @@ void TPanelReader::Refuse(const TWidget& widget, const TProperty& property, cons
 }
 
 void TPanelReader::Complete() {
+  QHash<QString, QList<QPointer<QObject>>> named;
+  for (QObject* object : QObjectList{panel_.root_} + panel_.root_->findChildren<QObject*>()) {
+    if (!object->objectName().isEmpty()) named[object->objectName()].append(object);
+  }
+  TKorvalCompList::OnFind = [&](const QString& name, const QMetaObject* baseClass) -> QObject* {
+    for (const auto& object : named.value(name)) {
+      if (object && object->metaObject()->inherits(baseClass)) return object;
+    }
+    return nullptr;
+  };
   TKorvalCompList::OnUnresolved = [this](QObject* owner, const QString& name) {
     ReportUnresolved(owner, name);
   };
@@ -346,6 +357,7 @@ void TPanelReader::Complete() {
     if (made.Component && IsLoading(made.Component)) made.Class->Loaded(made.Component);
   }
   TKorvalCompList::OnUnresolved = nullptr;
+  TKorvalCompList::OnFind = nullptr;
 }
 
 void TPanelReader::ReportUnresolved(const QObject* owner, const QString& name) {
@@ -364,27 +376,53 @@ void TPanelReader::ReportUnresolved(const QObject* owner, const QString& name) {
 }
 
 /// While a form is read every client is taken, for the lists are not complete; so a circle is found
-/// only now.
+/// only now, by following the clients from each component to the next: the client that leads back
+/// is taken out.
 void TPanelReader::OpenCircles() {
+  struct TStep {
+    TServerDataControl* control;
+    int next = 0;  ///< of its clients
+  };
+  std::set<const TServerDataControl*> seen;
+  std::set<const TServerDataControl*> onPath;
   for (const TPanel::TEntry& entry : panel_.entries_) {
-    auto* control = qobject_cast<TServerDataControl*>(entry.Component.data());
-    if (!control) continue;
-    TKorvalCompList& clients = *control->GetClientControls();
-    for (int i = clients.Count() - 1; i >= 0; --i) {
-      const auto* client = clients.Get<TServerDataControl>(i);
-      if (!client || (client != control && !client->PointsTo(control))) continue;
-      const QString name = client->objectName();
-      clients.Delete(i);
-      const TWidget& widget = *components_.at(entry.Name);
-      int line = widget.Line;
-      for (const TProperty& property : widget.Properties) {
-        if (property.Value.Items.contains(name)) line = property.Line;
+    std::vector<TStep> path;
+    const auto enter = [&](TServerDataControl* control) {
+      if (!control || !seen.insert(control).second) return;
+      onPath.insert(control);
+      path.push_back({control});
+    };
+    enter(qobject_cast<TServerDataControl*>(entry.Component.data()));
+    while (!path.empty()) {
+      TStep& step = path.back();
+      TKorvalCompList& clients = *step.control->GetClientControls();
+      if (step.next >= clients.Count()) {
+        onPath.erase(step.control);
+        path.pop_back();
+        continue;
       }
-      Fault(line, QStringLiteral("%1: property ClientControls: %2 would get its own values back; "
-                                 "circular references are not allowed")
-                      .arg(NameOf(widget), name));
+      auto* client = clients.Get<TServerDataControl>(step.next);
+      if (onPath.contains(client)) {
+        ReportCircle(*step.control, client->objectName());
+        if (clients.Delete(step.next)) continue;
+      }
+      ++step.next;
+      enter(client);
     }
   }
+}
+
+void TPanelReader::ReportCircle(const TServerDataControl& control, const QString& client) {
+  const auto found = components_.find(control.objectName());
+  if (found == components_.end()) return;
+  const TWidget& widget = *found->second;
+  int line = widget.Line;
+  for (const TProperty& property : widget.Properties) {
+    if (property.Value.Items.contains(client)) line = property.Line;
+  }
+  Fault(line, QStringLiteral("%1: property ClientControls: %2 would get its own values back; "
+                             "circular references are not allowed")
+                  .arg(NameOf(widget), client));
 }
 
 // TPanel

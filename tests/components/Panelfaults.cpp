@@ -126,6 +126,34 @@ TEST(Panelfaults, TwoComponentsOfOneNameKeepTheirOwnProperties) {
   EXPECT_LT(text.find("<double>1</double>"), text.find("<double>2</double>"));
 }
 
+/// Searching for each name, and for circles from each component, would take hours.
+TEST(Panelfaults, ManyClientsAreFoundAndEachCircleIsOpenedOnce) {
+  constexpr int kCount = 2000;
+  QString widgets;
+  for (int i = 0; i < kCount; ++i) {
+    QString clients;
+    for (int step = 1; step <= 50; ++step) {
+      clients += QStringLiteral("<string>v%1</string>").arg((i + step) % kCount);
+    }
+    widgets += QStringLiteral(
+                   "<widget class=\"TVariable\" name=\"v%1\">"
+                   "<property name=\"ClientControls.Components\"><stringlist>%2"
+                   "</stringlist></property></widget>\n")
+                   .arg(i)
+                   .arg(clients);
+  }
+  QStringList faults;
+  const auto panel = LoadForm(widgets, &faults);
+  ASSERT_TRUE(panel);
+  EXPECT_EQ(panel->Components().size(), static_cast<std::size_t>(kCount));
+  // Of the last fifty, one more client each lies beyond the end: 1 + 2 + ... + 50.
+  EXPECT_EQ(faults.size(), 1001);
+  EXPECT_EQ(faults.back(), "p.ui: there are 275 faults more");
+  const auto* first = panel->Root()->findChild<TVariable*>("v0");
+  ASSERT_TRUE(first);
+  EXPECT_FALSE(first->PointsTo(first));
+}
+
 TEST(Panelfaults, AFormThatNamesItselfEnds) {
   QStringList faults;
   QString text = FormOf(
