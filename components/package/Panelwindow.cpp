@@ -72,7 +72,7 @@ TPanelWindow::TPanelWindow(std::unique_ptr<TPanel> panel) {
   menu->addAction(tr("Save &as..."), QKeySequence::SaveAs, this, &TPanelWindow::SaveAs);
   menu->addAction(tr("&Reload"), QKeySequence::Refresh, this, &TPanelWindow::Reload);
   menu->addSeparator();
-  showComponents_ = menu->addAction(tr("Show &components"));
+  showComponents_ = menu->addAction(tr("Show co&mponents"));
   showComponents_->setCheckable(true);
   connect(showComponents_, &QAction::toggled, this, &TPanelWindow::ShowComponents);
   menu->addSeparator();
