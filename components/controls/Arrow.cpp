@@ -288,6 +288,7 @@ void TArrow::paintEvent(QPaintEvent* event) {
   start_.DrawArrow(painter);
   end_.DrawArrow(painter);
   std::vector<QPoint> line;
+  line.reserve(points_.Count());
   for (int i = 0; i < points_.Count(); ++i) line.push_back(points_.Get(i) - pos());
   painter.drawPolyline(pen.Map(line));
 }

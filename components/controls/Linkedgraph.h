@@ -36,8 +36,8 @@ class TLinkedGraph : public TIconControl {
   void SetData(const TCoordinateList* list) { data_.Assign(list); }
 
   /// Captions of the axes: label and unit of the channels.
-  const QString& GetCaptionX() const { return captionX_; }
-  const QString& GetCaptionY() const { return captionY_; }
+  const QString& GetAxisCaptionX() const { return captionX_; }
+  const QString& GetAxisCaptionY() const { return captionY_; }
 
   /// The pair at `index`, which then moves on; false past the last one.
   bool ProvideGraphData(int& index, TCoordinate& point, TCoordinate& extent) const {

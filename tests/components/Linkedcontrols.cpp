@@ -374,7 +374,7 @@ TEST_F(LinkedGraph, OutlivesGraphChannelAndSource) {
   Tick();
   source.reset();
   Tick();
-  EXPECT_EQ(plot.GetCaptionX(), "");
+  EXPECT_EQ(plot.GetAxisCaptionX(), "");
 }
 
 }  // namespace
