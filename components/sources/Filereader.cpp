@@ -33,7 +33,9 @@ TFileReader::TFileReader(QWidget* parent) : TStreamProvider(parent) {
 void TFileReader::SetFileName(const QString& name) {
   QString error;
   const bool opens = name.isEmpty() || OpenFile(FormPath(this, name), error);
-  const QString stored = opens ? name : QFileInfo(FormPath(this, name)).isFile() ? fileName_ : QString();
+  const QString stored = opens                                      ? name
+                         : QFileInfo(FormPath(this, name)).isFile() ? fileName_
+                                                                    : QString();
   const QPointer<TFileReader> self(this);
   if (stored != fileName_) {
     WhileInactive([this, &stored] {
