@@ -46,7 +46,7 @@ struct TOpenPanel {
 
 QAction* MenuItem(const TPanelWindow& window, const QString& text) {
   for (QAction* action : window.menuBar()->actions()[0]->menu()->actions()) {
-    if (action->text() == text) return action;
+    if (action->text().remove('&') == text) return action;
   }
   return nullptr;
 }
@@ -56,7 +56,7 @@ TEST(Panelwindow, ItsMenuSavesSettingsAndSamples) {
   auto* channel = open.Find<TDataChannel>("c");
   channel->SetScaleFactor(2.5);
   channel->SetTimeAndValue(1.0, 4.0);
-  MenuItem(open.window, "&Save")->trigger();
+  MenuItem(open.window, "Save")->trigger();
   const auto again = open.Reread();
   const auto* saved = again->Root()->findChild<TDataChannel*>("c");
   EXPECT_EQ(saved->GetScaleFactor(), 2.5);
@@ -128,9 +128,9 @@ TEST(Panelwindow, ShowsComponentsWithoutAFaceOnRequest) {
   auto* channel = open.Find<TDataChannel>("c");
   EXPECT_FALSE(channel->isVisible());
   EXPECT_TRUE(open.Find<TKorvalGraph>("g")->isVisible());
-  MenuItem(open.window, "Show &components")->trigger();
+  MenuItem(open.window, "Show components")->trigger();
   EXPECT_TRUE(channel->isVisible());
-  MenuItem(open.window, "Show &components")->trigger();
+  MenuItem(open.window, "Show components")->trigger();
   EXPECT_FALSE(channel->isVisible());
 }
 
