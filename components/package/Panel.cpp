@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QLabel>
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QUiLoader>
 #include <map>
@@ -76,6 +77,31 @@ class TFormLoader : public QUiLoader {
   std::map<TKey, QPointer<QWidget>> first_;
 };
 
+/// The files whose pictures a rich text or a style sheet shows.
+QStringList PicturesIn(const QString& text) {
+  static const QRegularExpression picture(
+      R"((?:url\s*\(|src\s*=)\s*["']?\s*(?:file://)?([^"')>\s]+))",
+      QRegularExpression::CaseInsensitiveOption);
+  QStringList names;
+  for (auto found = picture.globalMatch(text); found.hasNext();) names << found.next().captured(1);
+  return names;
+}
+
+/// The first file with a picture for the property that may have no end, such as a pipe.
+QString EndlessPicture(const TFormFile::TProperty& property, const QDir& folder) {
+  const QString& kind = property.Value.Kind;
+  const bool isPicture = kind == QLatin1String("pixmap") || kind == QLatin1String("iconset");
+  const QStringList names =
+      isPicture ? QStringList(property.Value.Text.trimmed()) : PicturesIn(property.Value.Text);
+  for (const QString& name : names) {
+    for (const QDir& from : {folder, QDir::current()}) {
+      const QFileInfo picture(from, name);
+      if (picture.exists() && !picture.isFile() && !picture.isDir()) return name;
+    }
+  }
+  return {};
+}
+
 /// What is wrong with the value of a property of the toolkit's own: its form loader would set
 /// something else without a word, or wait for a picture from a pipe. Empty if nothing is.
 QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property,
@@ -85,11 +111,8 @@ QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property
   if (!published.isValid()) return {};
   const int type = published.typeId();
   const QString& kind = property.Value.Kind;
-  if (kind == QLatin1String("pixmap") || kind == QLatin1String("iconset")) {
-    const QFileInfo picture(folder, property.Value.Text.trimmed());
-    const bool isOdd = picture.exists() && !picture.isFile() && !picture.isDir();
-    return isOdd ? QStringLiteral("'%1' is no file").arg(ShownText(property.Value)) : QString();
-  }
+  const QString endless = EndlessPicture(property, folder);
+  if (!endless.isEmpty()) return QStringLiteral("'%1' is no file").arg(endless);
   if ((type == QMetaType::QRect && kind != QLatin1String("rect")) ||
       (type == QMetaType::QSize && kind != QLatin1String("size"))) {
     return QStringLiteral("a %1 is not a %2").arg(kind, QLatin1String(published.typeName()));

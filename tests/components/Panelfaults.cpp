@@ -74,6 +74,12 @@ TEST(Panelfaults, EachIsOneLineAndTheRestWorks) {
       {"<widget class=\"QLabel\" name=\"l\">\n <property name=\"pixmap\"><pixmap>/dev/zero</pixmap>"
        "</property></widget>",
        "p.ui:6: l (QLabel): property pixmap: '/dev/zero' is no file"},
+      {"<widget class=\"QLabel\" name=\"l\">\n <property name=\"text\"><string>"
+       "&lt;img src='/dev/zero'&gt;</string></property></widget>",
+       "p.ui:6: l (QLabel): property text: '/dev/zero' is no file"},
+      {"<widget class=\"QLabel\" name=\"l\">\n <property name=\"styleSheet\"><string>"
+       "background-image: url( \"/dev/zero\" )</string></property></widget>",
+       "p.ui:6: l (QLabel): property styleSheet: '/dev/zero' is no file"},
       {"<layout class=\"QVBoxLayout\" name=\"rows\">\n <property name=\"leftMargin\"><number>"
        "-2000000000</number></property></layout>",
        "p.ui:6: rows (QVBoxLayout): property leftMargin: it is too large for any screen"},
