@@ -6,7 +6,8 @@ packages=(
   ca-certificates ccache clang clang-format clang-tidy cmake designer-qt6 fonts-liberation g++ git
   libclang-rt-14-dev libegl-dev libfast-float-dev libgl1-mesa-dri libglu1-mesa-dev libgl-dev
   libgmock-dev libgtest-dev libmeschach-dev libqt6opengl6-dev libqt6openglwidgets6 locales
-  ninja-build qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev qt6-tools-dev xauth xvfb
+  ninja-build qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev qt6-tools-dev tzdata xauth
+  xvfb
 )
 
 missing=()
