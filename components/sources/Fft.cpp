@@ -55,8 +55,8 @@ void FirstStages(int length, const int* reversed, const double* real, const doub
     const double imag1 = imagAt(at0) - imagAt(at1);
     const double imag2 = imagAt(at2) + imagAt(at3);
     const double imag3 = imagAt(at2) - imagAt(at3);
-    double* re = outReal + 4 * i;
-    double* im = outImag + 4 * i;
+    double* re = outReal + std::ptrdiff_t{4} * i;
+    double* im = outImag + std::ptrdiff_t{4} * i;
     re[0] = real0 + real2;
     re[1] = real1 - imag3;
     re[2] = real0 - real2;
@@ -160,8 +160,9 @@ void TRadix2Fft::Tabulate(int half) {
   for (int n = 0; n < half; ++n) {
     const double cos = w * cos1 - cos2;
     const double sin = w * sin1 - sin2;
-    cos_[static_cast<std::size_t>(half + n)] = cos;
-    sin_[static_cast<std::size_t>(half + n)] = sin;
+    const auto at = static_cast<std::size_t>(half) + static_cast<std::size_t>(n);
+    cos_[at] = cos;
+    sin_[at] = sin;
     cos2 = std::exchange(cos1, cos);
     sin2 = std::exchange(sin1, sin);
   }
