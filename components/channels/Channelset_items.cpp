@@ -224,9 +224,7 @@ void DrawChannelSource(QPainter& painter) {
 }  // namespace
 
 TChannelSource::TChannelSource(QWidget* parent) : TIconControl(parent) {
-  const QString image = QStringLiteral("ChannelSourceImage");
-  if (!HasIconImage(image)) RegisterIconImage(image, DrawChannelSource);
-  SetIconImage(image);
+  SetIconImage(ProvideIconImage(QStringLiteral("ChannelSourceImage"), DrawChannelSource));
   SetImageSize(QSize(17, 17));
 }
 

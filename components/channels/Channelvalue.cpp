@@ -21,9 +21,7 @@ void DrawTap(QPainter& painter) {
 }  // namespace
 
 TChannelValue::TChannelValue(QWidget* parent) : TCustomVariable(parent) {
-  const QString image = QStringLiteral("TChannelValue");
-  if (!HasIconImage(image)) RegisterIconImage(image, DrawTap);
-  SetIconImage(image);
+  SetIconImage(ProvideIconImage(QStringLiteral("TChannelValue"), DrawTap));
   connect(&link_, &TCustomChannelLink::OnData, this, &TChannelValue::BlockCame);
 }
 

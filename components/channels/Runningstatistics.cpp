@@ -23,9 +23,7 @@ void DrawMean(QPainter& painter) {
 }  // namespace
 
 TRunningStatistics::TRunningStatistics(QWidget* parent) : TCustomVariable(parent) {
-  const QString image = QStringLiteral("TRunningStatistics");
-  if (!HasIconImage(image)) RegisterIconImage(image, DrawMean);
-  SetIconImage(image);
+  SetIconImage(ProvideIconImage(QStringLiteral("TRunningStatistics"), DrawMean));
   connect(&reset_, &TClick::OnClick, this, &TRunningStatistics::ResetStatistics);
 }
 

@@ -34,9 +34,7 @@ void DrawStorage(QPainter& painter) {
 
 TStatsStorage::TStatsStorage(QWidget* parent)
     : TBlockStorage(parent), logger_(this, &QObject::staticMetaObject) {
-  const QString image = QStringLiteral("StatsStorageImage");
-  if (!HasIconImage(image)) RegisterIconImage(image, DrawStorage);
-  SetIconImage(image);
+  SetIconImage(ProvideIconImage(QStringLiteral("StatsStorageImage"), DrawStorage));
   SetImageSize(QSize(17, 17));
 }
 

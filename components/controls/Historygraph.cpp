@@ -23,9 +23,7 @@ void DrawHistory(QPainter& painter) {
 }  // namespace
 
 THistoryGraph::THistoryGraph(QWidget* parent) : TIconControl(parent) {
-  const QString image = QStringLiteral("THistoryGraph");
-  if (!HasIconImage(image)) RegisterIconImage(image, DrawHistory);
-  SetIconImage(image);
+  SetIconImage(ProvideIconImage(QStringLiteral("THistoryGraph"), DrawHistory));
   auto* history = graphLink_.AddSeries(std::make_unique<TSeries>());
   history->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
   history->DataSource = [this](int& index, TCoordinate& point, TCoordinate& extent) {

@@ -315,6 +315,11 @@ void RegisterIconImage(const QString& name, const TIconPainter& draw) {
   Images().insert(name, draw);
 }
 
+QString ProvideIconImage(const QString& name, const TIconPainter& draw) {
+  if (!HasIconImage(name)) RegisterIconImage(name, draw);
+  return name;
+}
+
 bool HasIconImage(const QString& name) { return Images().contains(name); }
 
 void DrawIconImage(QPainter& painter, const QRectF& box, const QString& name) {

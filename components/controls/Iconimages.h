@@ -14,6 +14,8 @@ using TIconPainter = std::function<void(QPainter& painter)>;
 
 /// Adds a picture, or replaces the one of this name.
 void RegisterIconImage(const QString& name, const TIconPainter& draw);
+/// Adds a picture if there is none of this name, and returns the name.
+QString ProvideIconImage(const QString& name, const TIconPainter& draw);
 bool HasIconImage(const QString& name);
 
 /// Draws a picture into the largest square in the middle of `box`. A name that ends in "Active",

@@ -9,18 +9,18 @@ namespace {
 
 constexpr int kInitialPoints = 1000;
 
-QString CaptionOf(const TChannel* channel) {
-  if (!channel) return {};
-  if (channel->GetUnits().isEmpty()) return channel->GetLabel();
-  return QStringLiteral("%1 [%2]").arg(channel->GetLabel(), channel->GetUnits());
-}
-
 void SetUpAxis(TAxis& axis, const QString& caption, TStatValue value) {
   axis.GetTitle()->SetCaption(caption);
   axis.SetScale(value == svTime ? TAxis::asTime : TAxis::asLinear);
 }
 
 }  // namespace
+
+QString AxisCaptionOf(const TChannel* channel) {
+  if (!channel) return {};
+  if (channel->GetUnits().isEmpty()) return channel->GetLabel();
+  return QStringLiteral("%1 [%2]").arg(channel->GetLabel(), channel->GetUnits());
+}
 
 TLinkedGraph::TLinkedGraph(QWidget* parent) : TIconControl(parent) {
   SetIconImage(QStringLiteral("TLinkedGraph"));
@@ -47,8 +47,8 @@ TLinkedGraph::TLinkedGraph(QWidget* parent) : TIconControl(parent) {
 }
 
 void TLinkedGraph::GetLabels() {
-  captionX_ = CaptionOf(link_.SelectedChannel1());
-  captionY_ = CaptionOf(link_.SelectedChannel2());
+  captionX_ = AxisCaptionOf(link_.SelectedChannel1());
+  captionY_ = AxisCaptionOf(link_.SelectedChannel2());
 }
 
 void TLinkedGraph::GraphChanged() {

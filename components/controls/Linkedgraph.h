@@ -7,6 +7,10 @@
 #include "components/links/Linkclasses.h"
 #include "components/links/Objlists.h"
 
+/// "Label [units]", or the label alone: the title of an axis along which the channel is plotted.
+/// Empty without a channel.
+QString AxisCaptionOf(const TChannel* channel);
+
 /// Plots one channel against another, or against time, in a graph: it collects a pair of values
 /// with each delivery of its link that brings something new. GUI thread only.
 class TLinkedGraph : public TIconControl {

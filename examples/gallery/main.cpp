@@ -5,17 +5,12 @@
 #include <QCommandLineParser>
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
+#include "examples/Rendering.h"
 #include "examples/gallery/Gallery.h"
 
 int main(int argc, char** argv) {
-  const bool renders = std::any_of(argv + 1, argv + argc, [](const char* argument) {
-    return std::strncmp(argument, "--render", 8) == 0;
-  });
-  if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
+  RenderWithoutDisplay(argc, argv);
   QApplication application(argc, argv);
 
   QCommandLineParser parser;

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <limits>
 
+#include "components/controls/Linkedgraph.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/Graphexport.h"
 
@@ -123,11 +124,7 @@ void THistoryView::SetChannel(TChannel* channel, const QString& setLabel) {
   setLabel_ = setLabel;
   caption_->setText(channel ? QStringLiteral("<b>%1: %2</b>").arg(setLabel, channel->GetLabel())
                             : QString());
-  const QString units = channel ? channel->GetUnits() : QString();
-  graph_->GetVerticalAx()->GetTitle()->SetCaption(
-      !channel          ? QString()
-      : units.isEmpty() ? channel->GetLabel()
-                        : QStringLiteral("%1 [%2]").arg(channel->GetLabel(), units));
+  graph_->GetVerticalAx()->GetTitle()->SetCaption(AxisCaptionOf(channel));
   shownCount_ = -1;
   ShowHistory();
 }

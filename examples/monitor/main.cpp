@@ -4,11 +4,10 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "examples/Numberoption.h"
+#include "examples/Rendering.h"
 #include "examples/monitor/Monitorpanel.h"
 
 namespace {
@@ -61,24 +60,16 @@ QString TCommandLine::Take(TMonitorOptions& options) const {
 int Render(TMonitorPanel& panel, const QString& file, double seconds, double ratio) {
   QTimer::singleShot(static_cast<int>(1000.0 * seconds), qApp, &QCoreApplication::quit);
   QApplication::exec();
-  QImage picture((QSizeF(panel.size()) * ratio).toSize(), QImage::Format_RGB32);
-  picture.setDevicePixelRatio(ratio);
-  panel.render(&picture);  // lays out what was never shown
+  Picture(panel, ratio);  // lays out what was never shown
   QCoreApplication::processEvents();
-  panel.render(&picture);
-  if (picture.save(file, "PNG")) return EXIT_SUCCESS;
+  if (Picture(panel, ratio).save(file, "PNG")) return EXIT_SUCCESS;
   return Fail(QStringLiteral("cannot write %1").arg(file));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const bool renders = std::any_of(argv + 1, argv + argc, [](const char* argument) {
-    return std::strncmp(argument, "--render", 8) == 0;
-  });
-  if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
+  RenderWithoutDisplay(argc, argv);
   QApplication application(argc, argv);
   TCommandLine line;
   line.parser.process(application);

@@ -4,32 +4,14 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QPixmap>
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
+#include "examples/Rendering.h"
 #include "examples/values/Valuespanel.h"
 
-namespace {
-
-/// The whole panel as a picture, `ratio` device pixels to a logical one.
-QImage Picture(QWidget& panel, double ratio) {
-  QImage picture((QSizeF(panel.size()) * ratio).toSize(), QImage::Format_RGB32);
-  picture.setDevicePixelRatio(ratio);
-  panel.render(&picture);
-  return picture;
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-  const bool renders = std::any_of(argv + 1, argv + argc, [](const char* argument) {
-    return std::strncmp(argument, "--render", 8) == 0;
-  });
-  if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  }
+  RenderWithoutDisplay(argc, argv);
   QApplication application(argc, argv);
 
   QCommandLineParser parser;

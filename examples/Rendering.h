@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+#include <algorithm>
+#include <cstring>
+
+/// To be called before the application is made: a program that is told to --render needs no
+/// display.
+inline void RenderWithoutDisplay(int argc, char** argv) {
+  const bool renders = std::any_of(argv + 1, argv + argc, [](const char* argument) {
+    return std::strncmp(argument, "--render", 8) == 0;
+  });
+  if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
+}
+
+/// The whole panel as a picture, `ratio` device pixels to a logical one.
+inline QImage Picture(QWidget& panel, double ratio) {
+  QImage picture((QSizeF(panel.size()) * ratio).toSize(), QImage::Format_RGB32);
+  picture.setDevicePixelRatio(ratio);
+  panel.render(&picture);
+  return picture;
+}
