@@ -291,7 +291,8 @@ class TChannelSets : public TPersistent {
   /// The labels, in order.
   QStringList Labels() const;
 
-  /// A new set at the end, with the label "ChannelSet" and its number from 1; null beyond kMaxSets.
+  /// A new set at the end, with the label "ChannelSet" and its number from 1, or a greater one that
+  /// is not taken; null beyond kMaxSets.
   TChannelSet* Add();
   /// Ignored outside the collection.
   void Delete(int index);

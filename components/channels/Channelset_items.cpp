@@ -105,7 +105,11 @@ QStringList TChannelSets::Labels() const {
 TChannelSet* TChannelSets::Add() {
   if (Count() >= kMaxSets) return nullptr;
   auto set = std::make_unique<TChannelSet>(Owner());
-  set->SetLabel(QStringLiteral("ChannelSet%1").arg(Count() + 1));
+  const QStringList taken = Labels();
+  const auto label = QStringLiteral("ChannelSet%1");
+  int number = Count() + 1;
+  while (taken.contains(label.arg(number))) ++number;
+  set->SetLabel(label.arg(number));
   TChannelSet* added = set.get();
   Put(std::move(set));
   emit OnChange(this);

@@ -140,12 +140,12 @@ void TStatHistory::UpdateStatistics(const TStatSet& block) {
   if (block.Time < current_.Time) Restart(block.Time);
   current_.Merge(block);
   current_.Time = block.Time;
-  if (block.Time >= end_) Complete(block.Time);
+  if (ReachesEnd(block.Time, end_)) Complete(block.Time);
 }
 
 void TStatHistory::UpdateStatistics(TStatHistory* shorter) {
   if (!Gather(*shorter)) return;
-  if (current_.Time >= end_) Complete(current_.Time);
+  if (ReachesEnd(current_.Time, end_)) Complete(current_.Time);
 }
 
 /// Takes all that the shorter history has not passed on; false if that is nothing.
@@ -188,7 +188,7 @@ void TStatHistory::AddToHistory(const TStatSet& record) {
   if (!next_) return;
   if (!next_->IsStarted()) next_->ResetTime(record.Time);
   // Which also begins the next interval there, as the record is of the time that ends this one.
-  if (record.Time >= next_->end_) next_->UpdateStatistics(this);
+  if (ReachesEnd(record.Time, next_->end_)) next_->UpdateStatistics(this);
 }
 
 void TStatHistory::PutFirst(const TStatSet& record) {
@@ -212,6 +212,7 @@ void TStatHistory::ResetTime(double time) {
   endBefore_ = end_;
   hasBefore_ = true;
   end_ = EndOf(interval_, time);
+  if (ReachesEnd(time, end_)) end_ = EndOf(interval_, end_);
   start_ = time;
 }
 
@@ -391,9 +392,13 @@ bool TChannelStatistics::GetCurrent(int index, TStatSet& record) const {
 
 TStatStatus TChannelStatistics::GetStatus() const {
   const std::lock_guard lock(mutex_);
-  TStatStatus worst = ssNone;
-  for (const auto& history : histories_) worst = std::max(worst, history->GetStatus());
-  return worst;
+  return histories_.front()->GetStatus();
+}
+
+TStatStatus TChannelStatistics::GetStatus(TStatInterval interval) const {
+  const std::lock_guard lock(mutex_);
+  const TStatHistory* history = Find(interval);
+  return history ? history->GetStatus() : ssNone;
 }
 
 const TStatHistory* TChannelStatistics::Find(TStatInterval interval) const {

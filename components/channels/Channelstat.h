@@ -278,8 +278,11 @@ class TChannelStatistics : public TPersistent {
   /// Copies the record that the history at `index` is accumulating. False, and nothing is copied,
   /// if there is no such history.
   [[nodiscard]] bool GetCurrent(int index, TStatSet& record) const;
-  /// The worst status of all histories.
+  /// The status of the shortest history, as one bad second is in the records of a day and a month,
+  /// too.
   TStatStatus GetStatus() const;
+  /// That of the history of an interval; ssNone if there is none.
+  TStatStatus GetStatus(TStatInterval interval) const;
   /// Points of the history and value that the options pick; see TStatHistory.
   bool ProvideGraphData(const TStatisticsOptions& options, int& index, TCoordinate& point,
                         TCoordinate& extent) const;

@@ -1,6 +1,7 @@
 #include "components/channels/Channelvalue.h"
 
 #include <QPainter>
+#include <algorithm>
 
 #include "components/controls/Iconimages.h"
 
@@ -37,7 +38,11 @@ void TChannelValue::BlockCame() {
 
 /// Nothing if the block has no statistics, or none of this channel.
 std::optional<double> TChannelValue::Present(const TChannel& channel) {
-  if (content_ == ctStatus) return static_cast<double>(channel.GetStats()->GetStatus());
+  if (content_ == ctStatus) {
+    const TChannelStatistics& stats = *channel.GetStats();
+    const TStatInterval interval = link_.GetOptions()->GetSelInterval();
+    return static_cast<double>(stats.GetStatus(std::max(interval, stats.GetMinInterval())));
+  }
   if (content_ == ctHistory) {
     if (link_.GetData() == TStatSet()) return {};
     return link_.GetData().ShownValue(link_.GetOptions()->GetValueType());

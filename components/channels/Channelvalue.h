@@ -16,7 +16,8 @@ class TChannelValue : public TCustomVariable {
   enum TContent : int {
     ctBlock,    ///< mean of the block: with blocks of one row, every measured value
     ctHistory,  ///< what the channel link selects
-    ctStatus    ///< 1 normal, 2 warning, 3 alarm: the worst of the channel's histories; 0 none yet
+    ctStatus    ///< 1 normal, 2 warning, 3 alarm, 0 none yet: of the history that the channel link
+                ///< selects, and of the shortest if that is longer
   };
   Q_ENUM(TContent)
 

@@ -58,6 +58,16 @@ QString IntervalText(TStatInterval interval) {
 
 bool IsHistoryTime(double time) { return time >= kFirstDay && time < kEndDay; }
 
+namespace {
+
+constexpr double kTolerance = 0.0005 / 86400.0;
+
+}  // namespace
+
+bool ReachesEnd(double time, double end) { return time >= end - kTolerance; }
+
+bool PassesEnd(double time, double end) { return time > end + kTolerance; }
+
 bool TStatSet::Merge(const TStatSet& other) {
   if (other.Count == 0.0) return true;
   const double count = Count + other.Count;

@@ -98,3 +98,8 @@ static_assert(sizeof(TStatSet) == 64);
 
 /// A time that histories take: days since 30 December 1899 within the years 1 to 9999.
 [[nodiscard]] bool IsHistoryTime(double time);
+
+/// Whether a time has reached the end of an interval, or lies behind it. Stamps are rounded, so
+/// what lacks half a millisecond is there.
+[[nodiscard]] bool ReachesEnd(double time, double end);
+[[nodiscard]] bool PassesEnd(double time, double end);

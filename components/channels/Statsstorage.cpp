@@ -10,10 +10,12 @@
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
 #include "model/Datetime.h"
+#include "model/Growingfile.h"
 
 namespace {
 
 constexpr double kSecondsPerDay = 86400.0;
+constexpr double kMoment = 0.001 / kSecondsPerDay;
 constexpr std::size_t kMaxHeaders =
     2 * std::size_t{TChannelSets::kMaxSets};  ///< remembered at a time
 
@@ -108,7 +110,7 @@ void TStatsStorage::LayoutChanged(TChannelSet& set) {
   TCollected& collected = sets_[&set];
   if (collected.header == header && collected.label == set.GetLabel()) return;
   // What has been collected is of the channels before.
-  Write(collected);
+  WriteOrKeep(collected);
   collected = {};
   collected.label = set.GetLabel();
   collected.header = header;
@@ -119,7 +121,7 @@ void TStatsStorage::Forget(TChannelSet& set) {
   const TLock lock(mutex_);
   const auto found = sets_.find(&set);
   if (found == sets_.end()) return;
-  Write(found->second);
+  WriteOrKeep(found->second);
   sets_.erase(found);
 }
 
@@ -127,54 +129,93 @@ void TStatsStorage::SaveBlock(TChannelSet& set) {
   const TLock lock(mutex_);
   const auto found = sets_.find(&set);
   if (found == sets_.end() || !set.CopyBlockStats(found->second.block)) return;
-  Collect(found->second);
-}
-
-void TStatsStorage::Collect(TCollected& collected) {
+  TCollected& collected = found->second;
   // Channels that have just come or gone are told of in a moment.
   if (collected.block.empty() || collected.block.size() != collected.sums.size()) return;
+  const TStatSet& block = collected.block.front();
+  if (!IsHistoryTime(block.Time)) return;
+  if (settings_.endTime > 0.0 && PassesEnd(block.Time, settings_.endTime)) return;
+  Collect(collected, block.Count / set.GetSampleRate() / kSecondsPerDay);
+}
+
+/// `duration` is that of the block, in days.
+void TStatsStorage::Collect(TCollected& collected, double duration) {
   const double time = collected.block.front().Time;
-  if (!IsHistoryTime(time) || (settings_.endTime > 0.0 && time > settings_.endTime)) return;
   const double length = settings_.saveInterval / kSecondsPerDay;
   const bool setBack = time < collected.due - length;
-  const bool afterPause = length > 0.0 && time > collected.due + length;
+  const bool afterPause = length > 0.0 && PassesEnd(time, collected.due + length);
   if (setBack || afterPause) Write(collected);
-  if (collected.empty) Begin(collected, time);
+  // After a pause, which counts as a part of the block, nobody knows when the block began.
+  const double known = duration > 2.0 * length ? std::min(duration, kMoment) : duration;
+  if (collected.empty) collected.due = EndAfter(time - known);
+  collected.empty = false;
   for (std::size_t i = 0; i < collected.sums.size(); ++i) {
     // A sensor that gives no number does not spoil the line.
     collected.sums[i].Merge(collected.block[i]);
   }
   collected.time = time;
-  if (time >= collected.due) Write(collected);
+  if (ReachesEnd(time, collected.due)) Write(collected);
 }
 
-void TStatsStorage::Begin(TCollected& collected, double time) const {
+/// The end of the interval that begins at a time, or holds it.
+double TStatsStorage::EndAfter(double start) const {
   const double length = settings_.saveInterval / kSecondsPerDay;
-  const double midnight = std::floor(time);
-  const double passed = length > 0.0 ? std::floor((time - midnight) / length) + 1.0 : 0.0;
-  collected.due = length > 0.0 ? std::min(midnight + passed * length, midnight + 1.0) : time;
-  collected.empty = false;
+  if (length == 0.0) return start;
+  double midnight = std::floor(start);
+  if (ReachesEnd(start, midnight + 1.0)) midnight += 1.0;
+  double passed = std::floor((start - midnight) / length) + 1.0;
+  if (ReachesEnd(start, midnight + passed * length)) passed += 1.0;
+  return std::min(midnight + passed * length, midnight + 1.0);
 }
 
-/// Writes what has been collected. What cannot be written is kept for the next time.
+/// Writes what has been collected, after what has waited. What cannot be written is kept for the
+/// next time.
 void TStatsStorage::Write(TCollected& collected) {
   if (collected.empty) return;
+  WriteWaiting();
+  if (!WriteLine(collected)) collected.due = EndAfter(collected.time);
+}
+
+/// False if it cannot be written; it is then as it was.
+bool TStatsStorage::WriteLine(TCollected& collected) {
   for (TStatSet& sum : collected.sums) sum.ComputeMoments();
   const QString fileName = FileName(collected);
   const QByteArray line = StatsLine(collected.time, collected.sums, settings_.doubleTime);
   QString reason;
   if (!Append(fileName, collected.header, line, reason)) {
-    Begin(collected, collected.time);
     SetStatus(QStringLiteral("Cannot write %1: %2").arg(fileName, reason));
-    return;
+    return false;
   }
   std::fill(collected.sums.begin(), collected.sums.end(), TStatSet());
   collected.empty = true;
   SetStatus(QStringLiteral("Saving to %1").arg(fileName));
+  return true;
+}
+
+/// For a set, or a layout of it, that adds nothing any more.
+void TStatsStorage::WriteOrKeep(TCollected& collected) {
+  Write(collected);
+  if (collected.empty) return;
+  const auto same = std::find_if(waiting_.begin(), waiting_.end(), [&](const TCollected& other) {
+    return other.label == collected.label && other.header == collected.header;
+  });
+  if (same == waiting_.end()) {
+    waiting_.push_back(std::move(collected));
+    return;
+  }
+  for (std::size_t i = 0; i < same->sums.size(); ++i) same->sums[i].Merge(collected.sums[i]);
+  same->time = std::max(same->time, collected.time);
+}
+
+void TStatsStorage::WriteWaiting() {
+  for (auto next = waiting_.begin(); next != waiting_.end();) {
+    next = WriteLine(*next) ? waiting_.erase(next) : next + 1;
+  }
 }
 
 void TStatsStorage::WriteAll() {
   const TLock lock(mutex_);
+  WriteWaiting();
   for (auto& [set, collected] : sets_) Write(collected);
 }
 
@@ -189,29 +230,14 @@ QString TStatsStorage::FileName(const TCollected& collected) const {
 bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
                            const QByteArray& line, QString& reason) {
   QFile file(fileName);
-  constexpr auto kMode = QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered;
-  if (!file.open(kMode) && !(QDir().mkpath(settings_.path) && file.open(kMode))) {
+  if (!file.open(kGrowing) && !(QDir().mkpath(settings_.path) && file.open(kGrowing))) {
     reason = file.errorString();
     return false;
   }
-  const qint64 size = file.size();
-  QByteArray text;
-  // A line that was cut when the program or the system broke off is closed first.
-  if (size > 0 && file.seek(size - 1) && file.read(1) != "\n") text += '\n';
   if (headers_.size() > kMaxHeaders) headers_.clear();
   QByteArray& last = headers_[fileName];
-  if (size == 0 || last != header) text += header;
-  text += line;
-  qint64 written = 0;
-  while (written < text.size()) {
-    const qint64 more = file.write(text.constData() + written, text.size() - written);
-    if (more <= 0) {
-      reason = file.errorString();
-      file.resize(size);
-      return false;
-    }
-    written += more;
-  }
+  const bool needsHeader = file.size() == 0 || last != header;
+  if (!AppendLines(file, needsHeader ? header + line : line, reason)) return false;
   last = header;
   return true;
 }

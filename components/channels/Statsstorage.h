@@ -12,7 +12,8 @@
 /// Stores the statistics of channel sets in text files, one for each day and set: see Statsfile.h.
 /// Blocks are merged until SaveInterval has passed; then a line is appended and handed to the
 /// system, so that the end of the program, however it comes, loses no line. What cannot be written,
-/// because the disk is full or the folder is gone, goes into the next line that can.
+/// because the disk is full or the folder is gone, goes into the next line that can; what belongs
+/// to a set that is gone, or to channels with other names, waits and has a line of its own then.
 ///
 /// Blocks come on the thread that sets rows; everything else is the GUI thread's.
 class TStatsStorage : public TBlockStorage {
@@ -93,7 +94,7 @@ class TStatsStorage : public TBlockStorage {
     std::vector<TStatSet> sums;
     std::vector<TStatSet> block;
     double time = 0.0;  ///< of the last block
-    double due = 0.0;   ///< end of the interval that is being collected
+    double due = 0.0;   ///< end of the interval that is being collected, or of the next one
     bool empty = true;
   };
   using TLock = std::lock_guard<std::mutex>;
@@ -102,9 +103,12 @@ class TStatsStorage : public TBlockStorage {
   template <class T>
   void Set(T TSettings::*field, const T& value);
   QString FileName(const TCollected& collected) const;
-  void Collect(TCollected& collected);
-  void Begin(TCollected& collected, double time) const;
+  void Collect(TCollected& collected, double duration);
+  double EndAfter(double start) const;
   void Write(TCollected& collected);
+  [[nodiscard]] bool WriteLine(TCollected& collected);
+  void WriteOrKeep(TCollected& collected);
+  void WriteWaiting();
   void WriteAll();
   [[nodiscard]] bool Append(const QString& fileName, const QByteArray& header,
                             const QByteArray& line, QString& reason);
@@ -114,6 +118,7 @@ class TStatsStorage : public TBlockStorage {
   mutable std::mutex mutex_;
   TSettings settings_;
   std::map<const TChannelSet*, TCollected> sets_;
+  std::vector<TCollected> waiting_;        ///< could not be written, and no set adds to it any more
   std::map<QString, QByteArray> headers_;  ///< the last one in each file
   QString status_;
   std::atomic<bool> active_ = false;

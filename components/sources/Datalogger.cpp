@@ -5,6 +5,7 @@
 
 #include "components/controls/Korvaltools.h"
 #include "model/Datetime.h"
+#include "model/Growingfile.h"
 
 namespace {
 
@@ -59,6 +60,7 @@ void TDataLogger::SetActive(bool active) {
   TStateControl::SetActive(active);
   file_.close();
   openedFor_.clear();
+  missing_ = 0;
   SetStatus(active ? QStringLiteral("Waiting for a row") : QStringLiteral("Stopped"));
 }
 
@@ -84,35 +86,47 @@ QByteArray TDataLogger::HeaderLine() const {
   return names.join(separator_).toUtf8() + '\n';
 }
 
+QByteArray TDataLogger::RowLine(double time, std::span<const double> values) const {
+  const TDateTime::TClock clock = TDateTime(time).Clock();
+  QByteArray line = clock.date.toString(Qt::ISODate).toLatin1() + ' ' +
+                    clock.time.toString(Qt::ISODateWithMs).toLatin1();
+  const QByteArray separator = separator_.toUtf8();
+  for (const double value : values) line += separator + QByteArray::number(value, 'g', digits_);
+  return line + '\n';
+}
+
 bool TDataLogger::OpenFor(double time) {
   const QString name = FormPath(this, NameAt(fileName_, time));
   if (file_.isOpen() && name == openedFor_) return true;
   file_.close();
-  file_.setFileName(NumberedName(name));
-  const bool isNew =
-      !QFileInfo::exists(file_.fileName()) || QFileInfo(file_.fileName()).size() == 0;
-  if (!file_.open(QIODevice::WriteOnly | QIODevice::Append)) return false;
+  // A file that could not be written for a while keeps its number.
+  if (name != openedFor_) file_.setFileName(NumberedName(name));
+  if (!file_.open(kGrowing)) return false;
   openedFor_ = name;
-  if (isNew && header_) file_.write(HeaderLine());
   return true;
+}
+
+/// False, with a reason, if the row cannot be written.
+bool TDataLogger::Append(double time, std::span<const double> values, QString& reason) {
+  if (!OpenFor(time)) {
+    reason = file_.errorString();
+    return false;
+  }
+  QByteArray lines = RowLine(time, values);
+  if (header_ && file_.size() == 0) lines.prepend(HeaderLine());
+  if (AppendLines(file_, lines, reason)) return true;
+  file_.close();
+  return false;
 }
 
 void TDataLogger::TakeRow(double time, std::span<const double> values) {
   if (!GetActive() || IsLoading()) return;
-  line_.clear();
-  const TDateTime::TClock clock = TDateTime(time).Clock();
-  line_ += clock.date.toString(Qt::ISODate).toLatin1();
-  line_ += ' ';
-  line_ += clock.time.toString(Qt::ISODateWithMs).toLatin1();
-  const QByteArray separator = separator_.toUtf8();
-  for (const double value : values) {
-    line_ += separator;
-    line_ += QByteArray::number(value, 'g', digits_);
-  }
-  line_ += '\n';
-  if (OpenFor(time) && file_.write(line_) == line_.size() && file_.flush()) {
-    return SetStatus(QStringLiteral("Writing %1").arg(file_.fileName()));
-  }
-  SetStatus(QStringLiteral("Cannot write %1: %2").arg(file_.fileName(), file_.errorString()));
-  file_.close();
+  QString reason;
+  const bool written = Append(time, values, reason);
+  QString status = written ? QStringLiteral("Writing %1").arg(file_.fileName())
+                           : QStringLiteral("Cannot write %1: %2").arg(file_.fileName(), reason);
+  if (!written) ++missing_;
+  if (missing_ == 1) status += QStringLiteral("; 1 row is missing");
+  if (missing_ > 1) status += QStringLiteral("; %1 rows are missing").arg(missing_);
+  SetStatus(status);
 }

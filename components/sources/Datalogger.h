@@ -7,8 +7,9 @@
 #include "components/sources/Rowsampler.h"
 
 /// Writes measured rows to text files: the time and one column per data control, a row whenever the
-/// last of its controls notifies, while it is Active. Each row is in the file at once. A file that
-/// cannot be written is told by the status, and tried again with each row. GUI thread only.
+/// last of its controls notifies, while it is Active. Each row is in the file at once, whole or not
+/// at all. A file that cannot be written is told by the status, and tried again with each row; the
+/// status says how many rows are missing. GUI thread only.
 ///
 /// The name of the file is made of FileName, in which %Y %m %d %H %M %S stand for the local time of
 /// the first row and %N for a number that makes the name new: "log-%Y%m%d.txt" is one file a day,
@@ -53,8 +54,10 @@ class TDataLogger : public TStateControl {
 
  private:
   void TakeRow(double time, std::span<const double> values);
-  bool OpenFor(double time);
   QByteArray HeaderLine() const;
+  QByteArray RowLine(double time, std::span<const double> values) const;
+  bool OpenFor(double time);
+  bool Append(double time, std::span<const double> values, QString& reason);
   void SetStatus(const QString& text);
 
   TRowSampler sampler_{this};
@@ -63,7 +66,7 @@ class TDataLogger : public TStateControl {
   bool header_ = true;
   int digits_ = 8;
   QFile file_;
-  QString openedFor_;  ///< the name, before its number, that file_ was opened for
-  QByteArray line_;    ///< kept to spare allocations
+  QString openedFor_;   ///< the name, before its number, that file_ was opened for
+  qint64 missing_ = 0;  ///< rows that could not be written since it is Active
   QString status_;
 };

@@ -97,7 +97,7 @@ void TChannelTable::ShowRow(int row, TStatInterval interval, bool live) {
   SetText(row, kMax, text(all.Count > 0.0, all.Max));
   SetText(row, kAverage, text(all.Count > 0.0, all.Mean));
 
-  const TStatusLook look = StatusLook(live ? StatusNow(*shown.channel) : ssNone);
+  const TStatusLook look = StatusLook(live ? shown.channel->GetStats()->GetStatus() : ssNone);
   SetText(row, kStatus, look.Text);
   item(row, kStatus)->setBackground(look.Ground);
   item(row, kStatus)->setForeground(look.Ink);

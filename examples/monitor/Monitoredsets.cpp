@@ -115,11 +115,6 @@ QString ValueText(TChannel& channel, double value) {
   return units.isEmpty() ? number : number + ' ' + units;
 }
 
-TStatStatus StatusNow(const TChannel& channel) {
-  const TChannelStatistics& statistics = *channel.GetStats();
-  return statistics.Count() > 0 ? statistics.Get(0)->GetStatus() : ssNone;
-}
-
 QString LimitsText(TChannel& channel) {
   const TLimits& limits = channel.GetStats()->GetLimits()->Values();
   QStringList sides;

@@ -23,7 +23,5 @@ double LatestValue(const TChannelSet& set, const TChannel& channel);
 /// A value as the channel shows it: number and unit. A number too long to be read has an exponent.
 QString ValueText(TChannel& channel, double value);
 
-/// How a channel stands to its limits: that of the last complete second.
-TStatStatus StatusNow(const TChannel& channel);
 /// What the limits are, such as "Alarm above 12 m/s, warning from 10.5 m/s on"; empty without any.
 QString LimitsText(TChannel& channel);

@@ -47,7 +47,7 @@ void TValueCard::ShowStatus(bool live) {
   TOneChannelLink& link = *value_->GetChannelLink();
   const TChannel* channel = link.SelectedChannel();
   link.SetEnabled(channel && live);
-  const TStatusLook look = StatusLook(channel && live ? StatusNow(*channel) : ssNone);
+  const TStatusLook look = StatusLook(channel && live ? channel->GetStats()->GetStatus() : ssNone);
   const QString sheet =
       QStringLiteral(
           "TValueCard { background: %1; border: 1px solid %2; border-radius: 4px; } "

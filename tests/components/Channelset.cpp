@@ -409,6 +409,16 @@ TEST(TChannel, SensorTypesHaveTheirTexts) {
   EXPECT_EQ(channel->GetUnits(), "g");
 }
 
+TEST(TChannelSets, NewSetsHaveLabelsOfTheirOwn) {
+  TChannelSource source;
+  TChannelSets& sets = *source.GetSets();
+  for (int i = 0; i < 3; ++i) sets.Add();
+  sets.Delete(0);
+  sets.GetItem(0)->SetLabel("ChannelSet4");
+  sets.Add();
+  EXPECT_EQ(sets.Labels(), QStringList({"ChannelSet4", "ChannelSet3", "ChannelSet5"}));
+}
+
 TEST(TChannelSource, FindsChannelsBySensorTypeSetBySet) {
   TChannelSource source;
   for (int i = 0; i < 2; ++i) {
@@ -416,7 +426,7 @@ TEST(TChannelSource, FindsChannelsBySensorTypeSetBySet) {
     channels->GetItem(i)->SetSensorType(TChannel::stWindSpeed);
     channels->GetItem(3)->SetSensorType(TChannel::stWindSpeed);
   }
-  EXPECT_EQ(source.GetSets()->GetItem(1)->GetLabel(), "ChannelSet2");
+  EXPECT_EQ(source.GetSets()->Labels(), QStringList({"ChannelSet1", "ChannelSet2"}));
   EXPECT_EQ(source.GetSensorTypes(),
             (std::set<TSensorType>{TChannel::stUnknown, TChannel::stWindSpeed}));
   std::vector<TChannel*> found;

@@ -113,6 +113,29 @@ TEST(TStatHistory, SixtyOneSecondsKeepSixtyAndReachTheMinutes) {
   EXPECT_EQ(minutes->StartTime(), minutes->Get(0).Time);
 }
 
+/// Stamps of whole seconds are not exact in days, nor is a clock to the tenth of a millisecond.
+TEST(TStatHistory, ABlockASecondMakesARecordASecond) {
+  for (const double early : {0.0, 0.0004}) {
+    SCOPED_TRACE(early);
+    TChannelStatistics statistics;
+    const double start = Day(2024, 5, 1) + 10 * kHour - early * kSecond;
+    for (int i = 0; i <= 3 * 3600; ++i) {
+      Add(statistics, Block(start + i * kSecond, i));
+      const TStatHistory& seconds = *statistics.Get(0);
+      if (i > 1) {
+        ASSERT_EQ(seconds.Get(0).Count, 1.0) << i;
+      }
+    }
+    // The first second began with a block, and the first minute and hour with that second.
+    const TStatHistory& minutes = *statistics.Get(1);
+    for (int i = 0; i < minutes.Count(); ++i) ASSERT_EQ(minutes.Get(i).Count, 60.0) << i;
+    const TStatHistory& hours = *statistics.Get(2);
+    ASSERT_EQ(hours.Count(), 3);
+    EXPECT_EQ(hours.Get(0).Count, 3600.0);
+    EXPECT_EQ(hours.Get(2).Count, 3601.0);
+  }
+}
+
 TEST(TStatHistory, MonthsAreThoseOfTheCalendar) {
   TChannelStatistics statistics;
   statistics.SetIntervals(si1_Day, si1_Year);
@@ -274,6 +297,28 @@ TEST(TStatHistory, StatusHasAWarningAndHysteresis) {
     history.CheckStatus();
     EXPECT_EQ(history.GetStatus(), c.status) << c.value;
   }
+}
+
+TEST(TChannelStatistics, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
+  TChannelStatistics statistics;
+  statistics.GetLimits()->SetLimitMax(100.0);
+  statistics.GetLimits()->SetCheckMax(true);
+  EXPECT_EQ(statistics.GetStatus(), ssNone);
+  const double start = Day(2024, 1, 15) + 22.5 * kHour;
+  TStatStatus bad = ssNone;
+  for (int i = 0; i < 7200; ++i) {
+    Add(statistics, Block(start + i * kSecond, i == 60 ? 101.0 : 0.0));
+    if (i == 60) bad = statistics.GetStatus();
+  }
+  EXPECT_EQ(bad, ssAlarm);
+  EXPECT_EQ(statistics.GetStatus(), ssNormal);
+  EXPECT_EQ(statistics.GetStatus(si1_Second), ssNormal);
+  EXPECT_EQ(statistics.GetStatus(si1_Hour), ssNormal);
+  EXPECT_EQ(statistics.GetStatus(si1_Day), ssAlarm);
+  EXPECT_EQ(statistics.GetStatus(si1_Month), ssNone);
+  statistics.SetIntervals(si1_Day, si1_Month);
+  EXPECT_EQ(statistics.GetStatus(), ssAlarm);
+  EXPECT_EQ(statistics.GetStatus(si1_Second), ssNone);
 }
 
 TEST(TChannelStatistics, AGraphShowsTheHistoryAndValueOfTheOptions) {

@@ -110,6 +110,9 @@ TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
     Row(at + 1.15, second.value, 0.0);
     EXPECT_EQ(status.GetValue(), second.status) << second.value;
   }
+  status.GetChannelLink()->GetOptions()->SetSelInterval(si1_Minute);
+  for (const double part : {1.2, 1.25}) Row(at + part, 0.0, 0.0);
+  EXPECT_EQ(status.GetValue(), 0.0);  // no minute is over
 }
 
 TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {

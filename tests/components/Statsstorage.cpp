@@ -8,13 +8,8 @@
 #include <QSignalSpy>
 #include <cmath>
 
-#ifdef Q_OS_UNIX
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
-
 #include "components/package/Panel.h"
+#include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -160,25 +155,6 @@ TEST(TStatsStorage, WaitsForAFolderThatHasGone) {
 
 #ifdef Q_OS_UNIX
 
-/// Files cannot grow beyond a size while it lives, as on a disk that is full.
-class TFullDisk {
- public:
-  explicit TFullDisk(qint64 bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = static_cast<rlim_t>(bytes);
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~TFullDisk() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_;
-  void (*handler_)(int);
-};
-
 TEST(TStatsStorage, WaitsForAFullDisk) {
   TStored stored;
   stored.storage->SetSaveInterval(0);
@@ -234,6 +210,59 @@ TEST(TStatsStorage, NewChannelsGetANewHeader) {
   EXPECT_EQ(content.Blocks[0].Layout, 0);
   EXPECT_EQ(content.Blocks[1].Layout, 1);
   EXPECT_EQ(content.Blocks[1].Channels[0].Mean, 2.0);
+}
+
+/// What is written once the folder is there again, by what happened to the set meanwhile.
+TEST(TStatsStorage, DropsNothingOfAFolderThatWasAwayWhateverChanges) {
+  using TChange = void (*)(TStored&);
+  const std::pair<const char*, TChange> changes[] = {
+      {"nothing", [](TStored&) {}},
+      {"label", [](TStored& stored) { stored.set->SetLabel("Hoist"); }},
+      {"channel label",
+       [](TStored& stored) { stored.set->GetChannels()->GetItem(0)->SetLabel("Force"); }},
+      {"unit", [](TStored& stored) { stored.set->GetChannels()->GetItem(0)->SetUnits("N"); }},
+      {"count", [](TStored& stored) { stored.set->SetCount(2); }},
+      {"storage", [](TStored& stored) { stored.set->SetStorage(nullptr); }},
+      {"set", [](TStored& stored) { stored.set = std::make_unique<TChannelSet>(); }},
+      {"switch", [](TStored& stored) { stored.storage->SetActive(false); }},
+  };
+  for (const auto& [name, change] : changes) {
+    SCOPED_TRACE(name);
+    WriteTestFile("stats", "a file where the folder is to be");
+    TStored stored;
+    stored.Block(1, 1.0);
+    for (int again = 0; again < 2; ++again) {
+      change(stored);
+      stored.Block(2 + again, 2.0);
+      stored.set->SetLabel("Crane");
+      stored.set->SetStorage(stored.storage.get());
+    }
+    ASSERT_TRUE(QFile::remove(TestFolder() + "/stats"));
+    stored.storage.reset();
+    double count = 0.0;
+    for (const QFileInfo& file : QDir(TestFolder() + "/stats").entryInfoList(QDir::Files)) {
+      for (const TStatsBlock& block : Content(file.filePath()).Blocks) {
+        count += block.Channels[0].Count;
+      }
+    }
+    EXPECT_GE(count, 2.0);
+    ASSERT_TRUE(QDir(TestFolder() + "/stats").removeRecursively());
+  }
+}
+
+/// Blocks of a second, as a clock stamps them whose seconds are not ours; the first has no line of
+/// its own, as nobody knows when it began.
+TEST(TStatsStorage, AnIntervalOfABlockHasALinePerBlock) {
+  for (const double phase : {0.0, 0.3, 0.9999}) {
+    SCOPED_TRACE(phase);
+    TStored stored;
+    stored.storage->SetSaveInterval(1);
+    for (int second = 1; second <= 600; ++second) stored.Block(second + phase, second);
+    const TStatsContent content = Content(stored.File());
+    EXPECT_GE(content.Blocks.size(), 599u);
+    for (const TStatsBlock& block : content.Blocks) EXPECT_EQ(block.Channels[0].Count, 2.0);
+    QFile::remove(stored.File());
+  }
 }
 
 TEST(TStatsStorage, WritesTheRestWhenEitherSideGoes) {

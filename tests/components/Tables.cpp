@@ -14,6 +14,7 @@
 #include "components/graphing/Formatsettings.h"
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
+#include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -299,6 +300,48 @@ TEST(TDataLogger, NumbersFilesAndTriesAgainAfterAFailure) {
   logger.SetActive(true);
   controls.Row(kNoon, 5, 6);
   EXPECT_EQ(logger.CurrentFile(), folder + "/run-0002.txt");
+}
+
+#ifdef Q_OS_UNIX
+
+TEST(TDataLogger, LeavesNoTornLineOnAFullDiskAndSaysWhatIsMissing) {
+  TDataLogger logger;
+  TTwoControls controls(logger.GetControls());
+  logger.SetFileName(TestFolder() + "/run-%N.txt");
+  logger.SetActive(true);
+  const auto row = [](int hour) { return QString("2025-12-09 %1:00:00.000\t1\t2\n").arg(hour); };
+  QString expected = "Time\ta\tb\n" + row(12);
+  for (const qint64 fits : {0, 1, 20, 27}) {  // of the next row's 28 bytes
+    SCOPED_TRACE(fits);
+    QFile::remove(TestFolder() + "/run-0001.txt");
+    logger.SetActive(false);
+    logger.SetActive(true);
+    controls.Row(kNoon, 1, 2);
+    {
+      const TFullDisk full(expected.size() + fits);
+      controls.Row(kNoon + 1.0 / 24.0, 1, 2);
+      controls.Row(kNoon + 2.0 / 24.0, 1, 2);
+    }
+    EXPECT_THAT(logger.GetStatusText().toStdString(),
+                AllOf(HasSubstr("Cannot write "), HasSubstr("; 2 rows are missing")));
+    EXPECT_EQ(Contents(TestFolder() + "/run-0001.txt"), expected);
+    controls.Row(kNoon + 3.0 / 24.0, 1, 2);
+    EXPECT_EQ(Contents(TestFolder() + "/run-0001.txt"), expected + row(15));
+    EXPECT_EQ(logger.GetStatusText(), "Writing " + logger.CurrentFile() + "; 2 rows are missing");
+    EXPECT_EQ(QDir(TestFolder()).entryList({"run-*"}), QStringList("run-0001.txt"));
+  }
+}
+
+#endif
+
+TEST(TDataLogger, ClosesALineThatACrashHasCut) {
+  TDataLogger logger;
+  TTwoControls controls(logger.GetControls());
+  logger.SetFileName(WriteTestFile("log.txt", "Time\ta\tb\n2025-12-09 11:0"));
+  logger.SetActive(true);
+  controls.Row(kNoon, 1, 2);
+  EXPECT_EQ(Contents(logger.CurrentFile()),
+            "Time\ta\tb\n2025-12-09 11:0\n2025-12-09 12:00:00.000\t1\t2\n");
 }
 
 }  // namespace
