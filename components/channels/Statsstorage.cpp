@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "components/controls/Iconimages.h"
-#include "components/controls/Korvaltools.h"
+#include "components/links/Outside.h"
 #include "model/Datetime.h"
 #include "model/Growingfile.h"
 
@@ -61,11 +61,22 @@ void TStatsStorage::SetLoggerName(const QString& name) {
 }
 
 void TStatsStorage::SetRootDir(const QString& folder) {
-  const QString path = FormPath(this, folder);
-  const TLock lock(mutex_);
-  settings_.rootDir = folder;
-  settings_.path = path;
+  Set(&TSettings::rootDir, folder);
+  UpdatePlace();
 }
+
+/// Writing has a thread of its own, which cannot ask the form.
+void TStatsStorage::UpdatePlace() {
+  const QString folder = GetRootDir();
+  const QString path = folder.isEmpty() ? FormFolder(this) : FormPath(this, folder);
+  const std::optional<QString> place = WritePlace(this, Wishes().front());
+  const TLock lock(mutex_);
+  settings_.path = path;
+  settings_.place = place;
+  if (!place) SetStatus(QStringLiteral("Cannot write into %1: %2").arg(path, NoPlaceText(this)));
+}
+
+void TStatsStorage::AddWishes(TWishes& wishes) const { AddFolderWish(wishes, this, GetRootDir()); }
 
 void TStatsStorage::SetFilePrefix(const QString& prefix) { Set(&TSettings::filePrefix, prefix); }
 void TStatsStorage::SetAutoPrefix(bool on) { Set(&TSettings::autoPrefix, on); }
@@ -90,7 +101,10 @@ void TStatsStorage::SetActive(bool active) {
 void TStatsStorage::Loaded() {
   logger_.GetComponentsByNames();
   TBlockStorage::Loaded();
+  UpdatePlace();
 }
+
+void TStatsStorage::Started() { UpdatePlace(); }
 
 QString TStatsStorage::GetStatus() const {
   const TLock lock(mutex_);
@@ -128,7 +142,7 @@ void TStatsStorage::Forget(TChannelSet& set) {
 void TStatsStorage::SaveBlock(TChannelSet& set) {
   const TLock lock(mutex_);
   const auto found = sets_.find(&set);
-  if (found == sets_.end() || !set.CopyBlockStats(found->second.block)) return;
+  if (!settings_.place || found == sets_.end() || !set.CopyBlockStats(found->second.block)) return;
   TCollected& collected = found->second;
   // Channels that have just come or gone are told of in a moment.
   if (collected.block.empty() || collected.block.size() != collected.sums.size()) return;
@@ -229,6 +243,9 @@ QString TStatsStorage::FileName(const TCollected& collected) const {
 
 bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
                            const QByteArray& line, QString& reason) {
+  reason = settings_.place ? PlaceRefusal(fileName, *settings_.place)
+                           : QStringLiteral("the place is not allowed");
+  if (!reason.isEmpty()) return false;
   QFile file(fileName);
   if (!file.open(kGrowing) && !(QDir().mkpath(settings_.path) && file.open(kGrowing))) {
     reason = file.errorString();

@@ -4,6 +4,7 @@
 #include <QString>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "components/channels/Channelset.h"
@@ -37,7 +38,8 @@ class TStatsStorage : public TBlockStorage {
   QString GetLoggerName() const { return logger_.GetNames().value(0); }
   void SetLoggerName(const QString& name);
 
-  /// The folder, made when it is needed; the present one if it is empty.
+  /// The folder, made when it is needed. If it is empty, the folder of the form, or the present one
+  /// if no form brought the storage.
   QString GetRootDir() const { return Settings().rootDir; }
   void SetRootDir(const QString& folder);
   /// Files are named prefix + "20240531" + "." + FileExt, in the days of the lines' times. With
@@ -71,7 +73,9 @@ class TStatsStorage : public TBlockStorage {
   void LayoutChanged(TChannelSet& set) override;
   void Forget(TChannelSet& set) override;
 
+  void AddWishes(TWishes& wishes) const override;
   void Loaded() override;
+  void Started() override;
 
  signals:
   void OnStatusChanged(QObject* sender);
@@ -79,7 +83,8 @@ class TStatsStorage : public TBlockStorage {
  private:
   struct TSettings {
     QString rootDir;
-    QString path;  ///< of the folder
+    QString path;                              ///< of the folder
+    std::optional<QString> place = QString();  ///< where files may be written, see WritePlace
     QString filePrefix;
     bool autoPrefix = true;
     QString fileExt = QStringLiteral("csv");
@@ -102,6 +107,7 @@ class TStatsStorage : public TBlockStorage {
   TSettings Settings() const;
   template <class T>
   void Set(T TSettings::*field, const T& value);
+  void UpdatePlace();
   QString FileName(const TCollected& collected) const;
   void Collect(TCollected& collected, double duration);
   double EndAfter(double start) const;

@@ -6,7 +6,7 @@
 
 #include "components/channels/Channelset.h"
 #include "components/controls/Iconimages.h"
-#include "components/controls/Korvaltools.h"
+#include "components/links/Outside.h"
 
 namespace {
 
@@ -89,7 +89,7 @@ void TQLXClient::SetAutoConnect(bool autoConnect) {
 }
 
 void TQLXClient::UpdateReconnect() {
-  if (!IsLoading()) reconnect_.SetEnabled(autoConnect_ && !GetActive());
+  if (!IsWaiting()) reconnect_.SetEnabled(autoConnect_ && !GetActive());
 }
 
 void TQLXClient::Reconnect(QObject* sender) {
@@ -98,7 +98,7 @@ void TQLXClient::Reconnect(QObject* sender) {
 }
 
 void TQLXClient::SetActive(bool active) {
-  if (IsLoading()) {
+  if (IsWaiting()) {
     activeWhenLoaded_ = active;
   } else if (!active) {
     Close();
@@ -141,17 +141,24 @@ TChannelSets* TQLXClient::GetSets() const {
 }
 
 void TQLXClient::SetLogging(bool logging) {
-  if (IsLoading()) {
+  if (IsWaiting()) {
     loggingWhenLoaded_ = logging;
     return;
   }
   log_.reset();
-  if (!logging || logFile_.isEmpty()) return;
+  if (logging) OpenLog(QIODevice::Truncate);
+}
+
+void TQLXClient::OpenLog(QIODevice::OpenMode mode) {
+  if (logFile_.isEmpty()) return;
   const QString path = FormPath(this, logFile_);
+  TWishes wishes;
+  AddWriteWish(wishes, this, logFile_);
+  if (const QString why = WriteRefusal(this, wishes, path); !why.isEmpty()) return CannotLog(why);
   if (!MayLogInto(path)) return CannotLog(QStringLiteral("it is being read"));
   auto log = std::make_unique<QFile>(path);
   // Without a buffer nothing is lost in a crash, and a full disk shows at once.
-  if (!log->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+  if (!log->open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode)) {
     return CannotLog(log->errorString());
   }
   log_ = std::move(log);
@@ -179,8 +186,15 @@ void TQLXClient::Received(QByteArrayView text) {
 void TQLXClient::Loaded() {
   source_.GetComponentsByNames();
   TIconControl::Loaded();
+  Started();
+}
+
+void TQLXClient::AddWishes(TWishes& wishes) const { AddWriteWish(wishes, this, logFile_); }
+
+void TQLXClient::Started() {
+  if (IsWaiting()) return;
   const QPointer<TQLXClient> self(this);
-  if (std::exchange(loggingWhenLoaded_, false)) SetLogging(true);
+  if (std::exchange(loggingWhenLoaded_, false)) OpenLog(QIODevice::Append);
   if (self && std::exchange(activeWhenLoaded_, false)) SetActive(true);
   if (self) UpdateReconnect();
 }

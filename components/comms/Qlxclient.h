@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QIODevice>
 #include <memory>
 
 #include "components/controls/Compbase.h"
@@ -36,7 +37,7 @@ class TQLXClient : public TIconControl {
   /// Set while the form is being read, it takes effect once the form is complete.
   virtual void SetActive(bool active);
   /// What forms store: until the form is complete, whether the client will become active then.
-  bool IsSwitchedOn() const { return IsLoading() ? activeWhenLoaded_ : GetActive(); }
+  bool IsSwitchedOn() const { return IsWaiting() ? activeWhenLoaded_ : GetActive(); }
 
   /// Where the rows go; null for none. Not owned, may go first.
   TChannelSource* GetChannelSource() const;
@@ -45,18 +46,21 @@ class TQLXClient : public TIconControl {
   QString GetChannelSourceName() const { return source_.GetNames().value(0); }
   void SetChannelSourceName(const QString& name);
 
-  /// The file that logging creates; a new name counts from the next SetLogging on.
+  /// The file that logging writes; a new name counts from the next SetLogging on.
   const QString& GetLogFile() const { return logFile_; }
   void SetLogFile(const QString& fileName) { logFile_ = fileName; }
   /// Whether everything that comes is appended, unchanged, to the log.
   bool GetLogging() const { return log_ != nullptr || loggingWhenLoaded_; }
-  /// Closes the log; switched on with a LogFile, begins a new one in its place. A log that cannot
-  /// be written is told by the status text, and logging is off.
+  /// Closes the log; switched on with a LogFile, begins a new one in its place, unless it is a form
+  /// that switches it on: then an earlier one is continued. A log that cannot be written is told by
+  /// the status text, and logging is off.
   void SetLogging(bool logging);
 
   const QString& GetStatus() const { return status_; }
 
+  void AddWishes(TWishes& wishes) const override;
   void Loaded() override;
+  void Started() override;
 
  signals:
   void OnActiveChanged(QObject* sender);
@@ -91,6 +95,7 @@ class TQLXClient : public TIconControl {
 
  private:
   void Reconnect(QObject* sender);
+  void OpenLog(QIODevice::OpenMode mode);
   void CannotLog(const QString& reason);
 
   bool autoConnect_ = false;

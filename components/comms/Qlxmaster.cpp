@@ -40,6 +40,11 @@ void TQLXMasterClient::SetChSet(const TSelectedCollItem* selection) {
   if (selection) chSet_.SetItem(selection->GetItem());
 }
 
+void TQLXMasterClient::AddWishes(TWishes& wishes) const {
+  TQLXClient::AddWishes(wishes);
+  AddPortWish(wishes, port_.GetPortNum());
+}
+
 void TQLXMasterClient::SourceChanged() {
   if (!GetChannelSource()) return chSet_.SetCollection({});
   chSet_.SetCollection([this] {

@@ -29,6 +29,8 @@ class TQLXMasterClient : public TQLXClient {
   TSelectedCollItem* GetChSet() { return &chSet_; }
   void SetChSet(const TSelectedCollItem* selection);
 
+  void AddWishes(TWishes& wishes) const override;
+
   /// True while the port is open.
   bool GetActive() const override { return port_.GetConnected(); }
 

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "components/comms/Portdialog.h"
+#include "components/links/Outside.h"
 
 namespace {
 
@@ -42,9 +43,12 @@ void TQLXPort::SetConnected(bool connected) {
 
 void TQLXPort::Open() {
   if (connected_) return;
+  if (const QString why = RestRefusal(this); !why.isEmpty()) {
+    return FailToOpen(QStringLiteral("Cannot open %1: %2").arg(GetPortNum(), why));
+  }
   driver_ = makeDriver_();
   connected_ = driver_->Open(GetPortNum());
-  if (!connected_ || !SetupComPort()) return FailToOpen();
+  if (!connected_ || !SetupComPort()) return FailToOpen(driver_->ErrorText());
   errorText_.clear();
   ForgetBytes();
   const QPointer<TQLXPort> self(this);
@@ -59,8 +63,8 @@ bool TQLXPort::SetupComPort() {
   return true;
 }
 
-void TQLXPort::FailToOpen() {
-  errorText_ = driver_->ErrorText();
+void TQLXPort::FailToOpen(const QString& reason) {
+  errorText_ = reason;
   driver_.reset();
   connected_ = autoRun_ = false;
   readTimer_.SetEnabled(false);
@@ -314,6 +318,9 @@ double TQLXPort::StopWatchTime() const {
 void TQLXPort::ShowSetupDialog(QWidget* parent) { RunPortSetupDialog(*this, parent); }
 
 QString TQLXPort::TryDevice(const TQLXSettings& settings) const {
+  if (const QString why = RestRefusal(this); !why.isEmpty()) {
+    return QStringLiteral("Cannot open %1: %2.").arg(settings.GetPortNum(), why);
+  }
   TQLXPort trial(nullptr, makeDriver_);
   trial.Assign(&settings);
   trial.Open();

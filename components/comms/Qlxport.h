@@ -101,7 +101,7 @@ class TQLXPort : public TQLXSettings {
 
  private:
   bool SetupComPort();
-  void FailToOpen();
+  void FailToOpen(const QString& reason);
   void ForgetBytes();
   /// The device streams; a mode that is set during AutoRun counts from the next one on.
   bool Streams() const { return (autoRun_ ? runMode_ : GetControlQLX()) == sfcHardware; }

@@ -3,6 +3,8 @@
 #include <QNetworkProxy>
 #include <QTcpSocket>
 
+#include "components/links/Outside.h"
+
 TQLXClientSocket::TQLXClientSocket(QObject* owner)
     : TPersistent(owner), socket_(std::make_unique<QTcpSocket>()) {
   socket_->setProxy(QNetworkProxy::NoProxy);
@@ -49,6 +51,10 @@ void TQLXClientSocket::Open() {
   }
   if (port_ == 0) {
     emit OnError(this, QStringLiteral("no port is set"));
+    return;
+  }
+  if (const QString why = RestRefusal(this); !why.isEmpty()) {
+    emit OnError(this, why);
     return;
   }
   const QPointer<TQLXClientSocket> self(this);

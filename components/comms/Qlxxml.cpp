@@ -3,7 +3,7 @@
 #include <QFileInfo>
 
 #include "components/comms/Qlxwebdebug.h"
-#include "components/controls/Korvaltools.h"
+#include "components/links/Outside.h"
 
 namespace {
 
@@ -31,6 +31,11 @@ TQLXXMLClient::TQLXXMLClient(QWidget* parent)
 TQLXXMLClient::~TQLXXMLClient() {
   socket_.disconnect(this);
   SendCommand("quit");
+}
+
+void TQLXXMLClient::AddWishes(TWishes& wishes) const {
+  TQLXClient::AddWishes(wishes);
+  AddConnectWish(wishes, socket_.GetPeer(), socket_.GetPort());
 }
 
 QString TQLXXMLClient::GetAddressString() const {
@@ -115,9 +120,17 @@ void TXMLFileClient::SetReadInterval(int milliseconds) {
   read_.SetInterval(static_cast<quint32>((qint64{milliseconds} + 5) / 10));
 }
 
+void TXMLFileClient::AddWishes(TWishes& wishes) const {
+  TQLXClient::AddWishes(wishes);
+  AddReadWish(wishes, this, fileName_);
+}
+
 void TXMLFileClient::Open() {
   if (file_) return;
   const QString path = FormPath(this, fileName_);
+  if (const QString why = ReadRefusal(this, path); !why.isEmpty()) {
+    return SetStatus(QStringLiteral("Cannot read %1: %2").arg(fileName_, why));
+  }
   const QFileInfo info(path);
   if (!info.exists()) {
     return SetStatus(QStringLiteral("File '%1' does not exist").arg(fileName_));

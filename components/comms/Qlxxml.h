@@ -27,6 +27,8 @@ class TQLXXMLClient : public TQLXClient {
   TClick* GetServerCom() { return &serverCom_; }
   void SetServerCom(const TClick* click) { serverCom_.Assign(click); }
 
+  void AddWishes(TWishes& wishes) const override;
+
   /// True while the connection stands.
   bool GetActive() const override { return socket_.GetConnected(); }
 
@@ -81,6 +83,8 @@ class TXMLFileClient : public TQLXClient {
   /// Moves the rows of each package to the clock of this machine.
   bool GetUseLocalTime() const { return package_.UseLocalTime; }
   void SetUseLocalTime(bool local) { package_.UseLocalTime = local; }
+
+  void AddWishes(TWishes& wishes) const override;
 
   /// True while the file is open.
   bool GetActive() const override { return file_ != nullptr; }

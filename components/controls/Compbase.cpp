@@ -49,6 +49,12 @@ bool IsLoading(const QObject* object) {
 
 TComponentControl::TComponentControl(QWidget* parent) : QWidget(parent) { UpdateVisibility(); }
 
+TWishes TComponentControl::Wishes() const {
+  TWishes wishes;
+  AddWishes(wishes);
+  return wishes;
+}
+
 void TComponentControl::SetVisible(bool visible) {
   if (visible == visible_) return;
   visible_ = visible;

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QWidget>
 
+#include "components/links/Outside.h"
+
 /// Places of picture and caption in an icon control, in its own coordinates.
 struct TIconLayout {
   QRect icon;     ///< null if there is none
@@ -32,6 +34,16 @@ class TComponentControl : public QWidget {
   /// To be called once all components of the form have their properties. Descendants look up here
   /// the components that they know by name, and call their base last, which ends the loading.
   virtual void Loaded() { loading_ = false; }
+
+  /// What it wants from outside its panel, by its present properties, whether it is switched on or
+  /// not: everything that it may ever connect to, open, write, or read elsewhere.
+  virtual void AddWishes(TWishes& wishes) const {Q_UNUSED(wishes)} TWishes Wishes() const;
+  /// It wants something, and its panel is at rest: setters store, as while its form is being read.
+  bool IsHeld() const { return IsAtRest(this) && !Wishes().empty(); }
+  /// Whether a switch that is thrown is only remembered.
+  bool IsWaiting() const { return IsLoading() || IsHeld(); }
+  /// To be called when a panel that was at rest has been started: does what its properties say.
+  virtual void Started() {}
 
   /// Shows only what may be seen, see the class.
   void setVisible(bool visible) override;

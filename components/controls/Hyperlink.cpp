@@ -10,6 +10,7 @@
 
 #include "components/controls/Korvaltools.h"
 #include "components/controls/Textaccess.h"
+#include "components/links/Outside.h"
 #include "model/Message.h"
 
 namespace {
@@ -100,10 +101,16 @@ QUrl THyperlink::Target() const {
   return QUrl::fromUserInput(url_, QDir(FormPath(this, QStringLiteral("."))).absolutePath());
 }
 
+void THyperlink::AddWishes(TWishes& wishes) const {
+  const QUrl target = url_.trimmed().isEmpty() ? QUrl() : Target();
+  if (target.isLocalFile()) AddFollowWish(wishes, this, target.toLocalFile());
+}
+
 void THyperlink::Open() {
   const auto refuse = [this](const QString& why) {
-    ShowMessage(QStringLiteral("Cannot open %1: %2").arg(url_.left(200), why));
+    ShowMessage(QStringLiteral("Cannot open %1: %2").arg(ShownName(url_), why));
   };
+  if (const QString why = RestRefusal(this); !why.isEmpty()) return refuse(why);
   const QUrl target = Target();
   if (url_.trimmed().isEmpty() || !target.isValid()) {
     return refuse(QStringLiteral("it is no address"));
@@ -111,6 +118,10 @@ void THyperlink::Open() {
   static const QStringList schemes = {"http", "https", "mailto", "file"};
   if (!schemes.contains(target.scheme().toLower())) {
     return refuse(QStringLiteral("links to %1: are not followed").arg(target.scheme()));
+  }
+  if (const QString why = FollowRefusal(this, target.toLocalFile());
+      target.isLocalFile() && !why.isEmpty()) {
+    return refuse(why);
   }
   if (!QDesktopServices::openUrl(target)) {
     return refuse(QStringLiteral("the system has no program for it"));

@@ -46,6 +46,8 @@ class THyperlink : public TCustomTextControl {
   /// and files are opened; anything else, and a failure, is told to the user.
   void Open();
 
+  void AddWishes(TWishes& wishes) const override;
+
   /// The caption; without one the URL.
   QString Text() const override;
 

@@ -11,6 +11,7 @@
 
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
+#include "components/links/Outside.h"
 
 namespace {
 
@@ -76,8 +77,26 @@ TCustomImageControl::TCustomImageControl(QWidget* parent) : TComponentControl(pa
 void TCustomImageControl::SetImageFile(const QString& fileName) {
   if (fileName == imageFile_) return;
   imageFile_ = fileName;
+  ReadImage();
+}
+
+void TCustomImageControl::AddWishes(TWishes& wishes) const {
+  AddReadWish(wishes, this, imageFile_);
+}
+
+void TCustomImageControl::Started() {
+  if (!Wishes().empty()) ReadImage();
+}
+
+void TCustomImageControl::ReadImage() {
   const QString oldFault = std::exchange(fault_, QString());
-  picture_ = fileName.isEmpty() ? QImage() : ReadPicture(FormPath(this, fileName), &fault_);
+  const QString path = FormPath(this, imageFile_);
+  picture_ = QImage();
+  if (const QString refusal = ReadRefusal(this, path); !refusal.isEmpty()) {
+    fault_ = QStringLiteral("Cannot read %1: %2").arg(path, refusal);
+  } else if (!path.isEmpty()) {
+    picture_ = ReadPicture(path, &fault_);
+  }
   if (toolTip() == oldFault) setToolTip(fault_);
   updateGeometry();
   MakeShown();

@@ -46,6 +46,9 @@ class TCustomImageControl : public TComponentControl {
   /// Why there is none though a file is named; empty otherwise.
   const QString& Fault() const { return fault_; }
 
+  void AddWishes(TWishes& wishes) const override;
+  void Started() override;
+
   /// The size of the picture, within reason, or 81 x 81.
   QSize sizeHint() const override;
 
@@ -59,6 +62,7 @@ class TCustomImageControl : public TComponentControl {
   QRectF PictureRect() const;
   void DrawPicture(QPainter& painter);
   void DrawFault(QPainter& painter) const;
+  void ReadImage();
   void MakeShown();
 
   QString imageFile_;

@@ -1,11 +1,9 @@
 #include "components/controls/Korvaltools.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QSet>
-#include <QVariant>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
@@ -14,8 +12,6 @@ namespace {
 
 const QColor kLight(255, 255, 255);
 const QColor kDark(128, 128, 128);
-
-constexpr const char* kFolder = "formFolder";
 
 /// Marked objects; null stands for everything.
 QSet<const QObject*>& Designed() {
@@ -83,17 +79,6 @@ QPolygonF TSharpPen::Map(std::span<const QPoint> points) const {
   result.reserve(static_cast<qsizetype>(points.size()));
   for (const QPoint& point : points) result.append(Map(point));
   return result;
-}
-
-void SetFormFolder(QObject& form, const QString& folder) { form.setProperty(kFolder, folder); }
-
-QString FormPath(const QObject* component, const QString& fileName) {
-  if (fileName.isEmpty()) return fileName;
-  for (; component; component = component->parent()) {
-    const QVariant folder = component->property(kFolder);
-    if (folder.isValid()) return QDir(folder.toString()).filePath(fileName);
-  }
-  return fileName;
 }
 
 QEvent::Type TDesignModeEvent::Kind() {

@@ -65,13 +65,6 @@ bool IsDesignMode(const QObject* object);
 /// Each widget to which this may matter is sent a TDesignModeEvent.
 void SetDesignMode(QObject* object, bool design);
 
-/// Relative file names in the properties of a form's components are meant from the folder of its
-/// file. Whoever reads a form tells its topmost object that folder.
-void SetFormFolder(QObject& form, const QString& folder);
-/// The name as the program opens it: a relative one in the folder of the form in which the
-/// component stands, or as it is if that is not known.
-QString FormPath(const QObject* component, const QString& fileName);
-
 /// Tells a widget to look at IsDesignMode again.
 class TDesignModeEvent : public QEvent {
  public:

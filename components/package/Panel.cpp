@@ -283,7 +283,7 @@ bool TPanelReader::MakeWidgets() {
     Fault(1, loader_.errorString());
     return false;
   }
-  SetFormFolder(*panel_.root_, QFileInfo(panel_.fileName_).absolutePath());
+  BeginForm(*panel_.root_, QFileInfo(panel_.fileName_).absolutePath());
   return true;
 }
 
@@ -462,10 +462,40 @@ int FirstForeignLine(QByteArrayView bytes) {
   return 0;
 }
 
+/// Those without a name, too. Each may destroy another.
+std::vector<QPointer<TComponentControl>> AllComponents(QWidget* root) {
+  std::vector<QPointer<TComponentControl>> result;
+  if (auto* component = qobject_cast<TComponentControl*>(root)) result.emplace_back(component);
+  for (auto* component :
+       root ? root->findChildren<TComponentControl*>() : QList<TComponentControl*>()) {
+    result.emplace_back(component);
+  }
+  return result;
+}
+
 }  // namespace
 
 TPanel::~TPanel() {
   if (root_ && !root_->parent()) delete root_;
+}
+
+TWishes TPanel::Wishes() const {
+  TWishes wishes;
+  std::set<QString> seen;
+  for (const QPointer<TComponentControl>& component : AllComponents(root_)) {
+    for (TWish& wish : component->Wishes()) {
+      if (seen.insert(wish.Text + '\n' + wish.Place).second) wishes.push_back(std::move(wish));
+    }
+  }
+  return wishes;
+}
+
+void TPanel::Start() {
+  if (!IsAtRest()) return;
+  StartForm(*root_, Wishes());
+  for (const QPointer<TComponentControl>& component : AllComponents(root_)) {
+    if (component) component->Started();
+  }
 }
 
 std::unique_ptr<TPanel> TPanel::FromText(const QString& text, const QString& fileName,
@@ -589,7 +619,6 @@ bool TPanel::Save(const QString& fileName, QString* error) {
   const QByteArray text = Text().toUtf8();
   if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
     fileName_ = fileName;
-    if (root_) SetFormFolder(*root_, QFileInfo(fileName).absolutePath());
     return true;
   }
   if (error) *error = QStringLiteral("Cannot write %1: %2").arg(fileName, file.errorString());

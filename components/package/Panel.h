@@ -9,11 +9,15 @@
 #include <span>
 #include <vector>
 
+#include "components/links/Outside.h"
 #include "components/package/Formfile.h"
 #include "components/package/Registry.h"
 
-/// A panel: the widgets of a form file with the components among them, connected and running. GUI
-/// thread only.
+/// A panel: the widgets of a form file with the components among them, connected, and running once
+/// it has been started. GUI thread only.
+///
+/// A panel that has been read is at rest: its components do all that stays inside it, but they
+/// connect to nothing, open no port, write no file and read none outside its folder.
 ///
 /// What is wrong in a file is told in one sentence each, "FILE:LINE: component: property: what",
 /// and the rest works: an unknown class leaves a placeholder, a property that cannot be set keeps
@@ -26,6 +30,13 @@ class TPanel {
                                           QStringList* faults);
   static std::unique_ptr<TPanel> Load(const QString& fileName, QStringList* faults);
   ~TPanel();
+
+  /// What its components want from outside, each thing once, in the order of the file.
+  TWishes Wishes() const;
+  bool IsAtRest() const { return root_ && ::IsAtRest(root_); }
+  /// Lets the components do what they want; of what they want to write outside the panel's folder
+  /// only this.
+  void Start();
 
   /// Owned by the panel until it gets a parent.
   QWidget* Root() const { return root_; }

@@ -63,6 +63,7 @@ std::unique_ptr<TPanel> OpenPanel(const QString& fileName) {
   QStringList faults;
   auto panel = TPanel::Load(fileName, &faults);
   ShowFaults(faults);
+  if (panel) panel->Start();
   return panel;
 }
 
@@ -147,6 +148,7 @@ bool RunPanel(const QString& fileName, const TPanelRun& run) {
   const auto panel = TPanel::Load(fileName, &faults);
   ShowFaults(faults);
   if (!panel) return false;
+  panel->Start();
   QWidget& root = *panel->Root();
   root.setAttribute(Qt::WA_DontShowOnScreen);
   // A window's own minimum size is a message to a window system that is not there.

@@ -1,9 +1,8 @@
 #include "components/sources/Datalogger.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 
-#include "components/controls/Korvaltools.h"
+#include "components/links/Outside.h"
 #include "model/Datetime.h"
 #include "model/Growingfile.h"
 
@@ -47,8 +46,8 @@ TDataLogger::TDataLogger(QWidget* parent) : TStateControl(parent) {
 void TDataLogger::SetFileName(const QString& pattern) { fileName_ = pattern; }
 
 void TDataLogger::SetSeparator(const QString& separator) {
-  static const QRegularExpression bad(QStringLiteral("[0-9+\\-.\\r\\n]"));
-  if (!separator.isEmpty() && !separator.contains(bad)) separator_ = separator;
+  static const QStringList known = {"\t", ",", ";", " ", "|"};
+  if (known.contains(separator)) separator_ = separator;
 }
 
 void TDataLogger::SetDigits(int digits) {
@@ -61,12 +60,27 @@ void TDataLogger::SetActive(bool active) {
   file_.close();
   openedFor_.clear();
   missing_ = 0;
-  SetStatus(active ? QStringLiteral("Waiting for a row") : QStringLiteral("Stopped"));
+  ShowState();
+}
+
+void TDataLogger::ShowState() {
+  SetStatus(!GetActive()     ? QStringLiteral("Stopped")
+            : IsAtRest(this) ? QStringLiteral("Not started")
+                             : QStringLiteral("Waiting for a row"));
+}
+
+void TDataLogger::AddWishes(TWishes& wishes) const {
+  constexpr bool kIsPattern = true;
+  AddWriteWish(wishes, this, fileName_, kIsPattern);
 }
 
 void TDataLogger::Loaded() {
   sampler_.Controls()->GetComponentsByNames();
   TStateControl::Loaded();
+}
+
+void TDataLogger::Started() {
+  if (GetActive()) ShowState();
 }
 
 void TDataLogger::SetStatus(const QString& text) {
@@ -83,6 +97,12 @@ QByteArray TDataLogger::HeaderLine() const {
     const QObject* control = controls.Get(i);
     names.append(control ? control->objectName() : QString());
   }
+  // A name is one column of one line, whatever a form calls its components.
+  for (QString& name : names) {
+    for (QChar& letter : name) {
+      if (separator_.contains(letter) || !letter.isPrint()) letter = '_';
+    }
+  }
   return names.join(separator_).toUtf8() + '\n';
 }
 
@@ -95,23 +115,25 @@ QByteArray TDataLogger::RowLine(double time, std::span<const double> values) con
   return line + '\n';
 }
 
-bool TDataLogger::OpenFor(double time) {
+bool TDataLogger::OpenFor(double time, QString& reason) {
   const QString name = FormPath(this, NameAt(fileName_, time));
   if (file_.isOpen() && name == openedFor_) return true;
   file_.close();
   // A file that could not be written for a while keeps its number.
   if (name != openedFor_) file_.setFileName(NumberedName(name));
-  if (!file_.open(kGrowing)) return false;
+  reason = WriteRefusal(this, Wishes(), file_.fileName());
+  if (!reason.isEmpty()) return false;
+  if (!file_.open(kGrowing)) {
+    reason = file_.errorString();
+    return false;
+  }
   openedFor_ = name;
   return true;
 }
 
 /// False, with a reason, if the row cannot be written.
 bool TDataLogger::Append(double time, std::span<const double> values, QString& reason) {
-  if (!OpenFor(time)) {
-    reason = file_.errorString();
-    return false;
-  }
+  if (!OpenFor(time, reason)) return false;
   QByteArray lines = RowLine(time, values);
   if (header_ && file_.size() == 0) lines.prepend(HeaderLine());
   if (AppendLines(file_, lines, reason)) return true;
@@ -120,7 +142,7 @@ bool TDataLogger::Append(double time, std::span<const double> values, QString& r
 }
 
 void TDataLogger::TakeRow(double time, std::span<const double> values) {
-  if (!GetActive() || IsLoading()) return;
+  if (!GetActive() || IsWaiting()) return;
   QString reason;
   const bool written = Append(time, values, reason);
   QString status = written ? QStringLiteral("Writing %1").arg(file_.fileName())

@@ -19,7 +19,8 @@ class TDataLogger : public TStateControl {
   Q_OBJECT
   Q_PROPERTY(TKorvalCompList* Controls READ GetControls WRITE SetControls)
   Q_PROPERTY(QString FileName READ GetFileName WRITE SetFileName)
-  /// Between the values of a row; the default is a tab.
+  /// Between the values of a row: a tab, which is the default, a comma, a semicolon, a blank or a
+  /// bar.
   Q_PROPERTY(QString Separator READ GetSeparator WRITE SetSeparator)
   /// Whether a new file begins with a line of column names.
   Q_PROPERTY(bool Header READ GetHeader WRITE SetHeader)
@@ -34,7 +35,7 @@ class TDataLogger : public TStateControl {
   const QString& GetFileName() const { return fileName_; }
   void SetFileName(const QString& pattern);
   const QString& GetSeparator() const { return separator_; }
-  /// Empty, and texts with a digit, a sign or a line end, are ignored.
+  /// Others are ignored.
   void SetSeparator(const QString& separator);
   bool GetHeader() const { return header_; }
   void SetHeader(bool header) { header_ = header; }
@@ -43,7 +44,9 @@ class TDataLogger : public TStateControl {
 
   bool GetActive() const { return TStateControl::GetActive(); }
   void SetActive(bool active) override;
+  void AddWishes(TWishes& wishes) const override;
   void Loaded() override;
+  void Started() override;
 
   /// The file that is being written; empty for none.
   QString CurrentFile() const { return file_.isOpen() ? file_.fileName() : QString(); }
@@ -54,9 +57,10 @@ class TDataLogger : public TStateControl {
 
  private:
   void TakeRow(double time, std::span<const double> values);
+  void ShowState();
   QByteArray HeaderLine() const;
   QByteArray RowLine(double time, std::span<const double> values) const;
-  bool OpenFor(double time);
+  bool OpenFor(double time, QString& reason);
   bool Append(double time, std::span<const double> values, QString& reason);
   void SetStatus(const QString& text);
 

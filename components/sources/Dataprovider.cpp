@@ -34,7 +34,7 @@ void TCustomDataProvider::SetPageSize(int size) {
 }
 
 void TCustomDataProvider::SetActive(bool active) {
-  if (IsLoading()) {
+  if (IsWaiting()) {
     startWhenLoaded_ = active;
   } else {
     TStateControl::SetActive(active);
@@ -50,7 +50,11 @@ void TCustomDataProvider::Reset() { clientIndex_ = -1; }
 void TCustomDataProvider::Loaded() {
   clients_.GetComponentsByNames();
   TStateControl::Loaded();
-  if (std::exchange(startWhenLoaded_, false)) SetActive(true);
+  Started();
+}
+
+void TCustomDataProvider::Started() {
+  if (!IsWaiting() && std::exchange(startWhenLoaded_, false)) SetActive(true);
 }
 
 TDataControl* TCustomDataProvider::NextControl() {

@@ -46,16 +46,18 @@ class TCustomDataProvider : public TStateControl {
   void SetPageSize(int size);
 
   /// What forms store: until the form is complete, whether the provider will start then.
-  bool IsSwitchedOn() const { return IsLoading() ? startWhenLoaded_ : GetActive(); }
+  bool IsSwitchedOn() const { return IsWaiting() ? startWhenLoaded_ : GetActive(); }
 
   /// Starts from the beginning: the next value goes to the first client. Descendants go back to the
   /// beginning of their data; they come here at its end, too, and stop if that is the mode.
   virtual void Reset();
 
   void Loaded() override;
+  void Started() override;
 
  public slots:
-  /// While a form is being read the switch is only remembered; Loaded throws it.
+  /// While a form is being read, or a provider that wants something is at rest, the switch is only
+  /// remembered; Loaded or Started throws it.
   void SetActive(bool active) override;
 
  protected:

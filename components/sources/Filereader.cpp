@@ -5,15 +5,17 @@
 #include <QPointer>
 #include <algorithm>
 
-#include "components/controls/Korvaltools.h"
+#include "components/links/Outside.h"
 
 namespace {
 
 /// The file open for reading, or null with the reason in `error`.
-std::unique_ptr<QFile> OpenFile(const QString& name, QString& error) {
+std::unique_ptr<QFile> OpenFile(const TFileReader* reader, const QString& name, QString& error) {
   const QFileInfo info(name);
   auto file = std::make_unique<QFile>(name);
-  if (info.exists() && !info.isFile()) {
+  if (const QString refusal = ReadRefusal(reader, name); !refusal.isEmpty()) {
+    error = QStringLiteral("Cannot open %1: %2").arg(name, refusal);
+  } else if (info.exists() && !info.isFile()) {
     error = QStringLiteral("Cannot open %1: it is not an ordinary file").arg(name);
   } else if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
     error = QStringLiteral("Cannot open %1: %2").arg(name, file->errorString());
@@ -30,9 +32,19 @@ TFileReader::TFileReader(QWidget* parent) : TStreamProvider(parent) {
                  QStringLiteral("FileReaderDown"));
 }
 
+void TFileReader::AddWishes(TWishes& wishes) const {
+  AddReadWish(wishes, this, fileName_);
+  for (const QString& name : files_) AddReadWish(wishes, this, name);
+}
+
+/// A file that may not be read yet is kept as it is.
 void TFileReader::SetFileName(const QString& name) {
+  if (IsAtRest(this) && !ReadRefusal(this, FormPath(this, name)).isEmpty()) {
+    fileName_ = name;
+    return;
+  }
   QString error;
-  const bool opens = name.isEmpty() || OpenFile(FormPath(this, name), error);
+  const bool opens = name.isEmpty() || OpenFile(this, FormPath(this, name), error);
   const QString stored = opens                                      ? name
                          : QFileInfo(FormPath(this, name)).isFile() ? fileName_
                                                                     : QString();
@@ -81,7 +93,7 @@ void TFileReader::ProvideStream() {
     return;
   }
   QString error;
-  std::unique_ptr<QFile> file = OpenFile(FormPath(this, name), error);
+  std::unique_ptr<QFile> file = OpenFile(this, FormPath(this, name), error);
   if (!file) {
     FailOpening(error);
     return;

@@ -37,6 +37,8 @@ class TFileReader : public TStreamProvider {
   /// -1 to the number of files, others are ignored.
   void SetItemIndex(int index);
 
+  void AddWishes(TWishes& wishes) const override;
+
   /// Goes to the beginning of the file, or with a list to the next file; stops where the mode says.
   void Reset() override;
 

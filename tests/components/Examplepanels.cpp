@@ -66,6 +66,7 @@ class ExamplePanels : public testing::Test {
       text.replace(before, after);
     }
     panel = TPanel::FromText(text, fileName, &faults);
+    if (panel) panel->Start();
     ASSERT_TRUE(panel);
     EXPECT_THAT(faults, ElementsAre());
     panel->Root()->setAttribute(Qt::WA_DontShowOnScreen);

@@ -14,6 +14,9 @@ inline QString FormOf(const QString& widgets) {
       .arg(widgets);
 }
 
+/// A panel that has been started.
 inline std::unique_ptr<TPanel> LoadForm(const QString& widgets, QStringList* faults) {
-  return TPanel::FromText(FormOf(widgets), QStringLiteral("p.ui"), faults);
+  auto panel = TPanel::FromText(FormOf(widgets), QStringLiteral("p.ui"), faults);
+  if (panel) panel->Start();
+  return panel;
 }
