@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QImage>
+#include <QSaveFile>
 #include <QWidget>
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 /// To be called before the application is made: a program that is told to --render needs no
@@ -14,6 +17,18 @@ inline void RenderWithoutDisplay(int argc, char** argv) {
   if (renders && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
+}
+
+/// Writes a picture as a PNG file, whole or not at all. The exit status of the program, which says
+/// on the standard error stream what went wrong.
+inline int WritePicture(const QImage& picture, const QString& fileName) {
+  QSaveFile file(fileName);
+  if (file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.commit()) {
+    return EXIT_SUCCESS;
+  }
+  std::fprintf(stderr, "Cannot write %s: %s\n", qPrintable(fileName),
+               qPrintable(file.errorString()));
+  return EXIT_FAILURE;
 }
 
 /// The whole panel as a picture, `ratio` device pixels to a logical one.

@@ -1,5 +1,7 @@
 #include "model/Growingfile.h"
 
+#include "model/Filesync.h"
+
 bool AppendLines(QFile& file, const QByteArray& lines, QString& reason) {
   const qint64 size = file.size();
   const bool isCut = size > 0 && file.seek(size - 1) && file.read(1) != "\n";
@@ -13,5 +15,6 @@ bool AppendLines(QFile& file, const QByteArray& lines, QString& reason) {
     }
     written += more;
   }
+  TFileSync::Instance().Grown(file.fileName());
   return true;
 }

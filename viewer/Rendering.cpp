@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "model/Ending.h"
 #include "model/Message.h"
 #include "viewer/Frametext.h"
 #include "viewer/Offscreengl.h"
@@ -89,6 +90,10 @@ bool TRendering::Draw(const QString& fileName, int frames, QSize size) {
   gl.Render([&] { picture_.Init(gl.Resolver()); });
   const int digits = std::max(3, static_cast<int>(QString::number(frames).size()));
   for (int frame = 1; frame <= frames; ++frame) {
+    if (TEnding::IsAsked()) {
+      ShowMessage(QStringLiteral("Ended before picture %1 of %2.").arg(frame).arg(frames));
+      return false;
+    }
     const QString name = frames == 1 ? fileName : NumberedName(fileName, frame, digits);
     if (!DrawFrame(gl, name)) return false;
     animation_.Step(data_, model_);

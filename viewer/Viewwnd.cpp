@@ -13,6 +13,7 @@
 #include <QSlider>
 #include <utility>
 
+#include "model/Ending.h"
 #include "model/Message.h"
 #include "viewer/Animatorabout.h"
 #include "viewer/Filekind.h"
@@ -87,13 +88,20 @@ TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings)
   ConnectView();
   UpdateAppearance();
   ApplySettings(settings);
+  connect(&TEnding::Instance(), &TEnding::OnKeep, this, [this] {
+    if (!reading_) KeepSettings();
+  });
 }
 
 TViewWnd::~TViewWnd() {
-  if (form_.CanSaveMenu->isChecked()) SaveSettings(settingsFile_, CurrentSettings());
+  KeepSettings();
   // They go with the base class, when there is nothing left here to draw or to scale.
   form_.P->disconnect(this);
   legend_->disconnect(this);
+}
+
+void TViewWnd::KeepSettings() const {
+  if (form_.CanSaveMenu->isChecked()) SaveSettings(settingsFile_, CurrentSettings());
 }
 
 void TViewWnd::ConnectMenus() {

@@ -35,7 +35,7 @@ class TViewWnd : public QMainWindow {
 
  public:
   /// Applies the settings, which may load a model and data. `settingsFile` is where they are saved
-  /// when the window is destroyed, if "Save options on exit" is checked.
+  /// when the window is destroyed or the session ends, if "Save options on exit" is checked.
   TViewWnd(const QString& settingsFile, const TSettings& settings);
   explicit TViewWnd(const QString& settingsFile)
       : TViewWnd(settingsFile, LoadSettings(settingsFile)) {}
@@ -102,6 +102,7 @@ class TViewWnd : public QMainWindow {
   void GLPanelInit();
   void GLPanelPaint();
 
+  void KeepSettings() const;
   void ApplySettings(const TSettings& settings);
   void ApplyBounds(const TSettings& settings);
 

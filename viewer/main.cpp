@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "components/package/Panelwindow.h"
+#include "model/Ending.h"
 #include "model/Message.h"
 #include "viewer/Animatorabout.h"
 #include "viewer/Commandline.h"
@@ -68,6 +69,7 @@ int main(int argc, char** argv) {
   }
   const bool window = line.RenderFile.isEmpty() && line.PanelSaveFile.isEmpty();
   const auto application = MakeApplication(argc, argv, window);
+  TEnding::Instance().TakeSignals();
   if (!line.PanelFile.isEmpty()) return window ? ShowPanel(line) : RunPanel(line);
   return window ? ShowWindow(line) : Render(line);
 }

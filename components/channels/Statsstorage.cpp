@@ -10,6 +10,7 @@
 #include "components/controls/Iconimages.h"
 #include "components/links/Outside.h"
 #include "model/Datetime.h"
+#include "model/Ending.h"
 #include "model/Growingfile.h"
 
 namespace {
@@ -38,6 +39,7 @@ TStatsStorage::TStatsStorage(QWidget* parent)
     : TBlockStorage(parent), logger_(this, &QObject::staticMetaObject) {
   SetIconImage(ProvideIconImage(QStringLiteral("StatsStorageImage"), DrawStorage));
   SetImageSize(QSize(17, 17));
+  connect(&TEnding::Instance(), &TEnding::OnKeep, this, &TStatsStorage::WriteAll);
 }
 
 TStatsStorage::~TStatsStorage() { WriteAll(); }

@@ -51,7 +51,7 @@ class TStatsStorage : public TBlockStorage {
   void SetAutoPrefix(bool on);
   QString GetFileExt() const { return Settings().fileExt; }
   void SetFileExt(const QString& extension);
-  /// Switching off writes what has been collected.
+  /// Switching off writes what has been collected, as does the end of the program or the session.
   bool GetActive() const override { return active_; }
   void SetActive(bool active);
   /// Blocks after this time are not stored; 0 for no end. Days since 30 December 1899.

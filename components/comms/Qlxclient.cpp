@@ -7,6 +7,7 @@
 #include "components/channels/Channelset.h"
 #include "components/controls/Iconimages.h"
 #include "components/links/Outside.h"
+#include "model/Filesync.h"
 
 namespace {
 
@@ -173,13 +174,20 @@ void TQLXClient::CannotLog(const QString& reason) {
   SetStatus(QStringLiteral("Cannot write %1: %2").arg(logFile_, reason));
 }
 
+void TQLXClient::Log(QByteArrayView text) {
+  if (!log_) return;
+  if (log_->write(text.data(), text.size()) == text.size()) {
+    TFileSync::Instance().Grown(log_->fileName());
+    return;
+  }
+  const QString reason = log_->errorString();
+  log_.reset();
+  CannotLog(reason);
+}
+
 void TQLXClient::Received(QByteArrayView text) {
   const QPointer<TQLXClient> self(this);
-  if (log_ && log_->write(text.data(), text.size()) != text.size()) {
-    const QString reason = log_->errorString();
-    log_.reset();
-    CannotLog(reason);
-  }
+  Log(text);
   if (self) emit OnReceived(this, QByteArray::fromRawData(text.data(), text.size()));
 }
 

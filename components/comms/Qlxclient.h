@@ -96,6 +96,7 @@ class TQLXClient : public TIconControl {
  private:
   void Reconnect(QObject* sender);
   void OpenLog(QIODevice::OpenMode mode);
+  void Log(QByteArrayView text);
   void CannotLog(const QString& reason);
 
   bool autoConnect_ = false;

@@ -14,6 +14,7 @@
 #include <QTimer>
 
 #include "components/controls/Korvaltools.h"
+#include "model/Ending.h"
 #include "model/Message.h"
 
 namespace {
@@ -79,6 +80,7 @@ TPanelWindow::TPanelWindow(std::unique_ptr<TPanel> panel) {
   menu->addSeparator();
   menu->addAction(tr("&Close"), QKeySequence::Close, this, &QWidget::close);
   Show(std::move(panel));
+  connect(&TEnding::Instance(), &TEnding::OnKeep, this, &TPanelWindow::Keep);
 }
 
 /// The components go while the panel still knows them.
@@ -115,6 +117,10 @@ bool TPanelWindow::SaveTo(const QString& fileName) {
   }
   settings_ = panel_->Settings();
   return true;
+}
+
+void TPanelWindow::Keep() {
+  if (panel_->Settings() != settings_) SaveTo(panel_->FileName());
 }
 
 void TPanelWindow::closeEvent(QCloseEvent* event) {

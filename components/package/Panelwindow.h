@@ -7,7 +7,8 @@
 #include "components/package/Panel.h"
 
 /// The window of a panel: the panel fills it, its menu saves the panel back. Closing it asks what
-/// to do about settings that have been changed and not saved. GUI thread only.
+/// to do about settings that have been changed and not saved; where nobody can be asked, because
+/// the program or the session is ended, they are saved. GUI thread only.
 class TPanelWindow : public QMainWindow {
   Q_OBJECT
 
@@ -35,6 +36,7 @@ class TPanelWindow : public QMainWindow {
  private:
   void Show(std::unique_ptr<TPanel> panel);
   bool SaveTo(const QString& fileName);
+  void Keep();
 
   std::unique_ptr<TPanel> panel_;
   QString settings_;  ///< as they are in the file

@@ -3,17 +3,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <optional>
 
 #include "examples/Numberoption.h"
 #include "examples/device-simulator/Devicesimulator.h"
 #include "examples/device-simulator/Pty.h"
+#include "model/Ending.h"
 
 namespace {
-
-volatile std::sig_atomic_t stopped = 0;
 
 double Seconds() {
   using TClock = std::chrono::steady_clock;
@@ -79,7 +77,7 @@ void SetUp(TDeviceSimulator& device, const QCommandLineParser& parser, const TOp
 }
 
 void Run(TDeviceSimulator& device, TPty& line, double silentAfter, double seconds) {
-  while (!stopped && (seconds < 0.0 || Seconds() < seconds)) {
+  while (!TEnding::IsAsked() && (seconds < 0.0 || Seconds() < seconds)) {
     line.Wait(device.IsStreaming() ? 1 : 10);
     device.Faults.silent = silentAfter >= 0.0 && Seconds() >= silentAfter;
     device.Receive(line.Read(), Seconds());
@@ -102,6 +100,7 @@ int main(int argc, char** argv) {
                      options.link});
   parser.process(application);
 
+  TEnding::Instance().TakeSignals();
   TDeviceSimulator device;
   SetUp(device, parser, options);
   const double silentAfter = NumberOption(parser, options.silentAfter, -1.0, 1e9);
@@ -116,8 +115,6 @@ int main(int argc, char** argv) {
   }
   std::printf("%s\n", line.Path().c_str());
   std::fflush(stdout);
-  std::signal(SIGINT, [](int) { stopped = 1; });
-  std::signal(SIGTERM, [](int) { stopped = 1; });
 
   Run(device, line, silentAfter, seconds);
   std::printf("%llu packets, %llu markers, %llu requests, %llu bytes lost on a full line\n",

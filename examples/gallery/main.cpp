@@ -4,10 +4,10 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <algorithm>
-#include <cstdio>
 
 #include "examples/Rendering.h"
 #include "examples/gallery/Gallery.h"
+#include "model/Ending.h"
 
 int main(int argc, char** argv) {
   RenderWithoutDisplay(argc, argv);
@@ -24,13 +24,12 @@ int main(int argc, char** argv) {
   parser.addOptions({render, ratio});
   parser.process(application);
 
+  TEnding::Instance().TakeSignals();
   TGallery gallery;
   if (!parser.isSet(render)) {
     gallery.show();
     return application.exec();
   }
   const double scale = std::clamp(parser.value(ratio).toDouble(), 1.0, 4.0);
-  if (gallery.Render(scale).save(parser.value(render), "PNG")) return 0;
-  std::fprintf(stderr, "Cannot write %s\n", qPrintable(parser.value(render)));
-  return 1;
+  return WritePicture(gallery.Render(scale), parser.value(render));
 }

@@ -9,6 +9,7 @@
 #include "examples/Numberoption.h"
 #include "examples/Rendering.h"
 #include "examples/monitor/Monitorpanel.h"
+#include "model/Ending.h"
 
 namespace {
 
@@ -62,8 +63,7 @@ int Render(TMonitorPanel& panel, const QString& file, double seconds, double rat
   QApplication::exec();
   Picture(panel, ratio);  // lays out what was never shown
   QCoreApplication::processEvents();
-  if (Picture(panel, ratio).save(file, "PNG")) return EXIT_SUCCESS;
-  return Fail(QStringLiteral("cannot write %1").arg(file));
+  return WritePicture(Picture(panel, ratio), file);
 }
 
 }  // namespace
@@ -80,6 +80,7 @@ int main(int argc, char** argv) {
   const double seconds = NumberOption(line.parser, line.after, 0.0, 86'400.0);
   const double ratio = NumberOption(line.parser, line.ratio, 1.0, 4.0);
 
+  TEnding::Instance().TakeSignals();
   TMonitorPanel panel(options);
   if (line.parser.isSet(line.render)) {
     return Render(panel, line.parser.value(line.render), seconds, ratio);

@@ -3,10 +3,12 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <cstdio>
 
 #include "examples/Numberoption.h"
 #include "examples/package-server/Packageserver.h"
+#include "model/Ending.h"
 
 namespace {
 
@@ -46,9 +48,9 @@ int Record(const QString& fileName, const QString& startText, double seconds) {
                               ? QDateTime::currentDateTime()
                               : QDateTime::fromString(startText, QStringLiteral("yyyyMMdd HHmmss"));
   if (!start.isValid()) return Fail(QStringLiteral("--start is not of the form YYYYMMDD HHMMSS"));
-  QFile file(fileName);
+  QSaveFile file(fileName);
   const QByteArray text = Recording(MastAndWeather(), TDateTime::FromQDateTime(start), seconds);
-  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush()) {
+  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
     return Fail(QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString()));
   }
   return EXIT_SUCCESS;
@@ -102,6 +104,7 @@ int main(int argc, char** argv) {
     return Record(parser.value(options.record), parser.value(options.start),
                   NumberOption(parser, options.seconds, 0.0, 1e6));
   }
+  TEnding::Instance().TakeSignals();
   TPackageServer server;
   if (const QString wrong = SetUp(server, parser, options); !wrong.isEmpty()) return Fail(wrong);
   const QString name = parser.value(options.address);

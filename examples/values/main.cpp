@@ -9,6 +9,7 @@
 
 #include "examples/Rendering.h"
 #include "examples/values/Valuespanel.h"
+#include "model/Ending.h"
 
 int main(int argc, char** argv) {
   RenderWithoutDisplay(argc, argv);
@@ -32,6 +33,7 @@ int main(int argc, char** argv) {
   const QString record = parser.positionalArguments().value(
       0, QCoreApplication::applicationDirPath() + QStringLiteral("/pump.txt"));
 
+  TEnding::Instance().TakeSignals();
   TValuesPanel panel(record);
   if (!parser.isSet(render)) {
     panel.show();
@@ -42,12 +44,11 @@ int main(int argc, char** argv) {
                    Qt::QueuedConnection);
   panel.Start();
   if (panel.IsReading()) application.exec();
+  if (TEnding::IsAsked()) return 1;  // no picture of half a record
   if (!panel.GetError().isEmpty()) {
     std::fprintf(stderr, "%s\n", qPrintable(panel.GetError()));
     return 1;
   }
   const double scale = std::clamp(parser.value(ratio).toDouble(), 1.0, 4.0);
-  if (Picture(panel, scale).save(parser.value(render), "PNG")) return 0;
-  std::fprintf(stderr, "Cannot write %s\n", qPrintable(parser.value(render)));
-  return 1;
+  return WritePicture(Picture(panel, scale), parser.value(render));
 }

@@ -91,6 +91,18 @@ TEST(Panelwindow, AsksOnlyAboutSettingsAndKeepsToTheAnswer) {
   }
 }
 
+TEST(Panelwindow, SavesChangedSettingsWithTheSession) {
+  TOpenPanel open;
+  const QDateTime before = QFileInfo(open.file).lastModified();
+  EndSession();
+  EXPECT_EQ(QFileInfo(open.file).lastModified(), before);
+  open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+  EndSession();
+  EXPECT_EQ(open.Reread()->Root()->findChild<TDataChannel*>("c")->GetScaleFactor(), 3.0);
+  EXPECT_TRUE(open.window.close());
+  EXPECT_THAT(open.questions, ElementsAre());
+}
+
 TEST(Panelwindow, AFailureToWriteIsSaidAndLosesNothing) {
   TOpenPanel open;
   open.Find<TDataChannel>("c")->SetScaleFactor(3.0);

@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "components/package/Panel.h"
+#include "model/Filesync.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
 
@@ -265,19 +266,18 @@ TEST(TStatsStorage, AnIntervalOfABlockHasALinePerBlock) {
   }
 }
 
-TEST(TStatsStorage, WritesTheRestWhenEitherSideGoes) {
-  for (const bool storageFirst : {true, false}) {
-    SCOPED_TRACE(storageFirst);
-    {
-      TStored stored;
-      stored.Block(1, 1.0);
-      if (storageFirst) {
-        stored.storage.reset();
-        stored.Block(2, 2.0);
-      } else {
-        stored.set.reset();
-      }
+TEST(TStatsStorage, WritesTheRestWhenEitherSideOrTheSessionGoes) {
+  for (const char* goes : {"storage", "set", "session"}) {
+    SCOPED_TRACE(goes);
+    TStored stored;
+    stored.Block(1, 1.0);
+    if (goes == std::string("session")) EndSession();
+    if (goes == std::string("set")) stored.set.reset();
+    if (goes == std::string("storage")) {
+      stored.storage.reset();
+      stored.Block(2, 2.0);
     }
+    EXPECT_TRUE(TFileSync::Instance().Waiting().contains(TStored::File()));
     EXPECT_EQ(Content(TStored::File()).Blocks.size(), 1u);
     QFile::remove(TStored::File());
   }

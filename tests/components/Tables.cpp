@@ -14,6 +14,7 @@
 #include "components/graphing/Formatsettings.h"
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
+#include "model/Filesync.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
 
@@ -257,6 +258,7 @@ TEST(TDataLogger, WritesOneFilePerNameAndEachRowAtOnce) {
   logger.SetActive(true);
   controls.Row(kNoon, 0.5, -2);
   controls.Row(kNoon + 0.25, 1e300, 3);
+  EXPECT_TRUE(TFileSync::Instance().Waiting().contains(folder + "/log-20251209.txt"));
   EXPECT_EQ(Contents(folder + "/log-20251209.txt"),
             "Time\ta\tb\n2025-12-09 12:00:00.000\t0.5\t-2\n2025-12-09 18:00:00.000\t1e+300\t3\n");
   controls.Row(kNoon + 1, 4, 5);

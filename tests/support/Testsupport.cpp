@@ -4,6 +4,7 @@
 #include <locale.h>
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <memory>
@@ -52,6 +53,12 @@ class Watch : public testing::EmptyTestEventListener {
 };
 
 }  // namespace
+
+void EndSession() {
+  // Nobody looks at the manager, which only the toolkit can make.
+  alignas(QObject) char manager[sizeof(QObject)] = {};
+  emit qGuiApp->commitDataRequest(reinterpret_cast<QSessionManager&>(manager));
+}
 
 void InstallTestWatch() {
   SetMessageSink([](const QString& text) { messages << text; });

@@ -16,6 +16,9 @@ QStringList TakeMessages();
 /// the test.
 void ExpectQtWarning(const QString& part);
 
+/// Tells the program that the desktop session ends.
+void EndSession();
+
 /// The full name of a file of the source tree, such as "docs/user-guide.md".
 QString SourceFile(const QString& name);
 

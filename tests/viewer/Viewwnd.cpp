@@ -78,6 +78,9 @@ class Viewwnd : public testing::Test {
   /// Closes the window for good and gives what it saved.
   QByteArray SavedText() {
     window.reset();
+    return SettingsText();
+  }
+  QByteArray SettingsText() {
     QFile file(TestFolder() + "/velmora.ini");
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     return file.readAll();
@@ -489,7 +492,9 @@ TEST_F(Viewwnd, ComesBackAsItWasLeft) {
   Find<QSlider>("ScaleBar")->setValue(9);
   Panel().View.Zoom = 0.7;
   Panel().View.PanPosY = -1.25;
-  const QByteArray saved = SavedText();
+  EndSession();
+  const QByteArray saved = SettingsText();
+  EXPECT_EQ(SavedText(), saved);
   Open(saved);
   EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
   EXPECT_EQ(window->Legend().MakeCheckString(), "101");
