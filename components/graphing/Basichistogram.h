@@ -81,7 +81,7 @@ class TBasicHistogram : public TDataControl {
   TGraphLink graphLink_{this};
   QPointer<TSeries> series_;  ///< in the graph link's list, which owns it
   QPointer<QDialog> editor_;
-  int reporting_ = 0;  ///< runs of ValueAdded and DataChanged on the stack
+  TMethod reporting_;  ///< ValueAdded and DataChanged
   bool replayIsDue_ = false;
 };
 
@@ -139,7 +139,7 @@ class TOccurrenceHistogram : public TBasicHistogram {
   /// Upper edge of the bin of the last value that was counted. 0 before the first, so that a value
   /// just below 0 is taken for one that stayed where it was; emptying the bins leaves it alone.
   double lastBinPos_ = 0.0;
-  int adding_ = 0;  ///< runs of SetValue on the stack
+  TMethod adding_;  ///< SetValue
   TStatistics statistics_{this};
   QPointer<TStatisticsSeries> statisticsSeries_;  ///< in the graph link's list, which owns it
 };

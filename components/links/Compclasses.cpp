@@ -1,5 +1,6 @@
 #include "components/links/Compclasses.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QThread>
 #include <algorithm>
@@ -16,31 +17,91 @@ TValueLink::~TValueLink() {
 // TLinkableControl
 
 TLinkableControl::TRun::TCascade TLinkableControl::TRun::cascade_;
+std::uint64_t TLinkableControl::TRun::spreads_ = 0;
 
-TLinkableControl::TRun::TRun(TLinkableControl& control, int& running)
-    : control_(&control), running_(running), outer_(control.innermost_) {
+TLinkableControl::TRun::TRun(TLinkableControl& control, TMethod& method)
+    : control_(&control), method_(method), outer_(control.innermost_) {
   control.innermost_ = this;
-  ++running_;
-  // To ask for the level takes as long as the rest of a run, so it is asked for now and then. From
-  // the first time on that it differs, each value that comes in the inner loop asks again.
+  // To ask for the level of event loops takes as long as the rest of a run, so it is asked for now
+  // and then. From the first time on that it differs, each value that comes in the inner loop asks
+  // again.
   constexpr int kRunsBetween = 256;
-  if (cascade_.runs % kRunsBetween == 0) {
-    const int loopLevel = control.thread()->loopLevel();
-    if (cascade_.depth == 0 || cascade_.loopLevel != loopLevel) cascade_ = {0, 0, loopLevel};
-  }
+  if (cascade_.runs % kRunsBetween == 0) BeginCascade();
   ++cascade_.depth;
   ++cascade_.runs;
+  Count();
+}
+
+/// Unless this run belongs to the present one.
+void TLinkableControl::TRun::BeginCascade() {
+  const int loopLevel = control_->thread()->loopLevel();
+  if (cascade_.depth > 0 && cascade_.loopLevel == loopLevel) return;
+  const TRun* outermost = cascade_.depth > 0 ? cascade_.outermost : this;
+  cascade_ = {
+      .outermost = outermost, .first = this, .loopLevel = loopLevel, .firstSpread = spreads_ + 1};
+}
+
+void TLinkableControl::TRun::Count() {
+  if (++method_.running > 1) ++cascade_.circles;
+  if (!cascade_.passing) {
+    cascade_.spread = ++spreads_;
+    beginsSpread_ = cascade_.circles == 0;
+    if (beginsSpread_) cascade_.repeats = 0;
+  }
+  cascade_.passing = true;
+  const std::uint64_t since = cascade_.circles > 0 ? cascade_.firstSpread : cascade_.spread;
+  if (method_.spread >= since) ++cascade_.repeats;
+  goesRound_ = method_.running > kMaxRunning && method_.spread == cascade_.spread;
+  method_.spread = cascade_.spread;
 }
 
 TLinkableControl::TRun::~TRun() {
-  if (--cascade_.depth == 0) cascade_ = outerCascade_;
+  const TCascade now = std::exchange(cascade_, outerCascade_);
+  if (now.depth > 1) {
+    cascade_.runs = now.runs;
+    if (!beginsSpread_) cascade_.repeats = now.repeats;
+  }
   if (IsGone()) return;
-  --running_;
+  --method_.running;
   control_->innermost_ = outer_;
 }
 
-bool TLinkableControl::TRun::IsCut() const {
-  return running_ > kMaxReentry || cascade_.depth > kMaxDepth || cascade_.runs > kMaxRuns;
+bool TLinkableControl::TRun::IsCut(bool isNews) const {
+  if (!isNews && method_.running > kMaxRunning) return true;
+  if (!goesRound_ && !IsTooMuch()) return false;
+  Report();
+  return true;
+}
+
+bool TLinkableControl::TRun::IsTooMuch() const {
+  const auto place = [](const TRun* run) { return reinterpret_cast<std::uintptr_t>(run); };
+  const std::uintptr_t stack = place(cascade_.outermost) - place(this);  // it grows downwards
+  return cascade_.repeats > kMaxRepeats || stack > kMaxStack || cascade_.runs > kMaxRuns;
+}
+
+/// When all is over: the user's answer would hold the cascade up.
+void TLinkableControl::TRun::Report() const {
+  TLinkableControl* first = cascade_.first->control_;
+  if (!first || std::exchange(first->cutIsTold_, true)) return;
+  const QString text =
+      QStringLiteral(
+          "The values of '%1' run in a circle, or on more roads than can be followed: "
+          "some were not passed on.")
+          .arg(first->objectName());
+  QMetaObject::invokeMethod(
+      QCoreApplication::instance(), [text] { ShowMessage(text); }, Qt::QueuedConnection);
+}
+
+TLinkableControl::TRun::TAlone::TAlone() {
+  cascade_.circles = 0;
+  cascade_.repeats = 0;
+  cascade_.passing = false;
+  cascade_.firstSpread = spreads_ + 1;
+}
+
+TLinkableControl::TRun::TAlone::~TAlone() {
+  const int runs = std::exchange(cascade_, before_).runs;
+  if (cascade_.depth > 0) cascade_.runs = runs;
 }
 
 TLinkableControl::~TLinkableControl() {
@@ -79,31 +140,33 @@ bool TLinkableControl::HasLink(const TValueLink* link) const {
 
 void TLinkableControl::Forget(const TValueLink* link) {
   const auto found = std::ranges::find(links_, link);
-  if (notifying_ > 0) {
+  if (notifying_.running > 0) {
     *found = nullptr;
   } else {
     links_.erase(found);
   }
 }
 
-void TLinkableControl::CallLinks(const double& value) {
+void TLinkableControl::CallLinks(const double& value, bool isNews) {
   TRun run(*this, notifying_);
-  if (run.IsCut()) return;
+  if (run.IsCut(isNews)) return;
   const std::size_t count = links_.size();
   for (std::size_t i = 0; i < count; ++i) {
     const TValueLink* link = links_[i];
     if (!link || !link->OnValue) continue;
+    TRun::cascade_.passing = false;
     link->OnValue(value);
     if (run.IsGone()) return;
   }
-  if (notifying_ == 1) std::erase(links_, nullptr);
+  if (notifying_.running == 1) std::erase(links_, nullptr);
+  TRun::cascade_.passing = false;
   Notified();
 }
 
 // TDataControl
 
 void TDataControl::SetValue(double value) {
-  value_ = value;
+  HoldValue(value);
   if (CanNotify()) NotifyClients();
 }
 
@@ -124,7 +187,7 @@ bool TDataControl::CanNotify() {
   return true;
 }
 
-void TDataControl::NotifyClients() { CallLinks(value_); }
+void TDataControl::NotifyClients() { CallLinks(value_, std::exchange(isNews_, false)); }
 
 void TDataControl::AddLink(TValueLink* link, bool notifyNow) {
   TLinkableControl::AddLink(link, notifyNow);
@@ -147,9 +210,10 @@ void TServerDataControl::SetValue(double value) { static_cast<void>(TakeValue(va
 
 bool TServerDataControl::TakeValue(double value) {
   TRun run(*this, taking_);
+  const bool isNews = IsNews(value);
   TDataControl::SetValue(value);
   if (run.IsGone()) return false;
-  if (!run.IsCut()) GiveToClients(value, run);
+  if (!run.IsCut(isNews)) GiveToClients(value, run);
   if (run.IsGone()) return false;
   if (slider_.IsAttached()) slider_.SetSliderPos(value);
   return !run.IsGone();

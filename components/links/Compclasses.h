@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cmath>
+#include <cstdint>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "components/controls/Compbase.h"
@@ -36,9 +39,10 @@ class TValueLink {
 /// A control with subscribers. They are not owned; destroying the control calls none of them.
 ///
 /// What a value sets off, its cascade, always ends. A control that is notifying already is entered
-/// once more, so that a subscriber may correct the value it was told, and then only stores what it
-/// gets; so does every control when 256 calls wait for each other or the cascade has made 262,144
-/// calls, as controls that all point at each other would for ever.
+/// again, so that a subscriber may correct the value it was told; a value that it holds already is
+/// no news from the third time on, and goes no further. What goes in a circle, or would go on for
+/// ever, is cut, see TRun: then the controls only store what they get, and the user is told, once
+/// for each control that begins such a cascade.
 class TLinkableControl : public TIconControl {
   Q_OBJECT
 
@@ -57,47 +61,84 @@ class TLinkableControl : public TIconControl {
   int LinkCount() const;
   bool HasLink(const TValueLink* link) const;
 
+  /// A method of a control that calls others, which may call it again.
+  struct TMethod {
+    int running = 0;           ///< runs on the stack
+    std::uint64_t spread = 0;  ///< of its last run, see TRun
+  };
+
   /// While the control runs one of its methods it can be destroyed by whom it calls. This stands on
   /// the stack of such a method, notices that, and tells whether the cascade has to be cut.
+  ///
+  /// A value spreads through client lists, and through subscribers that pass it on. Runs of one
+  /// method in one spread are repeats: as many as there are roads between two controls, which
+  /// double with each control that has two. A subscriber that gives a control a value of its own
+  /// begins another spread, and may do so as often as it likes; but while a method runs in itself,
+  /// in a circle, every run of a method that has run before is a repeat.
   class TRun {
    public:
-    /// `running` counts the runs of one method of the control.
-    TRun(TLinkableControl& control, int& running);
+    TRun(TLinkableControl& control, TMethod& method);
     ~TRun();
     TRun(const TRun&) = delete;
     TRun& operator=(const TRun&) = delete;
 
     /// The control has been destroyed: nothing of it may be touched.
     bool IsGone() const { return !control_; }
-    /// The method must call nobody: it runs in itself too often, or the cascade is too deep or too
-    /// long.
-    bool IsCut() const;
+    /// The method must call nobody: it runs in itself for the third time, with no news or within
+    /// one spread, or the cascade has too many repeats, fills the stack or takes many seconds.
+    bool IsCut(bool isNews = true) const;
+
+    /// On the stack of a subscriber that passes on what it is told.
+    class TPassing;
+    /// On the stack around one of many values that are given one after the other: its repeats are
+    /// counted for themselves.
+    class TAlone;
 
    private:
     friend class TLinkableControl;
-    static constexpr int kMaxReentry = 2;
-    static constexpr int kMaxDepth = 256;
-    static constexpr int kMaxRuns = 1 << 18;
+    static constexpr int kMaxRunning = 2;
+    static constexpr int kMaxRepeats = 1 << 18;
+    static constexpr int kMaxRuns = 1 << 28;
+#ifdef Q_OS_WIN
+    static constexpr std::uintptr_t kMaxStack = 1 << 19;  // of a megabyte
+#else
+    static constexpr std::uintptr_t kMaxStack = 1 << 22;  // of eight
+#endif
 
     /// A subscriber that waits in an event loop of its own, to ask the user for one, does not hold
     /// the values up that come meanwhile: each begins a cascade.
     struct TCascade {
-      int depth = 0;      ///< runs on the stack
-      int runs = 0;       ///< runs since it began
-      int loopLevel = 0;  ///< of event loops, in which it began
+      const TRun* outermost = nullptr;  ///< of all event loops
+      const TRun* first = nullptr;
+      int depth = 0;                  ///< runs on the stack
+      int runs = 0;                   ///< since it began
+      int loopLevel = 0;              ///< of event loops, in which it began
+      int circles = 0;                ///< methods on the stack that run in themselves
+      int repeats = 0;                ///< since the spread began, or the first circle
+      bool passing = false;           ///< the next run belongs to the present spread
+      std::uint64_t spread = 0;       ///< the present one
+      std::uint64_t firstSpread = 0;  ///< of the cascade
     };
     static TCascade cascade_;
+    static std::uint64_t spreads_;
+
+    void BeginCascade();
+    void Count();
+    bool IsTooMuch() const;
+    void Report() const;
 
     TLinkableControl* control_;  ///< null once it is destroyed
-    int& running_;
+    TMethod& method_;
     TRun* outer_;
+    bool beginsSpread_ = false;
+    bool goesRound_ = false;  ///< the spread has come back to the method, and once more
     const TCascade outerCascade_ = cascade_;
   };
 
  protected:
   /// Calls each subscriber with `value` as it is at that moment, then Notified. Who subscribes
   /// meanwhile is not called, who leaves is not called any more.
-  void CallLinks(const double& value);
+  void CallLinks(const double& value, bool isNews = false);
   /// All subscribers have been called.
   virtual void Notified() {}
 
@@ -106,8 +147,31 @@ class TLinkableControl : public TIconControl {
   void Forget(const TValueLink* link);
 
   std::vector<TValueLink*> links_;  ///< null: left while the control was notifying
-  int notifying_ = 0;               ///< runs of CallLinks on the stack
+  TMethod notifying_;               ///< CallLinks
   TRun* innermost_ = nullptr;
+  bool cutIsTold_ = false;
+};
+
+class TLinkableControl::TRun::TPassing {
+ public:
+  TPassing() : before_(std::exchange(cascade_.passing, cascade_.depth > 0)) {}
+  ~TPassing() { cascade_.passing = before_; }
+  TPassing(const TPassing&) = delete;
+  TPassing& operator=(const TPassing&) = delete;
+
+ private:
+  const bool before_;
+};
+
+class TLinkableControl::TRun::TAlone {
+ public:
+  TAlone();
+  ~TAlone();
+  TAlone(const TAlone&) = delete;
+  TAlone& operator=(const TAlone&) = delete;
+
+ private:
+  const TCascade before_ = cascade_;
 };
 
 /// A control that holds a value with its time, and notifies its subscribers of every N-th value.
@@ -148,14 +212,22 @@ class TDataControl : public TLinkableControl {
   bool CanNotify();
   /// Stores a value and does nothing else, for a descendant that notifies of it later or not at
   /// all.
-  void HoldValue(double value) { value_ = value; }
+  void HoldValue(double value) {
+    isNews_ |= IsNews(value);
+    value_ = value;
+  }
+  /// Whether it is another value than the present one.
+  bool IsNews(double value) const {
+    return value != value_ && !(std::isnan(value) && std::isnan(value_));
+  }
   void Notified() override { emit OnChange(this); }
 
  private:
   double value_ = 0.0;
   double time_ = 0.0;
   int interval_ = 1;
-  int counter_ = 0;  ///< values since the last notification
+  int counter_ = 0;      ///< values since the last notification
+  bool isNews_ = false;  ///< the subscribers have not been told the value yet
   std::function<double()> reader_ = [this] { return GetValue(); };
 };
 
@@ -199,7 +271,7 @@ class TServerDataControl : public TDataControl {
 
   TKorvalCompList clients_{this, &TDataControl::staticMetaObject};
   TSliderLink slider_{this};
-  int taking_ = 0;  ///< runs of TakeValue on the stack
+  TMethod taking_;  ///< TakeValue
   bool destroying_ = false;
 };
 

@@ -165,5 +165,5 @@ class TFFTChannel : public TDataControl {
   TClick resetFFT_{this};
   TArrayList data_{6, this};
   TGraphLink graphLink_{this};
-  int setting_ = 0;  ///< runs of SetValue on the stack
+  TMethod setting_;  ///< SetValue
 };

@@ -77,5 +77,8 @@ class TMacro : public TCustomVariable {
   TMacroCompiler compiler_;
   QString errorText_ = TMacroCompiler::ErrorMessage(TMacroCompiler::mcOk);
   int compilations_ = 0;  ///< so many so far
-  TValueLink link_{[this](double value) { SetValue(value); }};
+  TValueLink link_{[this](double value) {
+    const TRun::TPassing on;
+    SetValue(value);
+  }};
 };

@@ -216,6 +216,8 @@ TEST_F(Macro, EndsWhenItIsItsOwnInput) {
   a->SetValue(0.0);
   EXPECT_LT(told, 20);
   EXPECT_GT(macro->GetValue(), 0.0);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(TakeMessages().size(), 1);
 }
 
 TEST_F(Macro, StandsASubscriberThatDestroysIt) {
