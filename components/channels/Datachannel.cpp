@@ -1,5 +1,6 @@
 #include "components/channels/Datachannel.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <cmath>
 
@@ -102,10 +103,14 @@ void TCustomDataChannel::SetPointCount(int count) {
 
 /// A form gives the rows and the two settings in any order.
 void TCustomDataChannel::SetDataMaximum() {
-  if (!IsLoading()) data_.SetMaxCount(pipeMode_ ? pointCount_ : TDataList::kLimit);
+  if (!IsLoading()) data_.KeepNewest(pipeMode_ ? pointCount_ : TDataList::kLimit);
 }
 
-void TCustomDataChannel::DataChanged(QObject*) { graphLink_.UpdateNow(); }
+void TCustomDataChannel::DataChanged(QObject*) {
+  const int most = data_.GetMaxCount();
+  if (!IsLoading() && most > 0 && data_.Count() > most) return data_.KeepNewest(most);
+  graphLink_.UpdateNow();
+}
 
 void TCustomDataChannel::ResetChannel(QObject*) { data_.Clear(); }
 
@@ -113,14 +118,28 @@ void TCustomDataChannel::SendDataToClients(QObject*) {
   if (sending_) return;
   sending_ = true;
   const double value = GetValue();
-  const int count = data_.Count();
-  for (int row = 0; row < std::min(count, data_.Count()); ++row) {
-    if (!TakeValue(data_.Row(row)[TFloatList::kValue])) return;
-  }
+  // The channel may be gone by then, or a client have thrown.
   const QPointer<TCustomDataChannel> self(this);
+  const auto end = qScopeGuard([&] {
+    if (self) sending_ = false;
+  });
+  auto interrupted = qScopeGuard([&] {
+    if (self) HoldValue(value);
+  });
+  if (!SendRows()) return;
+  interrupted.dismiss();
   // NOLINTNEXTLINE(bugprone-parent-virtual-call): the value is shown again, clients have it
   TDataControl::SetValue(value);
-  if (self) sending_ = false;
+}
+
+/// False if the channel was destroyed on the way.
+bool TCustomDataChannel::SendRows() {
+  const int count = data_.Count();
+  for (int row = 0; row < std::min(count, data_.Count()); ++row) {
+    const TRun::TAlone alone;
+    if (!TakeValue(data_.Row(row)[TFloatList::kValue])) return false;
+  }
+  return true;
 }
 
 void TCustomDataChannel::CalculateShiftConstant(QObject*) {

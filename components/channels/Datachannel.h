@@ -125,6 +125,7 @@ class TCustomDataChannel : public TServerDataControl {
   void StoreValue(double value);
   void DataChanged(QObject* sender);
   void SetDataMaximum();
+  bool SendRows();
   bool HasYBars() const;
   TCoordinate Point(int row, bool swapped) const;
 

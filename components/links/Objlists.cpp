@@ -150,6 +150,14 @@ void TDataList::SetMaxCount(int count) {
   if (shrinks) Changed();
 }
 
+void TDataList::KeepNewest(int count) {
+  if (count < 1 || count > kLimit || count_ <= count) return SetMaxCount(count);
+  first_ = Slot(count_ - count);
+  count_ = count;
+  SetMaxCount(count);
+  Changed();
+}
+
 // Cells
 
 double TDataList::GetValues(int row, int column) const {

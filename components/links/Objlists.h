@@ -44,6 +44,9 @@ class TDataList : public TPersistent {
   /// Accepts 0 (no maximum of its own) to 65536. Rows beyond the new maximum are deleted from the
   /// end, with one OnChange.
   void SetMaxCount(int count);
+  /// The same for a list that is oldest first: rows beyond the new maximum are deleted from the
+  /// beginning.
+  void KeepNewest(int count);
   /// PushBackRow and PushRow use a row again.
   bool IsFull() const { return count_ >= (maxCount_ > 0 ? maxCount_ : kLimit); }
   /// Rows that fit before the list allocates again.

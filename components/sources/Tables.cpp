@@ -14,11 +14,7 @@ TDataTable::TDataTable(QWidget* parent)
 void TDataTable::SetMaxRows(int rows) {
   if (rows == maxRows_ || rows < 1 || rows > TDataList::kLimit) return;
   maxRows_ = rows;
-  // The list alone would let go of the newest.
-  QSignalBlocker once(this);
-  DeleteRows(0, RowCount() - rows);
-  rows_->SetMaxCount(rows);
-  once.unblock();
+  rows_->KeepNewest(rows);
   emit OnChange(this);
 }
 
@@ -29,9 +25,13 @@ void TDataTable::SetRecording(bool recording) {
 }
 
 void TDataTable::ControlsChanged() {
-  const int columns = 1 + sampler_.Controls()->Count();
-  if (columns != ColCount()) {
-    rows_ = std::make_unique<TDataList>(columns, this);
+  std::vector<const QObject*> columns;
+  for (int i = 0; i < sampler_.Controls()->Count(); ++i) {
+    columns.push_back(sampler_.Controls()->Get(i));
+  }
+  if (columns != columns_) {
+    columns_ = columns;
+    rows_ = std::make_unique<TDataList>(1 + static_cast<int>(columns.size()), this);
     rows_->SetMaxCount(maxRows_);
   }
   emit OnChange(this);
@@ -85,6 +85,7 @@ void TDataTable::SetDataValues(const QString& text) {
   if (IsLoading()) {
     pending_ = text;
   } else if (rows_->ReadProperties(text)) {
+    rows_->KeepNewest(maxRows_);
     emit OnChange(this);
   }
 }

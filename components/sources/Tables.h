@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <memory>
+#include <vector>
 
 #include "components/controls/Compbase.h"
 #include "components/links/Objlists.h"
@@ -25,7 +26,7 @@ class TDataTable : public TIconControl {
   explicit TDataTable(QWidget* parent = nullptr);
 
   TKorvalCompList* GetControls() { return sampler_.Controls(); }
-  /// Another number of controls is another table: the rows go.
+  /// Other controls, or the same in another order, make another table: the rows go.
   void SetControls(const TKorvalCompList* list) { sampler_.Controls()->Assign(list); }
   int GetMaxRows() const { return maxRows_; }
   void SetMaxRows(int rows);
@@ -66,7 +67,8 @@ class TDataTable : public TIconControl {
   TRowSampler sampler_{this};
   TClick reset_{this};
   std::unique_ptr<TDataList> rows_;
-  QString pending_;  ///< rows of a form that is being read
+  std::vector<const QObject*> columns_;  ///< the controls that they are of, for comparing only
+  QString pending_;                      ///< rows of a form that is being read
   int maxRows_ = 1000;
   bool recording_ = true;
 };

@@ -10,8 +10,11 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <stdexcept>
 
 #include "components/graphing/Graph.h"
+#include "tests/components/Providerfixture.h"
+#include "tests/support/Testsupport.h"
 
 namespace {
 
@@ -28,15 +31,6 @@ std::vector<double> Values(const TCustomDataChannel& channel) {
   }
   return values;
 }
-
-/// A control that keeps all it was given.
-struct TRecorder : TDataControl {
-  void SetValue(double value) override {
-    TDataControl::SetValue(value);
-    given.push_back(value);
-  }
-  std::vector<double> given;
-};
 
 TEST(TDataChannel, ConvertsLimitsOrDropsASample) {
   using TChannel = TCustomDataChannel;
@@ -161,15 +155,25 @@ TEST(TDataChannel, KeepsTheNewestInPipeModeAndManyWithoutIt) {
   QSignalSpy redraws(channel.GetGraphLink(), &TGraphLink::OnUpdate);
   channel.SetPipeMode(true);
   EXPECT_EQ(channel.GetPointCount(), 40);
-  EXPECT_EQ(Values(channel).front(), 2.0);
+  EXPECT_EQ(Values(channel).front(), 63.0);
+  EXPECT_EQ(Values(channel).back(), 102.0);
   EXPECT_EQ(redraws.count(), 1);
+  TFloatList longer;
+  for (int i = 1; i <= 50; ++i) longer.PushBack(i);
+  channel.SetData(&longer);
+  EXPECT_EQ(channel.GetPointCount(), 40);
+  EXPECT_EQ(Values(channel).front(), 11.0);
+  channel.GetData()->SetDataValues(longer.WriteProperties());
+  EXPECT_EQ(channel.GetPointCount(), 40);
+  EXPECT_EQ(Values(channel).back(), 50.0);
+  redraws.clear();
   for (const int refused : {-1, 65537}) {
     channel.SetPointCount(refused);
     EXPECT_EQ(channel.property("PointCount"), 40);
   }
   channel.GetReset()->Click();
   EXPECT_EQ(channel.GetPointCount(), 0);
-  EXPECT_EQ(redraws.count(), 2);
+  EXPECT_EQ(redraws.count(), 1);
 }
 
 TEST(TDataChannel, GivesItsGraphThePointsOfItsStyle) {
@@ -262,6 +266,33 @@ TEST(TDataChannel, SendsItsHistoryAgainAndKeepsItsValue) {
   EXPECT_EQ(channel.GetPointCount(), 3);
   EXPECT_EQ(channel.GetValue(), 50.0);
   EXPECT_EQ(told.back(), 50.0);
+
+  client.OnGiven = [](double) { throw std::runtime_error("full"); };
+  EXPECT_THROW(channel.SendDataToClients(), std::runtime_error);
+  EXPECT_EQ(channel.GetValue(), 50.0);
+  client.OnGiven = nullptr;
+  client.given.clear();
+  channel.SendDataToClients();
+  EXPECT_THAT(client.given, ElementsAre(2.0, 4.0, 6.0));
+}
+
+TEST(TDataChannel, SendsAllOfAFullHistoryFromItsOwnNotification) {
+  TDataChannel channel;
+  channel.SetPipeMode(false);
+  for (int i = 0; i < TDataList::kLimit; ++i) channel.SetValue(i);
+  TRecorder clients[3];
+  for (TRecorder& client : clients) channel.GetClientControls()->Add(&client);
+  TValueLink link([&](double value) {
+    if (value < 0.0) channel.SendDataToClients();
+  });
+  channel.AddLink(&link, false);
+  channel.SetValue(-1.0);
+  for (const TRecorder& client : clients) {
+    ASSERT_EQ(client.given.size(), TDataList::kLimit + 1U);  // and the value itself
+    EXPECT_EQ(client.given[TDataList::kLimit - 1], TDataList::kLimit - 1.0);
+  }
+  QCoreApplication::processEvents();
+  EXPECT_THAT(TakeMessages(), ElementsAre());
 }
 
 TEST(TDataChannel, ShiftsItsValuesToTheInitialMean) {

@@ -84,6 +84,14 @@ TEST(TDataTable, LetsGoOfTheOldestRowsWhenItGetsSmaller) {
   ASSERT_EQ(table.RowCount(), 2);
   EXPECT_EQ(table.GetValue(0, 1), 3.0);
   EXPECT_EQ(table.GetValue(1, 1), 4.0);
+  table.SetDataValues("1 10 10\n2 20 20\n3 30 30\n");
+  ASSERT_EQ(table.RowCount(), 2);
+  EXPECT_EQ(table.GetValue(0, 0), 2.0);
+
+  TKorvalCompList others(nullptr, &TDataControl::staticMetaObject);
+  for (TDataControl* control : {&controls.b, &controls.a}) others.Add(control);
+  table.SetControls(&others);
+  EXPECT_EQ(table.RowCount(), 0) << "the rows are of other columns";
 }
 
 TEST(TDataSheet, CopiesAndPastesAsSpreadsheetsDo) {
