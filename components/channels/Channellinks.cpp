@@ -1,6 +1,24 @@
 #include "components/channels/Channellinks.h"
 
 #include <QThread>
+#include <utility>
+
+#include "components/graphing/Utilclasses.h"
+
+QString TextOfPicked(const TStatisticsOptions& options, const TNumberFormat& format, double value) {
+  if (options.GetValueType() != svTime) return format.FormatedValue(value);
+  TNumberFormat time;
+  time.SetTimeFormatStr(format.GetTimeFormatStr());
+  time.SetIsTimeFormat(true);
+  return time.FormatedValue(value);
+}
+
+bool TShownChannel::ChangesTo(const TChannel* channel) {
+  if (!channel) return false;
+  const bool another = channel_ && *channel_ != channel;
+  channel_ = channel;
+  return another;
+}
 
 // TChannelEnd
 
@@ -10,6 +28,7 @@ TChannelEnd::TChannelEnd(TCustomChannelLink& link)
   Channel.Caption = QStringLiteral("ChannelSet not defined!");
   connect(&ChannelSet, &TPersistent::OnChange, this, &TChannelEnd::SetChosen);
   connect(&Channel, &TPersistent::OnChange, this, &TChannelEnd::ChannelChosen);
+  connect(&Options, &TPersistent::OnChange, this, &TChannelEnd::OptionsChanged);
 }
 
 void TChannelEnd::SetChosen() {
@@ -59,7 +78,12 @@ void TChannelEnd::SelectedChannelSetChanged(TChannelSet* set) {
 
 void TChannelEnd::SelectedChannelChanged(TChannel* channel) {
   channel_ = channel;
+  hasData_ = false;
   emit OnChannelChanged(this);
+}
+
+void TChannelEnd::OptionsChanged() {
+  if (std::exchange(interval_, Options.GetSelInterval()) != interval_) hasData_ = false;
 }
 
 /// The chosen set may have another label or place, or may be gone.
@@ -85,10 +109,11 @@ void TChannelEnd::ChannelsChanged() {
 }
 
 void TChannelEnd::Refresh() {
+  hasData_ = false;
   if (!channel_) return;
   const TChannelStatistics* stats = channel_->GetStats();
   const int index = Ordinal(Options.GetSelInterval()) - Ordinal(stats->GetMinInterval());
-  static_cast<void>(stats->GetCurrent(index, Data));
+  hasData_ = stats->GetCurrent(index, Data) && Data != TStatSet();
 }
 
 // TCustomChannelLink

@@ -4,6 +4,7 @@
 #include <QString>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "components/channels/Channelset.h"
@@ -13,6 +14,21 @@
 #include "model/Timer.h"
 
 class TCustomChannelLink;
+class TNumberFormat;
+
+/// A value that the options have picked as text: in the format, but a time stamp as a time.
+QString TextOfPicked(const TStatisticsOptions& options, const TNumberFormat& format, double value);
+
+/// What a display shows is of one channel. A member of the display.
+class TShownChannel {
+ public:
+  /// Shows a channel from now on; true if it was another one before. None, and the first one, of
+  /// which a form may have brought something, are no others.
+  bool ChangesTo(const TChannel* channel);
+
+ private:
+  std::optional<QPointer<const TChannel>> channel_;
+};
 
 /// One end of a channel link: a set and a channel of a source, chosen by their labels, the
 /// statistics to follow, and the last record of them. What is chosen stays so when its label
@@ -28,8 +44,11 @@ class TChannelEnd : public QObject {
   TStatisticsOptions Options{this};
   TSelectedCollItem ChannelSet{this};
   TSelectedCollItem Channel{this};
-  /// The record that was last delivered.
+  /// The record that was last delivered, of another choice maybe.
   TStatSet Data;
+
+  /// Data are of the present choice, and something has been measured.
+  bool HasData() const { return hasData_; }
 
   TChannelSet* SelectedSet() const { return set_; }
   TChannel* SelectedChannel() const { return channel_; }
@@ -55,12 +74,15 @@ class TChannelEnd : public QObject {
  private:
   void SetChosen();
   void ChannelChosen();
+  void OptionsChanged();
   void SetsChanged();
   void ChannelsChanged();
 
   QPointer<TChannelSets> sets_;  ///< of the source, which may be half destroyed without them
   QPointer<TChannelSet> set_;
   QPointer<TChannel> channel_;
+  TStatInterval interval_ = Options.GetSelInterval();  ///< of the data
+  bool hasData_ = false;
   QMetaObject::Connection setsChanged_;
   QMetaObject::Connection channelsChanged_;
   TDataClient client_;
@@ -142,11 +164,13 @@ class TOneChannelLink : public TCustomChannelLink {
   TSelectedCollItem* GetChannel() { return &end_.Channel; }
   void SetChannel(const TSelectedCollItem* item) { end_.Channel.Assign(item); }
   TStatisticsOptions* GetOptions() { return &end_.Options; }
+  const TStatisticsOptions* GetOptions() const { return &end_.Options; }
   void SetOptions(const TStatisticsOptions* options) { end_.Options.Assign(options); }
 
   TChannelSet* SelectedChannelSet() const { return end_.SelectedSet(); }
   TChannel* SelectedChannel() const { return end_.SelectedChannel(); }
   const TStatSet& GetData() const { return end_.Data; }
+  bool HasData() const { return end_.HasData(); }
 
   void SelectedChannelSetChanged(TChannelSet* set) { end_.SelectedChannelSetChanged(set); }
   void SelectedChannelChanged(TChannel* channel) { end_.SelectedChannelChanged(channel); }
@@ -193,6 +217,8 @@ class TTwoChannelLink : public TCustomChannelLink {
   TChannelSet* SelectedChannelSet2() const { return end2_.SelectedSet(); }
   TChannel* SelectedChannel2() const { return end2_.SelectedChannel(); }
   const TStatSet& GetData2() const { return end2_.Data; }
+  /// Both ends have data.
+  bool HasData() const { return end1_.HasData() && end2_.HasData(); }
 
   void SelectedChannelSetChanged1(TChannelSet* set) { end1_.SelectedChannelSetChanged(set); }
   void SelectedChannelChanged1(TChannel* channel) { end1_.SelectedChannelChanged(channel); }

@@ -24,10 +24,25 @@ void DrawTap(QPainter& painter) {
 TChannelValue::TChannelValue(QWidget* parent) : TCustomVariable(parent) {
   SetIconImage(ProvideIconImage(QStringLiteral("TChannelValue"), DrawTap));
   connect(&link_, &TCustomChannelLink::OnData, this, &TChannelValue::BlockCame);
+  connect(&link_, &TOneChannelLink::OnChannelChanged, this, &TChannelValue::ChannelChosen);
+  connect(link_.GetOptions(), &TPersistent::OnChange, this, [this] { SetCaption(); });
 }
 
 void TChannelValue::SetContent(TContent content) {
-  if (content >= ctBlock && content <= ctStatus) content_ = content;
+  if (content == content_ || content < ctBlock || content > ctStatus) return;
+  content_ = content;
+  SetCaption();
+}
+
+void TChannelValue::ChannelChosen() {
+  if (!shown_.ChangesTo(link_.SelectedChannel())) return;
+  HoldValue(0.0);
+  SetCaption();
+}
+
+QString TChannelValue::ValueText() const {
+  if (content_ != ctHistory) return TCustomVariable::ValueText();
+  return TextOfPicked(*link_.GetOptions(), ValueFormat(), GetValue());
 }
 
 void TChannelValue::BlockCame() {
@@ -44,7 +59,7 @@ std::optional<double> TChannelValue::Present(const TChannel& channel) {
     return static_cast<double>(stats.GetStatus(std::max(interval, stats.GetMinInterval())));
   }
   if (content_ == ctHistory) {
-    if (link_.GetData() == TStatSet()) return {};
+    if (!link_.HasData()) return {};
     return link_.GetData().ShownValue(link_.GetOptions()->GetValueType());
   }
   const auto index = static_cast<std::size_t>(channel.Index());

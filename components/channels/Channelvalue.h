@@ -37,16 +37,22 @@ class TChannelValue : public TCustomVariable {
   TContent GetContent() const { return content_; }
   void SetContent(TContent content);
 
+  /// When another channel is chosen the value is 0 until that has one; nobody is told the 0.
   TOneChannelLink* GetChannelLink() { return &link_; }
   void SetChannelLink(const TOneChannelLink* link) { link_.Assign(link); }
 
   void Loaded() override;
 
+ protected:
+  QString ValueText() const override;
+
  private:
+  void ChannelChosen();
   void BlockCame();
   std::optional<double> Present(const TChannel& channel);
 
   TOneChannelLink link_{false, this};
+  TShownChannel shown_;
   TContent content_ = ctBlock;
   std::vector<TStatSet> block_;
 };

@@ -42,7 +42,7 @@ void TCustomVariable::SetCaption() {
 }
 
 QString TCustomVariable::CaptionText() const {
-  const QString value = showValue_ ? valueFormat_.FormatedValue(GetValue()) : QString();
+  const QString value = showValue_ ? ValueText() : QString();
   if (!showName_) return value;
   return showValue_ ? objectName() + '=' + value : objectName();
 }

@@ -34,6 +34,10 @@ class TCustomVariable : public TServerDataControl {
 
   void Loaded() override;
 
+ protected:
+  virtual QString ValueText() const { return valueFormat_.FormatedValue(GetValue()); }
+  const TNumberFormat& ValueFormat() const { return valueFormat_; }
+
  private:
   void FormatChanged() { SetCaption(); }
   QString CaptionText() const;

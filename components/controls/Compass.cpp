@@ -29,11 +29,16 @@ void TCompass::SetNorth(double northDeg) {
   SetAngle(angle);
 }
 
-void TCompass::SelectedChannelChanged() { link_.SetEnabled(link_.SelectedChannel()); }
+/// The angle of another channel would pass for one of this.
+void TCompass::SelectedChannelChanged() {
+  const TChannel* channel = link_.SelectedChannel();
+  link_.SetEnabled(channel);
+  if (shown_.ChangesTo(channel)) SetAngle(0.0);
+}
 
 void TCompass::UpdateValue() {
   // The link ticks before the first value, too.
-  if (!link_.SelectedChannel() || link_.GetData() == TStatSet()) return;
+  if (!link_.HasData()) return;
   SetAngle(link_.GetData().ShownValue(link_.GetOptions()->GetValueType()));
 }
 

@@ -38,6 +38,7 @@ class TCompass : public TCustomImageControl {
   void SetNorth(double northDeg);
 
   /// The channel whose selected value is taken as the angle, in degrees, at every UpdateInterval.
+  /// When another one is chosen, the needle stands at 0 until that has something to show.
   TOneChannelLink* GetChannelLink() { return &link_; }
   void SetChannelLink(const TOneChannelLink* link) { link_.Assign(link); }
 
@@ -54,5 +55,6 @@ class TCompass : public TCustomImageControl {
   TNeedle needle_{this};
   double north_ = 0.0;
   double angle_ = 0.0;  ///< as it was set last; the needle may have been turned since
+  TShownChannel shown_;
   TOneChannelLink link_{true, this};
 };

@@ -61,20 +61,27 @@ const TChannelStatistics* THistoryGraph::Statistics() {
 }
 
 void THistoryGraph::GraphChanged() {
-  if (TKorvalGraph* graph = graphLink_.GetGraph()) {
-    graph->GetHorizontalAx()->SetScale(TAxis::asTime);
-  }
+  if (TKorvalGraph* graph = graphLink_.GetGraph()) SetUpAxes(*graph);
   link_.SetEnabled(Statistics());
   FindLimitLines();
   graphLink_.Replay();
 }
 
+/// The user's own scale for values stays.
+void THistoryGraph::SetUpAxes(TKorvalGraph& graph) {
+  graph.GetHorizontalAx()->SetScale(TAxis::asTime);
+  TAxis& vertical = *graph.GetVerticalAx();
+  const bool isTime = link_.GetOptions()->GetValueType() == svTime;
+  if (isTime) vertical.SetScale(TAxis::asTime);
+  if (!isTime && vertical.GetScale() == TAxis::asTime) vertical.SetScale(TAxis::asLinear);
+}
+
 /// The histories of most channels change far less often than one may want to look.
 void THistoryGraph::LookForRecord() {
-  TCoordinate newest;
-  const TChannelStatistics* statistics = Statistics();
-  if (!statistics || statistics->ProvideGraphBlock(*link_.GetOptions(), 0, {&newest, 1}) == 0)
-    return;
+  TCoordinate newest;  // 0 of a history that has been deleted
+  if (const TChannelStatistics* statistics = Statistics()) {
+    statistics->ProvideGraphBlock(*link_.GetOptions(), 0, {&newest, 1});
+  }
   if (newest.X == newest_) return;
   newest_ = newest.X;
   FindLimitLines();

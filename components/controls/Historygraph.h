@@ -32,6 +32,7 @@ class THistoryGraph : public TIconControl {
 
  private:
   void GraphChanged();
+  void SetUpAxes(TKorvalGraph& graph);
   void LookForRecord();
   void FindLimitLines();
   const TChannelStatistics* Statistics();

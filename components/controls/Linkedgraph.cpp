@@ -42,7 +42,7 @@ TLinkedGraph::TLinkedGraph(QWidget* parent) : TIconControl(parent) {
   connect(&link_, &TTwoChannelLink::OnChannelChanged1, this, &TLinkedGraph::ConfigurationChanged);
   connect(&link_, &TTwoChannelLink::OnChannelChanged2, this, &TLinkedGraph::ConfigurationChanged);
   for (TStatisticsOptions* options : {link_.GetOptions1(), link_.GetOptions2()}) {
-    connect(options, &TPersistent::OnChange, this, &TLinkedGraph::GraphChanged);
+    connect(options, &TPersistent::OnChange, this, &TLinkedGraph::OptionsChanged);
   }
 }
 
@@ -65,21 +65,35 @@ void TLinkedGraph::GraphChanged() {
   graphLink_.Replay();
 }
 
-/// The captions follow the labels and units of the channels.
+/// The captions follow the labels and units of the channels. What was collected stays for the
+/// channels of the form that brought it, and while none is chosen.
 void TLinkedGraph::ConfigurationChanged() {
   const TChannel* chosen[] = {link_.SelectedChannel1(), link_.SelectedChannel2()};
+  bool others = false;
   for (std::size_t i = 0; i < channels_.size(); ++i) {
     disconnect(channels_[i]);
+    others |= shown_[i].ChangesTo(chosen[i]);
     if (chosen[i]) {
       channels_[i] = connect(chosen[i], &TPersistent::OnChange, this, &TLinkedGraph::GraphChanged);
     }
   }
+  if (others) BeginAnew();
   GraphChanged();
+}
+
+void TLinkedGraph::OptionsChanged() {
+  if (!IsLoading()) BeginAnew();
+  GraphChanged();
+}
+
+void TLinkedGraph::BeginAnew() {
+  last_ = {};
+  if (data_.Count() > 0) data_.Clear();
 }
 
 /// The link ticks whether there are new data or not: those at hand would push the others out.
 void TLinkedGraph::UpdateValues() {
-  if (!HasBoth()) return;
+  if (!HasBoth() || !link_.HasData()) return;
   const std::array<TStatSet, 2> now = {link_.GetData1(), link_.GetData2()};
   if (std::exchange(last_, now) == now) return;
   double* row = data_.PushBackRow();
@@ -92,5 +106,6 @@ void TLinkedGraph::UpdateValues() {
 void TLinkedGraph::Loaded() {
   link_.Loaded();
   graphLink_.Loaded();
+  data_.KeepNewest(GetMaxPoints());
   TIconControl::Loaded();
 }

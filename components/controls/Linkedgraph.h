@@ -12,7 +12,8 @@
 QString AxisCaptionOf(const TChannel* channel);
 
 /// Plots one channel against another, or against time, in a graph: it collects a pair of values
-/// with each delivery of its link that brings something new. GUI thread only.
+/// with each delivery of its link that brings something new. Pairs of another channel, or of
+/// another of its values, are another curve: it then begins anew. GUI thread only.
 class TLinkedGraph : public TIconControl {
   Q_OBJECT
   Q_PROPERTY(TTwoChannelLink* ChannelLink READ GetChannelLink WRITE SetChannelLink)
@@ -32,7 +33,7 @@ class TLinkedGraph : public TIconControl {
   TGraphLink* GetGraphLink() { return &graphLink_; }
   void SetGraphLink(const TGraphLink* link) { graphLink_.Assign(link); }
   int GetMaxPoints() const { return data_.GetMaxCount(); }
-  void SetMaxPoints(int points) { data_.SetMaxCount(points); }
+  void SetMaxPoints(int points) { data_.KeepNewest(points); }
   bool GetUpdating() const { return updating_; }
   void SetUpdating(bool updating) { updating_ = updating; }
   /// X and Y, oldest first.
@@ -56,6 +57,8 @@ class TLinkedGraph : public TIconControl {
   void ConfigurationChanged();
   void GetLabels();
   void UpdateValues();
+  void OptionsChanged();
+  void BeginAnew();
 
   QString captionX_;
   QString captionY_;
@@ -65,4 +68,5 @@ class TLinkedGraph : public TIconControl {
   bool updating_ = true;
   std::array<TStatSet, 2> last_;  ///< what the link delivered last
   std::array<QMetaObject::Connection, 2> channels_;
+  std::array<TShownChannel, 2> shown_;
 };

@@ -33,7 +33,7 @@ TLinkedLabel::TLinkedLabel(QWidget* parent) : QLabel(parent) {
   connect(&format_, &TPersistent::OnChange, this, &TLinkedLabel::InvalidateLabel);
   connect(&link_, &TOneChannelLink::OnChannelChanged, this, &TLinkedLabel::SelectedChannelChanged);
   connect(&link_, &TCustomChannelLink::OnData, this, &TLinkedLabel::UpdateValue);
-  connect(link_.GetOptions(), &TPersistent::OnChange, this, &TLinkedLabel::InvalidateLabel);
+  connect(link_.GetOptions(), &TPersistent::OnChange, this, &TLinkedLabel::OptionsChanged);
   InvalidateLabel();
 }
 
@@ -41,9 +41,9 @@ void TLinkedLabel::SelectedChannelChanged() {
   TChannel* channel = link_.SelectedChannel();
   disconnect(channel_);
   valid_ = false;
-  before_ = link_.GetData();
   link_.SetEnabled(channel);
   if (channel) {
+    if (shown_.ChangesTo(channel)) value_ = 0.0;
     channel_ = connect(channel, &TPersistent::OnChange, this, &TLinkedLabel::TakeNames);
     format_.Assign(channel->GetNumFormat());
     TakeNames();
@@ -59,12 +59,16 @@ void TLinkedLabel::TakeNames() {
   InvalidateLabel();
 }
 
-/// The link ticks whether there are data or not. What it still holds of another channel is no value
-/// of this one.
+/// The value that was shown is not the one that is wanted now.
+void TLinkedLabel::OptionsChanged() {
+  if (valid_) value_ = 0.0;
+  UpdateValue();
+}
+
+/// The link ticks whether there are data or not.
 void TLinkedLabel::UpdateValue() {
-  const TStatSet& now = link_.GetData();
-  valid_ = link_.SelectedChannel() && (valid_ || now != before_);
-  if (valid_) value_ = now.ShownValue(link_.GetOptions()->GetValueType());
+  valid_ = link_.HasData();
+  if (valid_) value_ = link_.GetData().ShownValue(link_.GetOptions()->GetValueType());
   InvalidateLabel();
 }
 
@@ -74,9 +78,10 @@ void TLinkedLabel::InvalidateLabel() {
   if (showLabel_) text += label_;
   if (showValue_) {
     if (showLabel_ && !label_.isEmpty()) text += QStringLiteral(" : ");
-    text += format_.FormatedValue(value_);
+    text += TextOfPicked(*link_.GetOptions(), format_, value_);
   }
-  if (showUnits_ && !units_.isEmpty()) text += ' ' + units_;
+  const bool isTime = showValue_ && link_.GetOptions()->GetValueType() == svTime;
+  if (showUnits_ && !units_.isEmpty() && !isTime) text += ' ' + units_;
   if (showDescription_) {
     text += QStringLiteral(" (%1)").arg(link_.GetOptions()->GetDescription());
   }

@@ -7,8 +7,9 @@
 
 /// A text that shows a channel of a channel source: its label, its value, its unit and what the
 /// value is. It stands in angle brackets while no channel is linked or the linked one has delivered
-/// nothing. A text that is too long for its place ends in dots and is told by the tool tip. A
-/// double click, and the menu of the right button, choose the channel. GUI thread only.
+/// nothing. A time stamp is shown as a time, without a unit. A text that is too long for its place
+/// ends in dots and is told by the tool tip. A double click, and the menu of the right button,
+/// choose the channel. GUI thread only.
 class TLinkedLabel : public QLabel {
   Q_OBJECT
   Q_PROPERTY(QString Label READ GetLabel WRITE SetLabel)
@@ -69,6 +70,7 @@ class TLinkedLabel : public QLabel {
   bool IsCut() const;
   void ChooseChannel(QPoint at);
   void SelectedChannelChanged();
+  void OptionsChanged();
   void TakeNames();
   void UpdateValue();
 
@@ -87,7 +89,7 @@ class TLinkedLabel : public QLabel {
   bool showUnits_ = true;
   bool showDescription_ = false;
   bool valid_ = false;
-  TStatSet before_;  ///< what the link held when the channel was chosen
+  TShownChannel shown_;
   QMetaObject::Connection channel_;
   TNumberFormat format_{this};
   TOneChannelLink link_{true, this};

@@ -85,6 +85,17 @@ TEST_F(ChannelValue, GivesTheMeanOfEachBlockOnce) {
   Row(0.3, 7.0, -4.0);
   Row(0.4, 7.0, 10.0);
   EXPECT_EQ(taken, std::vector<double>({1.5, 3.0}));
+
+  value.setObjectName("v");
+  Follow(*value.GetChannelLink(), "a");
+  EXPECT_EQ(value.GetCaption(), "v=0");  // and not the other channel's
+  EXPECT_EQ(taken.size(), 2u);
+  value.SetContent(TChannelValue::ctHistory);
+  value.GetChannelLink()->GetOptions()->SetValueType(svTime);
+  value.GetValueFormat()->SetTimeFormatStr("yyyy-mm-dd hh:nn");
+  Row(0.5, 7.0, 1.0);
+  Row(0.6, 7.0, 1.0);
+  EXPECT_EQ(value.GetCaption(), "v=2023-03-15 00:00");
 }
 
 TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
@@ -151,6 +162,10 @@ TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {
   EXPECT_TRUE(std::isnan(lines[2].X));
   history.SetShowLimits(false);
   EXPECT_TRUE(points(1).empty());
+  history.GetChannelLink()->GetOptions()->SetValueType(svTime);
+  EXPECT_EQ(graph.GetVerticalAx()->GetScale(), TAxis::asTime);
+  history.GetChannelLink()->GetOptions()->SetValueType(svMean);
+  EXPECT_EQ(graph.GetVerticalAx()->GetScale(), TAxis::asLinear);
 }
 
 }  // namespace

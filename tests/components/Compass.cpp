@@ -126,6 +126,12 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
   link.SetChannelSource(nullptr);
   EXPECT_FALSE(link.GetEnabled());
   EXPECT_EQ(compass.GetAngle(), 40.0);
+  link.SetChannelSource(&source);
+  link.GetChannelSet()->SetItem("Wind");
+  link.GetChannel()->SetIndex(1);  // has its own values, and before them none
+  EXPECT_EQ(compass.GetAngle(), 0.0);
+  tick();
+  EXPECT_EQ(compass.GetAngle(), 0.0);
 }
 
 TEST(TImageControl, FitsStretchesOrLeavesThePicture) {

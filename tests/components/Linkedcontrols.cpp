@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
+#include <functional>
 #include <limits>
 
 #include "components/channels/Channelset.h"
@@ -114,8 +115,6 @@ TEST_F(LinkedLabel, TakesNameUnitFormatAndEachNewValueOfItsChannel) {
   EXPECT_EQ(label.text(), "Speed : 6.0 m/s");  // the mean of what there is of this second
   label.SetShowDescription(true);
   link.GetOptions()->SetValueType(svMax);
-  EXPECT_EQ(label.text(), "Speed : 6.0 m/s (Last minute: Max)");
-  Tick();
   EXPECT_EQ(label.text(), "Speed : 8.0 m/s (Last minute: Max)");
   Tick();  // nothing new, and valid all the same
   EXPECT_EQ(label.text(), "Speed : 8.0 m/s (Last minute: Max)");
@@ -139,11 +138,25 @@ TEST_F(LinkedLabel, DoesNotPassTheValueOfOneChannelOffAsThatOfAnother) {
   Tick();
   EXPECT_TRUE(label.IsValid());
   Choose("Temperature");  // keeps no seconds: there is nothing to show
-  Tick();
-  EXPECT_FALSE(label.IsValid());
+  for (int ticks = 0; ticks < 2; ++ticks) {
+    EXPECT_EQ(label.text(), "<Temperature : 0 C>");
+    Tick();
+  }
   link.GetOptions()->SetSelInterval(si1_Hour);
   Tick();
   EXPECT_EQ(label.text(), "Temperature : 20 C");
+  link.GetOptions()->SetSelInterval(si1_Second);
+  Tick();
+  EXPECT_EQ(label.text(), "<Temperature : 0 C>");
+}
+
+TEST_F(LinkedLabel, ShowsATimeStampAsATime) {
+  Row(0.0, 4.0, 90.0);
+  Choose("Speed");
+  link.GetOptions()->SetValueType(svTime);
+  label.GetFormat()->SetTimeFormatStr("yyyy-mm-dd hh:nn:ss");
+  Tick();
+  EXPECT_EQ(label.text(), "Speed : 2023-03-15 06:00:00");
 }
 
 TEST_F(LinkedLabel, OutlivesChannelSetAndSource) {
@@ -288,6 +301,39 @@ TEST_F(LinkedGraph, AddsAPointWithEachDeliveryOnceBothChannelsAreSet) {
   EXPECT_EQ(data.Count(), 3);
 }
 
+TEST_F(LinkedGraph, BeginsAnewWithAnotherChannelOrValue) {
+  ChooseX("Speed");
+  ChooseY("Direction");
+  const struct {
+    std::function<void()> change;
+    int left;
+  } cases[] = {
+      {[this] { ChooseY("Temperature"); }, 0},
+      {[this] { ChooseX("Direction"); }, 0},
+      {[this] { link.GetOptions1()->SetValueType(svMin); }, 0},
+      {[this] { link.GetOptions2()->SetSelInterval(si1_Minute); }, 0},
+      {[this] { link.GetChannel2()->SetItem("nobody"); }, 1},
+      {[this] { link.GetChannel2()->SetItem("Temperature"); }, 1},  // the one before
+      {[this] { Channel(2)->SetLabel("Warmth"); }, 1},
+  };
+  double at = 0.0;
+  for (const auto& c : cases) {
+    at += 0.05;
+    if (data.Count() == 0) Row(at, 1.0 + at, 2.0 + at, 3.0 + at);
+    Tick();
+    ASSERT_EQ(data.Count(), 1);
+    c.change();
+    EXPECT_EQ(data.Count(), c.left);
+  }
+  // A channel without such a history has no values, and not those of the former one.
+  Channel(1)->GetStats()->SetMinInterval(si1_Hour);
+  ChooseX("Speed");
+  ChooseX("Direction");
+  Row(at + 0.05, 4.0, 5.0, 6.0);
+  Tick();
+  EXPECT_EQ(data.Count(), 0);
+}
+
 TEST_F(LinkedGraph, HasNoPointBeforeAnythingIsMeasured) {
   link.GetOptions1()->SetValueType(svTime);
   ChooseX("Speed");
@@ -353,6 +399,8 @@ TEST_F(LinkedGraph, KeepsTheNewestPointsAndDrawsThemIfItIsToldTo) {
   ASSERT_TRUE(plot.ProvideGraphData(index, point, extent));
   EXPECT_EQ(point, (TCoordinate{3.0, 30.0}));
   EXPECT_FALSE(plot.ProvideGraphData(index, point, extent));
+  plot.SetMaxPoints(1);
+  EXPECT_EQ(data.Get(0), (TCoordinate{3.0, 30.0}));
   plot.SetMaxPoints(0);
   EXPECT_EQ(plot.GetMaxPoints(), 0);
 }
