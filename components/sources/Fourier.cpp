@@ -130,16 +130,30 @@ void TFFTChannel::SetCumulCount(int count) {
 
 void TFFTChannel::SetLowerFilter(double frequency) {
   if (!(frequency >= 0.0) || !std::isfinite(frequency) || frequency == lowerFilter_) return;
-  if (frequency >= upperFilter_ && !IsLoading()) return;
+  if (frequency >= GetUpperFilter() && !IsLoading()) return;
   lowerFilter_ = frequency;
   Reset();
 }
 
 void TFFTChannel::SetUpperFilter(double frequency) {
-  if (!(frequency > 0.0) || frequency == upperFilter_) return;
-  if (frequency <= lowerFilter_ && !IsLoading()) return;
-  upperFilter_ = IsLoading() ? frequency : std::min(frequency, 0.5 * sampleRate_);
-  Reset();
+  if (!(frequency > 0.0) || (frequency <= lowerFilter_ && !IsLoading())) return;
+  const double before = GetUpperFilter();
+  formHasUpperFilter_ = IsLoading();
+  upperFilterSet_ |= !IsLoading();
+  upperFilter_ = IsLoading() ? frequency : std::min(frequency, HalfRate());
+  if (upperFilter_ != before) Reset();
+}
+
+double TFFTChannel::GetUpperFilter() const {
+  return upperFilterSet_ || formHasUpperFilter_ ? upperFilter_ : HalfRate();
+}
+
+void TFFTChannel::SetUpperFilterSet(bool set) {
+  if (set == upperFilterSet_) return;
+  const double before = GetUpperFilter();
+  if (!IsLoading()) upperFilter_ = before;
+  upperFilterSet_ = set;
+  if (GetUpperFilter() != before) Reset();
 }
 
 /// The sums that a form brings stay.
@@ -151,8 +165,11 @@ void TFFTChannel::Reset() {
 
 void TFFTChannel::Loaded() {
   UpdateBins();
-  upperFilter_ = std::min(upperFilter_, 0.5 * sampleRate_);
-  if (lowerFilter_ >= upperFilter_) lowerFilter_ = 0.0;
+  // Older forms do not say whether somebody has set the bound, and hold half the rate if not.
+  upperFilterSet_ |= formHasUpperFilter_ && upperFilter_ != HalfRate();
+  formHasUpperFilter_ = false;
+  upperFilter_ = std::min(upperFilter_, HalfRate());
+  if (lowerFilter_ >= GetUpperFilter()) lowerFilter_ = 0.0;
   graphLink_.Loaded();
   TDataControl::Loaded();
 }
@@ -185,9 +202,10 @@ void TFFTChannel::UpdateData() {
 void TFFTChannel::Accumulate() {
   ++cumulCount_;
   const int count = GetPointCount();
+  const double upper = GetUpperFilter();
   for (int i = 0; i < count; ++i) {
     double* bin = data_.Row(i);
-    if (!(lowerFilter_ < bin[fftFrequency] && bin[fftFrequency] <= upperFilter_)) continue;
+    if (!(lowerFilter_ < bin[fftFrequency] && bin[fftFrequency] <= upper)) continue;
     const double re = fft_.OutputReal()[static_cast<std::size_t>(i)];
     const double im = fft_.OutputImag()[static_cast<std::size_t>(i)];
     bin[fftReAmplitude] += re / count;

@@ -95,6 +95,7 @@ class TFFTChannel : public TDataControl {
   Q_PROPERTY(double LowerFilter READ GetLowerFilter WRITE SetLowerFilter)
   Q_PROPERTY(double UpperFilter READ GetUpperFilter WRITE SetUpperFilter)
   Q_PROPERTY(TClick* ResetFFT READ GetResetFFT)
+  Q_PROPERTY(bool UpperFilterSet READ IsUpperFilterSet WRITE SetUpperFilterSet DESIGNABLE false)
 
  public:
   explicit TFFTChannel(QWidget* parent = nullptr);
@@ -130,9 +131,12 @@ class TFFTChannel : public TDataControl {
   /// and 50. A bound that is negative or does not leave a band is ignored; an upper one above half
   /// the sample rate becomes that. Starts the averages again.
   double GetLowerFilter() const { return lowerFilter_; }
-  double GetUpperFilter() const { return upperFilter_; }
+  double GetUpperFilter() const;
   void SetLowerFilter(double frequency);
   void SetUpperFilter(double frequency);
+  /// Until somebody sets the upper bound it is half the sample rate; false makes it so again.
+  bool IsUpperFilterSet() const { return upperFilterSet_; }
+  void SetUpperFilterSet(bool set);
 
   TClick* GetResetFFT() { return &resetFFT_; }
 
@@ -148,6 +152,7 @@ class TFFTChannel : public TDataControl {
   void Reset();
 
  private:
+  double HalfRate() const { return 0.5 * sampleRate_; }
   bool IsOutputUsable() const;
   void UpdateData();
   void Accumulate();
@@ -160,7 +165,9 @@ class TFFTChannel : public TDataControl {
   TFFTOutput output_ = fftPower;
   int cumulCount_ = 0;
   double lowerFilter_ = 0.0;
-  double upperFilter_ = 50.0;
+  double upperFilter_ = 50.0;  ///< while it is set, or the form that is being read has one
+  bool upperFilterSet_ = false;
+  bool formHasUpperFilter_ = false;
   TFFT fft_;
   TClick resetFFT_{this};
   TArrayList data_{6, this};

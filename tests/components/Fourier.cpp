@@ -477,6 +477,50 @@ TEST(TFFTChannel, ReadsItsSumsAndItsBandFromAForm) {
   EXPECT_EQ(loaded.GetCumulCount(), 2);
 }
 
+TEST(TFFTChannel, LetsTheUpperFilterFollowTheSampleRateUntilItIsSet) {
+  const auto reload = [](TFFTChannel& saved, TFFTChannel& loaded) {
+    TFFTChannel fresh;  // a form keeps what differs from a new one
+    loaded.BeginLoading();
+    for (const char* name : {"SampleRate", "UpperFilter", "UpperFilterSet"}) {
+      const QVariant value = saved.property(name);
+      if (value != fresh.property(name)) loaded.setProperty(name, value);
+    }
+    loaded.Loaded();
+  };
+  const struct {
+    double rate;
+    double set;  // 0: nobody sets it
+    double upper, afterwards;
+  } cases[] = {{1000, 0, 500, 2000},  {20, 0, 10, 2000}, {1000, 50, 50, 50},
+               {1000, 500, 500, 500}, {20, 10, 10, 10},  {1000, 200, 200, 200}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.set);
+    TFFTChannel channel;
+    channel.SetSampleRate(c.rate);
+    if (c.set > 0.0) channel.SetUpperFilter(c.set);
+    TFFTChannel loaded;
+    reload(channel, loaded);
+    for (TFFTChannel* each : {&channel, &loaded}) {
+      EXPECT_EQ(each->GetUpperFilter(), c.upper);
+      each->SetSampleRate(4000.0);
+      EXPECT_EQ(each->GetUpperFilter(), c.afterwards);
+    }
+    loaded.SetUpperFilterSet(false);
+    EXPECT_EQ(loaded.GetUpperFilter(), 2000.0);
+  }
+  // Older forms say nothing but the bound, and half of the rate where nobody has set it.
+  for (const double upper : {200.0, 500.0}) {
+    TFFTChannel older;
+    older.BeginLoading();
+    older.SetUpperFilter(upper);
+    older.SetSampleRate(1000.0);
+    older.Loaded();
+    EXPECT_EQ(older.GetUpperFilter(), upper);
+    older.SetSampleRate(4000.0);
+    EXPECT_EQ(older.GetUpperFilter(), upper == 500.0 ? 2000.0 : upper);
+  }
+}
+
 TEST(TFFTChannel, LosesNoRowsToSettingsThatAFormGivesLater) {
   TFixture saved(256);
   saved.AddSine(2.0, 10.0);
