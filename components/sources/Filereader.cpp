@@ -1,11 +1,10 @@
 #include "components/sources/Filereader.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QPointer>
 #include <algorithm>
 
 #include "components/links/Outside.h"
+#include "components/sources/Filename.h"
 
 namespace {
 
@@ -67,18 +66,44 @@ void TFileReader::SetUseList(bool use) {
 void TFileReader::SetFiles(const QStringList& files) {
   if (files == files_) return;
   files_ = files;
-  if (!useList_) return;
+  if (!useList_ || IsLoading()) return;
   itemIndex_ = static_cast<int>(files_.size());
   Reset();
 }
 
 void TFileReader::SetItemIndex(int index) {
-  if (index >= -1 && index <= files_.size()) itemIndex_ = index;
+  const bool exists = index <= files_.size() || IsLoading();
+  if (index >= -1 && exists) itemIndex_ = index;
+}
+
+int TFileReader::GetStoredIndex() const {
+  const bool isUnread = HasStream() && GetStreamPosition() == 0;
+  return useList_ && isUnread ? std::max(itemIndex_ - 1, -1) : itemIndex_;
+}
+
+/// A form gives list, index and position in any order.
+void TFileReader::Loaded() {
+  if (itemIndex_ > files_.size()) itemIndex_ = -1;
+  TStreamProvider::Loaded();
+}
+
+void TFileReader::SetActive(bool active) {
+  if (active && !GetActive() && !IsLoading()) LeaveFormerFile();
+  TStreamProvider::SetActive(active);
+}
+
+void TFileReader::LeaveFormerFile() {
+  if (!file_) return;
+  const bool isNamed = WhoHasName(*file_, FormPath(this, openName_)) == TNameHolder::Itself;
+  if (isNamed && file_->size() >= GetStreamPosition()) return;
+  DropStream();
+  if (useList_) itemIndex_ = std::max(itemIndex_ - 1, -1);
 }
 
 QString TFileReader::GetValidFile() {
   if (!useList_) return fileName_;
-  itemIndex_ = std::min(itemIndex_ + 1, static_cast<int>(files_.size()));
+  const bool goesOn = GetStoredPosition() > 0 && itemIndex_ >= 0 && itemIndex_ < files_.size();
+  if (!goesOn) itemIndex_ = std::min(itemIndex_ + 1, static_cast<int>(files_.size()));
   return files_.value(itemIndex_);
 }
 
@@ -99,6 +124,7 @@ void TFileReader::ProvideStream() {
     return;
   }
   openName_ = name;
+  file_ = file.get();
   OpenStream(std::move(file));
   TStreamProvider::ProvideStream();
 }
@@ -117,6 +143,8 @@ void TFileReader::Reset() {
   const QPointer<TFileReader> self(this);
   TStreamProvider::Reset();
   if (!self) return;
+  // Without a name, while another file takes the place of this, it is read on.
+  if (file_ && WhoHasName(*file_, FormPath(this, openName_)) == TNameHolder::Another) DropStream();
   bool stop = GetReadMode() == rmUntilEnd;
   if (useList_) {
     DropStream();

@@ -8,6 +8,13 @@
 
 #include "components/sources/Datathread.h"
 
+namespace {
+
+/// At the beginning of a text in UTF-8 it says so, and is no part of the first line.
+constexpr QByteArrayView kByteOrderMark("\xEF\xBB\xBF");
+
+}  // namespace
+
 struct TStreamProvider::TChunk {
   qint64 start = 0;  ///< in the stream
   QByteArray bytes;
@@ -238,7 +245,7 @@ TStreamProvider::TAnswer TStreamProvider::DefineBufferSize() {
   // Rounds are counted from the first line of a chunk on.
   if (!lineCut_) TCustomDataProvider::Reset();
   chunk_ = std::make_shared<TChunk>(TChunk{position_, lines->bytes, lines->cut, scanner_});
-  offset_ = 0;
+  offset_ = position_ == 0 && lines->bytes.startsWith(kByteOrderMark) ? kByteOrderMark.size() : 0;
   progressStep_ = lines->bytes.size() / 10;
   nextProgress_ = 0;
   return TAnswer::Done;

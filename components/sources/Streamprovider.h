@@ -10,8 +10,9 @@
 class TStreamThread;
 
 /// Reads numbers from a stream, see TNumberScanner, in chunks of whole lines of about a mebibyte,
-/// each of which begins with the first client. A word that looks like a number and is none stops
-/// the provider; it goes on behind it when it is active again.
+/// each of which begins with the first client. A byte order mark at the beginning is left out. A
+/// word that looks like a number and is none stops the provider; it goes on behind it when it is
+/// active again.
 class TStreamProvider : public TThreadProvider {
   Q_OBJECT
 

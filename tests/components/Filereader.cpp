@@ -221,7 +221,86 @@ TEST(TFileReader, ReadsAFileThatShrinksOrVanishesMeanwhile) {
     EXPECT_THAT(t.client.given, SizeIs(vanishes ? 400'000 : 262'146));
     EXPECT_EQ(t.reader.GetErrorText(), QString());
     ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_THAT(t.client.given, SizeIs(vanishes ? 800'000 : 262'146 + 12));
+    EXPECT_THAT(t.client.given, SizeIs(vanishes ? 400'000 : 262'146 + 12));
+    EXPECT_EQ(t.reader.GetErrorText().startsWith("Cannot open"), vanishes);
+  }
+}
+
+/// Puts another file in the place of one, as programs do that write it anew.
+void Replace(const QString& file, const QByteArray& text) {
+  const QString other = WriteTestFile("other", text);
+  ASSERT_TRUE(QFile::remove(file) && QFile::rename(other, file));
+}
+
+TEST(TFileReader, ReadsTheFileThatHasTheNameNow) {
+  for (const bool useList : {false, true}) {
+    TReading t;
+    const QString file = WriteTestFile("a.txt", Lines(10));
+    t.reader.SetReadMode(TCustomDataProvider::rmUntilFileListEnd);
+    if (!useList) t.reader.SetReadMode(TCustomDataProvider::rmUntilEnd);
+    t.reader.SetUseList(useList);
+    t.reader.SetFiles({file});
+    t.reader.SetFileName(file);
+    ASSERT_TRUE(RunToStop(t.reader));
+    Replace(file, "100\n101\n");
+    t.client.given.clear();
+    ASSERT_TRUE(RunToStop(t.reader));
+    EXPECT_THAT(t.client.given, ElementsAre(100, 101));
+
+    // Stopped in the middle it goes on there, in the same file only.
+    t.client.OnGiven = [&](double value) {
+      if (value == 100) t.reader.SetActive(false);
+    };
+    t.client.given.clear();
+    for (int run = 0; run < 2; ++run) ASSERT_TRUE(RunToStop(t.reader));
+    EXPECT_THAT(t.client.given, ElementsAre(100, 101));
+    ASSERT_TRUE(RunToStop(t.reader));
+    Replace(file, "200\n201\n");
+    t.client.given.clear();
+    ASSERT_TRUE(RunToStop(t.reader));
+    EXPECT_THAT(t.client.given, ElementsAre(200, 201));
+  }
+}
+
+TEST(TFileReader, GoesOnInTheFileOfItsListThatAFormNames) {
+  const QStringList files = {WriteTestFile("a", "1\n2\n"), WriteTestFile("b", "3\n4\n5\n"),
+                             WriteTestFile("c", "6\n")};
+  for (const double stop : {1.0, 2.0, 3.0, 4.0, 5.0, 6.0}) {
+    SCOPED_TRACE(stop);
+    TReading saved;
+    saved.reader.SetUseList(true);
+    saved.reader.SetFiles(files);
+    saved.reader.SetReadMode(TCustomDataProvider::rmUntilFileListEnd);
+    saved.client.OnGiven = [&](double value) {
+      if (value == stop) saved.reader.SetActive(false);
+    };
+    ASSERT_TRUE(RunToStop(saved.reader));
+    for (const bool backwards : {false, true}) {
+      TReading loaded;
+      loaded.reader.BeginLoading();
+      QStringList names = {"UseList", "Files", "ReadMode", "StreamPosition", "ItemIndex"};
+      if (backwards) std::reverse(names.begin(), names.end());
+      for (const QString& name : names) {
+        loaded.reader.setProperty(name.toLatin1(), saved.reader.property(name.toLatin1()));
+      }
+      loaded.reader.Loaded();
+      ASSERT_TRUE(RunToStop(loaded.reader));
+      std::vector<double> rest;
+      for (double value = stop + 1.0; value <= 6.0; ++value) rest.push_back(value);
+      EXPECT_EQ(loaded.client.given, rest);
+    }
+  }
+}
+
+TEST(TFileReader, LosesNoLineToAByteOrderMark) {
+  for (const QByteArray& rest : {QByteArray("1 2\n3\n"), QByteArray("Time\n3\n"), QByteArray()}) {
+    TReading t;
+    t.reader.SetFileName(WriteTestFile("a.txt", "\xEF\xBB\xBF" + rest));
+    std::vector<double> expected = {3};
+    if (rest.startsWith("1")) expected = {1, 2, 3};
+    if (rest.isEmpty()) expected = {};
+    ASSERT_TRUE(RunToStop(t.reader));
+    EXPECT_EQ(t.client.given, expected);
   }
 }
 
