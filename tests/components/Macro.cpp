@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <memory>
 
+#include "tests/support/Testsupport.h"
+
 namespace {
 
 class Macro : public testing::Test {
