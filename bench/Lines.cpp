@@ -1,18 +1,24 @@
-// One line series drawn into an 800 x 600 picture, the pulling of its points included.
+// One line series drawn into an 800 x 600 picture, the pulling of its points included; then a whole
+// graph of that size with wide and dashed lines, on devices of one, one and a half and two pixels
+// to a logical one.
 //
-//   bench_lines [--quick]      a table of milliseconds, one row per number of points
+//   bench_lines [--quick]      tables of milliseconds, one row per number of points
 //   peers/bench_peer_*         the rows of other libraries, built where these are installed
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QPainter>
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <vector>
 
 #include "bench/Linebench.h"
 #include "components/graphing/Axis.h"
+#include "components/graphing/Graph.h"
 #include "components/graphing/Gseries.h"
 
 namespace {
@@ -29,6 +35,25 @@ void SetUp(TAxis& axis, TAxis::TAxisOrientation orientation, const QRect& rect, 
   axis.UpdateAxis();
 }
 
+void TakePoints(TSeries& series, const TLineData& data) {
+  series.DataSource = [&data](int& index, TCoordinate& point, TCoordinate&) {
+    const auto i = static_cast<std::size_t>(index);
+    if (i >= data.x.size()) return false;
+    point = {data.x[i], data.y[i]};
+    ++index;
+    return true;
+  };
+}
+
+TProvideGraphBlock BlocksOf(const TLineData& data) {
+  return [&data](int index, std::span<TCoordinate> points) {
+    const auto first = static_cast<std::size_t>(index);
+    const std::size_t count = std::min(points.size(), data.x.size() - first);
+    for (std::size_t i = 0; i < count; ++i) points[i] = {data.x[first + i], data.y[first + i]};
+    return static_cast<int>(count);
+  };
+}
+
 /// A panel as large as the picture with one series without markers.
 struct TOurs {
   TOurs(const TLineData& data, bool inBlocks) {
@@ -38,20 +63,8 @@ struct TOurs {
     panel.SetOrigin(rect);
     auto* series = panel.AddSeries(std::make_unique<TSeries>());
     series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
-    series->DataSource = [&data](int& index, TCoordinate& point, TCoordinate&) {
-      const auto i = static_cast<std::size_t>(index);
-      if (i >= data.x.size()) return false;
-      point = {data.x[i], data.y[i]};
-      ++index;
-      return true;
-    };
-    if (!inBlocks) return;
-    series->BlockSource = [&data](int index, std::span<TCoordinate> points) {
-      const auto first = static_cast<std::size_t>(index);
-      const std::size_t count = std::min(points.size(), data.x.size() - first);
-      for (std::size_t i = 0; i < count; ++i) points[i] = {data.x[first + i], data.y[first + i]};
-      return static_cast<int>(count);
-    };
+    TakePoints(*series, data);
+    if (inBlocks) series->BlockSource = BlocksOf(data);
   }
 
   void Draw(QImage& image) {
@@ -64,6 +77,85 @@ struct TOurs {
   TAxis vertical;
   TDataPanel panel{&horizontal, &vertical};
 };
+
+void FillGraph(TKorvalGraph& graph, const TLineData& data, TSeriesStyle::TPenStyle pen,
+               int weight) {
+  graph.resize(kWidth, kHeight);
+  auto* series = graph.GetDataPanel()->AddSeries(std::make_unique<TSeries>());
+  series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+  series->GetStyle()->SetLineStyle(pen);
+  series->GetStyle()->SetLineWeight(weight);
+  TakePoints(*series, data);
+  series->BlockSource = BlocksOf(data);
+  graph.Replay();
+}
+
+/// Milliseconds of one redraw, the best of many.
+double RedrawTime(TKorvalGraph& graph, QImage& image, bool quick) {
+  double best = 1e9;
+  QElapsedTimer all;
+  all.start();
+  do {
+    QElapsedTimer timer;
+    timer.start();
+    QPainter painter(&image);
+    graph.Draw(painter);
+    painter.end();
+    best = std::min(best, static_cast<double>(timer.nsecsElapsed()) / 1e6);
+  } while (!quick && all.elapsed() < 100);
+  return best;
+}
+
+/// The part of a picture that has the line's colour.
+double Covered(const QImage& image) {
+  qint64 count = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    count += std::count(row, row + image.width(), qRgb(0, 0, 255));
+  }
+  return static_cast<double>(count) / image.width() / image.height();
+}
+
+/// The line covers about the same part of the picture at each ratio; true if not.
+bool IsWrong(const double (&covered)[3]) {
+  for (const double part : covered) {
+    if (part > 0.6 * covered[0] && part < 1.6 * covered[0] && part > 1e-3) continue;
+    std::printf("WRONG: the line covers %.4f, %.4f, %.4f\n", covered[0], covered[1], covered[2]);
+    return true;
+  }
+  return false;
+}
+
+int RunRatioBench(bool quick) {
+  constexpr const char* kPens[] = {"solid", "dash", "dot", "dash dot", "dash dot dot"};
+  constexpr double kRatios[] = {1.0, 1.5, 2.0};
+  bool wrong = false;
+  std::printf("\n%-10s %-7s %-13s %-7s %9s %9s %9s %6s\n", "points", "curve", "pen", "weight",
+              "1 ms", "1.5 ms", "2 ms", "2 : 1");
+  for (const int count : {1'000, 10'000, 100'000, 1'000'000}) {
+    for (const bool noisy : {false, true}) {
+      const TLineData data(count, noisy);
+      for (int pen = TSeriesStyle::psSolid; pen < TSeriesStyle::psClear; ++pen) {
+        for (const int weight : {1, 2, 3, 4}) {
+          TKorvalGraph graph;
+          FillGraph(graph, data, static_cast<TSeriesStyle::TPenStyle>(pen), weight);
+          double times[3], covered[3];
+          for (int i = 0; i < 3; ++i) {
+            QImage image((QSizeF(kWidth, kHeight) * kRatios[i]).toSize(), QImage::Format_RGB32);
+            image.setDevicePixelRatio(kRatios[i]);
+            times[i] = RedrawTime(graph, image, quick);
+            covered[i] = Covered(image);
+          }
+          std::printf("%-10d %-7s %-13s %-7d %9.3f %9.3f %9.3f %6.1f\n", count,
+                      noisy ? "noisy" : "smooth", kPens[pen], weight, times[0], times[1], times[2],
+                      times[2] / times[0]);
+          wrong |= IsWrong(covered);
+        }
+      }
+    }
+  }
+  return wrong;
+}
 
 }  // namespace
 
@@ -78,5 +170,6 @@ int main(int argc, char** argv) {
                              return [ours](QImage& image) { ours->Draw(image); };
                            });
   }
-  return failed;
+  const bool quick = argc > 1 && std::strcmp(argv[1], "--quick") == 0;
+  return failed | RunRatioBench(quick);
 }

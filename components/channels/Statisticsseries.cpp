@@ -84,6 +84,7 @@ void TStatisticsSeries::UpdateValueRange(TRange& range) const {
 
 void TStatisticsSeries::UpdatePosRange(TRange& range) const {
   range.SetReset(true);
+  if (!options_) return;
   ForEachRecord([&](const TStatisticsData& record) { Widen(range, record.Pos); });
 }
 

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QSet>
 #include <algorithm>
 #include <cmath>
 
@@ -178,12 +179,15 @@ void TTick::DrawLinear(QPainter& painter, const TTickLabel* label) const {
   const double step = (axis_->FarPixel(end_) - first) / count_;
   // An axis draws within its plot rectangle and the room beyond it: there the first label begins.
   QPoint last(0, axis_->ClientRect().bottom() + 1 + axis_->Overlap().bottom());
+  QString before;
   for (int i = 0; i <= count_; ++i) {
     const int position = ToPixel(first + i * step);
     if (!axis_->GetLineColor().IsNone()) DrawTick(painter, position);
-    if (labelled && (!endsOnly || i == 0 || i == count_)) {
-      label->Draw(painter, LabelAnchor(position), Value(i), last);
-    }
+    if (!labelled || (endsOnly && i != 0 && i != count_)) continue;
+    // Steps finer than the digits of any format have equal texts; one of them is enough.
+    const QString text = label->TextOf(Value(i));
+    if (text != before) label->Draw(painter, LabelAnchor(position), Value(i), last);
+    before = text;
   }
 }
 
@@ -220,6 +224,7 @@ TTickLabel::TTickLabel(TAxis* axis)
       metrics_(plotFont_),
       numFormat_(std::make_unique<TNumberFormat>(this)) {
   connect(numFormat_.get(), &TNumberFormat::OnChange, this, &TTickLabel::PropertiesChanged);
+  connect(&shownFormat_, &TNumberFormat::OnChange, this, [this] { texts_.clear(); });
 }
 
 TTickLabel::~TTickLabel() = default;
@@ -253,11 +258,13 @@ void TTickLabel::SetSpacing(TLabelSpacing spacing) {
 void TTickLabel::SetNumFormat(const TNumberFormat* format) { numFormat_->Assign(format); }
 
 void TTickLabel::PropertiesChanged() {
+  chosenCount_ = 0;
   texts_.clear();
   emit OnChange(this);
 }
 
 const TTickLabel::TText& TTickLabel::Text(double value) const {
+  ChooseFormat();
   const auto isValue = [value](const TText& text) { return text.value == value; };
   if (nextText_ >= texts_.size() || !isValue(texts_[nextText_])) {
     const auto found = std::find_if(texts_.begin(), texts_.end(), isValue);
@@ -265,11 +272,64 @@ const TTickLabel::TText& TTickLabel::Text(double value) const {
   }
   if (nextText_ == texts_.size()) {
     if (texts_.size() >= kMostTexts) texts_.clear();
-    const QString text = numFormat_->FormatedValue(value).left(kLongestText);
+    const QString text = shownFormat_.FormatedValue(value).left(kLongestText);
     texts_.push_back({value, text, metrics_.horizontalAdvance(text)});
     nextText_ = texts_.size() - 1;
   }
   return texts_[nextText_++];
+}
+
+void TTickLabel::ChooseFormat() const {
+  const TTick& ticks = *axis_->GetMajorTick();
+  if (ticks.Start() == chosenStart_ && ticks.End() == chosenEnd_ && ticks.Count() == chosenCount_) {
+    return;
+  }
+  chosenStart_ = ticks.Start();
+  chosenEnd_ = ticks.End();
+  chosenCount_ = ticks.Count();
+  TakeFormat();
+  if (AreDistinct()) return;
+  if (shownFormat_.GetIsTimeFormat()) {
+    for (const char* pattern : TimePatterns((chosenEnd_ - chosenStart_) / chosenCount_)) {
+      shownFormat_.SetTimeFormatStr(QLatin1String(pattern));
+      if (AreDistinct()) return;
+    }
+    return TakeFormat();
+  }
+  FollowStep();
+  if (AreDistinct()) return;
+  shownFormat_.SetFormat(TNumberFormat::ffExponent);
+}
+
+void TTickLabel::TakeFormat() const {
+  shownFormat_.SetFormat(numFormat_->GetFormat());
+  shownFormat_.SetPrecision(numFormat_->GetPrecision());
+  shownFormat_.SetDigits(numFormat_->GetDigits());
+  shownFormat_.SetIsTimeFormat(numFormat_->GetIsTimeFormat());
+  shownFormat_.SetTimeFormatStr(numFormat_->GetTimeFormatStr());
+}
+
+/// No two major ticks have the same label.
+bool TTickLabel::AreDistinct() const {
+  const TTick& ticks = *axis_->GetMajorTick();
+  QSet<QString> seen;
+  for (int i = 0; i <= ticks.Count(); ++i) {
+    const QString& text = Text(ticks.Value(i)).text;
+    if (seen.contains(text)) return false;
+    seen.insert(text);
+  }
+  return true;
+}
+
+/// Gives the format the decimals and the significant digits that a step has.
+void TTickLabel::FollowStep() const {
+  const bool isLog = axis_->GetScale() == TAxis::asLog;
+  const double step = isLog ? chosenStart_ : (chosenEnd_ - chosenStart_) / chosenCount_;
+  const int last = Decade(step * (1.0 + 1e-9));
+  const int first = Decade(std::max(std::abs(chosenStart_), std::abs(chosenEnd_)));
+  shownFormat_.SetDigits(std::clamp(-last, shownFormat_.GetDigits(), 18));
+  if (isLog) return;
+  shownFormat_.SetPrecision(std::clamp(first - last + 1, shownFormat_.GetPrecision(), 15));
 }
 
 void TTickLabel::CalculateOverlap() {
@@ -392,28 +452,38 @@ void TAxisTitle::Draw(QPainter& painter) const {
   }
 }
 
+/// The text with dots at its end if it does not fit into so many pixels.
+QString TAxisTitle::Shortened(int room) const {
+  return metrics_.elidedText(Text(), Qt::ElideRight, room);
+}
+
 void TAxisTitle::DrawHorizontal(QPainter& painter, int distance) const {
   const QRect plot = axis_->ClientRect();
-  const int length = metrics_.horizontalAdvance(Text());
+  const QRect bounds = axis_->Bounds().isEmpty() ? plot : axis_->Bounds();
+  const QString text = Shortened(bounds.width());
+  const int length = metrics_.horizontalAdvance(text);
   const int free = plot.width() - length;
   const int offset = pos_ == tiLeft ? 0 : pos_ == tiRight ? free : free / 2;
-  const int x = InBounds(*axis_, plot.left() + offset, length);
+  const int x = std::max(bounds.left(), InBounds(*axis_, plot.left() + offset, length));
   const int y = axis_->GetAlign() == TAxis::alTop ? plot.top() - distance - TextHeight(metrics_)
                                                   : plot.top() + plot.height() + distance;
-  painter.drawText(QPoint(x, y + BaseLine(metrics_)), Text());
+  painter.drawText(QPoint(x, y + BaseLine(metrics_)), text);
 }
 
 void TAxisTitle::DrawVertical(QPainter& painter, int distance) const {
   const QRect plot = axis_->ClientRect();
-  const int length = metrics_.horizontalAdvance(Text());
+  const QRect bounds = axis_->Bounds().isEmpty() ? plot : axis_->Bounds();
+  const QString text = Shortened(bounds.height());
+  const int length = metrics_.horizontalAdvance(text);
   const int free = plot.height() - length;
-  const int top = plot.top() + (pos_ == tiLeft ? free : pos_ == tiRight ? 0 : free / 2);
+  const int wanted = plot.top() + (pos_ == tiLeft ? free : pos_ == tiRight ? 0 : free / 2);
+  const int top = std::max(bounds.top(), std::min(wanted, bounds.bottom() + 1 - length));
   if (axis_->GetAlign() == TAxis::alRight) {  // reads downwards
     const int right = plot.left() + plot.width() + distance + TextHeight(metrics_) - kAir;
-    RotateText(painter, QPointF(right, top), -90.0, Text());
+    RotateText(painter, QPointF(right, top), -90.0, text);
   } else {  // reads upwards
     const int left = plot.left() - distance - TextHeight(metrics_) + kAir;
-    RotateText(painter, QPointF(left, top + length), 90.0, Text());
+    RotateText(painter, QPointF(left, top + length), 90.0, text);
   }
 }
 
@@ -492,6 +562,16 @@ void TAxis::Set(T& field, T value) {
   majorTick_->CalculateCoordinate();
   CalculateOverlap();
   Notify();
+}
+
+/// The ticks count as chosen for the bounds that are drawn, for these alone might get others.
+void TAxis::Hold(bool& automatic) {
+  if (!automatic) return;
+  if (autoMin_) min_ = workingMin_;
+  if (autoMax_) max_ = workingMax_;
+  (&automatic == &autoMin_ ? chosenForMin_ : chosenForMax_) =
+      &automatic == &autoMin_ ? workingMin_ : workingMax_;
+  Set(automatic, false);
 }
 
 void TAxis::SetAutoMin(bool on) { Set(autoMin_, on); }
@@ -582,8 +662,12 @@ void TAxis::AutoScale() {
   OnQueryRange(autoMin_ ? workingMin_ : unusedMin, autoMax_ ? workingMax_ : unusedMax);
   // A range that is drawn already keeps its ticks. Choosing again could widen it: 0..11 may be the
   // outcome for 0.95..10.85, and would become 0..12 under a mouse that holds it.
-  if (workingMin_ == (autoMin_ ? drawnMin : chosenForMin_) &&
-      workingMax_ == (autoMax_ ? drawnMax : chosenForMax_)) {
+  const bool isFixed = !autoMin_ || !autoMax_;
+  const auto same = [isFixed](double wanted, bool automatic, double drawn, double chosenFor) {
+    return (automatic && wanted == drawn) || (isFixed && wanted == chosenFor);
+  };
+  if (same(workingMin_, autoMin_, drawnMin, chosenForMin_) &&
+      same(workingMax_, autoMax_, drawnMax, chosenForMax_)) {
     workingMin_ = drawnMin;
     workingMax_ = drawnMax;
     return;

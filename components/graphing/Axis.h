@@ -120,6 +120,10 @@ class TTickLabel : public TPersistent {
   void SetSpacing(TLabelSpacing spacing);
   void SetNumFormat(const TNumberFormat* format);
 
+  /// The label of a value. Where the labels of the ticks would be equal, they get the digits that
+  /// tell the step between them, or more of the date and time.
+  const QString& TextOf(double value) const { return Text(value).text; }
+
   /// Room for the texts beyond the ticks; nothing without major ticks.
   QMargins Overlap() const { return overlap_; }
   void CalculateOverlap();
@@ -143,6 +147,10 @@ class TTickLabel : public TPersistent {
     int width;  ///< pixels
   };
   const TText& Text(double value) const;
+  void ChooseFormat() const;
+  void TakeFormat() const;
+  bool AreDistinct() const;
+  void FollowStep() const;
 
   TAxis* axis_;  ///< the owner
   QMargins overlap_;
@@ -153,6 +161,12 @@ class TTickLabel : public TPersistent {
   TLabelPos pos_ = lpNextToAxis;
   TLabelSpacing spacing_ = lsAuto;
   std::unique_ptr<TNumberFormat> numFormat_;
+
+  /// numFormat_, with more digits where the ticks need them, and the ticks for which it was chosen.
+  mutable TNumberFormat shownFormat_;
+  mutable double chosenStart_ = 0.0;
+  mutable double chosenEnd_ = 0.0;
+  mutable int chosenCount_ = 0;  ///< 0: none yet
 
   /// Formatting and measuring a text costs far more than all the rest of a layout, and an axis asks
   /// for the same few texts again and again. Valid for the current font and format.
@@ -208,6 +222,7 @@ class TAxisTitle : public TPersistent {
   void PropertiesChanged();
 
  private:
+  QString Shortened(int room) const;
   void DrawHorizontal(QPainter& painter, int distance) const;
   void DrawVertical(QPainter& painter, int distance) const;
 
@@ -284,6 +299,9 @@ class TAxis : public TPersistent {
   bool GetAutoMax() const { return autoMax_; }
   void SetAutoMin(bool on);
   void SetAutoMax(bool on);
+  /// A bound that is no longer automatic stays where it is drawn.
+  void HoldMin() { Hold(autoMin_); }
+  void HoldMax() { Hold(autoMax_); }
 
   TColor GetLineColor() const { return lineColor_; }
   TAxisScale GetScale() const { return scale_; }
@@ -302,8 +320,8 @@ class TAxis : public TPersistent {
   void SetFixedOrigin(bool fixed);
   QRect Origin() const { return origin_; }
   void SetOrigin(const QRect& rect);
-  /// The area that labels and title may not leave on the right, where they move left instead of
-  /// being cut off. Empty: no such limit.
+  /// The area that titles may not leave, and labels not on the right, where they move left instead
+  /// of being cut off. Empty: labels have no such limit, and a title has the length of the axis.
   void SetBounds(const QRect& bounds) { bounds_ = bounds; }
   QRect Bounds() const { return bounds_; }
 
@@ -361,6 +379,7 @@ class TAxis : public TPersistent {
   void SubObjectChanged();
   void Notify();
   void TakeFixedBounds();
+  void Hold(bool& automatic);
   void TakeTicks(const TTickChoice& ticks);
   double Span(double from, double to) const;
   void DrawLine(QPainter& painter) const;

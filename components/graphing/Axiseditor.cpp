@@ -5,11 +5,13 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QSpinBox>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -30,7 +32,7 @@ QString BoundText(const TAxis& axis, double value) {
 std::optional<double> BoundValue(const QString& text) {
   bool isNumber = false;
   const double number = text.toDouble(&isNumber);
-  if (isNumber) return number;
+  if (isNumber) return std::isfinite(number) ? std::optional(number) : std::nullopt;
   const std::optional<TDateTime> time = ScanTypedTime(text);
   return time ? std::optional(time->Days()) : std::nullopt;
 }
@@ -70,7 +72,13 @@ TAxisEditor::TAxisEditor(TAxis& axis, QWidget* parent) : QDialog(parent), axis_(
 
 TAxisEditor::~TAxisEditor() = default;
 
-void TAxisEditor::Apply() { before_.Assign(&axis_); }
+void TAxisEditor::Apply() {
+  if (!IsRangeRefused()) before_.Assign(&axis_);
+}
+
+void TAxisEditor::accept() {
+  if (!IsRangeRefused()) QDialog::accept();
+}
 
 void TAxisEditor::reject() {
   setFocus();  // a bound that is being typed is taken now, and not when the dialog hides
@@ -110,16 +118,28 @@ QWidget* TAxisEditor::RangeGroup() {
   AddChoice<TAxis::TAxisScale>(
       form, QStringLiteral("Scale"), tr("Scale"), {tr("Linear"), tr("Logarithmic"), tr("Time")},
       [this] { return axis_.GetScale(); }, [this](auto scale) { axis_.SetScale(scale); });
-  form->addRow(tr("Minimum"), Bound(
-                                  QStringLiteral("Min"), [this] { return axis_.GetMin(); },
-                                  [this](double value) { axis_.SetMin(value); },
-                                  [this] { return axis_.GetAutoMin(); },
-                                  [this](bool on) { axis_.SetAutoMin(on); }));
-  form->addRow(tr("Maximum"), Bound(
-                                  QStringLiteral("Max"), [this] { return axis_.GetMax(); },
-                                  [this](double value) { axis_.SetMax(value); },
-                                  [this] { return axis_.GetAutoMax(); },
-                                  [this](bool on) { axis_.SetAutoMax(on); }));
+  minimum_ = new QLineEdit;
+  maximum_ = new QLineEdit;
+  form->addRow(tr("Minimum"),
+               Bound(
+                   QStringLiteral("Min"), minimum_, [this] { return axis_.GetMin(); },
+                   [this] { return axis_.GetAutoMin(); },
+                   [this](bool on) { on ? axis_.SetAutoMin(true) : axis_.HoldMin(); }));
+  form->addRow(tr("Maximum"),
+               Bound(
+                   QStringLiteral("Max"), maximum_, [this] { return axis_.GetMax(); },
+                   [this] { return axis_.GetAutoMax(); },
+                   [this](bool on) { on ? axis_.SetAutoMax(true) : axis_.HoldMax(); }));
+  refusal_ = new QLabel;
+  refusal_->setObjectName(QStringLiteral("Refusal"));
+  refusal_->setWordWrap(true);
+  refusal_->setStyleSheet(QStringLiteral("color: #b00020"));
+  refusal_->hide();
+  refreshers_.push_back([this] {
+    refusal_->clear();
+    refusal_->hide();
+  });
+  form->addRow(refusal_);
   AddColor(
       form, QStringLiteral("LineColor"), true, [this] { return axis_.GetLineColor(); },
       [this](TColor color) { axis_.SetLineColor(color); });
@@ -253,14 +273,12 @@ QLineEdit* TAxisEditor::Text(const QString& name, const std::function<QString()>
   return edit;
 }
 
-QWidget* TAxisEditor::Bound(const QString& name, const std::function<double()>& get,
-                            const std::function<void(double)>& set,
-                            const std::function<bool()>& isAuto,
+QWidget* TAxisEditor::Bound(const QString& name, QLineEdit* edit,
+                            const std::function<double()>& get, const std::function<bool()>& isAuto,
                             const std::function<void(bool)>& setAuto) {
   auto* row = new QWidget;
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
-  auto* edit = new QLineEdit;
   edit->setObjectName(name);
   edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance(TypedTime(TDateTime(0.0))) + 16);
   auto* automatic = new QCheckBox(tr("Automatic"));
@@ -268,12 +286,7 @@ QWidget* TAxisEditor::Bound(const QString& name, const std::function<double()>& 
   layout->addWidget(edit, 1);
   layout->addWidget(automatic);
 
-  connect(edit, &QLineEdit::editingFinished, this, [this, edit, get, set] {
-    const std::optional<double> value = BoundValue(edit->text());
-    // What is shown is rounded: leaving it as it is must not change the bound.
-    if (value && edit->text() != BoundText(axis_, get())) set(*value);
-    Refresh();
-  });
+  connect(edit, &QLineEdit::editingFinished, this, &TAxisEditor::TakeRange);
   connect(automatic, &QCheckBox::toggled, this, [this, setAuto](bool on) {
     if (refreshing_) return;
     setAuto(on);
@@ -285,4 +298,47 @@ QWidget* TAxisEditor::Bound(const QString& name, const std::function<double()>& 
     automatic->setChecked(isAuto());
   });
   return row;
+}
+
+void TAxisEditor::TakeRange() {
+  if (refreshing_) return;
+  const QString refusal = RangeRefusal();
+  if (refusal.isEmpty()) Refresh();
+  refusal_->setText(refusal);
+  refusal_->setVisible(!refusal.isEmpty());
+}
+
+QString TAxisEditor::RangeRefusal() {
+  double bounds[] = {axis_.GetMin(), axis_.GetMax()};
+  for (const bool isMax : {false, true}) {
+    const QString text = (isMax ? maximum_ : minimum_)->text();
+    // What is shown is rounded: leaving it as it is must not change the bound.
+    if (text == BoundText(axis_, bounds[isMax])) continue;
+    const std::optional<double> value = BoundValue(text);
+    if (!value) {
+      return axis_.GetScale() == TAxis::asTime ? tr("\"%1\" is no date and time").arg(text)
+                                               : tr("\"%1\" is no number").arg(text);
+    }
+    bounds[isMax] = *value;
+  }
+  auto [low, high] = bounds;
+  if (low == axis_.GetMin() && high == axis_.GetMax()) return {};
+  // The present value of an automatic bound is of no account.
+  const bool autoMin = axis_.GetAutoMin();
+  if (autoMin) low = std::min(low, high);
+  if (axis_.GetAutoMax()) high = std::max(low, high);
+  if (low >= high && !autoMin && !axis_.GetAutoMax()) {
+    return tr("The minimum must be less than the maximum");
+  }
+  if (axis_.GetScale() == TAxis::asLog && (autoMin ? high : low) <= 0.0) {
+    return tr("A logarithmic axis shows values above 0 only");
+  }
+  axis_.SetMinMax(low, high);
+  return {};
+}
+
+/// Takes a bound that is being typed.
+bool TAxisEditor::IsRangeRefused() {
+  setFocus();
+  return !refusal_->text().isEmpty();
 }

@@ -7,10 +7,12 @@
 #include "components/graphing/Axis.h"
 
 class QFormLayout;
+class QLabel;
 class QLineEdit;
 
 /// Edits every published property of an axis. Each change shows in the graph at once; Apply makes
-/// the present state the one that Cancel restores. GUI thread only.
+/// the present state the one that Cancel restores. A range that the axis cannot take stays in its
+/// fields, with the reason below them, and keeps the dialog open. GUI thread only.
 class TAxisEditor : public QDialog {
   Q_OBJECT
 
@@ -20,6 +22,7 @@ class TAxisEditor : public QDialog {
   ~TAxisEditor() override;
 
   void Apply();
+  void accept() override;
   void reject() override;
 
  private:
@@ -40,17 +43,25 @@ class TAxisEditor : public QDialog {
                 const std::function<TColor()>& get, const std::function<void(TColor)>& set);
   void AddFont(QFormLayout* form, const QString& name, const std::function<QFont()>& get,
                const std::function<void(const QFont&)>& set);
-  QWidget* Bound(const QString& name, const std::function<double()>& get,
-                 const std::function<void(double)>& set, const std::function<bool()>& isAuto,
-                 const std::function<void(bool)>& setAuto);
+  QWidget* Bound(const QString& name, QLineEdit* edit, const std::function<double()>& get,
+                 const std::function<bool()>& isAuto, const std::function<void(bool)>& setAuto);
   QLineEdit* Text(const QString& name, const std::function<QString()>& get,
                   const std::function<void(const QString&)>& set);
+
+  /// Gives the axis both bounds at once, so that neither meets the other's old value.
+  void TakeRange();
+  /// Why the axis cannot take the bounds in the fields; empty if it has taken them.
+  QString RangeRefusal();
+  bool IsRangeRefused();
 
   /// Shows the axis as it is: a setter may have refused, swapped or rounded what was entered.
   void Refresh();
 
   TAxis& axis_;
   TAxis before_;  ///< what Cancel restores
+  QLineEdit* minimum_ = nullptr;
+  QLineEdit* maximum_ = nullptr;
+  QLabel* refusal_ = nullptr;
   std::vector<std::function<void()>> refreshers_;
   bool refreshing_ = false;
 };

@@ -11,13 +11,11 @@ namespace {
 
 constexpr int kMarkerReach = 3;  // logical pixels from the centre of a marker to its edge
 constexpr double kVectorGrid = 8.0;
-constexpr double kDashes =
-    4.0 * 6.0 * 8.0 * 10.0;  // holds every dash pattern a whole number of times
 
 QPen LinePen(const TSeriesStyle& style, double grid) {
-  const double width = style.GetLineWeight() * grid;
+  const int width = static_cast<int>(std::lround(style.GetLineWeight() * grid));
   QPen pen(style.GetLineColor().ToQColor(), width, style.QtLineStyle());
-  if (width > 1.0) {
+  if (width > 1) {
     pen.setCapStyle(style.GetLineStyle() == TSeriesStyle::psSolid ? Qt::RoundCap : Qt::FlatCap);
     pen.setJoinStyle(Qt::RoundJoin);
   }
@@ -27,6 +25,11 @@ QPen LinePen(const TSeriesStyle& style, double grid) {
 QPen PointPen(const TSeriesStyle& style, double grid) {
   if (style.GetPointColor().IsNone()) return Qt::NoPen;
   return QPen(style.GetPointColor().ToQColor(), grid);
+}
+
+QBrush PointBrush(const TSeriesStyle& style) {
+  if (style.GetFillColor().IsNone()) return Qt::NoBrush;
+  return style.GetFillColor().ToQColor();
 }
 
 /// SVG files written by Qt know no clipping.
@@ -69,6 +72,8 @@ TCurvePainter::TCurvePainter(QPainter& painter, const TSeriesStyle& style, const
       area_(area),
       linePen_(LinePen(style, area.grid)),
       pointPen_(PointPen(style, area.grid)),
+      pointBrush_(PointBrush(style)),
+      markerReach_(static_cast<int>(std::lround(kMarkerReach * area.grid))),
       clips_(Clips(painter)),
       lineRect_(clips_ ? Reach(area.rect, style.GetLineWeight(), area.grid) : area.rect),
       markerRect_(clips_ ? Reach(area.rect, kMarkerReach, area.grid) : area.rect),
@@ -77,13 +82,12 @@ TCurvePainter::TCurvePainter(QPainter& painter, const TSeriesStyle& style, const
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing, false);
   if (area_.grid != 1.0) painter_.scale(1.0 / area_.grid, 1.0 / area_.grid);
-  if (style_.GetPointStyle() != TSeriesStyle::psNone) {
-    const TColor fill = style_.GetFillColor();
-    painter_.setBrush(fill.IsNone() ? QBrush(Qt::NoBrush) : QBrush(fill.ToQColor()));
-    return;
-  }
   sink_ = MakeLineSink(painter_, linePen_, lineRect_);
-  path_.emplace(area_.x, area_.y, lineRect_, lineReach_, *sink_);
+  if (style_.GetPointStyle() == TSeriesStyle::psNone) {
+    path_.emplace(area_.x, area_.y, lineRect_, lineReach_, *sink_);
+  } else if (!style_.IsBar() && IsOnPixels(painter_)) {
+    MakeStamp();
+  }
 }
 
 TCurvePainter::~TCurvePainter() {
@@ -110,44 +114,49 @@ void TCurvePainter::AddMarked(const TCoordinate& point, const TCoordinate& exten
     settled_ = hasPrevious_;
     if (hasPrevious_) DrawPiece(previous_, place);
     QLine centre;
-    if (!isFirst_ && CutLine(place, place, markerRect_, 0, centre)) DrawMarker(centre.p1());
+    if (CutLine(place, place, markerRect_, 0, centre)) DrawMarker(centre.p1());
   }
-  isFirst_ = false;
   hasPrevious_ = true;
   previous_ = place;
 }
 
 void TCurvePainter::DrawPiece(const TPlace& from, const TPlace& to) {
-  if (style_.IsLineClear()) return;
   QLine line;
-  if (CutLine(from, to, lineRect_, lineReach_, line)) {
-    UseLinePen();
-    painter_.drawLine(line);
-  }
-  // Dashes run on from piece to piece.
-  if (linePen_.style() == Qt::SolidLine) return;
-  tool_ = TTool::kNone;
-  const double length =
-      std::hypot(static_cast<double>(to.x - from.x), static_cast<double>(to.y - from.y));
-  linePen_.setDashOffset(std::fmod(linePen_.dashOffset() + length / linePen_.widthF(), kDashes));
+  if (style_.IsLineClear() || !CutLine(from, to, lineRect_, lineReach_, line)) return;
+  sink_->Join(line);
+  sink_->Finish();
+}
+
+/// The marker as a picture, which is painted several times as fast as its shape.
+void TCurvePainter::MakeStamp() {
+  const int room = markerReach_ + static_cast<int>(std::ceil(area_.grid)) + 1;
+  stamp_ = QImage(2 * room + 1, 2 * room + 1, QImage::Format_ARGB32_Premultiplied);
+  stamp_.fill(Qt::transparent);
+  QPainter painter(&stamp_);
+  PaintMarker(painter, {room, room});
 }
 
 void TCurvePainter::DrawMarker(QPoint centre) {
-  UsePointPen();
-  const int reach = static_cast<int>(std::lround(kMarkerReach * area_.grid));
+  if (stamp_.isNull()) return PaintMarker(painter_, centre);
+  painter_.drawImage(centre - stamp_.rect().center(), stamp_);
+}
+
+void TCurvePainter::PaintMarker(QPainter& painter, QPoint centre) const {
+  UsePointPen(painter);
+  const int reach = markerReach_;
   const QRect box(centre.x() - reach, centre.y() - reach, 2 * reach, 2 * reach);
   switch (style_.GetPointStyle()) {
     case TSeriesStyle::psCircle:
-      painter_.drawEllipse(box);
+      painter.drawEllipse(box);
       break;
     case TSeriesStyle::psRectangle:
-      painter_.drawRect(box);
+      painter.drawRect(box);
       break;
     case TSeriesStyle::psCross: {
       const QLine lines[] = {
           {centre.x() - reach, centre.y() - reach, centre.x() + reach, centre.y() + reach},
           {centre.x() - reach, centre.y() + reach, centre.x() + reach, centre.y() - reach}};
-      painter_.drawLines(lines, 2);
+      painter.drawLines(lines, 2);
       break;
     }
     default:
@@ -166,7 +175,7 @@ void TCurvePainter::DrawBar(const TCoordinate& point, const TCoordinate& extent)
   if (Misses(top, foot, area_.rect)) return;
   const QPoint a = Within(top, barRect_);
   const QPoint b = Within(foot, barRect_);
-  UsePointPen();
+  UsePointPen(painter_);
   if (upright ? a.x() == b.x() : a.y() == b.y()) {
     painter_.drawLine(a, b);
   } else {
@@ -175,14 +184,7 @@ void TCurvePainter::DrawBar(const TCoordinate& point, const TCoordinate& extent)
   }
 }
 
-void TCurvePainter::UseLinePen() {
-  if (tool_ == TTool::kLine) return;
-  tool_ = TTool::kLine;
-  painter_.setPen(linePen_);
-}
-
-void TCurvePainter::UsePointPen() {
-  if (tool_ == TTool::kPoint) return;
-  tool_ = TTool::kPoint;
-  painter_.setPen(pointPen_);
+void TCurvePainter::UsePointPen(QPainter& painter) const {
+  painter.setPen(pointPen_);
+  painter.setBrush(pointBrush_);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QBrush>
+#include <QImage>
 #include <QPen>
 #include <QRect>
 #include <memory>
@@ -45,29 +47,29 @@ class TCurvePainter {
  private:
   void AddMarked(const TCoordinate& point, const TCoordinate& extent);
   void DrawPiece(const TPlace& from, const TPlace& to);
+  void MakeStamp();
   void DrawMarker(QPoint centre);
+  void PaintMarker(QPainter& painter, QPoint centre) const;
   void DrawBar(const TCoordinate& point, const TCoordinate& extent);
-  void UseLinePen();
-  void UsePointPen();
+  void UsePointPen(QPainter& painter) const;
 
   QPainter& painter_;
   const TSeriesStyle& style_;
   const TPlotArea area_;
-  QPen linePen_;
+  const QPen linePen_;
   const QPen pointPen_;
-  const bool clips_;        ///< the device leaves out what lies outside the panel
-  const QRect lineRect_;    ///< where a piece of the line can be seen
-  const QRect markerRect_;  ///< where the centre of a marker can be seen from
-  const QRect barRect_;     ///< to which bars are cut
-  const int lineReach_;     ///< see CutLine
+  const QBrush pointBrush_;  ///< of markers and bars
+  const int markerReach_;    ///< grid pixels
+  const bool clips_;         ///< the device leaves out what lies outside the panel
+  const QRect lineRect_;     ///< where a piece of the line can be seen
+  const QRect markerRect_;   ///< where the centre of a marker can be seen from
+  const QRect barRect_;      ///< to which bars are cut
+  const int lineReach_;      ///< see CutLine
 
-  // Points without markers are merged.
   std::unique_ptr<TLineSink> sink_;
-  std::optional<TLinePath> path_;
+  std::optional<TLinePath> path_;  ///< merges points without markers
+  QImage stamp_;                   ///< a marker; null where it is painted as a shape
 
-  enum class TTool { kNone, kLine, kPoint };
-  TTool tool_ = TTool::kNone;  ///< which pen the painter has
-  bool isFirst_ = true;
   bool hasPrevious_ = false;
   bool settled_ = false;  ///< the previous point has its marker and a line to it: drawing it again
                           ///< changes nothing

@@ -9,6 +9,7 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "components/graphing/Axiseditor.h"
 #include "components/graphing/Curvepainter.h"
@@ -45,6 +46,18 @@ QString ValueText(const TAxis& axis, double value, double nextPixel) {
   const double shown =
       std::abs(value) < 0.5 * resolution && axis.GetScale() == TAxis::asLinear ? 0.0 : value;
   return QString::number(shown, 'g', std::clamp(digits, 1, 15));
+}
+
+/// A logarithmic axis begins at the least value that it can show.
+void TakeRange(const TRange& range, const TAxis& axis, double& minimum, double& maximum) {
+  const bool hasGap = axis.GetScale() == TAxis::asLog && range.LeastPositive() > 0.0;
+  minimum = hasGap ? range.LeastPositive() : range.GetMin();
+  maximum = range.GetMax();
+}
+
+/// What an axis shows.
+std::pair<double, double> Shown(const TAxis& axis) {
+  return {axis.WorkingMin(), axis.WorkingMax()};
 }
 
 bool Fits(QSize pixels) { return qint64{pixels.width()} * pixels.height() <= kMostPixels; }
@@ -179,6 +192,8 @@ void TKorvalGraph::UpdateGraph() {
   horizontalAx_->UpdateAxis();
   verticalAx_->UpdateAxis();
   AdjustOrigin();
+  const TShown shown{Shown(*horizontalAx_), Shown(*verticalAx_)};
+  if (std::exchange(shown_, shown) != shown) dataPanel_->AxesChanged();
 }
 
 void TKorvalGraph::UpdateRangeX(double& minimum, double& maximum) {
@@ -188,8 +203,7 @@ void TKorvalGraph::UpdateRangeX(double& minimum, double& maximum) {
     return;
   }
   dataPanel_->UpdateRangeX();
-  minimum = dataPanel_->RangeX().GetMin();
-  maximum = dataPanel_->RangeX().GetMax();
+  TakeRange(dataPanel_->RangeX(), *horizontalAx_, minimum, maximum);
 }
 
 void TKorvalGraph::UpdateRangeY(double& minimum, double& maximum) {
@@ -199,8 +213,7 @@ void TKorvalGraph::UpdateRangeY(double& minimum, double& maximum) {
     return;
   }
   dataPanel_->UpdateRangeY();
-  minimum = dataPanel_->RangeY().GetMin();
-  maximum = dataPanel_->RangeY().GetMax();
+  TakeRange(dataPanel_->RangeY(), *verticalAx_, minimum, maximum);
 }
 
 void TKorvalGraph::CalculateOverlap() {

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "components/controls/Korvaltools.h"
 #include "components/graphing/Anchoring.h"
@@ -130,12 +131,16 @@ class TKorvalGraph : public QWidget {
   void HoverAt(QPoint pixel);
   void LetGo(Qt::KeyboardModifiers modifiers, QPoint at);
 
+  /// Working ranges of the horizontal and the vertical axis.
+  using TShown = std::pair<std::pair<double, double>, std::pair<double, double>>;
+
   QPixmap backBuffer_;  ///< null for a graph too large for one, which is painted directly
   std::unique_ptr<TAxis> verticalAx_;
   std::unique_ptr<TAxis> horizontalAx_;
   std::unique_ptr<TDataPanel> dataPanel_;
   QRect plotRect_;
   QMargins overlap_;
+  TShown shown_;  ///< after the last layout
   TColor color_ = TColor::White();
   TColor borderColor_ = TColor::None();
   TBevelKind borderStyle_ = TBevel::bvRaised;

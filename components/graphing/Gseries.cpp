@@ -69,6 +69,7 @@ class TBounds {
     if (!std::isfinite(value)) return;
     min_ = std::min(min_, value);
     max_ = std::max(max_, value);
+    if (value > 0.0) leastPositive_ = std::min(leastPositive_, value);
   }
   /// Empties the range and gives it the bounds.
   void Fill(TRange& range) const {
@@ -76,23 +77,28 @@ class TBounds {
     if (min_ > max_) return;
     range.GetBounds(min_);
     range.GetBounds(max_);
+    range.GetBounds(std::min(leastPositive_, max_));
   }
 
  private:
   double min_ = std::numeric_limits<double>::infinity();
   double max_ = -std::numeric_limits<double>::infinity();
+  double leastPositive_ = std::numeric_limits<double>::infinity();
 };
 
-/// The range of one coordinate of a series' points. Bars of the style `bar` lie along it and widen
-/// it by their size.
+/// The range of one coordinate of a series' points. Bars widen it to their other end; those of the
+/// style `standing` stand on the value 0 of it, unless it is a time.
 template <double TCoordinate::*kPart>
-void PullRange(const TSeries& series, TSeriesStyle::TPointStyle bar, TRange& range) {
+void PullRange(const TSeries& series, TSeriesStyle::TPointStyle standing, bool isTime,
+               TRange& range) {
   if (!series.DataSource) return;
   TBounds bounds;
-  if (series.GetStyle()->GetPointStyle() == bar) {
+  if (series.GetStyle()->IsBar()) {
+    const bool hasFoot = series.GetStyle()->GetPointStyle() == standing && !isTime;
     PullBars(series.DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
       bounds.Add(point.*kPart);
       bounds.Add(point.*kPart - extent.*kPart);
+      if (hasFoot) bounds.Add(0.0);
     });
   } else {
     PullSeries(series, [&](std::span<const TCoordinate> points) {
@@ -176,8 +182,15 @@ void TSeries::Draw(QPainter* painter) {
   }
 }
 
-void TSeries::UpdateRangeX() { PullRange<&TCoordinate::X>(*this, TSeriesStyle::psXBar, rangeX_); }
-void TSeries::UpdateRangeY() { PullRange<&TCoordinate::Y>(*this, TSeriesStyle::psYBar, rangeY_); }
+void TSeries::UpdateRangeX() {
+  const bool isTime = Panel() && Panel()->ShowsTimeX();
+  PullRange<&TCoordinate::X>(*this, TSeriesStyle::psYBar, isTime, rangeX_);
+}
+
+void TSeries::UpdateRangeY() {
+  const bool isTime = Panel() && Panel()->ShowsTimeY();
+  PullRange<&TCoordinate::Y>(*this, TSeriesStyle::psXBar, isTime, rangeY_);
+}
 
 TArraySeries::TArraySeries(int pointCount, QObject* owner)
     : TCustomDataSeries(std::make_unique<TSeriesStyle>(this), owner),

@@ -115,8 +115,8 @@ class TCustomDataSeries : public TCustomGraphSeries {
 
 /// A curve whose points are pulled from its data source.
 ///
-/// A point that is not finite makes a gap in the line. The first point only moves the pen and gets
-/// no marker; a bar is drawn for every point.
+/// A point that is not finite makes a gap in the line. Every point gets its marker or bar; one
+/// without either that has no neighbours is drawn as a dot.
 class TSeries : public TCustomDataSeries {
   Q_OBJECT
   Q_PROPERTY(TSeriesStyle* Style READ GetStyle WRITE SetStyle)
@@ -359,10 +359,13 @@ class TDataPanel : public TPersistent {
   void UpdateRangeY();
   const TRange& RangeX() const { return rangeX_; }
   const TRange& RangeY() const { return rangeY_; }
+  bool ShowsTimeX() const;
+  bool ShowsTimeY() const;
 
-  /// The pixel of a value. On a logarithmic axis a non-positive value becomes 1.0e-6 in the
-  /// caller's coordinate too, on purpose: the series goes on with the value that is drawn. A value
-  /// far outside keeps its direction, not its distance.
+  /// The pixel of a value. On a logarithmic axis a non-positive value becomes 1.0e-6, or the
+  /// beginning of an axis that begins below it, in the caller's coordinate too, on purpose: the
+  /// series goes on with the value that is drawn. A value far outside keeps its direction, not its
+  /// distance.
   void LocateValue(QPoint& point, TCoordinate& value) const;
   /// A value (p1) and the base of its bar (p2) at once.
   void LocateValue(QLine& bar, TCoordinate& value, TCoordinate& base) const;
@@ -384,6 +387,9 @@ class TDataPanel : public TPersistent {
   void MoveSelection(Qt::KeyboardModifiers shift, int x, int y);
   void EndSelection(Qt::KeyboardModifiers shift, int x, int y);
   void ClearSelection();
+  /// To be called once the axes show other values: a selection of pixels that no longer mean what
+  /// they did goes away, unless it is still being dragged.
+  void AxesChanged();
   /// Left X, upper Y, right X and lower Y of the selection. False, and nothing is written, if
   /// selecting is not allowed or the selection does not exceed 3 pixels both ways.
   [[nodiscard]] bool SelectionValues(double& x1, double& y1, double& x2, double& y2) const;
@@ -431,4 +437,5 @@ class TDataPanel : public TPersistent {
   QPoint corner_;
   bool selecting_ = false;
   bool allowSelection_ = false;
+  bool axesChanged_ = false;  ///< while the end of a selection was reported
 };

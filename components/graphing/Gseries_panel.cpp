@@ -75,6 +75,9 @@ void TDataPanel::UpdateRangeY() {
   Collect<&TCustomGraphSeries::UpdateRangeY, &TCustomGraphSeries::RangeY>(list_, rangeY_);
 }
 
+bool TDataPanel::ShowsTimeX() const { return horizontal_->GetScale() == TAxis::asTime; }
+bool TDataPanel::ShowsTimeY() const { return vertical_->GetScale() == TAxis::asTime; }
+
 TPixelScale TDataPanel::ScaleX(double grid) const {
   return TPixelScale::Rightwards(RangeOf(*horizontal_), rect_.left(), grid);
 }
@@ -133,8 +136,15 @@ void TDataPanel::MoveSelection(Qt::KeyboardModifiers, int x, int y) {
 void TDataPanel::EndSelection(Qt::KeyboardModifiers, int x, int y) {
   if (!selecting_) return;
   corner_ = Inside(x, y);
+  axesChanged_ = false;
   emit OnSelection(this);
   selecting_ = false;
+  if (axesChanged_) ClearSelection();
+}
+
+void TDataPanel::AxesChanged() {
+  axesChanged_ = true;
+  if (!selecting_) ClearSelection();
 }
 
 void TDataPanel::ClearSelection() {

@@ -148,6 +148,8 @@ void TLinePath::TakeAside() {
 }
 
 void TLinePath::Break() {
+  // A point without neighbours is a dot.
+  if (open_ && !hasPrevious_ && !aside_) several_ = true;
   FlushColumn();
   open_ = false;
   hasPrevious_ = false;

@@ -2,21 +2,24 @@
 
 #include <QImage>
 #include <QLine>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPolygon>
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <vector>
+
+#include "components/graphing/Pixelmask.h"
 
 namespace {
 
 bool IsThin(const QPen& pen) { return pen.style() == Qt::SolidLine && pen.widthF() <= 1.0; }
 
-/// Rows of one pixel column, from `top` to `bottom`; none if they are the wrong way round.
+/// Rows of one pixel column, from `top` to `bottom`.
 struct TRows {
   int top = 0;
-  int bottom = -1;
-  bool Empty() const { return top > bottom; }
+  int bottom = 0;
 };
 
 /// The two columns of a line between neighbouring columns. The painter stays in the left one until
@@ -57,91 +60,36 @@ bool SplitsAsExpected() {
   return result;
 }
 
+void AddSpan(TPixelMask& mask, const TLineSink::TSpan& span) {
+  mask.AddRows(span.column, std::min(span.low, span.high), std::max(span.low, span.high));
+}
+
 /// Every piece is a line of its own, for their joints do not show. Pieces inside a column and
-/// between neighbouring columns become rows of these columns, and those become few rectangles.
+/// between neighbouring columns become rows of these columns.
 class TThinLines : public TLineSink {
  public:
   TThinLines(QPainter& painter, const QPen& pen, const QRect& visible)
-      : painter_(painter),
-        pen_(pen),
-        visible_(visible),
-        splits_(SplitsAsExpected()),
-        columns_(static_cast<std::size_t>(std::max(0, visible.width()))) {}
+      : painter_(painter), pen_(pen), splits_(SplitsAsExpected()), mask_(visible) {}
 
   void Join(const QLine& line) override {
-    if (splits_ && std::abs(line.dx()) == 1 && visible_.contains(line.p1()) &&
-        visible_.contains(line.p2())) {
+    if (splits_ && std::abs(line.dx()) == 1 && mask_.Rect().contains(line.p1()) &&
+        mask_.Rect().contains(line.p2())) {
       const TSplit split = SplitLine(line);
-      Mark(split.column, split.left);
-      Mark(split.column + 1, {split.right, split.right});
+      mask_.AddRows(split.column, split.left.top, split.left.bottom);
+      mask_.AddRows(split.column + 1, split.right, split.right);
       return;
     }
     if (lines_.size() == kBatch) DrawLines();
     lines_.push_back(line);
   }
-  void Span(const TSpan& span) override {
-    Mark(span.column, {std::min(span.low, span.high), std::max(span.low, span.high)});
-  }
+  void Span(const TSpan& span) override { AddSpan(mask_, span); }
   void Finish() override {
     DrawLines();
-    const TRows all{visible_.top() - 1, visible_.bottom() + 1};
-    const int count = static_cast<int>(columns_.size());
-    for (int first = 0; first < count; first += kBlock) {
-      FillBlock(first, std::min(first + kBlock, count) - 1, all);
-    }
-    DrawRects();
-    std::fill(columns_.begin(), columns_.end(), TRows{});
+    mask_.Paint(painter_, pen_.color());
   }
 
  private:
   static constexpr std::size_t kBatch = 4096;
-  static constexpr int kBlock = 16;  ///< columns whose common rows are sought
-  /// Common rows, less one, that are worth a rectangle of their own.
-  static constexpr int kWorthwhile = 8;
-
-  void Mark(int column, const TRows& rows) {
-    TRows& known = columns_[static_cast<std::size_t>(column - visible_.left())];
-    if (known.Empty()) {
-      known = rows;
-    } else if (rows.top <= known.bottom + 1 && rows.bottom >= known.top - 1) {
-      known = {std::min(known.top, rows.top), std::max(known.bottom, rows.bottom)};
-    } else {
-      Push(QRect(QPoint(column, known.top), QPoint(column, known.bottom)));
-      known = rows;
-    }
-  }
-
-  /// Fills the marked rows of some columns, as far as they lie in `window`: the rows that all of
-  /// them have at once, the rest in the halves of the block.
-  void FillBlock(int first, int last, const TRows& window) {
-    TRows common = window;
-    TRows any{window.bottom + 1, window.top - 1};
-    for (int i = first; i <= last; ++i) {
-      const TRows& rows = columns_[static_cast<std::size_t>(i)];
-      common = {std::max(common.top, rows.top), std::min(common.bottom, rows.bottom)};
-      any = {std::min(any.top, rows.top), std::max(any.bottom, rows.bottom)};
-    }
-    if (any.top > window.bottom || any.bottom < window.top) return;
-    const bool whole = common.bottom - common.top >= (first == last ? 0 : kWorthwhile);
-    if (whole) {
-      Push(QRect(QPoint(visible_.left() + first, common.top),
-                 QPoint(visible_.left() + last, common.bottom)));
-    }
-    if (first == last) return;
-    const int middle = (first + last) / 2;
-    const TRows above = whole ? TRows{window.top, common.top - 1} : window;
-    FillBlock(first, middle, above);
-    FillBlock(middle + 1, last, above);
-    if (!whole) return;
-    const TRows below{common.bottom + 1, window.bottom};
-    FillBlock(first, middle, below);
-    FillBlock(middle + 1, last, below);
-  }
-
-  void Push(const QRect& rect) {
-    if (rects_.size() == kBatch) DrawRects();
-    rects_.push_back(rect);
-  }
 
   void DrawLines() {
     if (lines_.empty()) return;
@@ -149,63 +97,183 @@ class TThinLines : public TLineSink {
     painter_.drawLines(lines_.data(), static_cast<int>(lines_.size()));
     lines_.clear();
   }
-  void DrawRects() {
-    if (rects_.empty()) return;
-    painter_.setPen(Qt::NoPen);
-    painter_.setBrush(pen_.color());
-    painter_.drawRects(rects_.data(), static_cast<int>(rects_.size()));
-    rects_.clear();
-  }
 
   QPainter& painter_;
   const QPen pen_;
-  const QRect visible_;
   const bool splits_;
-  std::vector<TRows> columns_;  ///< of each visible column
+  TPixelMask mask_;
   std::vector<QLine> lines_;
-  std::vector<QRect> rects_;
 };
 
-/// Pieces are chained, so that dashes run on and joints are round.
-class TChainedLines : public TLineSink {
+/// The disc of the pen upon each pixel of thin lines. A painter would follow the outline of the
+/// whole curve, which takes seconds where that crosses itself in every column.
+class TWideLines : public TLineSink {
  public:
-  TChainedLines(QPainter& painter, const QPen& pen) : painter_(painter) { painter_.setPen(pen); }
+  TWideLines(QPainter& painter, const QPen& pen, const QRect& visible)
+      : painter_(painter), pen_(pen), mask_(visible) {}
 
+  void Join(const QLine& line) override { mask_.AddLine(line); }
+  void Span(const TSpan& span) override { AddSpan(mask_, span); }
+  void Finish() override { mask_.Paint(painter_, pen_.color(), pen_.width()); }
+
+ private:
+  QPainter& painter_;
+  const QPen pen_;
+  TPixelMask mask_;
+};
+
+/// Pieces follow each other, so that dashes run on from piece to piece.
+class TWalk : public TLineSink {
+ public:
   void Join(const QLine& line) override {
     GoTo(line.p1());
-    chain_.append(line.p2());
+    Step(line.p2());
   }
   void Span(const TSpan& span) override {
     GoTo({span.column, span.first});
     const int rows[] = {span.lowIsFirst ? span.low : span.high,
                         span.lowIsFirst ? span.high : span.low, span.last};
     for (const int row : rows) {
-      if (chain_.back().y() != row || chain_.size() == 1) chain_.append({span.column, row});
+      if (at_.y() != row || isFirst_) Step({span.column, row});
     }
   }
-  void Finish() override {
-    if (chain_.size() > 1) painter_.drawPolyline(chain_);
-    chain_.clear();
+
+ protected:
+  /// A line that has nothing to do with the one before it.
+  virtual void Begin() = 0;
+  virtual void Draw(const QLine& line) = 0;
+
+ private:
+  void GoTo(QPoint point) {
+    if (hasBegun_ && point == at_) return;
+    hasBegun_ = isFirst_ = true;
+    at_ = point;
+    Begin();
+  }
+  void Step(QPoint to) {
+    Draw({at_, to});
+    at_ = to;
+    isFirst_ = false;
+  }
+
+  bool hasBegun_ = false;
+  bool isFirst_ = true;  ///< no step yet since the beginning
+  QPoint at_;
+};
+
+double LengthOf(const QLine& line) { return std::hypot(line.dx(), line.dy()); }
+
+/// Dashes whose visible length is that of the pattern: the disc adds its width to each.
+class TWideDashes : public TWalk {
+ public:
+  TWideDashes(QPainter& painter, const QPen& pen, const QRect& visible)
+      : painter_(painter), pen_(pen), mask_(visible) {
+    const QList<qreal> pattern = pen.dashPattern();
+    for (qsizetype i = 0; i + 1 < pattern.size(); i += 2) {
+      const double from = period_ + pen_.width() / 2;
+      dashes_.push_back({from, from + (pattern[i] - 1.0) * pen_.width()});
+      period_ += (pattern[i] + pattern[i + 1]) * pen_.width();
+    }
+  }
+
+  void Finish() override { mask_.Paint(painter_, pen_.color(), pen_.width()); }
+
+ protected:
+  void Begin() override { phase_ = 0.0; }
+  void Draw(const QLine& line) override {
+    const double length = LengthOf(line);
+    const QRect& rect = mask_.Rect();
+    QLine seen;
+    if (CutLine({line.x1(), line.y1()}, {line.x2(), line.y2()}, rect, 0, seen)) {
+      DrawSeen(line, length, LengthOf({line.p1(), seen.p1()}), LengthOf({line.p1(), seen.p2()}));
+    }
+    phase_ = std::fmod(phase_ + length, period_);
   }
 
  private:
-  // A chain this long is cut: its dashes begin anew, but memory stays bounded.
-  static constexpr int kLongest = 65536;
-  void GoTo(QPoint point) {
-    if (!chain_.isEmpty() && chain_.back() == point && chain_.size() < kLongest) return;
-    Finish();
-    chain_.append(point);
+  struct TDash {
+    double from, to;  ///< of its first and its last pixel
+  };
+
+  /// The dashes from the distance `from` to the distance `to` along a line.
+  void DrawSeen(const QLine& line, double length, double from, double to) {
+    const bool steep = TPixelMask::IsSteep(line);
+    const int start = steep ? line.y1() : line.x1();
+    const double per = length > 0.0 ? (steep ? line.dy() : line.dx()) / length : 0.0;
+    const auto at = [&](double distance) {
+      const double along = distance * per;
+      return start + static_cast<int>(along < 0.0 ? along - 0.5 : along + 0.5);
+    };
+    double period = std::floor((from + phase_) / period_) * period_ - phase_;
+    for (; period <= to; period += period_) {
+      for (const TDash& dash : dashes_) {
+        const double a = std::max(period + dash.from, from);
+        const double b = std::min(period + dash.to, to);
+        if (a <= b) mask_.AddLine(line, std::min(at(a), at(b)), std::max(at(a), at(b)));
+      }
+    }
   }
 
   QPainter& painter_;
+  const QPen pen_;
+  TPixelMask mask_;
+  std::vector<TDash> dashes_;
+  double period_ = 0.0;
+  double phase_ = 0.0;  ///< how far into the period the line has come
+};
+
+/// Pieces are chained, so that joints are round and files hold few of them.
+class TChainedLines : public TWalk {
+ public:
+  TChainedLines(QPainter& painter, const QPen& pen) : painter_(painter), pen_(pen) {}
+
+  void Finish() override {
+    if (chain_.isEmpty()) return;
+    const bool isDot = chain_.size() == 2 && chain_[0] == chain_[1];
+    painter_.setPen(isDot ? QPen(pen_.brush(), pen_.widthF(), Qt::SolidLine, Qt::RoundCap) : pen_);
+    painter_.drawPolyline(chain_);
+    chain_.clear();
+    if (pen_.style() == Qt::SolidLine) return;
+    pen_.setDashOffset(std::fmod(pen_.dashOffset() + length_ / pen_.widthF(), kDashes));
+    length_ = 0.0;
+  }
+
+ protected:
+  void Begin() override {
+    Finish();
+    if (pen_.style() != Qt::SolidLine) pen_.setDashOffset(0.0);
+  }
+  void Draw(const QLine& line) override {
+    if (chain_.size() == kLongest) Finish();
+    if (chain_.isEmpty()) chain_.append(line.p1());
+    chain_.append(line.p2());
+    length_ += LengthOf(line);
+  }
+
+ private:
+  static constexpr int kLongest = 65536;  ///< points of a chain: memory stays bounded
+  /// In pen widths; holds every dash pattern a whole number of times.
+  static constexpr double kDashes = 4.0 * 6.0 * 8.0 * 10.0;
+
+  QPainter& painter_;
+  QPen pen_;
   QPolygon chain_;
+  double length_ = 0.0;
 };
 
 }  // namespace
 
+bool IsOnPixels(const QPainter& painter) {
+  return painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Raster &&
+         painter.deviceTransform().type() <= QTransform::TxTranslate;
+}
+
 std::unique_ptr<TLineSink> MakeLineSink(QPainter& painter, const QPen& pen, const QRect& visible) {
   if (IsThin(pen)) return std::make_unique<TThinLines>(painter, pen, visible);
-  return std::make_unique<TChainedLines>(painter, pen);
+  const bool isFine = pen.width() == 1;
+  if (isFine || !IsOnPixels(painter)) return std::make_unique<TChainedLines>(painter, pen);
+  if (pen.style() == Qt::SolidLine) return std::make_unique<TWideLines>(painter, pen, visible);
+  return std::make_unique<TWideDashes>(painter, pen, visible);
 }
 
 int LineReach(const QPen& pen) { return IsThin(pen) ? 1 << 20 : 1 << 13; }

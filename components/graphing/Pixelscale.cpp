@@ -4,6 +4,7 @@
 
 TPixelScale::TPixelScale(const TAxisRange& range, double start, double direction, double grid)
     : isLog_(range.isLog),
+      floor_(range.min > 0.0 ? std::min(range.min, kLogFloor) : kLogFloor),
       min_(range.isLog ? std::log10(range.min <= 0.0 ? kLogFloor : range.min) : range.min),
       factor_(range.factor),
       start_(start),

@@ -11,7 +11,8 @@
 /// on.
 class TPixelScale {
  public:
-  /// Stands in for a non-positive value on a logarithmic axis.
+  /// Stands in for a non-positive value on a logarithmic axis, unless the axis begins below it:
+  /// then its beginning does.
   static constexpr double kLogFloor = 1.0e-6;
 
   struct TAxisRange {
@@ -29,7 +30,7 @@ class TPixelScale {
   /// The lowest value below which none is mapped differently.
   double Lowest() const { return isLog_ ? DBL_TRUE_MIN : -DBL_MAX; }
   /// The value that stands for `value` on this axis.
-  double Clamped(double value) const { return isLog_ && value <= 0.0 ? kLogFloor : value; }
+  double Clamped(double value) const { return isLog_ && value <= 0.0 ? floor_ : value; }
 
   /// Grid position, halves rounded up. A value that is not finite has one that is not either.
   double Position(double value) const { return std::floor(Exact(value) * grid_ + half_) + offset_; }
@@ -59,6 +60,7 @@ class TPixelScale {
   }
 
   bool isLog_ = false;
+  double floor_ = kLogFloor;
   double min_ = 0.0;  ///< its logarithm on a logarithmic axis
   double factor_ = 1.0;
   double start_ = 0.0;  ///< logical position of min_

@@ -159,6 +159,16 @@ const TTimeRung& TimeRung(TBounds range) {
                        [&](const TTimeRung& rung) { return width <= rung.LimitDays; });
 }
 
+std::vector<const char*> TimePatterns(double step) {
+  constexpr const char* kAll = "yyyy-mm-dd hh:nn:ss.zzz";
+  step *= 1.0 + 1e-9;
+  if (step < kSecond) return {"s.zzz", "nn:ss.zzz", "hh:nn:ss.zzz", kAll};
+  if (step < kMinute) return {"nn:ss", "hh:nn:ss", "dd hh:nn:ss", kAll};
+  if (step < 1.0) return {"dd hh:nn", "yyyy-mm-dd hh:nn", kAll};
+  if (step < 30.0) return {"mm-dd", "yyyy-mm-dd", kAll};
+  return {"yyyy-mm", "yyyy-mm-dd", kAll};
+}
+
 TTickChoice TimeTicks(TBounds range, const TTimeRung& rung) {
   return TicksOfStep(range, rung.StepDays);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <utility>
+#include <vector>
 
 /// Which ticks a value range gets, on each kind of scale: arithmetic on numbers alone, which needs
 /// no axis. Every function answers every input, whatever its bounds: NaN, infinite or absurdly
@@ -54,5 +55,7 @@ TTickChoice LinearTicks(TBounds range);
 TTickChoice LogTicks(TBounds range);
 /// The first rung of the time ladder that holds a valid time range.
 const TTimeRung& TimeRung(TBounds range);
+/// Date-time patterns that tell apart what lies `step` days apart, each more than the one before.
+std::vector<const char*> TimePatterns(double step);
 /// The ticks of a rung over a valid time range; at most 101 intervals.
 TTickChoice TimeTicks(TBounds range, const TTimeRung& rung);

@@ -223,10 +223,12 @@ void TRange::SetReset(bool reset) {
   if (!reset) return;
   min_ = 0.0;
   max_ = 1.0;
+  leastPositive_ = 0.0;
 }
 
 void TRange::GetBounds(const TRange* other) {
   if (!other) return;
+  AddPositive(other->leastPositive_);
   if (std::exchange(reset_, false)) {
     min_ = other->min_;
     max_ = other->max_;

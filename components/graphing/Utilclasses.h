@@ -74,6 +74,9 @@ class TRange : public TPersistent {
   bool GetAutoMin() const { return autoMin_; }
   bool GetAutoMax() const { return autoMax_; }
   bool GetReset() const { return reset_; }
+  /// The least positive value that the range was widened by, where a logarithmic axis can begin; 0
+  /// if there was none.
+  double LeastPositive() const { return leastPositive_; }
 
   /// Moves one bound, swapping the two if they would cross.
   void SetMin(double value);
@@ -92,6 +95,7 @@ class TRange : public TPersistent {
     reset_ = false;
     if (value < min_) min_ = value;
     if (value > max_) max_ = value;
+    AddPositive(value);
   }
   void GetBounds(const TRange* other);
 
@@ -101,8 +105,13 @@ class TRange : public TPersistent {
   bool SameAs(const TPersistent* other) const override;
 
  private:
+  void AddPositive(double value) {
+    if (value > 0.0 && !(value >= leastPositive_ && leastPositive_ > 0.0)) leastPositive_ = value;
+  }
+
   double min_ = 0.0;
   double max_ = 1.0;
+  double leastPositive_ = 0.0;
   bool autoMin_ = false;
   bool autoMax_ = false;
   bool reset_ = true;

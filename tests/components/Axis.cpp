@@ -297,6 +297,28 @@ TEST(Axis, PlacesTheTitleAlongTheAxis) {
   }
 }
 
+TEST(Axis, ShortensATitleThatIsTooLongForIt) {
+  for (const auto align : {TAxis::alBottom, TAxis::alTop, TAxis::alLeft, TAxis::alRight}) {
+    TAxisOnPaper paper(align);
+    paper.axis.GetLabel()->SetFontColor(TColor::White());
+    paper.axis.GetTitle()->SetFontColor(TColor::FromRgb(255, 0, 0));
+    const QRect bounds(30, 20, 360, 260);
+    paper.axis.SetBounds(bounds);
+    const bool upright = align == TAxis::alLeft || align == TAxis::alRight;
+    QImage last;
+    for (const char* end : {"first", "other"}) {
+      SCOPED_TRACE(testing::Message() << align << end);
+      paper.axis.GetTitle()->SetCaption(QString(200, 'm') + end);
+      QImage picture = paper.Draw();
+      EXPECT_TRUE(last.isNull() || picture == last) << "the end is what is left out";
+      last = picture;
+      QPainter(&picture).fillRect(upright ? QRect(0, 20, 420, 260) : QRect(30, 0, 360, 300),
+                                  Qt::white);
+      EXPECT_FALSE(HasRed(picture, picture.rect())) << "the title leaves the bounds";
+    }
+  }
+}
+
 TEST(Axis, RefusesABoundThatWouldCollapseTheRange) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double inf = std::numeric_limits<double>::infinity();

@@ -5,12 +5,14 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMetaProperty>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
+#include <tuple>
 
 #include "components/graphing/Pickers.h"
 
@@ -108,18 +110,65 @@ TEST_F(AxisEditor, TakesBoundsAsNumbersOrDates) {
   Find<QCheckBox>("AutoMin").click();
   Find<QCheckBox>("AutoMax").click();
   EXPECT_FALSE(axis.GetAutoMin());
-  Enter("Min", "2.5");
-  EXPECT_EQ(axis.GetMin(), 1.0) << "the bounds have crossed";
-  EXPECT_EQ(axis.GetMax(), 2.5);
-  EXPECT_EQ(Find<QLineEdit>("Max").text(), "2.5");
+  const auto refusal = [this] { return Find<QLabel>("Refusal").text().toStdString(); };
+  const auto expect = [&](double min, double max, const char* reason) {
+    EXPECT_EQ(axis.GetMin(), min);
+    EXPECT_EQ(axis.GetMax(), max);
+    EXPECT_EQ(refusal(), reason);
+  };
+  Enter("Min", "1.5");  // above the old maximum, but the new one follows
+  expect(0.0, 1.0, "The minimum must be less than the maximum");
+  EXPECT_EQ(Find<QLineEdit>("Min").text(), "1.5");
+  Push(QDialogButtonBox::Ok);
+  EXPECT_NE(editor.result(), QDialog::Accepted);
+  Enter("Max", "2.5");
+  expect(1.5, 2.5, "");
   Enter("Max", "abc");
-  EXPECT_EQ(axis.GetMax(), 2.5);
-  EXPECT_EQ(Find<QLineEdit>("Max").text(), "2.5") << "what is no number goes away";
+  expect(1.5, 2.5, "\"abc\" is no number");
+  Enter("Max", "inf");
+  expect(1.5, 2.5, "\"inf\" is no number");
+  Enter("Max", "1.5");
+  expect(1.5, 2.5, "The minimum must be less than the maximum");
+  Choose("Scale", TAxis::asLog);
+  Enter("Min", "-1");
+  expect(1.5, 2.5, "A logarithmic axis shows values above 0 only");
 
   Choose("Scale", TAxis::asTime);
+  EXPECT_EQ(refusal(), "");
   EXPECT_EQ(Find<QLineEdit>("Max").text(), "1900-01-01 12:00:00.000");
+  Enter("Max", "soon");
+  expect(1.5, 2.5, "\"soon\" is no date and time");
   Enter("Max", "1900-01-09 06:00");
   EXPECT_EQ(axis.GetMax(), 10.25);
+}
+
+TEST_F(AxisEditor, ABoundThatIsNoLongerAutomaticStaysWhereItIsDrawn) {
+  const char* const kBoth[] = {"AutoMin", "AutoMax"};
+  for (const auto& [scale, min, max] :
+       {std::tuple(TAxis::asLinear, 0.95, 10.85),  // shows 0..11
+        std::tuple(TAxis::asLog, 3.0, 70.0), std::tuple(TAxis::asTime, 45000.2, 45000.9)}) {
+    for (const bool maxFirst : {false, true}) {
+      SCOPED_TRACE(testing::Message() << scale << maxFirst);
+      TAxis drawn;
+      drawn.OnQueryRange = [min = min, max = max](double& low, double& high) {
+        low = min;
+        high = max;
+      };
+      drawn.SetScale(scale);
+      drawn.UpdateAxis();
+      QObject::connect(&drawn, &TAxis::OnChange, &drawn, &TAxis::UpdateAxis);  // as its graph does
+      const double from = drawn.WorkingMin();
+      const double to = drawn.WorkingMax();
+      TAxisEditor editorOfIt(drawn);
+      for (const bool second : {false, true}) {
+        editorOfIt.findChild<QCheckBox*>(kBoth[second != maxFirst])->click();
+        EXPECT_EQ(drawn.WorkingMin(), from);
+        EXPECT_EQ(drawn.WorkingMax(), to);
+      }
+      EXPECT_EQ(drawn.GetMin(), from);
+      EXPECT_EQ(drawn.GetMax(), to);
+    }
+  }
 }
 
 TEST_F(AxisEditor, RestoresTheAxisOnCancel) {

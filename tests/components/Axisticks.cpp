@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QSet>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -210,6 +211,66 @@ TEST(AxisTicks, HoldTheWholeRangeOfOrdinaryData) {
     ASSERT_LT(major.End(), max + 1.01 * step);
     ASSERT_LE(major.Count(), 11);
     ASSERT_GE(major.Count(), 2);
+  }
+}
+
+/// The first label that an earlier one equals; empty if all differ.
+QString EqualLabel(const TAxis& axis) {
+  QSet<QString> seen;
+  for (int i = 0; i <= axis.GetMajorTick()->Count(); ++i) {
+    const QString text = axis.GetLabel()->TextOf(axis.GetMajorTick()->Value(i));
+    if (seen.contains(text)) return text;
+    seen.insert(text);
+  }
+  return {};
+}
+
+TEST(AxisTicks, HaveLabelsOfWhichNoTwoAreEqual) {
+  std::mt19937_64 random(9);
+  std::uniform_real_distribution<double> any(0.0, 1.0);
+  for (int i = 0; i < 3000; ++i) {
+    const auto scale = static_cast<TAxis::TAxisScale>(i % 3);
+    TAxis axis;
+    TNumberFormat& format = *axis.GetLabel()->GetNumFormat();
+    format.SetFormat(static_cast<TNumberFormat::TFloatFormat>(i / 3 % 5));
+    format.SetPrecision(1 + i % 7);
+    format.SetDigits(i % 4);
+    const double min =
+        scale == TAxis::asTime ? 73000.0 * any(random) : std::pow(10.0, 16.0 * any(random) - 8.0);
+    const double width = std::pow(10.0, 16.0 * any(random) - 9.0);
+    // Dates lie in the calendar, and their steps are not below a millisecond.
+    if (scale == TAxis::asLinear && i % 2 && min + width < 1e6 && width > 1e-6) {
+      format.SetIsTimeFormat(true);
+    }
+    // A step has one of the 15 digits that a format can show.
+    if (scale == TAxis::asLinear && width < 1e-13 * min) continue;
+    ShowRange(axis, scale, min, min + width);
+    EXPECT_EQ(EqualLabel(axis).toStdString(), "") << scale << ": " << min << " + " << width;
+  }
+}
+
+TEST(AxisTicks, HaveTheDigitsOfTheirStep) {
+  const struct {
+    TAxis::TAxisScale scale;
+    double min, max;
+    TNumberFormat::TFloatFormat format;
+    const char* second;  // label
+  } cases[] = {
+      {TAxis::asLinear, 1e6, 1e6 + 1, TNumberFormat::ffGeneral, "1000000.1"},
+      {TAxis::asLinear, 0, 0.001, TNumberFormat::ffFixed, "0.0001"},
+      {TAxis::asLinear, 0, 10, TNumberFormat::ffFixed, "1.00"},  // enough as they are
+      {TAxis::asLog, 1e-9, 1e-7, TNumberFormat::ffFixed, "0.000000010"},
+      {TAxis::asTime, 36526, 36526 + 60 * kSecond, TNumberFormat::ffGeneral, "00:10"},
+      {TAxis::asTime, 36526, 36526 + 45 * kSecond, TNumberFormat::ffGeneral, "10"},
+      {TAxis::asTime, 36526, 36527, TNumberFormat::ffGeneral, "01 01:00"},
+      {TAxis::asTime, 36526, 36526 + 365, TNumberFormat::ffGeneral, "2000-01"},
+  };
+  for (const auto& c : cases) {
+    TAxis axis;
+    axis.GetLabel()->GetNumFormat()->SetFormat(c.format);
+    ShowRange(axis, c.scale, c.min, c.max);
+    const double second = axis.GetMajorTick()->Value(1);
+    EXPECT_EQ(axis.GetLabel()->TextOf(second).toStdString(), c.second);
   }
 }
 

@@ -158,19 +158,26 @@ TEST(DataPanel, VisibleSeriesMakeTheRanges) {
   expect(1000.0, 2000.0, 4.0, 9.0);
 }
 
-TEST(DataPanel, BarsWidenTheRangeByTheirWidth) {
+TEST(DataPanel, BarsWidenTheRangeToTheirOtherEndAndTheirFoot) {
   TPanelFixture f;
-  TSeries* series = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 7.0});
-  series->GetStyle()->SetPointStyle(TSeriesStyle::psXBar);
-  f.panel.UpdateRangeX();
-  f.panel.UpdateRangeY();
-  EXPECT_EQ(series->RangeX().GetMin(), 0.5);
-  EXPECT_EQ(series->RangeY().GetMin(), 3.0);
-  series->GetStyle()->SetPointStyle(TSeriesStyle::psYBar);
-  f.panel.UpdateRangeX();
-  f.panel.UpdateRangeY();
-  EXPECT_EQ(series->RangeX().GetMin(), 1.0);
-  EXPECT_EQ(series->RangeY().GetMin(), -4.0);
+  TSeries* series = nullptr;
+  const auto expect = [&](TSeriesStyle::TPointStyle style, double minX, double minY) {
+    series->GetStyle()->SetPointStyle(style);
+    f.panel.UpdateRangeX();
+    f.panel.UpdateRangeY();
+    EXPECT_EQ(series->RangeX().GetMin(), minX) << style;
+    EXPECT_EQ(series->RangeY().GetMin(), minY) << style;
+  };
+  series = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 7.0});
+  for (const auto style : {TSeriesStyle::psXBar, TSeriesStyle::psYBar}) {
+    expect(style, style == TSeriesStyle::psXBar ? 0.5 : 0.0, -4.0);
+  }
+  series = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 0.5});
+  expect(TSeriesStyle::psCircle, 1.0, 3.0);
+  expect(TSeriesStyle::psXBar, 0.5, 0.0);
+  expect(TSeriesStyle::psYBar, 0.0, 2.5);
+  f.vertical.SetScale(TAxis::asTime);
+  expect(TSeriesStyle::psXBar, 0.5, 2.5);  // the day 0 of the calendar is no foot
 }
 
 TEST(DataPanel, ASelectionMustExceedThreePixelsBothWays) {

@@ -257,6 +257,46 @@ TEST_F(GraphTest, SelectsARegionWithTheMouse) {
   graph.GetHorizontalAx()->SetMinMax(x1, x2);
   EXPECT_GE(graph.GetHorizontalAx()->WorkingMin(), 10);  // a step of 10 beyond 20..60 at most
   EXPECT_LE(graph.GetHorizontalAx()->WorkingMax(), 70);
+  EXPECT_FALSE(panel.SelectionValues(x1, y1, x2, y2)) << "its pixels mean other values now";
+}
+
+TEST_F(GraphTest, HasNoRubberBandAfterAZoom) {
+  TDataPanel& panel = *graph.GetDataPanel();
+  panel.SetAllowSelection(true);
+  bool zooms = true;
+  QObject::connect(&panel, &TDataPanel::OnSelection, &graph, [&] {
+    double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+    ASSERT_TRUE(panel.SelectionValues(x1, y1, x2, y2));
+    if (!zooms) return;
+    for (TAxis* axis : {graph.GetHorizontalAx(), graph.GetVerticalAx()}) {
+      axis->SetAutoMin(false);
+      axis->SetAutoMax(false);
+    }
+    graph.GetHorizontalAx()->SetMinMax(x1, x2);
+    graph.GetVerticalAx()->SetMinMax(y1, y2);
+  });
+  for (const bool zoomed : {true, false}) {
+    zooms = zoomed;
+    Press(At(60, 30));
+    MoveTo(At(20, 80));
+    Release(At(20, 80));
+    EXPECT_EQ(panel.SelectionAnchor() == panel.SelectionCorner(), zoomed);
+  }
+}
+
+TEST_F(GraphTest, ALogarithmicAxisBeginsAtTheLeastPositiveValue) {
+  graph.GetDataPanel()->GetSeriesList().Clear();
+  graph.GetVerticalAx()->SetScale(TAxis::asLog);
+  auto points = std::make_unique<TArraySeries>(3);
+  for (int i = 0; i < 3; ++i) points->SetPoint(i, {1.0 * i, i == 1 ? 0.0 : i == 0 ? 1e-9 : 1e-7});
+  graph.GetDataPanel()->AddSeries(std::move(points));
+  graph.Replay();
+  EXPECT_NEAR(graph.GetVerticalAx()->WorkingMin(), 1e-9, 1e-15);
+  EXPECT_NEAR(graph.GetVerticalAx()->WorkingMax(), 1e-7, 1e-13);
+  TCoordinate zero{1.0, 0.0};
+  QPoint pixel;
+  graph.GetDataPanel()->LocateValue(pixel, zero);
+  EXPECT_EQ(pixel.y(), graph.PlotRect().bottom()) << "below all others, and not at 1e-6 above them";
 }
 
 TEST_F(GraphTest, StartsNothingOutsideThePlotOrWithAnotherButton) {

@@ -78,18 +78,18 @@ QRect Box(const QImage& image) {
   return box;
 }
 
-TEST(Series, TheFirstPointMovesThePenAndGetsNoMarker) {
+TEST(Series, EveryPointHasItsMarkerTheFirstAndAnOnlyOneToo) {
   for (const auto style :
        {TSeriesStyle::psCircle, TSeriesStyle::psRectangle, TSeriesStyle::psCross}) {
     TPanelFixture f;
     TSeries* series = f.AddCurve({{2.0, 5.0}});
     series->GetStyle()->SetPointStyle(style);
-    EXPECT_TRUE(Box(f.Picture()).isEmpty());
+    // 3 pixels around (40, 110).
+    EXPECT_EQ(Box(f.Picture()), QRect(37, 107, 7, 7));
     series->GetStyle()->SetLineStyle(TSeriesStyle::psClear);
     series->DataSource = f.AddCurve({{2.0, 5.0}, {6.0, 5.0}})->DataSource;
     f.panel.DeleteSeries(1);
-    // One marker, 3 pixels around (80, 110).
-    EXPECT_EQ(Box(f.Picture()), QRect(77, 107, 7, 7));
+    EXPECT_EQ(Box(f.Picture()), QRect(37, 107, 47, 7));
   }
 }
 
@@ -99,13 +99,13 @@ TEST(Series, MarkersHaveTheirOutlineAndFill) {
   TSeriesStyle& style = *series->GetStyle();
   style.SetLineStyle(TSeriesStyle::psClear);
   style.SetPointStyle(TSeriesStyle::psRectangle);
-  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 24);
-  EXPECT_EQ(CountPixels(f.Picture(), Qt::yellow), 25);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 2 * 24);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::yellow), 2 * 25);
   style.SetFillColor(TColor::None());
-  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 24);
-  EXPECT_EQ(CountPixels(f.Picture(), Qt::white), 150 * 230 - 24);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 2 * 24);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::white), 150 * 230 - 2 * 24);
   style.SetPointStyle(TSeriesStyle::psCross);
-  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 13);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 2 * 13);
 }
 
 TEST(Series, EachLineCrossesTheMarkerBeforeIt) {

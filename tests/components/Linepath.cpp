@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <set>
 #include <vector>
 
 #include "components/graphing/Curvepainter.h"
@@ -52,15 +53,20 @@ QImage Drawn(const std::vector<TCoordinate>& points, const TPlotArea& area, int 
   });
 }
 
-/// A line from each point to the next, and nothing else.
+/// A line from each point to the next, and a dot for a point without neighbours.
 QImage DrawnPlainly(const std::vector<TCoordinate>& points, const TPlotArea& area) {
   return Painted([&](QPainter& painter) {
     painter.setPen(QPen(Qt::blue, 1));
-    for (std::size_t i = 1; i < points.size(); ++i) {
-      const TCoordinate& a = points[i - 1];
-      const TCoordinate& b = points[i];
-      if (!std::isfinite(a.X + a.Y) || !std::isfinite(b.X + b.Y)) continue;
-      painter.drawLine(area.x.Pixel(a.X), area.y.Pixel(a.Y), area.x.Pixel(b.X), area.y.Pixel(b.Y));
+    const auto pixel = [&area](const TCoordinate& point) {
+      return QPoint(area.x.Pixel(point.X), area.y.Pixel(point.Y));
+    };
+    const auto is = [&points](std::size_t i) {  // -1 is past the end
+      return i < points.size() && std::isfinite(points[i].X + points[i].Y);
+    };
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      if (!is(i)) continue;
+      if (is(i + 1)) painter.drawLine(pixel(points[i]), pixel(points[i + 1]));
+      if (!is(i - 1) && !is(i + 1)) painter.drawPoint(pixel(points[i]));
     }
   });
 }
@@ -136,7 +142,7 @@ TEST(LinePath, MergingChangesNoPixelOfAThinSolidLine) {
 TEST(LinePath, MergingChangesNoPixelOnLogarithmicAxes) {
   TCurves curves;
   for (int round = 0; round < 1000 && !HasFailure(); ++round) {
-    // What is not positive is drawn at 1e-6: left of the one axis, inside the other.
+    // What is not positive is drawn at 1e-6, left of the one axis, and where the other begins.
     const double min = round % 2 ? 0.01 : 1.0e-9;
     std::vector<TCoordinate> points = curves.Next();
     for (TCoordinate& point : points) {
@@ -245,10 +251,13 @@ TEST(LinePath, FarAwayPointsKeepTheirDirection) {
   }
 }
 
-TEST(LinePath, OnePointDrawsNothingAndTwoInAPixelADot) {
+TEST(LinePath, OnePointIsADotLikeTwoInAPixel) {
   const TPlotArea area = Area(1.0, 1.0);
-  EXPECT_EQ(CountPixels(Drawn({{50.0, 50.0}}, area), Qt::blue), 0);
-  EXPECT_EQ(CountPixels(Drawn({{50.0, 50.0}, {50.1, 49.9}}, area), Qt::blue), 1);
+  for (const int weight : {1, 2, 3}) {
+    EXPECT_EQ(CountPixels(Drawn({{50.0, 50.0}}, area, weight), Qt::blue), weight * weight);
+    EXPECT_EQ(CountPixels(Drawn({{50.0, 50.0}, {50.1, 49.9}}, area, weight), Qt::blue),
+              weight * weight);
+  }
 }
 
 TEST(LinePath, AWideLineIsAsWideAsItsWeight) {
@@ -258,6 +267,118 @@ TEST(LinePath, AWideLineIsAsWideAsItsWeight) {
     int rows = 0;
     for (int y = 0; y < image.height(); ++y) rows += image.pixelColor(100, y) == Qt::blue;
     EXPECT_EQ(rows, weight);
+  }
+}
+
+/// A pixel within the distance has the colour.
+bool IsNear(const QImage& image, QPoint centre, double distance, QRgb color) {
+  const int reach = static_cast<int>(distance);
+  for (int dy = -reach; dy <= reach; ++dy) {
+    for (int dx = -reach; dx <= reach; ++dx) {
+      const QPoint at = centre + QPoint(dx, dy);
+      if (std::hypot(dx, dy) <= distance && kPanel.contains(at) && image.pixel(at) == color) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+TEST(LinePath, AWideLineIsADiscThatFollowsAThinOne) {
+  const QRgb blue = QColor(Qt::blue).rgb();
+  const QRgb white = QColor(Qt::white).rgb();
+  TCurves curves;
+  const TPlotArea area = Area(1.0, 1.0);
+  for (int round = 0; round < 60; ++round) {
+    SCOPED_TRACE(round);
+    const int weight = 2 + round % 8;
+    const std::vector<TCoordinate> points = curves.Next();
+    const QImage thin = DrawnPlainly(points, area);
+    const QImage wide = Drawn(points, area, weight);
+    int missing = 0, surplus = 0;
+    for (int y = kPanel.top(); y <= kPanel.bottom(); ++y) {
+      for (int x = kPanel.left(); x <= kPanel.right(); ++x) {
+        const bool isInside = thin.pixel(x, y) == blue;
+        missing += isInside && IsNear(wide, {x, y}, 0.5 * weight - 1.0, white);
+        // A little more where the line is outside of the panel.
+        const bool isBorder = !kPanel.adjusted(weight, weight, -weight, -weight).contains(x, y);
+        surplus += !isBorder && wide.pixel(x, y) == blue &&
+                   !IsNear(thin, {x, y}, 0.5 * weight + 1.5, blue);
+      }
+    }
+    EXPECT_EQ(missing, 0);
+    EXPECT_EQ(surplus, 0);
+  }
+}
+
+TEST(LinePath, AWideLineIsPaintedOnceWhereItCrossesItself) {
+  std::vector<TCoordinate> points;
+  for (int i = 0; i < 500; ++i) points.push_back({0.3 * i, 65.0 + 60.0 * std::sin(12.9 * i)});
+  for (const auto pen : {TSeriesStyle::psSolid, TSeriesStyle::psDash}) {
+    const QImage image = Painted([&](QPainter& painter) {
+      painter.setOpacity(0.5);
+      TSeriesStyle style;
+      style.SetPointStyle(TSeriesStyle::psNone);
+      style.SetLineStyle(pen);
+      style.SetLineWeight(4);
+      TCurvePainter(painter, style, Area(1.0, 1.0)).Add(points);
+    });
+    std::set<QRgb> colors;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) colors.insert(image.pixel(x, y));
+    }
+    EXPECT_EQ(colors.size(), 2u) << pen;
+  }
+}
+
+/// Lengths of what is drawn and what is left out along the middle of a horizontal line.
+std::vector<int> Runs(const std::vector<TCoordinate>& points, TSeriesStyle::TPenStyle pen,
+                      int weight, int ratio) {
+  QImage image(kPicture * ratio, QImage::Format_RGB32);
+  image.setDevicePixelRatio(ratio);
+  image.fill(Qt::white);
+  {
+    QPainter painter(&image);
+    TSeriesStyle style;
+    style.SetPointStyle(TSeriesStyle::psNone);
+    style.SetLineStyle(pen);
+    style.SetLineWeight(weight);
+    const QRect rect(kPanel.topLeft() * ratio, kPanel.size() * ratio);
+    const TPlotArea area{
+        rect, TPixelScale::Rightwards({false, 0.0, 1.0}, kPanel.left(), ratio),
+        TPixelScale::Upwards({false, 0.0, 1.0}, kPanel.top() + kPanel.height(), ratio),
+        static_cast<double>(ratio)};
+    TCurvePainter(painter, style, area).Add(points);
+  }
+  const int row = (kPanel.top() + kPanel.height() - 1 - 60) * ratio;
+  std::vector<int> runs;
+  for (int x = 0; x < image.width(); ++x) {
+    if (x == 0 || image.pixel(x, row) != image.pixel(x - 1, row)) runs.push_back(0);
+    ++runs.back();
+  }
+  return runs;
+}
+
+TEST(LinePath, DashesAreMeasuredInPenWidthsAndRunOnOverThePoints) {
+  const std::pair<TSeriesStyle::TPenStyle, std::vector<int>> pens[] = {
+      {TSeriesStyle::psDash, {4, 2}},
+      {TSeriesStyle::psDot, {1, 2}},
+      {TSeriesStyle::psDashDot, {4, 2, 1, 2}},
+      {TSeriesStyle::psDashDotDot, {4, 2, 1, 2, 1, 2}},
+  };
+  std::vector<TCoordinate> many;
+  for (int i = 0; i <= 1600; ++i) many.push_back({0.1 * i, 60.0});
+  for (const auto& [pen, pattern] : pens) {
+    for (const auto& [weight, ratio] :
+         {std::pair(2, 1), std::pair(3, 1), std::pair(1, 2), std::pair(3, 2)}) {
+      SCOPED_TRACE(testing::Message() << pen << ' ' << weight << ' ' << ratio);
+      const std::vector<int> runs = Runs({{0.0, 60.0}, {160.0, 60.0}}, pen, weight, ratio);
+      EXPECT_EQ(runs, Runs(many, pen, weight, ratio));
+      ASSERT_GT(runs.size(), pattern.size() + 1);
+      for (std::size_t i = 0; i < pattern.size(); ++i) {
+        EXPECT_EQ(runs[i + 1], pattern[i] * weight * ratio) << "piece " << i;
+      }
+    }
   }
 }
 
@@ -292,6 +413,7 @@ TEST(PixelScale, ALogarithmicAxisHasEqualDecades) {
   EXPECT_EQ(scale.Pixel(2.0), 115);   // 50 x 0.30103
   EXPECT_EQ(scale.Pixel(0.0), -200);  // drawn at 1e-6
   EXPECT_EQ(scale.Pixel(-3.0), -200);
+  EXPECT_EQ(TPixelScale::Rightwards({true, 1.0e-9, 50.0}, 0).Pixel(0.0), 0);  // where it begins
   EXPECT_NEAR(scale.Value(150), 10.0, 1e-12);
 }
 

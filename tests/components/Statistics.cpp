@@ -279,6 +279,13 @@ TEST(TStatisticsSeries, CoversWhatItDraws) {
       EXPECT_EQ(positions.GetMax(), 7.0);
     }
   }
+  for (const bool alongX : {true, false}) {
+    series.GetStyle()->SetBarStyle(alongX ? TStatSeriesStyle::bsXBar : TStatSeriesStyle::bsYBar);
+    series.SetOptions({});
+    series.UpdateRangeX();
+    series.UpdateRangeY();
+    EXPECT_TRUE(series.RangeX().GetReset() && series.RangeY().GetReset()) << "nothing is drawn";
+  }
   TSeriesFixture nothing({broken});
   nothing.series->UpdateRangeX();
   EXPECT_TRUE(nothing.series->RangeX().GetReset());
