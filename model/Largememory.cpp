@@ -1,14 +1,43 @@
 #include "model/Largememory.h"
 
-// The one place that knows about huge pages: Linux has to be asked for them, and other systems get
-// plain memory.
+#include <algorithm>
+#include <atomic>
+#include <limits>
+
+// The one place that knows about huge pages and about memory that is promised but not there: Linux
+// has to be asked for both, and other systems get plain memory.
 #ifdef __linux__
 #include <sys/mman.h>
+
+#include <cstdio>
 #endif
 
 namespace {
 
 constexpr std::align_val_t kAlignment{kLargePage};
+constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
+
+std::atomic<std::size_t> mostAvailable = kUnlimited;
+
+#ifdef __linux__
+std::size_t SystemMemory() {
+  constexpr std::size_t kReserve = std::size_t{256} << 20;  // for everybody else
+  std::FILE* const file = std::fopen("/proc/meminfo", "re");
+  if (!file) return kUnlimited;
+  char line[128];
+  unsigned long long kibibytes = 0;
+  bool found = false;
+  while (!found && std::fgets(line, sizeof line, file)) {
+    found = std::sscanf(line, "MemAvailable: %llu", &kibibytes) == 1;
+  }
+  std::fclose(file);
+  if (!found) return kUnlimited;
+  const auto bytes = static_cast<std::size_t>(kibibytes) * 1024;
+  return bytes > kReserve ? bytes - kReserve : 0;
+}
+#else
+std::size_t SystemMemory() { return kUnlimited; }
+#endif
 
 }  // namespace
 
@@ -29,3 +58,7 @@ void FreeLarge(void* memory, std::size_t bytes) noexcept {
     ::operator delete(memory, kAlignment);
   }
 }
+
+std::size_t AvailableMemory() { return std::min(SystemMemory(), mostAvailable.load()); }
+
+void LimitAvailableMemory(std::size_t bytes) { mostAvailable = bytes; }

@@ -12,6 +12,12 @@ void* AllocateLarge(std::size_t bytes);
 /// `bytes` as given to AllocateLarge.
 void FreeLarge(void* memory, std::size_t bytes) noexcept;
 
+/// How many bytes can be had before the system, which promises more than it has, ends programs to
+/// get some back; any number where the system does not tell. It costs some 30 microseconds to ask.
+std::size_t AvailableMemory();
+/// Makes AvailableMemory tell no more than this.
+void LimitAvailableMemory(std::size_t bytes);
+
 /// AllocateLarge for containers. Elements made without arguments are left uninitialised, so that a
 /// buffer to be filled is not filled twice.
 template <class T>

@@ -1,6 +1,6 @@
 #include "model/Loadreport.h"
 
-#include <QFileInfo>
+#include "model/Oneline.h"
 
 void TLoadReport::Add(std::size_t line, const QString& what) {
   if (count_++ > 0) return;
@@ -17,7 +17,7 @@ void TLoadReport::Fail(const QString& why) {
 
 QString TLoadReport::Sentence(const QString& fileName) const {
   if (Ok() || cancelled_) return {};
-  const QString name = QFileInfo(fileName).fileName();
+  const QString name = ShownFileName(fileName);
   if (failed_) return QStringLiteral("Cannot read ") + name + QStringLiteral(": ") + first_ + '.';
 
   QString sentence = name;

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "model/Oneline.h"
+
 namespace {
 
 std::function<void(const QString&)>& Sink() {
@@ -16,7 +18,7 @@ void ShowMessage(const QString& text) {
   if (Sink()) {
     Sink()(text);
   } else {
-    std::fprintf(stderr, "%s\n", qPrintable(text));
+    std::fprintf(stderr, "%s\n", qPrintable(Harmless(text)));
   }
 }
 

@@ -4,7 +4,8 @@
 #include <functional>
 
 /// Shows a text to the user. The program installs a message box as the sink; without a sink the
-/// text goes to the standard error stream, so that nothing waits for a user who is not there.
+/// text goes to the standard error stream, so that nothing waits for a user who is not there,
+/// and without characters that would steer a terminal.
 /// GUI thread only.
 void ShowMessage(const QString& text);
 

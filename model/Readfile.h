@@ -12,6 +12,10 @@ using TFileText = std::vector<char, TLargeAllocator<char>>;
 
 inline std::string_view View(const TFileText& text) { return {text.data(), text.size()}; }
 
+/// Why this is no file to read: it is missing, a folder, a pipe or a device, or larger than the
+/// memory that is left. Empty if nothing speaks against it. Opens nothing.
+QString WhyNotReadable(const QString& fileName);
+
 /// Reads a regular file whole, in pieces, with the progress of the reading alone in [0, 1]. False
 /// if it was cancelled or could not be read, which the report then tells. Any thread.
 [[nodiscard]] bool ReadFile(const QString& fileName, TFileText& text, TLoadReport& report,

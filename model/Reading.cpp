@@ -1,6 +1,9 @@
 #include "model/Reading.h"
 
 #include <algorithm>
+#include <new>
+
+#include "model/Largememory.h"
 
 namespace {
 
@@ -49,13 +52,23 @@ void NoteEnd(TReading& reading, int valueCount, const TNodeRecord& record, int c
 }  // namespace
 
 bool TReading::Advance(std::size_t characters, std::size_t nodes) {
+  const std::size_t work = characters + nodes * kCharactersPerNode;
+  WeighMemory(work);
   done_ += characters;
-  untold_ += characters + nodes * kCharactersPerNode;
+  untold_ += work;
   if (untold_ < kTellEvery || !progress_) return !Report.Cancelled();
   untold_ = 0;
   const double part = static_cast<double>(done_) / static_cast<double>(Scanner.Text().size());
   if (!progress_(std::min(part, 1.0))) Report.Cancel();
   return !Report.Cancelled();
+}
+
+void TReading::WeighMemory(std::size_t work) {
+  constexpr std::size_t kWeighEvery = std::size_t{4} << 20;
+  unweighed_ += work;
+  if (unweighed_ < kWeighEvery) return;
+  unweighed_ = 0;
+  if (AvailableMemory() == 0) throw std::bad_alloc();
 }
 
 bool TReading::Search(std::string_view text) {

@@ -18,17 +18,21 @@ class TReading {
   TLoadReport& Report;
 
   /// Tells how many characters more have been dealt with, and how many nodes were made besides:
-  /// they take time too. What is passed in vain counts nothing. False, and noted in the report,
-  /// once the user has cancelled.
+  /// they take time and memory too. What is passed in vain counts nothing. False, and noted in the
+  /// report, once the user has cancelled. Throws std::bad_alloc before the system's memory runs
+  /// out.
   bool Advance(std::size_t characters, std::size_t nodes = 0);
 
   /// Moves behind the next occurrence of `text`; false if there is none or the user cancelled.
   bool Search(std::string_view text);
 
  private:
+  void WeighMemory(std::size_t work);
+
   TLoadProgress progress_;
-  std::size_t done_ = 0;    ///< characters dealt with
-  std::size_t untold_ = 0;  ///< work since progress was told, in characters
+  std::size_t done_ = 0;       ///< characters dealt with
+  std::size_t untold_ = 0;     ///< work since progress was told, in characters
+  std::size_t unweighed_ = 0;  ///< work since the memory was looked at, in characters
 };
 
 /// Notes at `position` that a decimal comma has cut a number.

@@ -4,6 +4,7 @@
 
 #include <QSignalSpy>
 #include <filesystem>
+#include <limits>
 
 #include "model/Animmodel.h"
 #include "tests/support/Testsupport.h"
@@ -33,11 +34,16 @@ TEST(ReadFile, SaysWhyAFileCannotBeRead) {
       {folder + "/none.mod", "Cannot read none.mod: there is no such file."},
       {folder, "Cannot read " + QFileInfo(folder).fileName() + ": it is a folder."},
       {"", "Cannot read : there is no such file."},
+      {"/", "Cannot read /: it is a folder."},
+      {"a\n\x1b[1m\u202e.mod",
+       QString("Cannot read a\ufffd\ufffd[1m\ufffd.mod: there is no such file.")},
   };
 #ifdef __unix__
   const QString pipe = folder + "/pipe";
   ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0);
   cases.emplace_back(pipe, "Cannot read pipe: it is not a regular file.");
+  ASSERT_EQ(mknod(qPrintable(folder + "/socket"), S_IFSOCK | 0600, 0), 0);
+  cases.emplace_back(folder + "/socket", "Cannot read socket: it is not a regular file.");
   cases.emplace_back("/dev/zero", "Cannot read zero: it is not a regular file.");
 #endif
   const QString huge = WriteTestFile("huge.mod", "");
@@ -52,6 +58,29 @@ TEST(ReadFile, SaysWhyAFileCannotBeRead) {
     EXPECT_TRUE(model.Loaded);
   }
   EXPECT_EQ(changes.count(), static_cast<int>(cases.size()));
+}
+
+TEST(ReadFile, RefusesWhatMemoryCannotHold) {
+  TModel model;
+  std::string large = "[Nodes]\n";
+  for (int i = 0; i < 700'000; ++i) large += "1 0 0 0\n";
+  const QString file = WriteTestFile("a.mod", "[Nodes]\n1 2 3 4\n");
+  for (const std::size_t left : {15, 16}) {
+    LimitAvailableMemory(left);
+    EXPECT_EQ(model.LoadFromFile(file).Sentence(file),
+              left == 16 ? "" : "Cannot read a.mod: it is larger than the memory that is left.");
+  }
+  LimitAvailableMemory(0);
+  EXPECT_EQ(model.LoadFromMemory(large).Sentence(file), "Cannot read a.mod: not enough memory.");
+  EXPECT_EQ(model.Nodes.Count(), 1u) << "the earlier model stays";
+
+  LimitAvailableMemory(std::numeric_limits<std::size_t>::max());
+  ASSERT_FALSE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n2 0 0 2\n").Failed());
+  TMeasuredData data;
+  LimitAvailableMemory(0);
+  EXPECT_EQ(data.LoadFromMemory("[F = 1]\n" + large, model).Sentence(file),
+            "Cannot read a.mod: not enough memory.");
+  LimitAvailableMemory(std::numeric_limits<std::size_t>::max());
 }
 
 }  // namespace

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+// Texts of foreign origin, such as names of files and what stands in them, as they can be shown.
+
+/// `text` without what would steer a terminal or turn the direction of writing: each such character
+/// becomes a replacement character. Line ends and tabs stay.
+QString Harmless(const QString& text);
+
+/// Harmless, and on one line of at most `most` characters, which ends in dots where it was longer.
+QString OneLine(const QString& text, qsizetype most = 200);
+
+/// The name of a file without its folder.
+QString ShownFileName(const QString& path);
+
+/// The same for the title of a window, where the toolkit takes a single "[*]" for a mark of its
+/// own.
+QString TitleFileName(const QString& path);
