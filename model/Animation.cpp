@@ -19,6 +19,11 @@ void TAnimation::UpdateScale(const TMeasuredData& data, TModel& model) const {
   }
 }
 
+void TAnimation::Show(const TMeasuredData& data, TModel& model) const {
+  if (ScaleType == TScaleType::Sum) data.Shown.AddTogether(model.Display, Time);
+  for (TDataNodeList* list : data.Shown) list->Phase = Phase;
+}
+
 bool TAnimation::Step(const TMeasuredData& data, TModel& model, bool back) {
   if (data.Shown.Empty()) return false;
   if (ScaleType == TScaleType::Sum) {
@@ -56,7 +61,11 @@ double TNodesSet::Step(TDataNodeList& display, double time) const {
   // The second test keeps a frequency next to nothing from making the time infinite for ever.
   if (highest == 0.0 || !std::isfinite(time + 0.1 / highest)) return time;
   time += 0.1 / highest;
+  AddTogether(display, time);
+  return time;
+}
 
+void TNodesSet::AddTogether(TDataNodeList& display, double time) const {
   // A piece of the sum at a time, which stays in the processor while all sets are added to it.
   // A node that a set lacks gets nothing from it.
   std::array<TVertex, 256> piece;
@@ -68,7 +77,6 @@ double TNodesSet::Step(TDataNodeList& display, double time) const {
     }
     for (std::size_t i = 0; i < sums.size(); ++i) display.Get(first + i)->Position = sums[i];
   }
-  return time;
 }
 
 namespace {

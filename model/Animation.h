@@ -20,6 +20,10 @@ class TAnimation {
   /// Sets the DrawScale of every list that this scale type draws.
   void UpdateScale(const TMeasuredData& data, TModel& model) const;
 
+  /// Brings what is shown to the frame where the animation stands: after a load, and after a change
+  /// of the scale type or of what is shown.
+  void Show(const TMeasuredData& data, TModel& model) const;
+
   /// One frame on, or back; the sum type knows no back. Returns whether there is anything new to
   /// draw: false, and nothing moved, without a visible data set. Allocates nothing.
   bool Step(const TMeasuredData& data, TModel& model, bool back = false);

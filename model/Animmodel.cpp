@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "model/Datareader.h"
+#include "model/Largememory.h"
 #include "model/Modelreader.h"
+#include "model/Oneline.h"
 #include "model/Readfile.h"
 #include "model/Reading.h"
 #include "model/Sectionindex.h"
@@ -105,7 +107,7 @@ void TDataNodeList::Read(std::string_view text, TLoadReport& report,
     if (!whole) return;
     if (!plain && !content.Nodes.Empty()) NoteOrder(*Model, report);
   } else if (!report.Cancelled()) {
-    report.Add(0, QStringLiteral("it has no section %1").arg(Section));
+    report.Add(0, QStringLiteral("it has no section %1").arg(OneLine(Section)));
   }
   if (!report.Cancelled()) Take(std::move(content));
 }
@@ -286,15 +288,20 @@ class TDataFileReader {
     return content;
   }
 
-  /// The frequency in a section's name.
-  double Frequency(const TSection& section) {
+  /// The frequency in a section's name; nothing if it is named otherwise.
+  std::optional<double> Frequency(const TSection& section) {
     TTextScanner name(section.Name);
-    const double frequency = FrequencyOf(name);
-    if (name.AtDecimalComma()) {
-      const char* const text = reading_.Scanner.Text().data();
-      NoteDecimalComma(reading_, static_cast<std::size_t>(section.Name.data() - text));
-    }
+    const std::optional<double> frequency = NamedFrequency(name);
+    if (name.AtDecimalComma()) NoteDecimalComma(reading_, PlaceOf(section));
     return frequency;
+  }
+
+  /// Notes that a section that is named after a frequency has no records; others may be remarks.
+  void NoteEmpty(const TSection& section) {
+    if (model_.Nodes.Empty()) return;
+    reading_.Report.AddAt(reading_.Scanner, PlaceOf(section), [] {
+      return QStringLiteral("the data set has no records; it shows nothing");
+    });
   }
 
   /// Counts what lies between the sections, and the nodes of one, as done. False once the user has
@@ -304,12 +311,25 @@ class TDataFileReader {
   }
 
  private:
-  bool Affordable(std::size_t more) const { return nodes_ + more <= mostNodes_; }
+  std::size_t PlaceOf(const TSection& section) const {
+    return static_cast<std::size_t>(section.Name.data() - reading_.Scanner.Text().data());
+  }
+
+  /// Whether there is room for more nodes, and for the motions of all.
+  bool Affordable(std::size_t more) {
+    constexpr std::size_t kWeighEvery = 1'000'000;
+    const std::size_t all = nodes_ + more;
+    if (all > mostNodes_) return false;
+    if (all - weighed_ < kWeighEvery) return true;
+    weighed_ = all;
+    return all * TMotions::kBytesPerNode <= AvailableMemory();
+  }
 
   TReading reading_;
   TModelNodes model_;
   std::size_t mostNodes_;
   std::size_t nodes_ = 0;                               ///< of all sections read
+  std::size_t weighed_ = 0;                             ///< of them when the memory was looked at
   std::unordered_map<std::size_t, std::size_t> first_;  ///< start of records, index of data set
 };
 
@@ -348,12 +368,14 @@ bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport&
   std::vector<const TDataNodeList*> earlier;
   for (const TSection& section : sections) {
     if (lists.size() == kMostDataSets) break;
+    const std::optional<double> frequency = reader.Frequency(section);
     std::optional<TDataContent> content = reader.Read(section, earlier);
     if (!content || !reader.Advance(section.Name.size() + 2, content->Nodes.Count())) break;
     auto list = std::make_unique<TDataNodeList>(&model, false);
     const QString name = FromBytes(section.Name);
     list->Section = '[' + name + ']';
-    list->Frequency = reader.Frequency(section);
+    list->Frequency = frequency.value_or(0.0);
+    if (frequency && content->Nodes.Empty()) reader.NoteEmpty(section);
     list->NodeShape = All.GetNodeShape();
     list->NodeColor = All.GetNodeColor();
     list->ElementColor = All.GetElementColor();

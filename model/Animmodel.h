@@ -112,10 +112,13 @@ class TNodesSet {
   TColor GetEdgeColor() const { return edgeColor_; }
   TNodeShape GetNodeShape() const { return nodeShape_; }
 
+  /// Writes the sum of all motions at `time` into the positions of `display`, node by node by
+  /// index. Allocates nothing.
+  void AddTogether(TDataNodeList& display, double time) const;
+
   /// The next frame of all members added together in time: advances `time` by a tenth of the
-  /// period of the highest frequency and writes the sum of all motions into the positions of
-  /// `display`, node by node by index. Returns the new time, or `time` itself, with nothing
-  /// changed, if the highest frequency is 0. Allocates nothing.
+  /// period of the highest frequency and writes their sum into `display`. Returns the new time, or
+  /// `time` itself, with nothing changed, if the highest frequency is 0. Allocates nothing.
   double Step(TDataNodeList& display, double time) const;
 
  private:

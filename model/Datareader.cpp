@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 #include "model/Alignment.h"
 
@@ -44,6 +45,50 @@ void NoteUnknown(TReading& reading, const TNodeRecord& record) {
   });
 }
 
+/// Which of a model's nodes have had a record.
+class TRecordedNodes {
+ public:
+  explicit TRecordedNodes(const TModelNodes& model)
+      : model_(model), recorded_(model.Nodes.Count()) {}
+
+  void Add(std::ptrdiff_t index) {
+    if (index < 0) return;
+    const auto place = static_cast<std::size_t>(index);
+    count_ += !recorded_[place];
+    recorded_[place] = true;
+  }
+
+  /// `header`: a position in the line of the section's header.
+  void NoteMissing(TReading& reading, std::size_t header) const {
+    if (count_ == recorded_.size()) return;
+    std::size_t missing = 0;
+    std::int32_t first = 0;
+    for (std::size_t i = 0; i < recorded_.size(); ++i) {
+      const std::int32_t id = model_.Nodes.Get(i)->ID;
+      // Records mean the first of several nodes with one number.
+      if (recorded_[i] || model_.Index.Find(id) != static_cast<std::ptrdiff_t>(i)) continue;
+      if (missing++ == 0) first = id;
+    }
+    if (missing == 0) return;
+    reading.Report.AddAt(reading.Scanner, header, [&] {
+      return missing == 1 ? QStringLiteral(
+                                "the data set has no record for node %1 of the model; the node "
+                                "is not drawn at its place")
+                                .arg(first)
+                          : QStringLiteral(
+                                "the data set has no records for node %1 and %2 more of the "
+                                "model; they are not drawn at their places")
+                                .arg(first)
+                                .arg(missing - 1);
+    });
+  }
+
+ private:
+  const TModelNodes& model_;
+  std::vector<bool> recorded_;
+  std::size_t count_ = 0;
+};
+
 double LargestAmplitude(const TNodeList& nodes) {
   double square = 0.0;
   for (const TNode* node : nodes) square = std::max(square, SquaredLength(node->Position));
@@ -54,6 +99,9 @@ double LargestAmplitude(const TNodeList& nodes) {
 
 bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& content) {
   bool first = true;
+  const std::size_t header = reading.Scanner.Position() - 1;
+  const std::size_t faults = reading.Report.Count();
+  TRecordedNodes recorded(model);
   const bool goOn = ReadNodeRecords(reading, [&](TNodeRecord& record) {
     if (std::exchange(first, false)) content.Nodes.Reserve(model.Nodes.Count());
     if (content.Nodes.Count() >= model.Nodes.Count()) {
@@ -63,12 +111,16 @@ bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& cont
     MakeUsable(reading, record);
     const std::ptrdiff_t index = model.Index.Find(record.ID);
     if (index < 0) NoteUnknown(reading, record);
+    recorded.Add(index);
     TNode* node = content.Nodes.Emplace(NodeOf(record));
     if (index >= 0) node->Link = model.Nodes.Get(static_cast<std::size_t>(index));
   });
   if (!goOn) return false;
   content.MaxAmplitude = LargestAmplitude(content.Nodes);
-  if (!content.Nodes.Empty()) AlignNodes(content.Nodes, model.Nodes, model.Index);
+  if (content.Nodes.Empty()) return true;
+  // A record that was dropped has been told; that its node has none follows from it.
+  if (reading.Report.Count() == faults) recorded.NoteMissing(reading, header);
+  AlignNodes(content.Nodes, model.Nodes, model.Index);
   return true;
 }
 
@@ -89,13 +141,14 @@ TDataContent CopyOf(const TNodeList& nodes, double maxAmplitude) {
   return copy;
 }
 
-double FrequencyOf(TTextScanner& sectionName) {
+std::optional<double> NamedFrequency(TTextScanner& sectionName) {
   const std::string_view text = sectionName.Text();
-  if (text.empty() || text[0] != 'F') return 0.0;
+  if (text.empty() || text[0] != 'F') return std::nullopt;
   sectionName.SetPosition(1);
   sectionName.SkipWhiteSpace();
-  if (sectionName.AtEnd() || text[sectionName.Position()] != '=') return 0.0;
+  if (sectionName.AtEnd() || text[sectionName.Position()] != '=') return std::nullopt;
   sectionName.SetPosition(sectionName.Position() + 1);
   double frequency = 0.0;
-  return sectionName.ReadReal(frequency) && IsUsable(frequency) ? frequency : 0.0;
+  if (!sectionName.ReadReal(frequency)) return std::nullopt;
+  return IsUsable(frequency) ? frequency : 0.0;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "model/Nodeindex.h"
 #include "model/Reading.h"
 #include "model/Records.h"
@@ -18,7 +20,8 @@ struct TDataContent {
 };
 
 /// Reads the records that follow the reading's position as a data set, aligned to the model. A
-/// value that is no number or beyond 1e30 counts as 0. False if cancelled.
+/// value that is no number or beyond 1e30 counts as 0. Notes the nodes of the model that none of
+/// the records is for. False if cancelled.
 [[nodiscard]] bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& content);
 
 /// Reads the records that follow without a model: they are kept as they are. False if cancelled.
@@ -27,6 +30,6 @@ struct TDataContent {
 /// A copy of what an earlier section gave.
 TDataContent CopyOf(const TNodeList& nodes, double maxAmplitude);
 
-/// The frequency in a section's name "F = 12.5", 0 if the name has another form or the value is no
-/// number or beyond 1e30. Leaves the scanner behind what it took for the number.
-double FrequencyOf(TTextScanner& sectionName);
+/// The frequency in a section's name "F = 12.5", nothing if the name has another form; 0 if the
+/// value is no number or beyond 1e30. Leaves the scanner behind what it took for the number.
+std::optional<double> NamedFrequency(TTextScanner& sectionName);

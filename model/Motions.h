@@ -13,6 +13,8 @@
 /// bit. It is a copy: it knows the nodes as they were when it was built.
 class TMotions {
  public:
+  static constexpr std::size_t kBytesPerNode = 3 * sizeof(TVertex);
+
   void Build(const TNodeList& nodes);
   void Clear() { *this = {}; }
 

@@ -17,7 +17,7 @@ class Animation : public testing::Test {
     EXPECT_TRUE(model_.LoadFromMemory("[Nodes]\n1 0 0 0\n2 0 0 4\n").Ok());
     Load("[F = 5]\n1 1 2 0 0 0 0\n2 3 0 4 0 .5 0\n[F = 20]\n1 0 0 1 0 0 0\n2 0 1 0 0 0 0\n");
   }
-  void Load(const std::string& text) { EXPECT_TRUE(data_.LoadFromMemory(text, model_).Ok()); }
+  void Load(const std::string& text) { EXPECT_FALSE(data_.LoadFromMemory(text, model_).Failed()); }
 
   TModel model_;
   TMeasuredData data_;

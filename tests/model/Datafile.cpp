@@ -29,6 +29,7 @@ class DataFile : public testing::Test {
     return text.toStdString();
   }
 
+  void Load(const std::string& text) { EXPECT_FALSE(data_.LoadFromMemory(text, model_).Failed()); }
   QString Sentence(const std::string& text) {
     return data_.LoadFromMemory(text, model_).Sentence("m.dat");
   }
@@ -58,7 +59,7 @@ TEST_F(DataFile, GivesOneDataSetPerSectionWithItsFrequency) {
 }
 
 TEST_F(DataFile, BringsRecordsIntoTheOrderOfTheModel) {
-  EXPECT_TRUE(data_.LoadFromMemory("[F = 1]\n3 7 8 9\n1 4 5 6\n", model_).Ok());
+  Load("[F = 1]\n3 7 8 9\n1 4 5 6\n");
   const TDataNodeList& set = *data_.All.Get(0);
   // Node 2 has no record: a filler with the coordinates of the model node.
   EXPECT_EQ(Describe(set), "1:4,5,6 2:-1,-1,1 3:7,8,9 ");
@@ -80,8 +81,7 @@ TEST_F(DataFile, DecidesOnAnglesForEachSection) {
 
 TEST_F(DataFile, ScalesTheLargestAmplitudeToAQuarterOfTheModel) {
   data_.CheckedLabels = "011";
-  ASSERT_TRUE(
-      data_.LoadFromMemory("[F = 1]\n1 3 4 0\n[F = 2]\n2 0 0 .5\n[F = 3]\n3 0 0 0\n", model_).Ok());
+  Load("[F = 1]\n1 3 4 0\n[F = 2]\n2 0 0 .5\n[F = 3]\n3 0 0 0\n");
   EXPECT_EQ(data_.All.Get(0)->MaxAmplitude, 5.0);
   EXPECT_EQ(data_.All.Get(0)->Scale, 0.25);
   EXPECT_EQ(data_.All.Get(1)->Scale, 2.5) << "fillers do not count";
@@ -105,7 +105,7 @@ TEST_F(DataFile, ShowsWhatTheCheckStringSays) {
   } cases[] = {{"101", "1010"}, {"", "0000"}, {"011111", "0111"}, {"x1", "0100"}};
   for (const auto& c : cases) {
     data_.CheckedLabels = c.checked;
-    ASSERT_TRUE(data_.LoadFromMemory("[a]1 1 1 1[b]1 1 1 1[c]1 1 1 1[d]1 1 1 1", model_).Ok());
+    Load("[a]1 1 1 1[b]1 1 1 1[c]1 1 1 1[d]1 1 1 1");
     EXPECT_EQ(data_.MakeCheckString(), c.shown);
     for (const TDataNodeList* list : data_.All) {
       EXPECT_EQ(list->ShowNodes, list->GetVisible());
@@ -127,7 +127,7 @@ TEST_F(DataFile, GivesSetsTheAttributesOfTheirOwners) {
   data_.All.SetElementColor(TColor(2));
   model_.Nodes.NodeRadius = 3;
   model_.Nodes.ElementRadius = 4;
-  ASSERT_TRUE(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", model_).Ok());
+  Load("[F = 1]\n1 1 1 1\n");
   const TDataNodeList& set = *data_.All.Get(0);
   EXPECT_EQ(set.NodeShape, TNodeShape::Cube);
   EXPECT_EQ(set.NodeColor, TColor(1));
@@ -143,14 +143,14 @@ TEST_F(DataFile, GivesSetsTheAttributesOfTheirOwners) {
 }
 
 TEST_F(DataFile, FindsEqualNamesAtTheFirst) {
-  ASSERT_TRUE(data_.LoadFromMemory("[a]1 5 0 0[x[b]1 6 0 0[a]1 7 0 0[b]1 8 0 0", model_).Ok());
+  Load("[a]1 5 0 0[x[b]1 6 0 0[a]1 7 0 0[b]1 8 0 0");
   const char* first[] = {"1:5", "1:6", "1:5", "1:6"};
   for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(Describe(*data_.All.Get(i)).substr(0, 3), first[i]);
   EXPECT_EQ(data_.All.Get(2)->Scale, data_.All.Get(0)->Scale);
 }
 
 TEST_F(DataFile, LeavesASectionWithoutRecordsEmpty) {
-  EXPECT_TRUE(data_.LoadFromMemory("[notes]\nby hand\n[F = 1]\n1 1 1 1\n", model_).Ok());
+  EXPECT_EQ(Sentence("[notes]\nby hand\n[F = 1]\n1 1 1 1\n2 2 2 2\n3 3 3 3\n"), "");
   ASSERT_EQ(data_.All.Count(), 2u);
   EXPECT_TRUE(data_.All.Get(0)->Empty());
   EXPECT_EQ(data_.All.Get(0)->Scale, 1.0);
@@ -172,7 +172,18 @@ TEST_F(DataFile, ReportsWhatIsWrongAndKeepsTheRest) {
        "m.dat, line 5: the record of node 1 is beyond the number of the model's nodes and was "
        "dropped.",
        "1:1,1,1 2:2,2,2 3:3,3,3 "},
-      {"[x]\n[F = 1,5]\n1 1 1 1\n",
+      {"[F = 1]\n1 1 1 1\n3 3 3 3\n",
+       "m.dat, line 1: the data set has no record for node 2 of the model; the node is not drawn "
+       "at "
+       "its place.",
+       "1:1,1,1 2:-1,-1,1 3:3,3,3 "},
+      {"\n[ten]\n3 3 3 3\n[F = 2]\n[F = 1]\n1 1 1 1\n2 2 2 2\n3 3 3 3\n",
+       "m.dat, line 2: the data set has no records for node 1 and 1 more of the model; they are "
+       "not "
+       "drawn at their places, and 1 more fault followed.",
+       "1:-1,-1,-1 2:-1,-1,1 3:3,3,3 "},
+      {"[F = 1]\n[notes]\n", "m.dat, line 1: the data set has no records; it shows nothing.", ""},
+      {"[x]\n[F = 1,5]\n1 1 1 1\n2 2 2 2\n3 3 3 3\n",
        "m.dat, line 2: numbers have a decimal point; the digits behind the comma were dropped.",
        ""},
       {"[F = 1]\n1 nan 1 1\n2 2 -inf 1e99\n3 3 3 3\n",
@@ -216,7 +227,7 @@ TEST_F(DataFile, LoadsWithoutAModel) {
 }
 
 TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
-  ASSERT_TRUE(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", model_).Ok());
+  Load("[F = 1]\n1 1 1 1\n");
   std::string large = "[F = 1]\n";
   for (int i = 0; i < 200'000; ++i) large += "1 0.25 0.25 0.25\n";
   const TDataNodeList* kept = data_.All.Get(0);
@@ -255,7 +266,7 @@ TEST_F(DataFile, KeepsOnlyAsManySetsAsItCanHold) {
 
   // Every section, however short, makes a node for each node of the model.
   data_.MostNodes = 7;
-  EXPECT_EQ(Sentence("[a]1 1 1 1[b][a][c]1 1 1 1[d]"),
+  EXPECT_EQ(Sentence("[a]1 1 1 1 2 1 1 1 3 1 1 1[b][a][c]1 1 1 1[d]"),
             "m.dat: only the first 3 data sets were kept.");
   EXPECT_EQ(data_.All.Count(), 3u);
 }
@@ -264,7 +275,7 @@ TEST_F(DataFile, ReadsOneListByItself) {
   TDataNodeList list(&model_, false);
   list.Section = "[F = 2]";
   const std::string text = "[F = 1]\n1 1 1 1\n[F = 2]\n2 3 4 0\n";
-  EXPECT_TRUE(list.LoadFromMemory(text).Ok());
+  EXPECT_FALSE(list.LoadFromMemory(text).Failed());
   EXPECT_EQ(Describe(list), "1:-1,-1,-1 2:3,4,0 3:1,1,-1 ");
   EXPECT_EQ(list.Scale, 0.25);
 
