@@ -5,35 +5,62 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QPainterPath>
 #include <bit>
+#include <cmath>
 
 namespace {
 
 constexpr int kMargin = 8;         ///< user's pixels between the text and the picture's corner
+constexpr int kEdge = 2;           ///< width of the letters' edge, user's pixels
 constexpr int kLongestLine = 200;  ///< characters
 constexpr int kMostLines = 40;
 constexpr int kLargestSide = 4096;  ///< device pixels; every OpenGL has textures this large
 
-QImage DrawText(const QStringList& lines, const QColor& color, QSize pixels, double pixelRatio) {
+/// Black or white, whichever makes more contrast: relative luminances decide, of which 0.179 is as
+/// far from the one as from the other.
+QColor EdgeColor(const QColor& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  const double luminance = 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+                           0.0722 * linear(color.blueF());
+  return luminance > 0.179 ? Qt::black : Qt::white;
+}
+
+QStringList FitLines(const QStringList& lines, const QFontMetrics& metrics, int room) {
+  QStringList fit;
+  for (const QString& line : lines.first(qMin<qsizetype>(lines.size(), kMostLines))) {
+    fit << metrics.elidedText(line.left(kLongestLine), Qt::ElideRight, room);
+  }
+  return fit;
+}
+
+/// The lines with an empty rim of kEdge around them, which the edges of the letters reach into.
+QImage DrawText(const QStringList& allLines, const QColor& color, QSize pixels, double pixelRatio) {
   const QFont font = QGuiApplication::font();
   const QFontMetrics metrics(font);
   const int room = static_cast<int>(pixels.width() / pixelRatio) - 2 * kMargin;
-  QStringList shown;
+  const QStringList lines = FitLines(allLines, metrics, room);
   int width = 0;
-  for (const QString& line : lines.first(qMin<qsizetype>(lines.size(), kMostLines))) {
-    shown << metrics.elidedText(line.left(kLongestLine), Qt::ElideRight, room);
-    width = qMax(width, metrics.horizontalAdvance(shown.last()) + 1);
-  }
-  const QSize size = (QSizeF(width, shown.size() * metrics.lineSpacing()) * pixelRatio).toSize();
+  for (const QString& line : lines) width = qMax(width, metrics.horizontalAdvance(line) + 1);
+  const QSizeF text(width + 2 * kEdge, lines.size() * metrics.lineSpacing() + 2 * kEdge);
+  const QSize size = (text * pixelRatio).toSize();
   QImage image(size.boundedTo({kLargestSide, kLargestSide}), QImage::Format_RGBA8888_Premultiplied);
   if (image.isNull()) return image;
   image.setDevicePixelRatio(pixelRatio);
   image.fill(Qt::transparent);
   QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
   painter.setFont(font);
-  painter.setPen(color);
-  for (qsizetype i = 0; i < shown.size(); ++i) {
-    painter.drawText(QPointF(0.0, metrics.ascent() + i * metrics.lineSpacing()), shown[i]);
+  const QPen edge(EdgeColor(color), 2 * kEdge, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+  for (qsizetype i = 0; i < lines.size(); ++i) {
+    const QPointF place(kEdge, kEdge + metrics.ascent() + i * metrics.lineSpacing());
+    QPainterPath letters;
+    letters.addText(place, font, lines[i]);
+    painter.strokePath(letters, edge);
+    painter.setPen(color);
+    painter.drawText(place, lines[i]);
   }
   return image;
 }
@@ -101,7 +128,7 @@ void TOverlay::Draw(QSize pixels, double pixelRatio) {
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
   {
     const TPixelCoordinates coordinates(pixels);
-    const int x = qRound(kMargin * pixelRatio), y = x;
+    const int x = qRound((kMargin - kEdge) * pixelRatio), y = x;
     const int width = image_.width(), height = image_.height();
     const float right = static_cast<float>(width) / static_cast<float>(texture_.width());
     const float bottom = static_cast<float>(height) / static_cast<float>(texture_.height());

@@ -5,8 +5,10 @@
 #include <QSize>
 #include <QStringList>
 
-/// A few lines of text in the top left corner of an OpenGL picture. The text is drawn into an image
-/// when it changes; a frame costs one textured rectangle. GUI thread only.
+/// A few lines of text in the top left corner of an OpenGL picture. Each letter has an edge of
+/// black or white, whichever the text's colour is farther from, so that it can be read whatever is
+/// behind it. The text is drawn into an image when it changes; a frame costs one textured
+/// rectangle. GUI thread only.
 class TOverlay {
  public:
   void SetLines(const QStringList& lines);

@@ -120,7 +120,7 @@ TEST_F(GlViewwnd, TheFontColorColorsTheTextOverThePicture) {
   for (int y = 0; y < corner.height(); ++y) {
     for (int x = 0; x < corner.width(); ++x) {
       const QColor color = corner.pixelColor(x, y);
-      blue += color.blue() > 100 && color.red() + color.green() == 0;
+      blue += color.blue() > color.red() + 100 && color.red() == color.green();
     }
   }
   EXPECT_GT(blue, 20);

@@ -219,6 +219,50 @@ TEST_F(GlPictures, TextStandsInTheTopLeftCornerAndLeavesTheSceneAlone) {
   EXPECT_EQ(CountOther(image.copy(200, 0, 440, 480), Qt::black), 0);
 }
 
+double Luminance(const QColor& color) {
+  const auto part = [](double c) {
+    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+}
+
+/// How often a pixel of this colour and one next to it but one make a contrast of at least 3 to 1.
+int CountSharpEdges(const QImage& image, const QColor& color) {
+  int edges = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 2; x < image.width(); ++x) {
+      const QColor a = image.pixelColor(x - 2, y), b = image.pixelColor(x, y);
+      const auto [dark, light] = std::minmax({Luminance(a), Luminance(b)});
+      edges += (a == color || b == color) && (light + 0.05) / (dark + 0.05) >= 3.0;
+    }
+  }
+  return edges;
+}
+
+TEST_F(GlPictures, NamesAreLegibleOnEveryBackground) {
+  const QColor colors[] = {Qt::white, Qt::black, QColor(128, 128, 128),
+                           Qt::red,   Qt::blue,  Qt::yellow};
+  for (const int ratio : {1, 2}) {
+    for (const QColor& back : colors) {
+      for (const QColor& font : colors) {
+        const QImage image = gl_.Render([&] {
+          TPicture picture;
+          picture.Init(gl_.Resolver());
+          picture.Overlay.SetLines({"F = 12.5"});
+          picture.Overlay.SetColor(font);
+          BeginPicture(view_, kSize, back);
+          picture.Paint(view_, kSize, ratio, model_, {}, TScaleType::Absolute, false);
+          EndPicture();
+        });
+        const QImage corner = image.copy(0, 0, 100 * ratio, 30 * ratio);
+        EXPECT_GT(CountSharpEdges(corner, font), 60 * ratio)
+            << ratio << ": " << font.name().toStdString() << " on " << back.name().toStdString();
+        {static QImage grid[3]; QImage& g = grid[ratio]; static int n[3]; if (g.isNull()) g = QImage(600*ratio, 180*ratio, QImage::Format_RGB32); QPainter p(&g); p.drawImage((n[ratio]%6)*100*ratio, (n[ratio]/6)*30*ratio, corner); ++n[ratio]; p.end(); g.save(QString("/tmp/an/g%1.png").arg(ratio));}  // TEMPORARY
+      }
+    }
+  }
+}
+
 TEST(GlOffscreen, WorksWithoutTheWindowSystemToo) {
   QString error;
   const auto context = MakeEglContext({64, 32}, error);
