@@ -6,6 +6,8 @@
 #include <array>
 #include <utility>
 
+#include "model/Filekind.h"
+#include "model/Oneline.h"
 #include "viewer/Animatorabout.h"
 #include "viewer/Savepicture.h"
 #include "viewer/Viewstate.h"
@@ -53,7 +55,7 @@ TOptions::TOptions() {
 }
 
 QString NoFile(const QString& name) {
-  return QStringLiteral("Cannot read %1: there is no such file.").arg(name);
+  return QStringLiteral("Cannot read %1: there is no such file.").arg(OneLine(name));
 }
 
 /// Each of these takes one option's text and returns what is wrong with it, or nothing.
@@ -63,11 +65,15 @@ QString TakeFiles(const QStringList& names, TCommandLine& line) {
     return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
         .arg(names.size());
   }
+  const bool window = line.RenderFile.isEmpty();  // which opens all the same and tells then
   for (const QString& name : names) {
-    if (!QFileInfo::exists(name)) return NoFile(name);
+    if (!window && !QFileInfo::exists(name)) return NoFile(name);
   }
   line.ModelFile = names.value(0);
   line.DataFile = names.value(1);
+  if (IsModelFile(line.DataFile) && !IsModelFile(line.ModelFile)) {
+    std::swap(line.ModelFile, line.DataFile);
+  }
   return {};
 }
 
@@ -120,7 +126,9 @@ QString TakeSize(const QString& text, TCommandLine& line) {
 
 QString TakeSettings(const QString& name, TCommandLine& line) {
   line.SettingsFile = name;
-  return QFileInfo::exists(name) ? QString() : NoFile(name);
+  if (!QFileInfo::exists(name)) return NoFile(name);
+  const QString why = WhyNoSettings(name);
+  return why.isEmpty() ? why : QStringLiteral("Cannot read %1: %2.").arg(OneLine(name), why);
 }
 
 QString TakePanel(const QString& name, TCommandLine& line) {
@@ -209,10 +217,6 @@ TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable)
   const QString folder = QFileInfo(executable).path();
   settings.ModelFile = WithFolder(settings.ModelFile, folder);
   settings.DataFile = WithFolder(settings.DataFile, folder);
-  if (!commandLine.ModelFile.isEmpty()) {
-    settings.ModelFile = commandLine.ModelFile;
-    settings.DataFile = commandLine.DataFile;
-  }
   if (commandLine.Rotation) {
     settings.RotX = commandLine.Rotation->x;
     settings.RotY = commandLine.Rotation->y;
@@ -220,4 +224,13 @@ TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable)
   if (commandLine.ScaleType) settings.ScaleType = static_cast<int>(*commandLine.ScaleType);
   if (commandLine.Animate) settings.AnimationOn = true;
   return settings;
+}
+
+void NameFiles(const TCommandLine& commandLine, TSettings& settings) {
+  if (commandLine.ModelFile.isEmpty()) return;
+  if (!AreSameFile(commandLine.ModelFile, settings.ModelFile)) {
+    settings.PanPosX = settings.PanPosY = 0.0;
+  }
+  settings.ModelFile = commandLine.ModelFile;
+  settings.DataFile = commandLine.DataFile;
 }

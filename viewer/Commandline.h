@@ -28,12 +28,17 @@ struct TCommandLine {
   QString Fault;   ///< one sentence: what is wrong with the arguments
 };
 
-/// The first argument is the program. Checks that named files are there.
+/// The first argument is the program. Checks that named files are there, but for those that a
+/// window will ask for, and puts a data file and a model file that stand the wrong way round right.
 TCommandLine ParseCommandLine(const QStringList& arguments);
 
 /// The settings file that counts. `executable`: with its full path.
 QString SettingsFileOf(const TCommandLine& commandLine, const QString& executable);
 
 /// The settings, bare names completed with the executable's folder, and overridden by what the
-/// command line says.
+/// command line says; its files are left to NameFiles or to the window.
 TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable);
+
+/// Puts the files of the command line in place of those of the settings; another model than theirs
+/// is seen without their pan.
+void NameFiles(const TCommandLine& commandLine, TSettings& settings);

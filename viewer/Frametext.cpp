@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "model/Oneline.h"
+
 namespace {
 
 constexpr std::size_t kMostLines = 8;
@@ -20,7 +22,7 @@ QString FrameOf(long long frame) {
 
 }  // namespace
 
-QString NameOf(const TDataNodeList& list) { return list.Section.sliced(1).chopped(1); }
+QString NameOf(const TDataNodeList& list) { return OneLine(list.Section.sliced(1).chopped(1)); }
 
 QStringList OverlayLines(const TMeasuredData& data) {
   QStringList lines;

@@ -7,7 +7,7 @@
 
 // What the window says about the picture, in words. Numbers have a "." whatever the locale.
 
-/// The name of a data set as its file has it: its section without the brackets.
+/// The name of a data set as its file has it, fit to be shown: its section without the brackets.
 QString NameOf(const TDataNodeList& list);
 
 /// The text over the picture: the names of the shown data sets, and how many more there are.

@@ -1,8 +1,9 @@
 #include "viewer/Loaddialog.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QLabel>
+
+#include "model/Oneline.h"
 
 namespace {
 
@@ -35,7 +36,7 @@ bool TLoadDialog::Advance(double done) {
 
 void TLoadDialog::Open() {
   dialog_ = std::make_unique<QProgressDialog>(QString(), QObject::tr("Cancel"), 0, kSteps, parent_);
-  auto* label = new QLabel(QObject::tr("Reading %1...").arg(QFileInfo(fileName_).fileName()));
+  auto* label = new QLabel(QObject::tr("Reading %1...").arg(ShownFileName(fileName_)));
   label->setTextFormat(Qt::PlainText);  // whatever a file may be called
   dialog_->setLabel(label);
   dialog_->setWindowTitle(QStringLiteral("Velmora Animator"));

@@ -67,6 +67,13 @@ TLoadReport TModelListWnd::LoadFromFile(const QString& fileName, TModel& model,
   return report;
 }
 
+TLoadReport TModelListWnd::LoadFromMemory(std::string_view text, TModel& model,
+                                          const TLoadProgress& progress) {
+  TLoadReport report = Data.LoadFromMemory(text, model, progress);
+  if (!report.Cancelled()) FillLabels();
+  return report;
+}
+
 void TModelListWnd::Clear() {
   Data.Clear();
   FillLabels();

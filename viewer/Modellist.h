@@ -20,6 +20,9 @@ class TModelListWnd : public QWidget {
   [[nodiscard]] TLoadReport LoadFromFile(const QString& fileName, TModel& model,
                                          const TLoadProgress& progress = {});
 
+  [[nodiscard]] TLoadReport LoadFromMemory(std::string_view text, TModel& model,
+                                           const TLoadProgress& progress = {});
+
   /// Deletes the data sets and empties the list.
   void Clear();
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "model/Ending.h"
+#include "model/Filekind.h"
 #include "model/Message.h"
 #include "viewer/Frametext.h"
 #include "viewer/Offscreengl.h"
@@ -67,14 +68,23 @@ bool TRendering::Load() {
     ShowMessage(QStringLiteral("There is no model file to draw."));
     return false;
   }
-  if (!Check(model_.LoadFromFile(settings_.ModelFile), settings_.ModelFile)) return false;
-  if (QFileInfo::exists(settings_.DataFile)) {
-    if (!Check(data_.LoadFromFile(settings_.DataFile, model_), settings_.DataFile)) return false;
+  const auto load = [this](TFileKind kind, const QString& fileName, auto read) {
+    return Check(LoadFileOf(kind, fileName, {}, read), fileName);
+  };
+  const auto readModel = [this](std::string_view text, const TLoadProgress&) {
+    return model_.LoadFromMemory(text);
+  };
+  const auto readData = [this](std::string_view text, const TLoadProgress&) {
+    return data_.LoadFromMemory(text, model_);
+  };
+  if (!load(TFileKind::Model, settings_.ModelFile, readModel)) return false;
+  if (QFileInfo::exists(settings_.DataFile) &&
+      !load(TFileKind::Data, settings_.DataFile, readData)) {
+    return false;
   }
   view_.ModelSize = ModelSizeOf(model_);
   animation_.UpdateScale(data_, model_);
-  // The sum type has no picture before its first frame.
-  if (animation_.ScaleType == TScaleType::Sum) animation_.Step(data_, model_);
+  animation_.Show(data_, model_);
   return true;
 }
 

@@ -4,6 +4,8 @@
 #include <QImageWriter>
 #include <QSaveFile>
 
+#include "model/Oneline.h"
+
 namespace {
 
 QByteArray SuffixOf(const QString& fileName) {
@@ -26,5 +28,5 @@ QString SavePicture(const QImage& picture, const QString& fileName) {
   QImageWriter writer(&file, IsPictureName(fileName) ? SuffixOf(fileName) : "bmp");
   if (file.open(QIODevice::WriteOnly) && writer.write(picture) && file.commit()) return {};
   const QString why = file.error() != QFile::NoError ? file.errorString() : writer.errorString();
-  return QStringLiteral("Cannot write %1: %2.").arg(QFileInfo(fileName).fileName(), why);
+  return QStringLiteral("Cannot write %1: %2.").arg(ShownFileName(fileName), why);
 }

@@ -3,8 +3,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 #include <cmath>
 
+#include "model/Readfile.h"
 #include "viewer/Inifile.h"
 
 namespace {
@@ -144,14 +146,18 @@ void VisitKeys(Visitor& ini, Settings& s) {
 }
 
 /// The text of a file that may hold settings: a regular file of ordinary size that holds text.
-std::optional<QByteArray> ReadText(const QString& fileName) {
+std::optional<QByteArray> ReadText(const QString& fileName, QString* why = nullptr) {
   QFile file(fileName);
-  if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) return std::nullopt;
-  QByteArray text = file.read(kMaxFileSize + 1);
-  if (file.error() != QFile::NoError || text.size() > kMaxFileSize || text.contains('\0')) {
-    return std::nullopt;
+  QByteArray text;
+  QString obstacle = WhyNotReadable(fileName);
+  if (obstacle.isEmpty()) {
+    if (file.open(QIODevice::ReadOnly)) text = file.read(std::min(kMaxFileSize + 1, file.size()));
+    if (file.error() != QFile::NoError) obstacle = file.errorString();
+    if (text.size() > kMaxFileSize) obstacle = QStringLiteral("it is larger than 1 MiB");
+    if (text.contains('\0')) obstacle = QStringLiteral("it is not a text file");
   }
-  return text;
+  if (why) *why = obstacle;
+  return obstacle.isEmpty() ? std::optional(text) : std::nullopt;
 }
 
 bool IsReadOnly(const QFileInfo& file) {
@@ -175,6 +181,12 @@ QByteArray UpdateSettings(const QByteArray& text, const TSettings& settings) {
   TWriter writer(ini);
   VisitKeys(writer, settings);
   return ini.Text();
+}
+
+QString WhyNoSettings(const QString& fileName) {
+  QString why;
+  static_cast<void>(ReadText(fileName, &why));
+  return why;
 }
 
 TSettings LoadSettings(const QString& fileName) {

@@ -46,6 +46,10 @@ TSettings ParseSettings(const QByteArray& text);
 /// that are new come in their fixed order.
 QByteArray UpdateSettings(const QByteArray& text, const TSettings& settings);
 
+/// Why an existing file can hold no settings: it is a folder, a pipe or a device, holds no text or
+/// is too large. Empty if nothing speaks against it.
+QString WhyNoSettings(const QString& fileName);
+
 /// Reads a settings file; a missing or unreadable one gives the defaults.
 TSettings LoadSettings(const QString& fileName);
 

@@ -2,6 +2,7 @@
 
 #include <QActionGroup>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenuBar>
@@ -49,10 +50,25 @@ TImageButton* AddButton(QToolBar* bar, TImageList* faces, TButtonFace face, cons
   return button;
 }
 
+/// A slider that keeps Left and Right, which step the animation, from the window while it has the
+/// keyboard.
+class TBar : public QSlider {
+ public:
+  using QSlider::QSlider;
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::ShortcutOverride) return QSlider::event(event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    event->setAccepted(key == Qt::Key_Left || key == Qt::Key_Right);
+    return event->isAccepted();
+  }
+};
+
 QSlider* AddSlider(QWidget* box, int row, const QString& label, const char* name,
                    const QString& tip) {
   constexpr int kWidth = 130;
-  auto* slider = new QSlider(Qt::Horizontal, box);
+  auto* slider = new TBar(Qt::Horizontal, box);
   slider->setObjectName(QLatin1String(name));
   slider->setToolTip(tip);
   slider->setAccessibleName(tip);

@@ -15,14 +15,13 @@
 
 #include "model/Ending.h"
 #include "model/Message.h"
+#include "model/Oneline.h"
 #include "viewer/Animatorabout.h"
-#include "viewer/Filekind.h"
 #include "viewer/Frametext.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
 #include "viewer/Loaddialog.h"
 #include "viewer/Savepicture.h"
-#include "viewer/Windowplace.h"
 
 namespace {
 
@@ -30,8 +29,6 @@ constexpr QSize kFirstSize(1100, 760);
 constexpr QSize kMinSize(400, 300);
 constexpr QPoint kLegendOffset(-24, 120);  ///< its first place: in the picture's right top corner
 constexpr quint32 kFirstInterval = 6;      ///< ticks of 10 ms
-
-QString FileNameOf(const QString& path) { return QFileInfo(path).fileName(); }
 
 QString FolderOf(const QString& path) {
   return path.isEmpty() ? QString() : QFileInfo(path).absolutePath();
@@ -76,8 +73,13 @@ TViewDialogs::TViewDialogs()
         return QColorDialog::getColor(present, parent);
       }) {}
 
-TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings)
-    : form_(*this), legend_(new TModelListWnd(this)), settingsFile_(settingsFile) {
+TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings, const QString& modelFile,
+                   const QString& dataFile)
+    : form_(*this),
+      legend_(new TModelListWnd(this)),
+      settingsFile_(settingsFile),
+      absent_{settings.ModelFile, settings.DataFile, settings.CheckedLabels},
+      legendPlace_(legend_) {
   setMinimumSize(kMinSize);
   resize(kFirstSize);
   setAcceptDrops(true);
@@ -88,6 +90,11 @@ TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings)
   ConnectView();
   UpdateAppearance();
   ApplySettings(settings);
+  OpenFirstFiles(modelFile, dataFile);
+  SetScaleType();
+  SetViewScale();
+  AnimClick();
+  UpdateCaption();
   connect(&TEnding::Instance(), &TEnding::OnKeep, this, [this] {
     if (!reading_) KeepSettings();
   });
@@ -185,41 +192,47 @@ void TViewWnd::ApplySettings(const TSettings& settings) {
   legend_->Data.CheckedLabels = settings.CheckedLabels;
   appearance_ = AppearanceOf(settings);
   UpdateAppearance();
-  if (QFileInfo::exists(settings.ModelFile)) OpenModel(settings.ModelFile);
-  if (QFileInfo::exists(settings.DataFile)) OpenData(settings.DataFile);
-  SetScaleType();
-  SetViewScale();
-  AnimClick();
-  UpdateCaption();
   form_.SphereMenu->setChecked(appearance_.NodeShape == TNodeShape::Sphere);
   form_.CubeMenu->setChecked(appearance_.NodeShape == TNodeShape::Cube);
+}
+
+void TViewWnd::OpenFirstFiles(const QString& modelFile, const QString& dataFile) {
+  if (!modelFile.isEmpty()) {
+    if (OpenModel(modelFile) && !dataFile.isEmpty()) OpenData(dataFile);
+    return;
+  }
+  const auto named = absent_;
+  const bool there = QFileInfo::exists(named.modelFile);
+  if (there && !OpenModel(named.modelFile)) return;
+  absent_ = named;  // the data that go with the model are still to come
+  if (QFileInfo::exists(named.dataFile)) OpenData(named.dataFile);
 }
 
 void TViewWnd::ApplyBounds(const TSettings& s) {
   QList<QRect> screens;
   for (const QScreen* screen : QGuiApplication::screens()) screens << screen->availableGeometry();
-  const auto place = [&](QWidget& window, std::optional<int> left, std::optional<int> top,
-                         std::optional<int> width, std::optional<int> height) {
+  const auto set = [&](TWindowPlace& place, QWidget& window, std::optional<int> left,
+                       std::optional<int> top, std::optional<int> width,
+                       std::optional<int> height) {
     const QPoint position(left.value_or(window.x()), top.value_or(window.y()));
     const QSize size(width.value_or(window.width()), height.value_or(window.height()));
-    const QRect bounds = FitToScreens(position, size, screens, window.minimumSize());
-    window.resize(bounds.size());
-    window.move(bounds.topLeft());
+    place.Set(FitToScreens(position, size, screens, window.minimumSize()));
   };
   move(screen()->availableGeometry().center() - rect().center());
-  place(*this, s.Left, s.Top, s.Width, s.Height);
+  set(place_, *this, s.Left, s.Top, s.Width, s.Height);
   legend_->move(frameGeometry().topRight() - QPoint(legend_->width(), 0) + kLegendOffset);
-  place(*legend_, s.LabelsLeft, s.LabelsTop, s.LabelsWidth, s.LabelsHeight);
+  set(legendPlace_, *legend_, s.LabelsLeft, s.LabelsTop, s.LabelsWidth, s.LabelsHeight);
   form_.ShowLegendMenu->setChecked(s.LabelsVisible.value_or(form_.ShowLegendMenu->isChecked()));
   ShowHideMLW();
 }
 
 TSettings TViewWnd::CurrentSettings() const {
   const TViewTransform& view = form_.P->View;
-  const QRect bounds = isMaximized() || isFullScreen() ? normalGeometry() : QRect(pos(), size());
+  const QRect bounds = place_.Bounds(), legendBounds = legendPlace_.Bounds();
+  const bool noData = legend_->Data.All.Empty() && !absent_.dataFile.isEmpty();
   TSettings s;
-  s.ModelFile = modelFile_;
-  s.DataFile = dataFile_;
+  s.ModelFile = modelFile_.isEmpty() ? absent_.modelFile : modelFile_;
+  s.DataFile = dataFile_.isEmpty() ? absent_.dataFile : dataFile_;
   s.AnimationOn = form_.Anim->GetDown();
   s.AnimationSpeed = form_.Speed->value();
   s.RotX = view.Rotation.x;
@@ -238,12 +251,12 @@ TSettings TViewWnd::CurrentSettings() const {
   s.Top = bounds.y();
   s.Width = bounds.width();
   s.Height = bounds.height();
-  s.LabelsLeft = legend_->x();
-  s.LabelsTop = legend_->y();
-  s.LabelsWidth = legend_->width();
-  s.LabelsHeight = legend_->height();
+  s.LabelsLeft = legendBounds.x();
+  s.LabelsTop = legendBounds.y();
+  s.LabelsWidth = legendBounds.width();
+  s.LabelsHeight = legendBounds.height();
   s.LabelsVisible = form_.ShowLegendMenu->isChecked();
-  s.CheckedLabels = legend_->MakeCheckString();
+  s.CheckedLabels = noData ? absent_.checkedLabels : legend_->MakeCheckString();
   s.BackColor = appearance_.BackColor;
   s.ElementColor = appearance_.ElementColor;
   s.NodeColor = appearance_.NodeColor;
@@ -264,33 +277,39 @@ void TViewWnd::LoadDataFile() {
   if (!fileName.isEmpty()) OpenData(fileName);
 }
 
-TLoadReport TViewWnd::Read(const QString& fileName,
-                           const std::function<TLoadReport(const TLoadProgress&)>& read) {
+TLoadReport TViewWnd::Read(
+    TFileKind kind, const QString& fileName,
+    const std::function<TLoadReport(std::string_view, const TLoadProgress&)>& load) {
   const QScopedValueRollback guard(reading_, true);
   TLoadDialog dialog(this, fileName, Dialogs.LoadDelayMs);
-  return read(dialog.Progress());
+  return LoadFileOf(kind, fileName, dialog.Progress(), load);
 }
 
-void TViewWnd::OpenModel(const QString& fileName) {
-  if (reading_) return;
-  const TLoadReport report = Read(fileName, [&](const TLoadProgress& progress) {
-    return model_.LoadFromFile(fileName, progress);
-  });
-  if (!report.Cancelled() && !report.Failed()) {
-    modelFile_ = model_.Nodes.Empty() ? QString() : QFileInfo(fileName).absoluteFilePath();
+bool TViewWnd::OpenModel(const QString& fileName) {
+  if (reading_) return false;
+  const TLoadReport report =
+      Read(TFileKind::Model, fileName, [&](std::string_view text, const TLoadProgress& progress) {
+        return model_.LoadFromMemory(text, progress);
+      });
+  const bool loaded = !report.Cancelled() && !report.Failed();
+  if (loaded) {
+    if (!AreSameFile(fileName, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) ResetPan();
+    absent_ = {};
+    modelFile_ = QFileInfo(fileName).absoluteFilePath();
     UnloadData();
   }
   if (const QString fault = report.Sentence(fileName); !fault.isEmpty()) ShowMessage(fault);
+  return loaded;
 }
 
 void TViewWnd::OpenData(const QString& fileName) {
   if (reading_) return;
-  const TLoadReport report = Read(fileName, [&](const TLoadProgress& progress) {
-    return legend_->LoadFromFile(fileName, model_, progress);
-  });
-  if (!report.Cancelled()) {
-    const bool empty = legend_->Data.All.Empty();
-    dataFile_ = empty ? QString() : QFileInfo(fileName).absoluteFilePath();
+  const TLoadReport report =
+      Read(TFileKind::Data, fileName, [&](std::string_view text, const TLoadProgress& progress) {
+        return legend_->LoadFromMemory(text, model_, progress);
+      });
+  if (!report.Cancelled() && !report.Failed()) {
+    dataFile_ = QFileInfo(fileName).absoluteFilePath();
     UpdateScale();
     UpdateShown();
     UpdateCaption();
@@ -301,12 +320,14 @@ void TViewWnd::OpenData(const QString& fileName) {
 void TViewWnd::OpenFiles(const QStringList& fileNames) {
   QStringList models;
   QStringList others;
-  for (const QString& name : fileNames) (IsModelFile(name) ? models : others) << name;
+  for (const QString& name : fileNames.first(qMin<qsizetype>(fileNames.size(), 3))) {
+    (IsModelFile(name) ? models : others) << name;
+  }
   if (models.size() > 1 || others.size() > 1) {
     ShowMessage(QStringLiteral("Only one model file and one data file can be opened at a time."));
     return;
   }
-  for (const QString& name : models) OpenModel(name);
+  if (!models.isEmpty() && !OpenModel(models.front())) return;  // its data fit no other model
   for (const QString& name : others) OpenData(name);
 }
 
@@ -315,7 +336,9 @@ void TViewWnd::ClearModels(QObject* sender) {
   if (sender == form_.UnloadModelMenu) {
     model_.Clear();
     modelFile_.clear();
+    absent_.modelFile.clear();
   }
+  absent_.dataFile.clear();
   UnloadData();
 }
 
@@ -331,10 +354,10 @@ void TViewWnd::UnloadData() {
 void TViewWnd::UpdateCaption() {
   QString caption =
       QStringLiteral("%1 %2").arg(QLatin1String(kProgramTitle), QLatin1String(kProgramVersion));
-  if (!modelFile_.isEmpty()) caption += " : " + FileNameOf(modelFile_);
+  if (!modelFile_.isEmpty()) caption += " : " + TitleFileName(modelFile_);
   if (!dataFile_.isEmpty()) {
     if (!modelFile_.isEmpty()) caption += " + ";
-    caption += FileNameOf(dataFile_);
+    caption += TitleFileName(dataFile_);
   }
   setWindowTitle(caption);
   form_.ShowModelMenu->setChecked(dataFile_.isEmpty());
@@ -401,10 +424,13 @@ void TViewWnd::SetView(QObject* sender) {
   if (sender == form_.View3D) view.Rotation = kOblique;
   if (sender == form_.View1_1) {
     view.ScaleX = view.ScaleY = view.Zoom = 1.0;
+    ResetPan();
     form_.P->ScaleViewPort();  // else the picture would be squeezed until the next resize
   }
   form_.P->Invalidate();
 }
+
+void TViewWnd::ResetPan() { form_.P->View.PanPosX = form_.P->View.PanPosY = 0.0; }
 
 void TViewWnd::FitView() {
   form_.P->View.ModelSize = ModelSizeOf(model_);
@@ -443,6 +469,7 @@ void TViewWnd::SetScaleType(QObject* button) {
   for (int type = 0; type < 3; ++type) {
     buttons[type]->SetDown(animation_.ScaleType == static_cast<TScaleType>(type));
   }
+  animation_.Show(legend_->Data, model_);
   UpdateScale();
 }
 
@@ -453,7 +480,7 @@ void TViewWnd::UpdateScale() {
 }
 
 void TViewWnd::UpdateShown() {
-  for (TDataNodeList* list : legend_->Data.Shown) list->Phase = animation_.Phase;
+  animation_.Show(legend_->Data, model_);
   picture_.Overlay.SetLines(OverlayLines(legend_->Data));
   form_.ShownLabel->setText(ShownText(legend_->Data));
   form_.CountLabel->setText(CountText(model_));

@@ -5,12 +5,14 @@
 #include <functional>
 
 #include "model/Animation.h"
+#include "model/Filekind.h"
 #include "model/Timer.h"
 #include "viewer/Modellist.h"
 #include "viewer/Picture.h"
 #include "viewer/Settings.h"
 #include "viewer/Viewform.h"
 #include "viewer/Viewstate.h"
+#include "viewer/Windowplace.h"
 
 /// The questions that the main window asks. An empty or invalid answer means cancelled.
 struct TViewDialogs {
@@ -36,16 +38,19 @@ class TViewWnd : public QMainWindow {
  public:
   /// Applies the settings, which may load a model and data. `settingsFile` is where they are saved
   /// when the window is destroyed or the session ends, if "Save options on exit" is checked.
-  TViewWnd(const QString& settingsFile, const TSettings& settings);
+  /// `modelFile` and `dataFile`, which goes with it, are opened in place of those that the settings
+  /// name.
+  TViewWnd(const QString& settingsFile, const TSettings& settings, const QString& modelFile = {},
+           const QString& dataFile = {});
   explicit TViewWnd(const QString& settingsFile)
       : TViewWnd(settingsFile, LoadSettings(settingsFile)) {}
   ~TViewWnd() override;
 
-  /// Reads a model file and unloads the data. A file that cannot be read, or a cancel, leaves
-  /// everything as it was; what was dropped is shown to the user.
-  void OpenModel(const QString& fileName);
-  /// Replaces the data by those of a file. A cancel leaves the earlier ones, a file that cannot be
-  /// read leaves none.
+  /// Reads a model file and unloads the data; another model than before is shown without its pan.
+  /// A file that cannot be read, or is no model file, or a cancel, leaves everything as it was and
+  /// gives false. What was dropped is shown to the user.
+  bool OpenModel(const QString& fileName);
+  /// Replaces the data by those of a file, likewise.
   void OpenData(const QString& fileName);
   /// Opens a model file, a data file or one of each, told apart by their content.
   void OpenFiles(const QStringList& fileNames);
@@ -104,11 +109,13 @@ class TViewWnd : public QMainWindow {
 
   void KeepSettings() const;
   void ApplySettings(const TSettings& settings);
+  void OpenFirstFiles(const QString& modelFile, const QString& dataFile);
   void ApplyBounds(const TSettings& settings);
 
-  TLoadReport Read(const QString& fileName,
-                   const std::function<TLoadReport(const TLoadProgress&)>& read);
+  TLoadReport Read(TFileKind kind, const QString& fileName,
+                   const std::function<TLoadReport(std::string_view, const TLoadProgress&)>& load);
   void UnloadData();
+  void ResetPan();
   void FitView();
   void UpdateAppearance();
   void UpdateScale();
@@ -126,6 +133,13 @@ class TViewWnd : public QMainWindow {
   QString settingsFile_;
   QString modelFile_;
   QString dataFile_;
+  /// What the settings named and could not be loaded, as long as nothing else was loaded or
+  /// unloaded: it is saved again.
+  struct {
+    QString modelFile, dataFile, checkedLabels;
+  } absent_;
+  TWindowPlace place_{this};
+  TWindowPlace legendPlace_;
   QString savePath_;      ///< folder of the last saved bitmap
   bool reading_ = false;  ///< a load is on its way: nothing else may touch model or data
 };

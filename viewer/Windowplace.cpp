@@ -1,5 +1,6 @@
 #include "viewer/Windowplace.h"
 
+#include <QEvent>
 #include <algorithm>
 
 namespace {
@@ -38,4 +39,39 @@ QRect FitToScreens(QPoint place, QSize size, const QList<QRect>& screens, QSize 
   bounds.moveLeft(std::clamp(bounds.left(), home.left(), home.right() - bounds.width() + 1));
   bounds.moveTop(std::clamp(bounds.top(), home.top(), home.bottom() - bounds.height() + 1));
   return bounds;
+}
+
+TWindowPlace::TWindowPlace(QWidget* window) : window_(window) {
+  Note();
+  window->installEventFilter(this);
+}
+
+void TWindowPlace::Set(const QRect& bounds) {
+  window_->resize(bounds.size());
+  window_->move(bounds.topLeft());
+  bounds_ = bounds;
+}
+
+QRect TWindowPlace::Bounds() const {
+  return IsOrdinary() ? QRect(window_->pos(), window_->size()) : bounds_;
+}
+
+bool TWindowPlace::IsOrdinary() const {
+  return window_ && !(window_->windowState() &
+                      (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized));
+}
+
+void TWindowPlace::Note() {
+  asked_ = false;
+  if (IsOrdinary()) bounds_ = QRect(window_->pos(), window_->size());
+}
+
+bool TWindowPlace::eventFilter(QObject*, QEvent* event) {
+  if ((event->type() == QEvent::Move || event->type() == QEvent::Resize) && !asked_) {
+    asked_ = true;
+    // A window that is being maximised may get its new size before its new state.
+    QMetaObject::invokeMethod(
+        this, [this] { Note(); }, Qt::QueuedConnection);
+  }
+  return false;
 }

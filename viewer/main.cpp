@@ -1,4 +1,5 @@
 #include <QMessageBox>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -27,7 +28,8 @@ void ShowMessageBox(const QString& text) {
 }
 
 int Render(const TCommandLine& line) {
-  const TSettings settings = SettingsOf(line, QCoreApplication::applicationFilePath());
+  TSettings settings = SettingsOf(line, QCoreApplication::applicationFilePath());
+  NameFiles(line, settings);
   return RenderFrames(settings, line.RenderFile, line.Frames, line.Size) ? EXIT_SUCCESS
                                                                          : EXIT_FAILURE;
 }
@@ -48,10 +50,15 @@ int RunPanel(const TCommandLine& line) {
 }
 
 int ShowWindow(const TCommandLine& line) {
-  SetMessageSink(ShowMessageBox);
   const QString executable = QCoreApplication::applicationFilePath();
-  TViewWnd window(SettingsFileOf(line, executable), SettingsOf(line, executable));
+  QStringList early;  // to be shown over the window
+  SetMessageSink([&early](const QString& text) { early << text; });
+  TViewWnd window(SettingsFileOf(line, executable), SettingsOf(line, executable), line.ModelFile,
+                  line.DataFile);
+  SetMessageSink(ShowMessageBox);
   window.show();
+  const auto showEarly = [&early] { std::for_each(early.begin(), early.end(), ShowMessage); };
+  QMetaObject::invokeMethod(&window, showEarly, Qt::QueuedConnection);
   return QApplication::exec();
 }
 

@@ -3,7 +3,6 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QImageWriter>
 #include <QLayout>
 #include <QMenuBar>
@@ -16,6 +15,7 @@
 #include "components/controls/Korvaltools.h"
 #include "model/Ending.h"
 #include "model/Message.h"
+#include "model/Oneline.h"
 
 namespace {
 
@@ -90,8 +90,8 @@ void TPanelWindow::Show(std::unique_ptr<TPanel> panel) {
   delete takeCentralWidget();
   panel_ = std::move(panel);
   QWidget* root = panel_->Root();
-  const QString title = root->windowTitle().isEmpty() ? QFileInfo(panel_->FileName()).fileName()
-                                                      : root->windowTitle();
+  const QString title =
+      root->windowTitle().isEmpty() ? TitleFileName(panel_->FileName()) : root->windowTitle();
   setWindowTitle(QStringLiteral("%1 - Velmora Animator").arg(title));
   const QSize size = root->size().expandedTo(root->minimumSizeHint());
   const QSize room = screen()->availableSize();

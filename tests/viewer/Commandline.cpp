@@ -79,15 +79,49 @@ TEST(Commandline, TakesEveryOption) {
   EXPECT_TRUE(line.Animate);
 }
 
+TEST(Commandline, PutsASwappedPairRight) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
+  const struct {
+    QStringList given, taken;
+  } cases[] = {{{data, model}, {model, data}},
+               {{"none.dat", model}, {model, "none.dat"}},
+               {{model, model}, {model, model}},
+               {{data, data}, {data, data}},
+               {{data}, {data, ""}}};
+  for (const auto& c : cases) {
+    const TCommandLine line = Parse(c.given);
+    EXPECT_EQ(QStringList({line.ModelFile, line.DataFile}), c.taken)
+        << c.given.join(' ').toStdString();
+  }
+}
+
+TEST(Commandline, AnotherModelIsSeenWithoutThePanOfTheSettings) {
+  const QString model = WriteTestFile("a.mod", kModel), other = WriteTestFile("b.mod", kModel);
+  for (const QString& named : {model, other, QString()}) {
+    TSettings settings;
+    settings.ModelFile = named;
+    settings.PanPosX = settings.PanPosY = 3.0;
+    NameFiles(Parse({TestFolder() + "/./a.mod"}), settings);
+    EXPECT_EQ(settings.PanPosX, named == model ? 3.0 : 0.0) << named.toStdString();
+    EXPECT_EQ(settings.PanPosY, settings.PanPosX);
+  }
+}
+
 TEST(Commandline, SaysInOneSentenceWhatIsWrong) {
-  const QString model = WriteTestFile("a.mod", kModel);
+  const QString model = WriteTestFile("a.mod", kModel),
+                binary = WriteTestFile("a.png", QByteArray("\x89PNG\0", 5)),
+                large = WriteTestFile("a.ini", QByteArray((1 << 20) + 1, ';'));
   const struct {
     QStringList arguments;
-    const char* fault;
+    QString fault;
   } cases[] = {
-      {{"none.mod"}, "Cannot read none.mod: there is no such file."},
-      {{model, "none.dat"}, "Cannot read none.dat: there is no such file."},
+      {{"none.mod", "--render", "a.png"}, "Cannot read none.mod: there is no such file."},
+      {{model, "none.dat", "--render", "a.png"}, "Cannot read none.dat: there is no such file."},
+      {{"none.mod", "none.dat"}, ""},  // the window opens and says so
       {{"--settings", "none.ini"}, "Cannot read none.ini: there is no such file."},
+      {{"--settings", "/dev/zero"}, "Cannot read /dev/zero: it is not a regular file."},
+      {{"--settings", binary}, "Cannot read " + binary + ": it is not a text file."},
+      {{"--settings", large}, "Cannot read " + large + ": it is larger than 1 MiB."},
       {{"a", "b", "c"}, "There are 3 file names; a model file and a data file are enough."},
       {{"--view", "w"}, "--view is x, y, z or 3d, not \"w\"."},
       {{"--scale-type", "7"}, "--scale-type is absolute, relative or sum, not \"7\"."},
@@ -119,9 +153,10 @@ TEST(Commandline, OverridesTheSettings) {
   EXPECT_EQ(plain.ScaleType, 2);
   EXPECT_EQ(plain.RotX, 11);
   EXPECT_FALSE(plain.AnimationOn);
-  const TSettings other = SettingsOf(
-      Parse({"--settings", ini, model, "--view", "x", "--scale-type", "relative", "--animate"}),
-      "/opt/v/velmora-animator");
+  const TCommandLine line =
+      Parse({"--settings", ini, model, "--view", "x", "--scale-type", "relative", "--animate"});
+  TSettings other = SettingsOf(line, "/opt/v/velmora-animator");
+  NameFiles(line, other);
   EXPECT_EQ(other.ModelFile, model);
   EXPECT_EQ(other.DataFile, "");  // the data of another model are of no use
   EXPECT_EQ(other.ScaleType, 1);
@@ -194,9 +229,8 @@ TEST(GlCommandline, TheSumOfOneDataSetMovesAsThatSetDoes) {
                                  "--size", "200x150", "--scale-type", type});
     ASSERT_EQ(run.status, 0) << run.err.toStdString();
   }
-  // The sum has no picture of time 0: its first frame is the second of the others.
-  EXPECT_EQ(Picture("sum-001.png"), Picture("absolute-002.png"));
-  EXPECT_EQ(Picture("sum-003.png"), Picture("absolute-004.png"));
+  EXPECT_EQ(Picture("sum-001.png"), Picture("absolute-001.png"));
+  EXPECT_EQ(Picture("sum-003.png"), Picture("absolute-003.png"));
 }
 
 TEST(GlCommandline, WhatIsNearHidesWhatIsFar) {
@@ -232,7 +266,7 @@ TEST(GlCommandline, WhatWasDroppedIsSaidAndThePictureIsMade) {
 }
 
 TEST(GlCommandline, WithoutAModelOrAPlaceToWriteThereIsNoPicture) {
-  const QString model = WriteTestFile("a.mod", kModel);
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
   const struct {
     QStringList arguments;
     QString error;
@@ -240,6 +274,9 @@ TEST(GlCommandline, WithoutAModelOrAPlaceToWriteThereIsNoPicture) {
       {{"--render", "p.png"}, "There is no model file to draw.\n"},
       {{TestFolder(), "--render", "p.png"},
        "Cannot read " + QFileInfo(TestFolder()).fileName() + ": it is a folder.\n"},
+      {{data, "--render", "p.png"}, "Cannot read a.dat: it is a data file, not a model file.\n"},
+      {{model, model, "--render", "p.png"},
+       "Cannot read a.mod: it is a model file, not a data file.\n"},
       {{model, "--render", "p.png", "--size", "99999x10"},
        "Cannot draw: a picture of 99999 x 10 pixels cannot be made.\n"},
       {{model, "--render", "none/p.png"}, "Cannot write p.png: No such file or directory.\n"},

@@ -71,11 +71,12 @@ TEST_F(Modellist, TheCheckStringSaysWhatIsShownAfterALoad) {
 }
 
 TEST_F(Modellist, ListsTheSectionsAsTheFileNamesThem) {
-  Load("[F = 2.5]\n1 1 1 1\n[ rest ]\n1 1 1 1\n[]\n", "111");
-  ASSERT_EQ(labels->count(), 3);
+  Load("[F = 2.5]\n1 1 1 1\n2 1 1 1\n[ rest ]\n[]\n[a\n\x1b[1m[*]\n", "111");
+  ASSERT_EQ(labels->count(), 4);
   EXPECT_EQ(labels->item(0)->text(), "F = 2.5");
   EXPECT_EQ(labels->item(1)->text(), " rest ");
   EXPECT_EQ(labels->item(2)->text(), "");
+  EXPECT_EQ(labels->item(3)->text(), QString("a\ufffd\ufffd[1m[*"));  // on one line
 }
 
 TEST_F(Modellist, AClickShowsAndHidesADataSet) {

@@ -18,6 +18,8 @@
 #include <QSlider>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
+#include <cmath>
 #include <memory>
 
 #include "tests/support/Testsupport.h"
@@ -173,6 +175,12 @@ TEST_F(Viewwnd, TheCaptionNamesWhatIsLoaded) {
   EXPECT_TRUE(TakeMessages().isEmpty());
   LoadData(kData, "run.dat");
   EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2run.dat");
+  TakeMessages();
+
+  LoadModel(kModel, "a[*]\n[*][*].mod");
+  window->show();
+  EXPECT_EQ(window->windowHandle()->title(),
+            QString("Velmora Animator 2.2 : a[*]\ufffd[*][*].mod"));
 }
 
 TEST_F(Viewwnd, ADismissedDialogChangesNothing) {
@@ -226,19 +234,138 @@ TEST_F(Viewwnd, TheUndeformedModelIsShownWhileThereAreNoData) {
   EXPECT_TRUE(window->Model().Loaded);
 }
 
-TEST_F(Viewwnd, WhatCannotBeReadLeavesTheModelAndSaysSo) {
+TEST_F(Viewwnd, WhatCannotBeReadOrIsOfAnotherKindLeavesEverythingAndIsSaid) {
   LoadModel(kModel);
   LoadData(kData);
-  window->OpenModel(TestFolder());
-  window->OpenModel(TestFolder() + "/none.mod");
-  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
-  EXPECT_EQ(Data().All.Count(), 3u);
-  EXPECT_EQ(TakeMessages(),
-            (QStringList{"Cannot read " + QFileInfo(TestFolder()).fileName() + ": it is a folder.",
-                         "Cannot read none.mod: there is no such file."}));
-  window->OpenData(TestFolder() + "/none.dat");
-  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod");
-  EXPECT_EQ(TakeMessages(), QStringList("Cannot read none.dat: there is no such file."));
+  Panel().View.PanPosX = 2.0;
+  const QString folder = QFileInfo(TestFolder()).fileName();
+  const struct {
+    bool asModel;
+    const char* file;
+    QByteArray content;  ///< null: there is no such file
+    QString why;
+  } cases[] = {
+      {true, "none.mod", {}, "there is no such file"},
+      {false, "none.dat", {}, "there is no such file"},
+      {true, "b.mod", kData, "it is a data file, not a model file"},
+      {false, "b.dat", kModel, "it is a model file, not a data file"},
+      {true, "p.png", QByteArray("\x89PNG\0[Nodes]", 12), "it is not a text file"},
+      {false, "p.bmp", QByteArray("BM\0[F = 1]", 10), "it is not a text file"},
+      {true, "notes.mod", "bridge [old]\n", "it holds no nodes"},
+      {true, "empty.mod", "[Nodes]\n[Elements]\n0\n", "it holds no nodes"},
+      {true, "nan.mod", "[Nodes]\n1 nan 0 0\n", "it holds no nodes"},
+      {false, "notes.dat", "bridge [old](docs/1)\n", "it holds no data sets"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.file);
+    const QString file = TestFolder() + '/' + c.file;
+    if (!c.content.isNull()) WriteTestFile(c.file, c.content);
+    c.asModel ? static_cast<void>(window->OpenModel(file)) : window->OpenData(file);
+    EXPECT_EQ(TakeMessages(), QStringList("Cannot read " + QString(c.file) + ": " + c.why + '.'));
+    EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : a.mod + a.dat");
+    EXPECT_EQ(window->Model().Nodes.Count(), 3u);
+    EXPECT_EQ(Data().Shown.Count(), 3u);
+    EXPECT_EQ(Panel().View.PanPosX, 2.0);
+  }
+  window->OpenFiles({TestFolder()});
+  EXPECT_EQ(TakeMessages(), QStringList("Cannot read " + folder + ": it is a folder."));
+}
+
+TEST_F(Viewwnd, AnotherModelIsSeenWithoutThePanOfTheOneBefore) {
+  LoadModel(kModel);
+  const auto load = [&](const QString& name) {
+    Panel().View.PanPosX = 2.0;
+    Panel().View.PanPosY = -3.0;
+    LoadModel(kModel, name);
+    EXPECT_EQ(Panel().View.PanPosY, -1.5 * Panel().View.PanPosX);
+    return Panel().View.PanPosX;
+  };
+  EXPECT_EQ(load("a.mod"), 2.0);
+  EXPECT_EQ(load("b.mod"), 0.0);
+  Trigger("UnloadModelMenu");
+  EXPECT_EQ(load("b.mod"), 0.0);
+
+  const QByteArray saved = "[General]\nPanPosX=2\nModelFile=" + TestFolder().toUtf8() + "/a.mod\n";
+  Open(saved);
+  EXPECT_EQ(Panel().View.PanPosX, 2.0);
+  const QString ini = WriteTestFile("velmora.ini", saved);
+  for (const char* name : {"a.mod", "b.mod"}) {  // from the command line
+    const TViewWnd other(ini, LoadSettings(ini), TestFolder() + '/' + name);
+    EXPECT_EQ(other.CurrentSettings().PanPosX, QString(name) == "a.mod" ? 2.0 : 0.0);
+  }
+}
+
+TEST_F(Viewwnd, NamesAndChecksSurviveAStartWithoutTheirFiles) {
+  const QByteArray data = "DataFile=/none/a.dat\n", checks = "CheckedLabels=0101\n";
+  const QByteArray away = "[General]\nModelFile=/none/a.mod\n" + data + "[Windows]\n" + checks;
+  Open(away);
+  EXPECT_TRUE(TakeMessages().isEmpty());
+  QByteArray saved = SavedText();
+  EXPECT_TRUE(saved.contains("ModelFile=/none/a.mod\n" + data)) << saved.toStdString();
+  EXPECT_TRUE(saved.contains(checks)) << saved.toStdString();
+
+  // Asked for and not there: the window opens, and what was saved stays.
+  const QString ini = WriteTestFile("velmora.ini", away);
+  window = std::make_unique<TViewWnd>(ini, LoadSettings(ini), "none.mod");
+  EXPECT_EQ(TakeMessages(), QStringList("Cannot read none.mod: there is no such file."));
+  EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2");
+  saved = SavedText();
+  EXPECT_TRUE(saved.contains("ModelFile=/none/a.mod\n" + data)) << saved.toStdString();
+
+  // The model is there, and the user does something.
+  const QByteArray half = "[General]\nModelFile=" + WriteTestFile("a.mod", kModel).toUtf8() + "\n" +
+                          data + "[Windows]\n" + checks;
+  for (const char* action : {"", "UnloadDataMenu", "UnloadModelMenu", "other model", "data"}) {
+    SCOPED_TRACE(action);
+    Open(half);
+    if (QString(action).endsWith("Menu")) Trigger(action);
+    if (QString(action) == "other model") LoadModel(kModel, "b.mod");
+    if (QString(action) == "data") LoadData(kData);
+    saved = SavedText();
+    EXPECT_EQ(saved.contains("DataFile=/none/a.dat"), action[0] == '\0');
+    EXPECT_EQ(saved.contains(checks), action[0] == '\0');
+    EXPECT_EQ(saved.contains("a.mod"), QString(action) == "" ||
+                                           QString(action) == "UnloadDataMenu" ||
+                                           QString(action) == "data");
+  }
+}
+
+TEST_F(Viewwnd, InTheSumALoadAndAChangeOfTheLegendAreSeenAtOnce) {
+  LoadModel(kModel);
+  LoadData(kData);
+  Click("SumScale");
+  const auto z1 = [&] { return window->Model().Display.Get(0)->Position.z; };
+  const auto y2 = [&] { return window->Model().Display.Get(1)->Position.y; };
+  EXPECT_DOUBLE_EQ(z1(), 1.0);  // the amplitudes: all begin at phase 0
+  EXPECT_DOUBLE_EQ(y2(), 2.0);
+  Click("AnimForward");  // 0.005 of the time that the first set takes 0.2 for
+  EXPECT_DOUBLE_EQ(z1(), std::cos(0.025 * 6.283185307179586));
+  auto* labels = window->Legend().findChild<QListWidget*>("Labels");
+  labels->item(0)->setSelected(false);
+  EXPECT_EQ(z1(), 0.0);
+  EXPECT_NE(y2(), 0.0);
+  LoadData("[F = 5]\n1 0 0 0\n2 0 3 0\n3 0 0 0\n", "b.dat");
+  EXPECT_EQ(z1(), 0.0);
+  EXPECT_DOUBLE_EQ(y2(), 3.0 * std::cos(0.025 * 6.283185307179586));
+  Trigger("UnloadDataMenu");
+  EXPECT_EQ(y2(), 0.0);
+}
+
+TEST_F(Viewwnd, AMaximisedWindowComesBackWhereItWas) {
+  const QByteArray windows = "Left=50\nTop=60\nWidth=500\nHeight=400\n";
+  Open("[Windows]\n" + windows);
+  window->show();
+  QCoreApplication::processEvents();
+  for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowFullScreen}) {
+    window->setWindowState(state);
+    QCoreApplication::processEvents();
+    EXPECT_NE(window->size(), QSize(500, 400));
+    const TSettings now = window->CurrentSettings();
+    EXPECT_EQ(QRect(*now.Left, *now.Top, *now.Width, *now.Height), QRect(50, 60, 500, 400));
+  }
+  const QByteArray saved = SavedText();
+  EXPECT_TRUE(saved.contains(windows)) << saved.toStdString();
+  TakeMessages();
 }
 
 TEST_F(Viewwnd, WhatWasDroppedIsSaidAndTheRestIsKept) {
@@ -349,7 +476,7 @@ TEST_F(Viewwnd, TheViewButtonsTurnTheView) {
   EXPECT_EQ(Panel().View.Zoom, 1.0);
   EXPECT_EQ(Panel().View.ScaleX, 2.0);
   EXPECT_EQ(Panel().View.ScaleY, 1.0);
-  EXPECT_EQ(Panel().View.PanPosX, 2.0);
+  EXPECT_EQ(Panel().View.PanPosX, 0.0);
   EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
 }
 
@@ -538,7 +665,7 @@ TEST_F(Viewwnd, NonsenseInTheSettingsStillMakesASaneWindow) {
   EXPECT_FALSE(IsChecked("CubeMenu"));
   EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2");
   EXPECT_TRUE(TakeMessages().isEmpty());
-  EXPECT_TRUE(SavedText().contains("\nModelFile=\n"));
+  EXPECT_TRUE(SavedText().contains("\nModelFile=/none/at/all.mod\n"));
 }
 
 TEST_F(Viewwnd, FirstLiesOnTheScreenWithTheLegendInsideIt) {
@@ -591,6 +718,16 @@ TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
   EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
   press(Qt::Key_Left);
   EXPECT_EQ(window->Animation().Phase, 0.0);
+  for (const char* name : {"Speed", "ScaleBar"}) {  // which has the keyboard, moves
+    auto* slider = Find<QSlider>(name);
+    const int start = slider->value();
+    slider->setFocus();
+    QTest::keyClick(slider, Qt::Key_Right);
+    EXPECT_EQ(slider->value(), start + 1) << name;
+    QTest::keyClick(slider, Qt::Key_Left);
+    EXPECT_EQ(slider->value(), start) << name;
+    EXPECT_EQ(window->Animation().Phase, 0.0);
+  }
   press(Qt::Key_Space);
   EXPECT_TRUE(window->AnimationTimer().GetEnabled());
   press(Qt::Key_R);
