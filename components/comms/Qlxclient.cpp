@@ -95,7 +95,11 @@ void TQLXClient::UpdateReconnect() {
 
 void TQLXClient::Reconnect(QObject* sender) {
   Q_UNUSED(sender)
-  if (!GetActive() && Reconnects()) SetActive(true);
+  if (GetActive() || !Reconnects()) return;
+  const QPointer<TQLXClient> self(this);
+  reconnecting_ = true;
+  SetActive(true);
+  if (self) reconnecting_ = false;
 }
 
 void TQLXClient::SetActive(bool active) {

@@ -57,6 +57,11 @@ class TQLXClient : public TIconControl {
   void SetLogging(bool logging);
 
   const QString& GetStatus() const { return status_; }
+  /// What of the bytes that came had to be skipped, such as "12 gaps, 212 kB skipped"; empty for
+  /// nothing.
+  virtual QString GetSkippedText() const { return {}; }
+  /// What comes is mostly such bytes: rows among them mean nothing.
+  virtual bool IsNoisy() const { return false; }
 
   void AddWishes(TWishes& wishes) const override;
   void Loaded() override;
@@ -76,6 +81,8 @@ class TQLXClient : public TIconControl {
   virtual void Close() = 0;
   /// Whether the client becomes active by itself if AutoConnect is on.
   virtual bool Reconnects() const { return true; }
+  /// The client becomes active by itself just now.
+  bool IsReconnecting() const { return reconnecting_; }
   /// Whether the log may go into this file.
   virtual bool MayLogInto(const QString& fileName) const;
 
@@ -103,6 +110,7 @@ class TQLXClient : public TIconControl {
   bool activeWhenLoaded_ = false;
   bool loggingWhenLoaded_ = false;
   bool reportedActive_ = false;
+  bool reconnecting_ = false;
   TKorvalCompList source_;  ///< one at most
   QString logFile_;
   std::unique_ptr<QFile> log_;  ///< null: not logging

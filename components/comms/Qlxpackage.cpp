@@ -8,7 +8,6 @@
 #include <charconv>
 #include <chrono>
 #include <cstring>
-#include <optional>
 
 #include "components/channels/Channelset.h"
 #include "model/Textscanner.h"
@@ -94,20 +93,15 @@ struct TQLXPackage::TExtraction {
   bool isData;
   std::string body;
   TDateTime tagTime;
-  std::optional<TDateTime> firstPackageTime;  ///< of the first row, if rows are moved
-  TDateTime firstLocalTime;
+  std::optional<TDateTime> localTime;  ///< for rows without a time, if rows are moved
   TExtraction* outer;
 };
 
 TDateTime TQLXPackage::TExtraction::RowTime(TDateTime packageTime) {
   if (!parser->UseLocalTime) return packageTime;
-  if (!firstPackageTime) {
-    firstPackageTime = packageTime;
-    firstLocalTime = TDateTime::Now();
-  }
-  constexpr TDateTime kNone;
-  if (packageTime == kNone || *firstPackageTime == kNone) return firstLocalTime;
-  return TDateTime(firstLocalTime.Days() + (packageTime.Days() - firstPackageTime->Days()));
+  if (packageTime != TDateTime()) return parser->MovedTime(packageTime);
+  if (!localTime) localTime = TDateTime::Now();
+  return *localTime;
 }
 
 TQLXPackage::TQLXPackage(TChannelSets* sets) : sets_(sets) {}
@@ -124,9 +118,18 @@ void TQLXPackage::Reset() {
   tag_.clear();
   name_.clear();
   body_.clear();
-  lineCount_ = 0;
   bracket_ = overflow_ = false;
   state_ = TState::Between;
+}
+
+void TQLXPackage::EndRecord() {
+  Reset();
+  move_.reset();
+}
+
+TDateTime TQLXPackage::MovedTime(TDateTime packageTime) {
+  if (!move_) move_ = TDateTime::Now().Days() - packageTime.Days();
+  return TDateTime(packageTime.Days() + *move_);
 }
 
 void TQLXPackage::Parse(std::string_view text) {
@@ -184,12 +187,9 @@ const char* TQLXPackage::ReadBody(const char* next, const char* end) {
   return stop + 1;
 }
 
-/// Empty lines are dropped, and so is a line feed behind the first one or two bytes of a body: the
-/// next line continues them.
+/// Empty lines are dropped.
 void TQLXPackage::EndLine() {
-  if (body_.size() <= 2 || body_.back() == '\n') return;
-  Keep("\r\n");
-  ++lineCount_;
+  if (!body_.empty() && body_.back() != '\n') Keep("\r\n");
 }
 
 /// A body without end is not kept; its package is read on to its closing tag and dropped.
@@ -227,8 +227,6 @@ bool TQLXPackage::ClosePackage() {
   if (overflow_) {
     ++counts_.Abandoned;
   } else if (!body_.empty()) {
-    // What follows the last line feed is no line, unless it is all there is.
-    lineCount_ = std::max<std::size_t>(lineCount_, 1);
     if (TChannelSet* set = GetValidSet()) {
       ++counts_.Packages;
       if (!ExtractPackage(*set, name_ == "data")) return false;
@@ -284,14 +282,12 @@ TDateTime TQLXPackage::ExtractTime(std::string_view text) {
 }
 
 bool TQLXPackage::ExtractPackage(TChannelSet& set, bool isData) {
-  const std::size_t lines = lineCount_;
   TExtraction run(*this, set, isData);
   TTextScanner scanner(run.body);
   set.WriteBegin();
   const char* const body = run.body.data();
   const char* const end = body + run.body.size();
-  const char* next = body;
-  for (std::size_t i = 0; i < lines && next != end && run.Runs(); ++i) {
+  for (const char* next = body; next != end && run.Runs();) {
     const char* const stop = Find(next, end, '\n');
     scanner.SetPosition(static_cast<std::size_t>(next - body));
     if (!run.WriteRow(scanner, {next, stop})) break;

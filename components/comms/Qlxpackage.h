@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -42,8 +43,9 @@ class TQLXPackage {
   /// Where the rows go; not owned, may go first. Null: packages are read and dropped.
   void SetChannelSets(TChannelSets* sets);
 
-  /// Whether rows are moved to the clock of this machine: the first row of a package takes the
-  /// present time, the others keep their distances from it. Initially not.
+  /// Whether rows are moved to the clock of this machine: the first row of a record takes the
+  /// present time, and all others keep their distances from it, from package to package and from
+  /// set to set. Rows without a time take the present one. Initially not.
   bool UseLocalTime = false;
 
   /// Goes on with `text`. A package that has not ended stays for the next call. Returns early if
@@ -54,6 +56,8 @@ class TQLXPackage {
 
   /// Forgets the package that has begun and skips to the next "<".
   void Reset();
+  /// Same, and what comes next is another record.
+  void EndRecord();
 
   const TCounts& Counts() const { return counts_; }
 
@@ -84,6 +88,7 @@ class TQLXPackage {
   bool ClosePackage();
   void EndLine();
   void Keep(std::string_view text);
+  TDateTime MovedTime(TDateTime packageTime);
 
   QPointer<TChannelSets> sets_;
   TState state_ = TState::Between;
@@ -92,7 +97,7 @@ class TQLXPackage {
   std::string tag_;        ///< opening tag without its brackets
   std::string name_;       ///< of the closing tag
   std::string body_;
-  std::size_t lineCount_ = 0;
   TCounts counts_;
+  std::optional<double> move_;         ///< days by which the record is moved
   TExtraction* extraction_ = nullptr;  ///< the innermost one that runs
 };

@@ -47,13 +47,16 @@ bool TQLXXMLClient::SendCommand(const QByteArray& command) {
   return socket_.Send(command + "\r\n\r\n");
 }
 
+/// A server that is away is told of once, and not with each try.
 void TQLXXMLClient::SocketConnecting(QObject* sender) {
   Q_UNUSED(sender)
+  if (failed_ && IsReconnecting()) return;
   SetStatus(QStringLiteral("Connecting to ") + GetAddressString());
 }
 
 void TQLXXMLClient::SocketConnect(QObject* sender) {
   Q_UNUSED(sender)
+  failed_ = false;
   SendCommand("open");
   const QPointer<TQLXXMLClient> self(this);
   SetStatus(QStringLiteral("Connected to ") + GetAddressString());
@@ -67,7 +70,7 @@ void TQLXXMLClient::SocketDisconnect(QObject* sender) {
   Q_UNUSED(sender)
   SendCommand("quit");  // arrives only if it is this side that closes
   socket_.Close();
-  package_.Reset();
+  package_.EndRecord();
   const QPointer<TQLXXMLClient> self(this);
   SetStatus(QStringLiteral("Disconnected from ") + GetAddressString());
   if (self) ReportActive();
@@ -88,6 +91,7 @@ void TQLXXMLClient::SocketRead(QObject* sender) {
 
 void TQLXXMLClient::SocketError(QObject* sender, const QString& text) {
   Q_UNUSED(sender)
+  failed_ = !GetActive();
   SetStatus((GetActive() ? QStringLiteral("Connection to %1 failed: %2")
                          : QStringLiteral("Cannot connect to %1: %2"))
                 .arg(GetAddressString(), text));
@@ -153,7 +157,7 @@ void TXMLFileClient::Close() {
   if (!file_) return;
   read_.SetEnabled(false);
   file_.reset();
-  package_.Reset();
+  package_.EndRecord();
   const QPointer<TXMLFileClient> self(this);
   SetStatus(QStringLiteral("File closed"));
   if (self) ReportActive();

@@ -55,6 +55,7 @@ class TQLXXMLClient : public TQLXClient {
   TClick serverCom_{this};
   TQLXPackage package_;
   std::vector<char> buffer_;
+  bool failed_ = false;        ///< the last attempt to connect has
   QPointer<QDialog> console_;  ///< a child of this
 };
 
@@ -80,7 +81,8 @@ class TXMLFileClient : public TQLXClient {
   /// Milliseconds from block to block, kept to the 10 ms of the timer service; below 1 ignored.
   int GetReadInterval() const { return readInterval_; }
   void SetReadInterval(int milliseconds);
-  /// Moves the rows of each package to the clock of this machine.
+  /// Moves the rows to the clock of this machine, from opening the file to its end by the same
+  /// time.
   bool GetUseLocalTime() const { return package_.UseLocalTime; }
   void SetUseLocalTime(bool local) { package_.UseLocalTime = local; }
 

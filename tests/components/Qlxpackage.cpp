@@ -39,11 +39,9 @@ TEST_F(TQLXPackageTest, TakesTheLinesOfABodyAsRows) {
       {"1 2 3\r\n4 5 6\r\n", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},
       {"\r\n\r\n1 2 3\n\n\r\n\n4 5 6\n", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},
       {" \t-1.5e3   .25\t+7 \t\r\n", {{kDay, -1500, 0.25, 7}}},
-      {"1 2 3\r\n4 5 6", {{kDay, 1, 2, 3}}},  // a line ends with a line feed
-      {"1 2 3", {{kDay, 1, 2, 3}}},           // unless it is all there is
+      {"1 2 3\r\n4 5 6", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},  // the closing tag ends a line, too
       {"5", {{kDay, 5, 0, 0}}},
-      {"1\n2\n3\n4 5 6\n7 8 9\n",
-       {{kDay, 123, 0, 0}, {kDay, 4, 5, 6}, {kDay, 7, 8, 9}}},  // two too short for a line
+      {"5\r\n-6\n\n7", {{kDay, 5, 0, 0}, {kDay, -6, 0, 0}, {kDay, 7, 0, 0}}},
       {"1 2 3 4 5\r\n6 7\r\n", {{kDay, 1, 2, 3}, {kDay, 6, 7, 3}}},
       {"1 2 \r\n3 4 5\r\n", {{kDay, 1, 2, 0}, {kDay, 3, 4, 5}}},
       {"1 <b2 <<3\r\n", {{kDay, 1, 2, 3}}},  // "<" takes the next byte along
@@ -230,25 +228,31 @@ TEST(TQLXPackage, ReadsTimeStamps) {
   }
 }
 
-TEST_F(TQLXPackageTest, MovesRowsToTheLocalClockWithTheirDistances) {
+TEST_F(TQLXPackageTest, MovesARecordToTheLocalClockWithItsDistances) {
   package.UseLocalTime = true;
-  const double before = TDateTime::Now().Days();
-  package.Parse(
-      "<data id=\"a\">\r\n"
-      "20010101 000000000 1 1\r\n"
-      "20010101 000001000 2 2\r\n"
-      "20010101 000003500 3 3\r\n"
-      "</data><w id=\"a\" time=\"20010101 000000000\">1 2 3\r\n4 5 6\r\n</w>");
-  const double after = TDateTime::Now().Days();
-  const TRows& rows = recorder.Rows(1);
-  ASSERT_EQ(rows.size(), 3u);
-  EXPECT_GE(rows[0][0], before);
-  EXPECT_LE(rows[0][0], after);
-  EXPECT_NEAR((rows[1][0] - rows[0][0]) * 86400.0, 1.0, 1e-5);
-  EXPECT_NEAR((rows[2][0] - rows[0][0]) * 86400.0, 3.5, 1e-5);
-  ASSERT_EQ(recorder.Rows(0).size(), 2u);
-  EXPECT_EQ(recorder.Rows(0)[0][0], recorder.Rows(0)[1][0]);
-  EXPECT_GE(recorder.Rows(0)[0][0], before);
+  for (int record = 0; record < 2; ++record) {
+    recorder.Clear();
+    const double before = TDateTime::Now().Days();
+    package.Parse(
+        "<data id=\"a\">\r\n20010101 000000000 1 1\r\n20010101 000003500 2 2\r\n</data>"
+        "<w id=\"a\">7 8 9</w>"
+        "<data id=\"a\">\r\n20010101 000030000 3 3\r\n</data>"
+        "<w id=\"a\" time=\"20010101 000010000\">1 2 3\r\n4 5 6\r\n</w>");
+    package.EndRecord();
+    const double after = TDateTime::Now().Days();
+    const TRows &data = recorder.Rows(1), &others = recorder.Rows(0);
+    ASSERT_EQ(data.size(), 3u);
+    ASSERT_EQ(others.size(), 3u);
+    for (const double first : {data[0][0], others[0][0]}) {  // the other one has no time of its own
+      EXPECT_GE(first, before);
+      EXPECT_LE(first, after);
+    }
+    const auto seconds = [&](const auto& row) { return (row[0] - data[0][0]) * 86400.0; };
+    EXPECT_NEAR(seconds(data[1]), 3.5, 1e-5);
+    EXPECT_NEAR(seconds(data[2]), 30.0, 1e-5);
+    EXPECT_NEAR(seconds(others[1]), 10.0, 1e-5);
+    EXPECT_NEAR(seconds(others[2]), 10.0, 1e-5);
+  }
 }
 
 TEST_F(TQLXPackageTest, ReadsAStreamFromItsStart) {
@@ -329,33 +333,28 @@ class TReference {
     } else if (c == '<') {
       bracket_ = true;
     } else if (c == '\n') {
-      if (body_.size() > 2 && body_.back() != '\n') {
-        body_ += "\r\n";
-        ++lines_;
-      }
+      EndLine();
     } else if (c != '\r') {
-      body_ += c;
+      line_ += c;
     }
   }
 
+  void EndLine() {
+    if (!line_.empty()) lines_.push_back(std::exchange(line_, {}));
+  }
+
   void End() {
-    if (!body_.empty()) {
-      if (lines_ == 0) lines_ = 1;
-      for (TSet& set : sets_) {
-        if (set.tag != name_ || set.id != Flag(" id=\"")) continue;
-        Write(set);
-        break;
-      }
+    EndLine();
+    for (TSet& set : sets_) {
+      if (set.tag != name_ || set.id != Flag(" id=\"")) continue;
+      Write(set);
+      break;
     }
     Reset();
   }
 
   void Write(TSet& set) {
-    std::size_t start = 0;
-    for (int i = 0; i < lines_; ++i) {
-      const std::size_t end = std::min(body_.find("\r\n", start), body_.size());
-      std::string line = body_.substr(start, end - start);
-      start = end + 2;
+    for (std::string line : lines_) {
       std::string stamp = Flag(" time=\"");
       if (set.tag == "data") {
         stamp = line;
@@ -384,17 +383,17 @@ class TReference {
   }
 
   void Reset() {
-    tag_ = name_ = body_ = {};
-    lines_ = 0;
+    tag_ = name_ = line_ = {};
+    lines_ = {};
     bracket_ = false;
     state_ = 3;
   }
 
   std::vector<TSet> sets_;
   int state_ = 3;
-  int lines_ = 0;
   bool bracket_ = false;
-  std::string tag_, name_, body_;
+  std::string tag_, name_, line_;
+  std::vector<std::string> lines_;
 };
 
 /// Text that is a package here and nearly one there.

@@ -200,8 +200,13 @@ TEST_F(TQLXXMLClientTest, BecomesActiveWhenItsFormIsComplete) {
 TEST_F(TQLXXMLClientTest, SaysWhyThereIsNoConnection) {
   server.Stop();
   client->SetActive(true);
+  const QString refused = "Cannot connect to " + Address() + ": Connection refused";
   ASSERT_TRUE(WaitFor([this] { return statuses.size() == 2; }));
-  EXPECT_EQ(statuses[1], "Cannot connect to " + Address() + ": Connection refused");
+  client->SetAutoConnect(true);
+  Tick(20);
+  ASSERT_TRUE(WaitFor([this] { return statuses.size() == 3; }));
+  EXPECT_EQ(statuses, QStringList({"Connecting to " + Address(), refused, refused}));
+  client->SetAutoConnect(false);
 
   client->GetSocket()->SetAddress(QString());
   EXPECT_EQ(client->GetAddressString(), "Address/Host=???");
@@ -412,6 +417,20 @@ TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
     EXPECT_EQ(statuses, QStringList({"File '" + client.GetFileName() + "' opened for reading",
                                      "File closed"}));
     EXPECT_EQ(active.count(), 2);
+  }
+}
+
+TEST_F(TXMLFileClientTest, MovesAFileAsAWholeToTheLocalClock) {
+  client.SetFileName(kRecord);
+  client.SetUseLocalTime(true);
+  for (int round = 0; round < 2; ++round) {
+    recorder.Clear();
+    const double before = TDateTime::Now().Days();
+    ReadAll();
+    const auto& rows = recorder.Rows(0);
+    EXPECT_GE(rows.front()[0], before);
+    EXPECT_LE(rows.front()[0], TDateTime::Now().Days());
+    EXPECT_NEAR((rows.back()[0] - rows.front()[0]) * 86400.0, 29.99, 1e-5);
   }
 }
 
