@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -30,17 +31,25 @@ class TSerialDriver {
   /// A recommendation, in bytes.
   virtual void SetQueueSizes(int input, int output) = 0;
 
-  /// Reads what is there, at most the size of the buffer, and returns the count of bytes.
+  /// Reads what is there, at most the size of the buffer, and returns the count of bytes. Fewer
+  /// than there is room for may be followed by more; none: that was all.
   virtual int Read(std::span<char> buffer) = 0;
+  /// What is known of the bytes that Read has returned last.
+  struct TArrival {
+    std::int64_t Age = 0;         ///< nanoseconds since they came
+    std::int64_t LostBefore = 0;  ///< bytes before them for which there was no room
+  };
+  virtual TArrival LastArrival() const { return {}; }
   /// Returns the count of bytes taken; 0 if the output queue is full.
   virtual int Write(std::span<const char> bytes) = 0;
   /// Drops what waits in the queues.
   virtual void Purge(bool input, bool output) = 0;
   virtual int InputCount() = 0;
   virtual int OutputCount() = 0;
-  /// The device has gone. It does not come back; the driver can only be destroyed.
+  /// The device has gone, and all that it sent has been read. It does not come back; the driver can
+  /// only be destroyed.
   virtual bool IsLost() const = 0;
-  /// Sends what is to be sent and blocks the thread for the whole time.
+  /// Blocks the thread, while the driver sends and receives.
   virtual void Wait(int milliseconds) = 0;
 
   /// Why the device could not be opened or set up, or was lost.
@@ -49,7 +58,7 @@ class TSerialDriver {
 
 using TDriverFactory = std::function<std::unique_ptr<TSerialDriver>()>;
 
-/// A driver of the system's serial ports.
+/// A driver of the system's serial ports. It receives on a thread of its own.
 std::unique_ptr<TSerialDriver> MakeSystemDriver();
 /// A driver of one device, such as "/dev/ttyUSB0", whatever the name of the port.
 std::unique_ptr<TSerialDriver> MakeDeviceDriver(const QString& device);

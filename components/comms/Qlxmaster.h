@@ -15,9 +15,9 @@ class TQLXMasterClient : public TQLXClient {
   Q_PROPERTY(TSelectedCollItem* ChSet READ GetChSet WRITE SetChSet)
 
  public:
-  /// `makeDriver` is for the port.
-  explicit TQLXMasterClient(QWidget* parent = nullptr,
-                            TDriverFactory makeDriver = MakeSystemDriver);
+  /// `makeDriver` and `time` are for the port.
+  explicit TQLXMasterClient(QWidget* parent = nullptr, TDriverFactory makeDriver = MakeSystemDriver,
+                            TTimeSource time = {});
   ~TQLXMasterClient() override;
 
   /// Opens the serial console.
@@ -33,6 +33,8 @@ class TQLXMasterClient : public TQLXClient {
 
   /// True while the port is open.
   bool GetActive() const override { return port_.GetConnected(); }
+  QString GetSkippedText() const override;
+  bool IsNoisy() const override { return port_.GetAutoRun() && port_.IsNoisy(); }
 
  protected:
   /// Starts the device; blocks for about half a second.
@@ -44,11 +46,18 @@ class TQLXMasterClient : public TQLXClient {
   void PortOpened(QObject* sender);
   void PortClosed(QObject* sender);
   void PortData(const double* values, int count);
+  void ClockJumped(double seconds);
+  QString ConnectedText() const;
+  QString DisconnectedText() const;
+  void ShowConnected();
+  void ShowSkipped(QObject* sender);
   void ShowConsole();
 
   TClick miniCom_{this};
   TSelectedCollItem chSet_{this};
-  bool opening_ = false;           ///< the port opens and closes on the way
+  bool opening_ = false;    ///< the port opens and closes on the way
+  QString shownConnected_;  ///< ConnectedText as it was shown last
+  TTimerClient showSkipped_;
   QPointer<TQLXMiniCom> console_;  ///< a child of this
   TQLXPort port_;
 };

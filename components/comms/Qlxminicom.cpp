@@ -192,7 +192,7 @@ void TQLXMiniCom::ShowState() {
   if (!port_) {
     state_->setText(tr("There is no port any more"));
   } else if (connected) {
-    state_->setText(tr("%1 is open").arg(port_->GetPortNum()));
+    state_->setText(tr("%1 is open").arg(port_->GetLineName()));
   } else {
     state_->setText(port_->GetErrorText().isEmpty() ? tr("%1 is closed").arg(port_->GetPortNum())
                                                     : port_->GetErrorText());

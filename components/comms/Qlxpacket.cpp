@@ -8,7 +8,31 @@ namespace {
 // Eight less than half the range of 24 bits, as the device has it.
 constexpr double kZero = 8'388'600.0;
 
+constexpr std::size_t kMarkerLength = 4;
+
+/// Of a marker, or of something that begins like one.
+bool BeginsMarker(const std::uint8_t* bytes) { return bytes[0] == 3 && bytes[1] == 'T'; }
+
 }  // namespace
+
+std::optional<std::uint8_t> PacketLengthOf(std::span<const std::uint8_t> answer) {
+  while (answer.size() > kMarkerLength && BeginsMarker(answer.data())) {
+    answer = answer.subspan(kMarkerLength);
+  }
+  if (answer.empty()) return {};
+  return answer[0];
+}
+
+void TQLXDecoder::SetMarkerTime(double days) {
+  markerTime_ = days;
+  steps_ = 0.0;
+}
+
+void TQLXDecoder::SetTimeIncrement(double days) {
+  if (days == timeIncrement_) return;
+  SetMarkerTime(MarkerTime());
+  timeIncrement_ = days;
+}
 
 std::size_t TQLXDecoder::Append(std::span<const std::uint8_t> bytes) {
   if (read_ > 0) {
@@ -27,22 +51,36 @@ TQLXDecoder::TItem TQLXDecoder::Next() {
     const std::uint8_t* const packet = bytes_.data() + read_;
     const std::size_t length = packet[0];
     if (Waiting() < 1 + length) break;
-    if (length == 3 && packet[1] == 'T') {
-      read_ += 4;
+    if (BeginsMarker(packet)) {
+      read_ += kMarkerLength;
+      inGap_ = false;
       return TItem::Marker;
     }
     // The device has spent a sample's time on a byte that is dropped below, too.
-    values_[0] = markerTime_;
-    markerTime_ += timeIncrement_;
+    values_[0] = MarkerTime();
+    ++steps_;
     if (length == 0 || length != packetLength_) {
       ++read_;
+      Skip(1);
       continue;
     }
     DecodeSamples(packet + 1);
     read_ += 1 + length;
+    inGap_ = false;
     return TItem::Packet;
   }
   return TItem::Nothing;
+}
+
+void TQLXDecoder::Skip(std::size_t bytes) {
+  skipped_.Bytes += bytes;
+  skipped_.Gaps += !inGap_;
+  inGap_ = true;
+}
+
+void TQLXDecoder::Break(std::uint64_t lostBytes) {
+  Skip(Waiting() + lostBytes);
+  Clear();
 }
 
 void TQLXDecoder::DecodeSamples(const std::uint8_t* bytes) {

@@ -19,13 +19,12 @@ const QByteArray kPolledLoop = QByteArrayLiteral("sloop1\r");
 
 }  // namespace
 
-TQLXPort::TQLXPort(QObject* owner, TDriverFactory makeDriver)
-    : TQLXSettings(owner), makeDriver_(std::move(makeDriver)) {
+TQLXPort::TQLXPort(QObject* owner, TDriverFactory makeDriver, TTimeSource time)
+    : TQLXSettings(owner), makeDriver_(std::move(makeDriver)), clock_(std::move(time)) {
   readTimer_.SetInterval(1);
   readTimer_.SetOnTimer(TNotifyEvent(this, &TQLXPort::ReadTick));
   requestTimer_.SetInterval(1);
   requestTimer_.SetOnTimer(TNotifyEvent(this, &TQLXPort::RequestTick));
-  StartStopWatch();
 }
 
 TQLXPort::~TQLXPort() {
@@ -43,14 +42,17 @@ void TQLXPort::SetConnected(bool connected) {
 
 void TQLXPort::Open() {
   if (connected_) return;
+  lineName_ = GetPortNum();
   if (const QString why = RestRefusal(this); !why.isEmpty()) {
-    return FailToOpen(QStringLiteral("Cannot open %1: %2").arg(GetPortNum(), why));
+    return FailToOpen(QStringLiteral("Cannot open %1: %2").arg(lineName_, why));
   }
   driver_ = makeDriver_();
-  connected_ = driver_->Open(GetPortNum());
+  connected_ = driver_->Open(lineName_);
   if (!connected_ || !SetupComPort()) return FailToOpen(driver_->ErrorText());
   errorText_.clear();
   ForgetBytes();
+  decoder_.ResetSkipped();
+  noise_ = {};
   const QPointer<TQLXPort> self(this);
   emit OnOpen(this);
   if (self && connected_) readTimer_.SetEnabled(true);
@@ -134,12 +136,16 @@ int TQLXPort::SendQLXCommand(const QByteArray& command, int delayMs) {
 }
 
 QByteArray TQLXPort::GetAnswerToQLXCommand(const QByteArray& command, int delayMs) {
-  constexpr int kLongest = 128;
+  constexpr std::size_t kLongest = 128;
   const QPointer<TQLXPort> self(this);
   ClearBuffer(true, true);
   if (SendQLXCommand(command, delayMs) == 0 || !self || !connected_) return {};
-  QByteArray answer(kLongest, Qt::Uninitialized);
-  answer.truncate(driver_->Read({answer.data(), kLongest}));
+  QByteArray answer(static_cast<qsizetype>(kLongest), Qt::Uninitialized);
+  std::size_t count = 0;
+  for (int more = 1; more > 0 && count < kLongest; count += static_cast<std::size_t>(more)) {
+    more = driver_->Read({answer.data() + count, kLongest - count});
+  }
+  answer.truncate(static_cast<qsizetype>(count));
   if (!answer.isEmpty()) emit OnTraffic(answer, false);
   return answer;
 }
@@ -180,10 +186,9 @@ void TQLXPort::StartAutoRun() {
   starting_ = false;
   if (autoRun_) Open();
   if (!self || !autoRun_) return;
-  StartStopWatch();
+  clock_.Start();
   if (Streams()) return RequestData();
-  outstandingRequests_ = 0;
-  skippedTicks_ = 0;
+  polling_ = {};
   requestTimer_.SetEnabled(true);
 }
 
@@ -224,60 +229,77 @@ void TQLXPort::AskPacketLength() {
     answer = GetAnswerToQLXCommand(command, kAnswerMs);
     if (!self) return;
   }
-  if (answer.isEmpty()) return;
-  // A marker packet before the answer is not the answer.
-  qsizetype first = 0;
-  while (answer.size() > first + 4 && answer.sliced(first).startsWith("\3T")) first += 4;
-  const auto length = static_cast<quint8>(answer[first]);
-  decoder_.SetPacketLength(length);
-  valueCount_ = length / BytesPerSample() + 1;
+  const auto length = PacketLengthOf({reinterpret_cast<const std::uint8_t*>(answer.constData()),
+                                      static_cast<std::size_t>(answer.size())});
+  if (!length) return;
+  decoder_.SetPacketLength(*length);
+  valueCount_ = *length / BytesPerSample() + 1;
 }
 
 void TQLXPort::AskForData() {
-  constexpr int kMostRequests = 2;
-  constexpr int kMostSkipped = 21;
-  if (outstandingRequests_ >= kMostRequests && skippedTicks_ < kMostSkipped) {
-    ++skippedTicks_;
-    return;
-  }
-  const QPointer<TQLXPort> self(this);
-  RequestData();
-  if (!self) return;
-  ++outstandingRequests_;
-  skippedTicks_ = 0;
+  if (polling_.Tick()) RequestData();
 }
 
 void TQLXPort::RequestData() {
-  decoder_.SetMarkerTime(StopWatchTime());
+  decoder_.SetMarkerTime(clock_.Now());
   SendQLXCommand(DataRequest());
 }
 
+void TQLXPort::FollowClock() {
+  constexpr double kSecondsPerDay = 86400.0;
+  const double change = clock_.Follow();
+  if (change == 0.0) return;
+  decoder_.SetMarkerTime(decoder_.MarkerTime() + change);
+  emit OnClockJump(this, change * kSecondsPerDay);
+}
+
 void TQLXPort::ReadPort() {
-  constexpr int kMostBlocks = 64;  // far more than a line carries in a tick
   if (!connected_ || reading_) return;
   const QPointer<TQLXPort> self(this);
   reading_ = true;
-  std::array<char, kBlock> block;
-  int count = kBlock;
-  for (int i = 0; i < kMostBlocks && count == kBlock && connected_; ++i) {
-    count = driver_->Read(block);
-    if (count == 0) break;
-    emit OnTraffic(QByteArrayView(block.data(), count), false);
-    if (self) ReadSignal(block.data(), count);
-    if (!self) return;
-  }
+  FollowClock();
+  if (self) ReadBlocks();
+  if (!self) return;
   reading_ = false;
+  age_ = 0.0;
   if (!connected_ || !driver_->IsLost()) return;
   errorText_ = driver_->ErrorText();
   Close();
 }
 
+void TQLXPort::ReadBlocks() {
+  constexpr int kMostBytes = 65536;  // far more than a line carries in a tick
+  constexpr double kNanosecondsPerDay = 86400e9;
+  const QPointer<TQLXPort> self(this);
+  std::array<char, kBlock> block;
+  for (int taken = 0, count = 0; taken < kMostBytes && connected_; taken += count) {
+    count = driver_->Read(block);
+    if (count == 0) return;
+    const TSerialDriver::TArrival arrival = driver_->LastArrival();
+    age_ = static_cast<double>(arrival.Age) / kNanosecondsPerDay;
+    if (arrival.LostBefore > 0) ResumeBehind(arrival.LostBefore);
+    emit OnTraffic(QByteArrayView(block.data(), count), false);
+    if (self) ReadSignal(block.data(), count);
+    if (!self) return;
+  }
+}
+
+/// The stream is taken up again where it has come to.
+void TQLXPort::ResumeBehind(std::int64_t lostBytes) {
+  decoder_.Break(static_cast<std::uint64_t>(lostBytes));
+  if (Streams()) decoder_.SetMarkerTime(ReceiveTime());
+}
+
 void TQLXPort::ReadSignal(const char* data, int count) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);
   std::span rest(bytes, static_cast<std::size_t>(std::max(count, 0)));
+  const std::size_t size = rest.size();
+  const std::uint64_t skippedBefore = decoder_.Skipped().Bytes;
   do {
     rest = rest.subspan(decoder_.Append(rest));
-  } while (Decode(!rest.empty()) && !rest.empty());
+    if (!Decode(!rest.empty())) return;
+  } while (!rest.empty());
+  noise_.Take(size, decoder_.Skipped().Bytes - skippedBefore);
 }
 
 bool TQLXPort::Decode(bool needsRoom) {
@@ -290,29 +312,19 @@ bool TQLXPort::Decode(bool needsRoom) {
     const TQLXDecoder::TItem item = decoder_.Next();
     if (item == TQLXDecoder::TItem::Nothing) return true;
     const bool isMarker = item == TQLXDecoder::TItem::Marker;
-    if (isMarker && streaming) decoder_.SetMarkerTime(StopWatchTime());
+    if (isMarker && streaming) decoder_.SetMarkerTime(ReceiveTime());
     // A copy, because the event may replace itself or destroy this port.
     if (const auto onData = onData_; onData && !isMarker) {
       (*onData)(this, decoder_.Values(), valueCount_);
       if (!self || session_ != session) return false;
     }
-    if (!streaming && outstandingRequests_ > 0) --outstandingRequests_;
+    if (!streaming) polling_.TakeAnswer();
     if (isMarker && !(needsRoom && decoder_.IsCrowded())) return true;
   }
 }
 
 void TQLXPort::SetOnData(TDataEvent event) {
   onData_ = event ? std::make_shared<const TDataEvent>(std::move(event)) : nullptr;
-}
-
-void TQLXPort::StartStopWatch() {
-  startTime_ = TDateTime::Now();
-  stopWatch_.start();
-}
-
-double TQLXPort::StopWatchTime() const {
-  constexpr double kNanosecondsPerDay = 86400e9;
-  return startTime_.Days() + static_cast<double>(stopWatch_.nsecsElapsed()) / kNanosecondsPerDay;
 }
 
 void TQLXPort::ShowSetupDialog(QWidget* parent) { RunPortSetupDialog(*this, parent); }

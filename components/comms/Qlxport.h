@@ -4,9 +4,11 @@
 #include <functional>
 #include <memory>
 
+#include "components/comms/Polling.h"
 #include "components/comms/Qlxdriver.h"
 #include "components/comms/Qlxpacket.h"
 #include "components/comms/Qlxsettings.h"
+#include "components/comms/Stampclock.h"
 #include "model/Timer.h"
 
 class QWidget;
@@ -24,8 +26,9 @@ class TQLXPort : public TQLXSettings {
   /// are valid during the call. `count` includes the time.
   using TDataEvent = std::function<void(QObject* sender, const double* values, int count)>;
 
-  /// `makeDriver` is asked for a driver each time the port opens.
-  explicit TQLXPort(QObject* owner = nullptr, TDriverFactory makeDriver = MakeSystemDriver);
+  /// `makeDriver` is asked for a driver each time the port opens; the rows are stamped by `time`.
+  explicit TQLXPort(QObject* owner = nullptr, TDriverFactory makeDriver = MakeSystemDriver,
+                    TTimeSource time = {});
   /// Switches AutoRun off and closes the port, without an event.
   ~TQLXPort() override;
 
@@ -37,6 +40,8 @@ class TQLXPort : public TQLXSettings {
   /// Also switches AutoRun off, but leaves the device as it is. A port whose device has gone closes
   /// itself.
   void Close();
+  /// The port that is open, or was last: PortNum may have changed since.
+  const QString& GetLineName() const { return lineName_; }
   /// Why the port could not be opened, or was lost; empty while it is open and after Close.
   const QString& GetErrorText() const { return errorText_; }
 
@@ -71,10 +76,11 @@ class TQLXPort : public TQLXSettings {
   void SetAutoRun(bool on);
   /// Asks the device how long its packets are and selects its loop. Opens the port and closes it.
   void InitAutoRunParameters();
-  /// A tick of polling: requests a packet unless two requests are unanswered; gives a lost answer
-  /// up after 21 ticks.
+  /// A tick of polling: requests a packet unless two requests are unanswered; a lost answer is
+  /// given up after 21 ticks.
   void AskForData();
-  /// Takes what the driver has received. What a tick does not manage is left for the next.
+  /// Takes what the driver has received, 64 KiB at most: more is left for the next tick. Sees first
+  /// whether the wall clock has jumped.
   void ReadPort();
   /// Decodes received bytes and fires the data event for each packet. Ends after a marker packet:
   /// what follows it waits for the next call, unless there is no room for it.
@@ -84,6 +90,10 @@ class TQLXPort : public TQLXSettings {
   int GetPacketLength() const { return decoder_.PacketLength(); }
   /// Values of a packet, its time among them.
   int GetValueCount() const { return valueCount_; }
+  /// What was no packet since the port was opened.
+  const TQLXDecoder::TSkipped& GetSkipped() const { return decoder_.Skipped(); }
+  /// What has come lately is mostly no packet. If packets are found in it, that is by chance.
+  bool IsNoisy() const { return noise_.IsNoisy(); }
 
   /// Lets the user edit the settings.
   void ShowSetupDialog(QWidget* parent = nullptr);
@@ -96,6 +106,8 @@ class TQLXPort : public TQLXSettings {
   void OnOpen(QObject* sender);
   /// Also after a port could not be opened.
   void OnClose(QObject* sender);
+  /// The wall clock has jumped by so many seconds, and the stamps with it.
+  void OnClockJump(QObject* sender, double seconds);
   /// Bytes have been received, or sent. They are valid during the call.
   void OnTraffic(QByteArrayView bytes, bool sent);
 
@@ -110,10 +122,13 @@ class TQLXPort : public TQLXSettings {
   void ProbeDevice();
   void AskPacketLength();
   void RequestData();
+  void FollowClock();
+  void ReadBlocks();
+  void ResumeBehind(std::int64_t lostBytes);
   /// False if an event made the bytes that follow worthless, or destroyed the port.
   bool Decode(bool needsRoom);
-  void StartStopWatch();
-  double StopWatchTime() const;
+  /// When the bytes came that are being decoded.
+  double ReceiveTime() const { return clock_.Now() - age_; }
   void ReadTick(QObject*) { ReadPort(); }
   void RequestTick(QObject*) { AskForData(); }
 
@@ -124,19 +139,19 @@ class TQLXPort : public TQLXSettings {
   bool starting_ = false;                  ///< AutoRun is: the port opens and closes on the way
   TQLXFlowControl runMode_ = sfcHardware;  ///< what AutoRun was started with
   bool reading_ = false;
+  QString lineName_;
   QString errorText_;
 
   TQLXDecoder decoder_;
   unsigned session_ = 0;  ///< counts how often undecoded bytes were dropped
   int valueCount_ = 0;
   std::shared_ptr<const TDataEvent> onData_;  ///< shared, since the event may replace itself
+  TNoiseMeter noise_;
 
-  // A stop-watch that tells the time: a change of the system's clock does not disturb a recording.
-  TDateTime startTime_;
-  QElapsedTimer stopWatch_;
+  TStampClock clock_;
+  double age_ = 0.0;  ///< days since the bytes came that are being decoded
 
   TTimerClient readTimer_;
   TTimerClient requestTimer_;
-  int outstandingRequests_ = 0;
-  int skippedTicks_ = 0;  ///< since the last request
+  TPolling polling_;
 };

@@ -1,101 +1,230 @@
 #include "components/comms/Qlxserver.h"
 
-#include <QAbstractSocket>
+#include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QEvent>
+#include <QEventLoop>
 #include <QThread>
+#include <condition_variable>
+#include <cstring>
+#include <deque>
+#include <mutex>
 #include <utility>
 
-#include "components/links/Synchronizer.h"
+#include "components/comms/Stampclock.h"
 
-namespace {
-
-constexpr int kPatienceMs = 50;  // how soon a stop is noticed
-constexpr qint64 kChunk = 16384;
-
-/// A device of which nothing more can come.
-bool HasEnded(const QIODevice& device) {
-  if (!device.isOpen()) return true;
-  if (const auto* socket = qobject_cast<const QAbstractSocket*>(&device)) {
-    return socket->state() == QAbstractSocket::UnconnectedState;
-  }
-  return !device.isSequential() && device.atEnd();
-}
-
-/// Waits until there are bytes; not longer than the patience, but so long if there are none, even
-/// if the device cannot wait.
-void WaitFor(QIODevice& device) {
-  const QDeadlineTimer end(kPatienceMs);
-  if (device.bytesAvailable() > 0 || device.waitForReadyRead(kPatienceMs)) return;
-  if (!HasEnded(device)) QThread::msleep(static_cast<unsigned long>(end.remainingTime()));
-}
-
-}  // namespace
-
-/// One receiving, from Start to its end.
-class TQLXServer::TRun : public QThread {
+/// Bytes in the order in which they came, with their times.
+class TQLXServer::TQueue {
  public:
-  TRun(TQLXServer& server, TOpenDevice open, TDataEvent onData)
-      : server_(server),
-        open_(std::move(open)),
-        onData_(std::make_shared<TDataEvent>(std::move(onData))) {}
-  ~TRun() override {
-    synchronizer_.Cancel();
-    requestInterruption();
-    wait();
+  void Keep(QByteArray bytes);
+  TReceived Read(std::span<char> buffer);
+  void Clear();
+  std::size_t Count() const { return count_; }
+
+ private:
+  struct TPiece {
+    std::int64_t time;
+    std::int64_t lostBefore;
+    QByteArray bytes;
+  };
+
+  bool Joins(qsizetype size, std::int64_t now) const;
+
+  std::deque<TPiece> pieces_;
+  std::size_t count_ = 0;
+  qsizetype read_ = 0;  ///< bytes of the first piece
+  bool dropping_ = false;
+  std::int64_t lost_ = 0;  ///< bytes dropped since the last piece
+};
+
+void TQLXServer::TQueue::Keep(QByteArray bytes) {
+  const qsizetype size = bytes.size();
+  dropping_ = (dropping_ && count_ > 0) || count_ + static_cast<std::size_t>(size) > kMostBytes;
+  if (dropping_) {
+    lost_ += size;
+    return;
   }
+  count_ += static_cast<std::size_t>(size);
+  const std::int64_t now = TTimeSource::SteadyNanoseconds();
+  if (Joins(size, now)) {
+    pieces_.back().bytes += bytes;
+  } else {
+    pieces_.push_back({now, std::exchange(lost_, 0), std::move(bytes)});
+  }
+}
+
+/// Whether bytes go with the last piece: each piece costs memory of its own.
+bool TQLXServer::TQueue::Joins(qsizetype size, std::int64_t now) const {
+  constexpr qsizetype kLongest = 1024;
+  constexpr std::size_t kMany = 65536;
+  constexpr std::int64_t kMoment = 1'000'000;  // a millisecond
+  if (pieces_.empty() || lost_ > 0 || pieces_.back().bytes.size() + size > kLongest) return false;
+  return now - pieces_.back().time < kMoment || pieces_.size() >= kMany;
+}
+
+TQLXServer::TReceived TQLXServer::TQueue::Read(std::span<char> buffer) {
+  if (pieces_.empty()) return {};
+  const TPiece& piece = pieces_.front();
+  const auto rest = static_cast<std::size_t>(piece.bytes.size() - read_);
+  const std::size_t count = std::min(rest, buffer.size());
+  std::memcpy(buffer.data(), piece.bytes.constData() + read_, count);
+  const TReceived received{static_cast<int>(count), TTimeSource::SteadyNanoseconds() - piece.time,
+                           read_ == 0 ? piece.lostBefore : 0};
+  count_ -= count;
+  read_ += static_cast<qsizetype>(count);
+  if (count == rest) {
+    pieces_.pop_front();
+    read_ = 0;
+  }
+  return received;
+}
+
+void TQLXServer::TQueue::Clear() {
+  pieces_.clear();
+  count_ = 0;
+  read_ = 0;
+  lost_ = 0;
+}
+
+/// What both threads touch. Each of them holds it, since either may go first.
+struct TQLXServer::TShared {
+  mutable std::mutex mutex;
+  std::condition_variable changed;
+  TWorker* worker = nullptr;  ///< while there is one to be woken
+  std::deque<TTask> tasks;
+  std::uint64_t asked = 0;
+  std::uint64_t done = 0;
+  bool stop = false;
+  TQueue queue;
+  bool ended = false;
+  QString reason;
+
+  void End(const QString& why) {
+    if (!std::exchange(ended, true)) reason = why;
+  }
+};
+
+/// The device's thread. Only empty events reach it through the event queue: they say that there is
+/// something to be done.
+class TQLXServer::TWorker : public QObject {
+ public:
+  explicit TWorker(std::shared_ptr<TShared> shared) : shared_(std::move(shared)) {}
+
+  void Run(const TMakeDevice& make) {
+    device_ = make([this](const QString& reason) {
+      Take();
+      const std::lock_guard lock(shared_->mutex);
+      shared_->End(reason);
+    });
+    connect(device_.get(), &QIODevice::readyRead, this, &TWorker::Take);
+    {
+      const std::lock_guard lock(shared_->mutex);
+      shared_->worker = this;
+      Wake();
+    }
+    loop_.exec();
+    device_.reset();
+  }
+
+  /// With the mutex held.
+  void Wake() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
 
  protected:
-  void run() override {
-    QString reason;
-    try {
-      const std::unique_ptr<QIODevice> device = open_(reason);
-      if (device && device->isOpen()) {
-        while (!isInterruptionRequested() && Receive(*device, reason)) {
-        }
-      }
-    } catch (const std::exception& error) {
-      reason = QString::fromUtf8(error.what());
+  void customEvent(QEvent* event) override {
+    Q_UNUSED(event)
+    while (DoNext()) {
     }
-    if (reason.isEmpty()) reason = QStringLiteral("The device cannot be opened");
-    // The step has no caller to answer to: a receiving that was cancelled is not reported.
-    (void)synchronizer_.Synchronize([server = &server_, reason] {
-      server->Stop();
-      emit server->OnEnd(server, reason);
-      return TSynchronizer::TAnswer::Done;
-    });
   }
 
  private:
-  /// False with the reason once nothing more will come.
-  bool Receive(QIODevice& device, QString& reason) {
-    WaitFor(device);
-    // Shared with the step, which may outlive this run.
-    const auto chunk = std::make_shared<QByteArray>(device.read(kChunk));
-    if (chunk->isEmpty()) {
-      if (!HasEnded(device)) return true;
-      reason = QStringLiteral("The device has ended: %1").arg(device.errorString());
-      return false;
+  bool DoNext() {
+    TTask task;
+    {
+      const std::lock_guard lock(shared_->mutex);
+      if (shared_->stop) {
+        shared_->worker = nullptr;
+        loop_.quit();
+        return false;
+      }
+      if (shared_->tasks.empty()) return false;
+      task = std::move(shared_->tasks.front());
+      shared_->tasks.pop_front();
     }
-    return synchronizer_.Synchronize([onData = onData_, chunk] {
-      if (*onData) (*onData)(*chunk);
-      return TSynchronizer::TAnswer::Done;
-    });
+    task(*device_);
+    task = nullptr;
+    const std::lock_guard lock(shared_->mutex);
+    ++shared_->done;
+    shared_->changed.notify_one();
+    return true;
   }
 
-  TQLXServer& server_;
-  TOpenDevice open_;
-  std::shared_ptr<const TDataEvent> onData_;
-  TSynchronizer synchronizer_;
+  void Take() {
+    for (QByteArray bytes; !(bytes = device_->readAll()).isEmpty();) {
+      const std::lock_guard lock(shared_->mutex);
+      shared_->queue.Keep(std::move(bytes));
+    }
+  }
+
+  const std::shared_ptr<TShared> shared_;
+  std::unique_ptr<QIODevice> device_;
+  QEventLoop loop_;
 };
 
-TQLXServer::TQLXServer(QObject* parent) : QObject(parent) {}
-
-TQLXServer::~TQLXServer() = default;
-
-void TQLXServer::Start(TOpenDevice open, TDataEvent onData) {
-  Stop();
-  run_ = std::make_unique<TRun>(*this, std::move(open), std::move(onData));
-  run_->start();
+TQLXServer::TQLXServer(TMakeDevice make, std::chrono::milliseconds patience)
+    : shared_(std::make_shared<TShared>()), patience_(patience) {
+  thread_.reset(
+      QThread::create([shared = shared_, make = std::move(make)] { TWorker(shared).Run(make); }));
+  thread_->start();
 }
 
-void TQLXServer::Stop() { run_.reset(); }
+TQLXServer::~TQLXServer() {
+  {
+    const std::lock_guard lock(shared_->mutex);
+    shared_->stop = true;
+    if (shared_->worker) shared_->worker->Wake();
+  }
+  if (thread_->wait(QDeadlineTimer(patience_))) return;
+  // One that hangs cannot be ended, and must not be destroyed before it has.
+  QThread* const left = thread_.release();
+  QObject::connect(left, &QThread::finished, left, &QObject::deleteLater);
+  if (left->isFinished()) left->deleteLater();
+}
+
+bool TQLXServer::Do(TTask task) {
+  std::unique_lock lock(shared_->mutex);
+  if (shared_->ended) return false;
+  shared_->tasks.push_back(std::move(task));
+  const std::uint64_t turn = ++shared_->asked;
+  if (shared_->worker) shared_->worker->Wake();
+  if (shared_->changed.wait_for(lock, patience_, [&] { return shared_->done >= turn; })) {
+    return true;
+  }
+  shared_->End(QStringLiteral("it does not answer"));
+  patience_ = {};
+  return false;
+}
+
+TQLXServer::TReceived TQLXServer::Read(std::span<char> buffer) {
+  const std::lock_guard lock(shared_->mutex);
+  return shared_->queue.Read(buffer);
+}
+
+std::size_t TQLXServer::Count() const {
+  const std::lock_guard lock(shared_->mutex);
+  return shared_->queue.Count();
+}
+
+void TQLXServer::Clear() {
+  const std::lock_guard lock(shared_->mutex);
+  shared_->queue.Clear();
+}
+
+bool TQLXServer::HasEnded() const {
+  const std::lock_guard lock(shared_->mutex);
+  return shared_->ended;
+}
+
+QString TQLXServer::EndReason() const {
+  const std::lock_guard lock(shared_->mutex);
+  return shared_->reason;
+}

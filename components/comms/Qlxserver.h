@@ -1,40 +1,79 @@
 #pragma once
 
-#include <QByteArrayView>
 #include <QIODevice>
-#include <QObject>
+#include <QString>
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 
-/// Receives from a device that has to be waited for, on a thread of its own, and hands each chunk
-/// to the GUI thread, which holds the receiving up until it has taken it: nothing piles up. Belongs
-/// to the GUI thread; any of its events may stop, restart or destroy it.
-class TQLXServer : public QObject {
-  Q_OBJECT
+class QThread;
 
+/// Serves a device on a thread of its own, which takes what the device brings as it comes and keeps
+/// it until it is read here: while this thread stands still, nothing is lost. GUI thread only.
+///
+/// At most kMostBytes wait. Once there are more, what comes is dropped and counted until all that
+/// waits has been read: one gap, not many.
+///
+/// The device's thread never waits for this one. This one waits while the device does what it is
+/// asked, but no longer than its patience: a device that hangs in the system counts as ended, and
+/// its thread is left to itself.
+class TQLXServer {
  public:
-  /// Makes and opens the device. Runs on the server's thread, on which the device stays and is
-  /// destroyed. Null, or a device that is not open, ends the receiving; `error` may say why.
-  using TOpenDevice = std::function<std::unique_ptr<QIODevice>(QString& error)>;
-  /// Takes a chunk of at most 16 KiB, on the GUI thread; the bytes are valid during the call.
-  using TDataEvent = std::function<void(QByteArrayView bytes)>;
+  static constexpr std::size_t kMostBytes = std::size_t{4} << 20;
 
-  explicit TQLXServer(QObject* parent = nullptr);
-  ~TQLXServer() override;
+  /// Tells that nothing more will come, and why, in one sentence without a full stop.
+  using TEnd = std::function<void(const QString& reason)>;
+  /// Makes the device, which tells its end. Runs on the device's thread, as all that happens to it;
+  /// there it is destroyed, too.
+  using TMakeDevice = std::function<std::unique_ptr<QIODevice>(const TEnd& end)>;
+  using TTask = std::function<void(QIODevice& device)>;
 
-  /// Ends what runs and starts anew.
-  void Start(TOpenDevice open, TDataEvent onData);
-  /// Returns once the device is closed: after a twentieth of a second at most, unless it is just
-  /// being opened. No event fires any more.
-  void Stop();
-  bool IsRunning() const { return run_ != nullptr; }
+  /// Bytes that were read, and what is known of them.
+  struct TReceived {
+    int Count = 0;
+    std::int64_t Age = 0;         ///< nanoseconds since they came
+    std::int64_t LostBefore = 0;  ///< bytes that were dropped before them
+  };
 
- signals:
-  /// The device could not be opened, or has ended; the reason is one sentence without a full stop.
-  void OnEnd(QObject* sender, const QString& reason);
+  explicit TQLXServer(TMakeDevice make,
+                      std::chrono::milliseconds patience = std::chrono::seconds(5));
+  ~TQLXServer();
+  TQLXServer(const TQLXServer&) = delete;
+  TQLXServer& operator=(const TQLXServer&) = delete;
+
+  /// Has the device's thread do something, and returns when it is done. False if the device has
+  /// ended: then it is never done, or later. So it may touch nothing on the caller's stack.
+  bool Do(TTask task);
+  /// Same with an answer.
+  template <class TQuestion>
+  auto Ask(TQuestion question) {
+    auto answer = std::make_shared<std::optional<std::invoke_result_t<TQuestion, QIODevice&>>>();
+    const bool done = Do([question = std::move(question), answer](QIODevice& device) {
+      *answer = question(device);
+    });
+    return done ? *answer : std::nullopt;
+  }
+
+  /// Takes bytes that came at one moment, as many as there is room for. None: nothing waits.
+  TReceived Read(std::span<char> buffer);
+  /// Bytes that wait.
+  std::size_t Count() const;
+  /// Drops them.
+  void Clear();
+
+  /// The device brings nothing more; bytes may wait still.
+  bool HasEnded() const;
+  QString EndReason() const;
 
  private:
-  class TRun;
+  class TQueue;
+  class TWorker;
+  struct TShared;
 
-  std::unique_ptr<TRun> run_;
+  std::shared_ptr<TShared> shared_;
+  std::chrono::milliseconds patience_;
+  std::unique_ptr<QThread> thread_;
 };

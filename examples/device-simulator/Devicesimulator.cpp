@@ -135,6 +135,9 @@ void TDeviceSimulator::PutPacket(double now) {
     for (char& byte : garbage) byte = static_cast<char>(random_() & 0xFF);
     bytes.insert(0, garbage);
   }
+  if (Faults.noise) {
+    for (char& byte : bytes) byte = static_cast<char>(random_() & 0xFF);
+  }
   Put(std::move(bytes), now);
 }
 

@@ -40,6 +40,7 @@ class TDeviceSimulator {
     double garbageRate = 0.0;  ///< probability that 1 to 40 random bytes stand before a packet
     double lateSeconds = 0.0;  ///< all that is sent comes this much later
     bool silent = false;       ///< answers nothing and streams nothing
+    bool noise = false;        ///< random bytes in place of the packets
   };
 
   /// 1 to 85 with 24 bits per sample, to 127 with 16; more are left out of the packets.

@@ -25,6 +25,7 @@ struct TOptions {
   QCommandLineOption markers{"markers", "A marker packet every N packets.", "N", "0"};
   QCommandLineOption drop{"drop", "Lose a byte with probability P.", "P", "0"};
   QCommandLineOption garbage{"garbage", "Garbage before a packet with probability P.", "P", "0"};
+  QCommandLineOption noise{"noise", "Send random bytes in place of the packets."};
   QCommandLineOption late{"late", "Send everything so much later.", "MS", "0"};
   QCommandLineOption silentAfter{"silent-after", "Send nothing any more after so long.", "S", "-1"};
   QCommandLineOption seconds{"seconds", "End after so long.", "S", "-1"};
@@ -73,6 +74,7 @@ void SetUp(TDeviceSimulator& device, const QCommandLineParser& parser, const TOp
   }
   device.Faults.dropRate = number(options.drop, 0.0, 1.0);
   device.Faults.garbageRate = number(options.garbage, 0.0, 1.0);
+  device.Faults.noise = parser.isSet(options.noise);
   device.Faults.lateSeconds = number(options.late, 0.0, 1e6) / 1000.0;
 }
 
@@ -96,8 +98,8 @@ int main(int argc, char** argv) {
   parser.addHelpOption();
   const TOptions options;
   parser.addOptions({options.inputs, options.rate, options.markers, options.drop, options.garbage,
-                     options.late, options.silentAfter, options.seconds, options.machine,
-                     options.link});
+                     options.noise, options.late, options.silentAfter, options.seconds,
+                     options.machine, options.link});
   parser.process(application);
 
   TEnding::Instance().TakeSignals();

@@ -15,6 +15,7 @@ using testing::ElementsAre;
 
 /// A device with two inputs that answers each data request, for drivers that come and go.
 struct TDevice {
+  double wall = 45413.5;  ///< the clock on the wall, in days
   bool present = true;
   std::string waiting;   ///< for the driver to read
   std::string received;  ///< from the driver
@@ -69,7 +70,12 @@ class TQLXMasterClientTest : public testing::Test {
   TDevice device;
   QStringList statuses;
   std::vector<bool> active;
-  TQLXMasterClient client{nullptr, [this] { return std::make_unique<TDeviceDriver>(device); }};
+  void Tick(int times = 1) {
+    for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
+  }
+  TQLXMasterClient client{
+      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); },
+      TTimeSource{[this] { return TDateTime(device.wall); }, [] { return std::int64_t{0}; }}};
 };
 
 TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
@@ -79,7 +85,7 @@ TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
   client.SetActive(true);
   EXPECT_EQ(client.GetStatus(), "Connected to COM1");
   device.SendPacket();
-  TTimerServer::Instance()->Timer();
+  Tick();
   EXPECT_TRUE(recorder.Rows(0).empty());
   ASSERT_EQ(recorder.Rows(1).size(), 2u);  // one was asked for
   EXPECT_EQ(recorder.Rows(1)[1][1], 0.0);
@@ -103,7 +109,7 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
     client.SetLogging(true);
     client.SetActive(true);
     device.SendPacket();
-    TTimerServer::Instance()->Timer();
+    Tick();
     client.SetActive(false);
     client.SetLogging(false);
     const auto rows = recorder.Rows(static_cast<std::size_t>(set));
@@ -113,7 +119,7 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
     file.SetFileName(client.GetLogFile());
     file.SetReadInterval(10);
     file.SetActive(true);
-    TTimerServer::Instance()->Timer();
+    Tick();
     const auto& again = recorder.Rows(static_cast<std::size_t>(set));
     ASSERT_EQ(again.size(), 2u);
     for (std::size_t i = 0; i < 2; ++i) {
@@ -135,31 +141,81 @@ TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
   EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
   const auto told = statuses.size();
   for (int i = 0; i < 5; ++i) device.SendPacket();
-  TTimerServer::Instance()->Timer();
+  Tick();
   EXPECT_EQ(statuses.size(), told) << "told once, not per packet";
   client.SetChannelSource(recorder.Source());
   recorder.DestroySource();
   EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
   device.SendPacket();
-  TTimerServer::Instance()->Timer();
+  Tick();
   EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
 }
 
 TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBack) {
   client.SetChannelSource(recorder.Source());
   client.SetAutoConnect(true);
-  for (int i = 0; i < 20; ++i) TTimerServer::Instance()->Timer();
-  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
+  Tick(20);
   device.present = false;
-  TTimerServer::Instance()->Timer();
-  EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
-  for (int i = 0; i < 20; ++i) TTimerServer::Instance()->Timer();
-  EXPECT_EQ(client.GetStatus(), "no such device");
+  Tick(61);
+  EXPECT_EQ(statuses, QStringList({"Connected to COM1", "Disconnected from COM1", "no such device",
+                                   "no such device", "no such device"}));
   EXPECT_FALSE(client.GetActive());
   device.present = true;
-  for (int i = 0; i < 20; ++i) TTimerServer::Instance()->Timer();
+  Tick(20);
   EXPECT_TRUE(client.GetActive());
+  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
   EXPECT_THAT(active, ElementsAre(true, false, true));
+}
+
+TEST_F(TQLXMasterClientTest, SaysWhichPortIsClosedWhenItsNumberChanges) {
+  client.SetChannelSource(recorder.Source());
+  client.SetActive(true);
+  client.GetPort()->SetPortNum("COM2");
+  EXPECT_EQ(statuses.mid(0, 2), QStringList({"Connected to COM1", "Disconnected from COM1"}));
+  EXPECT_EQ(client.GetStatus(), "Connected to COM2");
+}
+
+TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
+  client.SetChannelSource(recorder.Source());
+  client.SetActive(true);
+  const auto pass = [this](const std::string& bytes, int packets) {
+    statuses.clear();
+    device.waiting += bytes;
+    for (int i = 0; i < packets; ++i) device.SendPacket();
+    Tick(100);
+  };
+  pass({}, 100);
+  EXPECT_TRUE(statuses.isEmpty());
+  pass(std::string(3, '\0'), 100);
+  EXPECT_EQ(statuses, QStringList("Connected to COM1, 1 gap, 3 bytes skipped"));
+  pass({}, 100);
+  EXPECT_TRUE(statuses.isEmpty());
+  pass(std::string(211'997, '\0'), 1);
+  EXPECT_TRUE(client.IsNoisy());
+  EXPECT_EQ(statuses,
+            QStringList("Connected to COM1, but only noise comes: 2 gaps, 212 kB skipped"));
+  pass({}, 4000);
+  EXPECT_EQ(statuses, QStringList("Connected to COM1, 2 gaps, 212 kB skipped"));
+  client.SetActive(false);
+  EXPECT_EQ(client.GetSkippedText(), "");
+}
+
+TEST_F(TQLXMasterClientTest, TellsOfAClockThatJumpsAndLogsALine) {
+  client.SetChannelSource(recorder.Source());
+  client.GetChSet()->SetIndex(0);
+  client.SetLogFile(TestFolder() + "/rows");
+  client.SetLogging(true);
+  client.SetActive(true);
+  statuses.clear();
+  device.wall -= 1.0 / 24.0;
+  Tick(3);
+  EXPECT_EQ(statuses, QStringList({"The clock was set back by 3600.0 s", "Connected to COM1"}));
+  client.SetLogging(false);
+  QFile log(client.GetLogFile());
+  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+  const QByteArray text = log.readAll();
+  EXPECT_EQ(text.count("The clock was set back by 3600.0 s\r\n"), 1);
+  EXPECT_LT(text.indexOf("The clock"), text.indexOf('<'));
 }
 
 TEST_F(TQLXMasterClientTest, MayBeDestroyedByWhomItTells) {
@@ -170,7 +226,7 @@ TEST_F(TQLXMasterClientTest, MayBeDestroyedByWhomItTells) {
   recorder.OnRow = [&] { other.reset(); };
   other->SetActive(true);
   for (int i = 0; i < 3; ++i) device.SendPacket();
-  TTimerServer::Instance()->Timer();
+  Tick();
   EXPECT_FALSE(other);
   EXPECT_EQ(recorder.Rows(0).size(), 1u);
   recorder.OnRow = nullptr;

@@ -66,16 +66,17 @@ TEST(TQLXDecoder, DropsBytesUntilAPacketFitsAndMovesTheStampOnForEach) {
     std::uint8_t length;
     TBytes bytes;
     std::vector<std::vector<double>> rows;
-    std::size_t waiting;
+    std::size_t waiting, gaps, skipped;
   } cases[] = {
-      {2, {0, 0, 2, 0x80, 0}, {{2.0, 8}}, 0},
-      {2, {1, 1, 1, 2, 0x80, 0}, {{3.0, 8}}, 0},
-      {2, {2, 0x80}, {}, 2},        // the rest has not come
-      {2, {9, 2, 0x80, 0}, {}, 4},  // could be the start of nine bytes
-      {2, {3, 'T', 0, 0, 2, 0x80, 0}, {{}, {0.0, 8}}, 0},
-      {3, {3, 'T', 0, 0}, {{}}, 0},  // a marker, whatever is expected
-      {2, {3, 'T', 0}, {}, 3},
-      {0, {0, 0, 2, 0x80, 0}, {}, 2},  // nothing is expected
+      {2, {0, 0, 2, 0x80, 0}, {{2.0, 8}}, 0, 1, 2},
+      {2, {1, 1, 1, 2, 0x80, 0, 0}, {{3.0, 8}}, 0, 2, 4},
+      {2, {2, 0x80}, {}, 2, 0, 0},        // the rest has not come
+      {2, {9, 2, 0x80, 0}, {}, 4, 0, 0},  // could be the start of nine bytes
+      {2, {3, 'T', 0, 0, 2, 0x80, 0}, {{}, {0.0, 8}}, 0, 0, 0},
+      {2, {0, 3, 'T', 0, 0, 0, 2, 0x80, 0}, {{}, {2.0, 8}}, 0, 2, 2},
+      {3, {3, 'T', 0, 0}, {{}}, 0, 0, 0},  // a marker, whatever is expected
+      {2, {3, 'T', 0}, {}, 3, 0, 0},
+      {0, {0, 0, 2, 0x80, 0}, {}, 2, 1, 3},  // nothing is expected
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.bytes));
@@ -85,7 +86,23 @@ TEST(TQLXDecoder, DropsBytesUntilAPacketFitsAndMovesTheStampOnForEach) {
     decoder.SetTimeIncrement(1.0);
     EXPECT_EQ(Rows(decoder, c.bytes, 1, {256}), c.rows);
     EXPECT_EQ(decoder.Waiting(), c.waiting);
+    EXPECT_EQ(decoder.Skipped().Gaps, c.gaps);
+    EXPECT_EQ(decoder.Skipped().Bytes, c.skipped);
   }
+}
+
+TEST(TQLXDecoder, CountsWhatWasLostBehindItWithWhatItSkipped) {
+  TQLXDecoder decoder;
+  decoder.SetBytesPerSample(2);
+  decoder.SetPacketLength(2);
+  EXPECT_EQ(Rows(decoder, {0, 2, 0x80}, 1, {256}).size(), 0u);
+  decoder.Break(5);
+  EXPECT_EQ(decoder.Skipped().Gaps, 1u);
+  EXPECT_EQ(decoder.Skipped().Bytes, 8u);
+  EXPECT_EQ(Rows(decoder, {2, 0x80, 0}, 1, {256}).size(), 1u);
+  decoder.Break(1);
+  EXPECT_EQ(decoder.Skipped().Gaps, 2u);
+  EXPECT_EQ(decoder.Skipped().Bytes, 9u);
 }
 
 /// Packets, markers and garbage.
@@ -142,6 +159,19 @@ TEST(TQLXDecoder, FindsThePacketsAgainAfterAByteIsLost) {
   for (const auto& row : rows) counters.push_back((row[1] + 8388600 - 0x900000) / 256);
   EXPECT_EQ(counters, (std::vector<double>{0, 1, 2, 3, 4, 5, 6, 0xA0, 9, 10, 11, 12, 13, 14, 15, 16,
                                            17, 18, 19}));
+}
+
+TEST(PacketLengthOf, IsTheFirstByteBehindMarkers) {
+  const std::pair<TBytes, std::optional<std::uint8_t>> cases[] = {
+      {{}, {}},
+      {{48, 1, 2}, 48},
+      {{0}, 0},
+      {{3, 'T', 0, 0, 48}, 48},
+      {{3, 'T', 0, 0, 3, 'T', 9, 9, 6, 1}, 6},
+      {{3, 'T', 0, 0}, 3},  // a packet of three bytes
+      {{3}, 3},
+  };
+  for (const auto& [answer, length] : cases) EXPECT_EQ(PacketLengthOf(answer), length);
 }
 
 }  // namespace

@@ -2,115 +2,161 @@
 
 #include <gtest/gtest.h>
 
-#include <QBuffer>
-#include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QThread>
+#include <condition_variable>
+#include <mutex>
+#include <random>
 
 namespace {
 
-/// A peer on this machine to which the server connects.
-struct TPeer {
-  TPeer() { EXPECT_TRUE(listener.listen(QHostAddress::LocalHost)); }
+using std::chrono::milliseconds;
 
-  TQLXServer::TOpenDevice Device() {
-    return [port = listener.serverPort()](QString& error) -> std::unique_ptr<QIODevice> {
-      auto socket = std::make_unique<QTcpSocket>();
-      socket->connectToHost(QHostAddress::LocalHost, port);
-      if (!socket->waitForConnected(5000)) error = socket->errorString();
-      return socket;
-    };
+/// A device in memory that brings what it is told to.
+class TSource : public QIODevice {
+ public:
+  explicit TSource(const TQLXServer::TEnd& end) : end_(end) { open(ReadOnly | Unbuffered); }
+  bool isSequential() const override { return true; }
+  void Bring(const QByteArray& bytes) {
+    waiting_ += bytes;
+    emit readyRead();
   }
-  QTcpSocket& Accept() {
-    EXPECT_TRUE(listener.waitForNewConnection(5000));
-    return *listener.nextPendingConnection();
+  /// Ends with bytes that nobody has been told of.
+  void End(const QByteArray& last) {
+    waiting_ += last;
+    end_(QStringLiteral("pulled out"));
+    end_(QStringLiteral("again"));
   }
 
-  QTcpServer listener;
+ protected:
+  qint64 readData(char* data, qint64 size) override {
+    size = std::min(size, qint64{waiting_.size()});
+    std::copy_n(waiting_.constData(), size, data);
+    waiting_.remove(0, size);
+    return size;
+  }
+  qint64 writeData(const char*, qint64) override { return -1; }
+
+ private:
+  TQLXServer::TEnd end_;
+  QByteArray waiting_;
 };
 
-TEST(TQLXServer, HandsEveryByteToTheGuiThreadInOrder) {
-  TPeer peer;
-  TQLXServer server;
-  QByteArray received;
-  qsizetype longest = 0;
-  server.Start(peer.Device(), [&](QByteArrayView bytes) {
-    EXPECT_EQ(QThread::currentThread(), qApp->thread());
-    longest = std::max(longest, bytes.size());
-    received += bytes;
-  });
-  QTcpSocket& socket = peer.Accept();
-  QByteArray sent;
-  for (int i = 0; i < 200'000; ++i) sent += QByteArray::number(i) + ' ';
-  socket.write(sent);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return received.size() == sent.size(); }));
-  EXPECT_TRUE(received == sent);
-  EXPECT_LE(longest, 16384);
-
-  QSignalSpy ended(&server, &TQLXServer::OnEnd);
-  EXPECT_TRUE(server.IsRunning());
-  socket.disconnectFromHost();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !ended.isEmpty(); }));
-  EXPECT_FALSE(server.IsRunning());
-  EXPECT_EQ(ended.at(0).at(1), "The device has ended: The remote host closed the connection");
+std::unique_ptr<QIODevice> MakeSource(const TQLXServer::TEnd& end) {
+  return std::make_unique<TSource>(end);
 }
 
-TEST(TQLXServer, SaysWhyADeviceCannotBeOpened) {
-  const struct {
-    TQLXServer::TOpenDevice open;
-    const char* reason;
-  } cases[] = {
-      {[](QString&) { return nullptr; }, "The device cannot be opened"},
-      {[](QString& error) { return error = "No such line", std::make_unique<QBuffer>(); },
-       "No such line"},
-      {[](QString&) -> std::unique_ptr<QIODevice> { throw std::runtime_error("broken"); },
-       "broken"},
-  };
-  for (const auto& c : cases) {
-    TQLXServer server;
-    QSignalSpy ended(&server, &TQLXServer::OnEnd);
-    server.Start(c.open, {});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !ended.isEmpty(); }));
-    EXPECT_EQ(ended.at(0).at(1), c.reason);
+void Bring(TQLXServer& server, const QByteArray& bytes) {
+  EXPECT_TRUE(
+      server.Do([bytes](QIODevice& device) { static_cast<TSource&>(device).Bring(bytes); }));
+}
+
+/// All that waits, in pieces of at most so many bytes.
+QByteArray ReadAll(TQLXServer& server, std::size_t size, std::int64_t* lost = nullptr) {
+  QByteArray all;
+  std::vector<char> buffer(size);
+  for (TQLXServer::TReceived got; (got = server.Read(buffer)).Count > 0;) {
+    all.append(buffer.data(), got.Count);
+    EXPECT_GE(got.Age, 0);
+    if (lost) *lost += got.LostBefore;
   }
+  EXPECT_EQ(server.Count(), 0u);
+  return all;
 }
 
-TEST(TQLXServer, MayBeStoppedRestartedAndDestroyedByItsEvents) {
-  TPeer peer;
-  const auto endless = [](QString&) {
-    auto buffer = std::make_unique<QBuffer>();
-    buffer->setData(QByteArray(1'000'000, 'x'));
-    buffer->open(QIODevice::ReadOnly);
-    return buffer;
-  };
-  int chunks = 0;
-  auto server = std::make_unique<TQLXServer>();
-  server->Start(endless, [&](QByteArrayView) {
-    ++chunks;
-    server->Stop();
-  });
-  EXPECT_TRUE(QTest::qWaitFor([&] { return chunks > 0; }));
-  EXPECT_FALSE(server->IsRunning());
-  qApp->processEvents();
-  EXPECT_EQ(chunks, 1);
+TEST(TQLXServer, KeepsWhatComesUntilItIsRead) {
+  std::mt19937 random(3);
+  TQLXServer server(MakeSource);
+  QByteArray sent;
+  for (int i = 0; i < 3000; ++i) {
+    const QByteArray bytes(static_cast<qsizetype>(1 + random() % 300), static_cast<char>(random()));
+    Bring(server, bytes);
+    sent += bytes;
+  }
+  EXPECT_EQ(server.Count(), static_cast<std::size_t>(sent.size()));
+  EXPECT_TRUE(ReadAll(server, 100) == sent);
+  EXPECT_EQ(server.Ask([](QIODevice& device) { return device.isSequential(); }), true);
+  EXPECT_EQ(server.Ask([](QIODevice&) { return QThread::currentThread() == qApp->thread(); }),
+            false);
+  Bring(server, "old");
+  server.Clear();
+  EXPECT_EQ(ReadAll(server, 100), "");
+}
 
-  bool restarted = false;
-  server->Start(endless, [&](QByteArrayView) {
-    server->Start(endless, [&](QByteArrayView) {
-      restarted = true;
-      server.reset();
-    });
-  });
-  EXPECT_TRUE(QTest::qWaitFor([&] { return restarted; }));
-  EXPECT_FALSE(server);
+TEST(TQLXServer, DropsWhatThereIsNoRoomForInOneGap) {
+  TQLXServer server(MakeSource);
+  const QByteArray block(1 << 16, 'x');
+  constexpr int kBlocks = TQLXServer::kMostBytes >> 16;
+  for (int i = 0; i < kBlocks; ++i) Bring(server, block);
+  std::vector<char> buffer(1000);
+  Bring(server, "12345");
+  EXPECT_EQ(server.Read(buffer).Count, 1000);
+  Bring(server, "67");  // there is room again, but the gap is not over
+  std::int64_t lost = 0;
+  EXPECT_EQ(ReadAll(server, 5000, &lost).size(), kBlocks * block.size() - 1000);
+  EXPECT_EQ(lost, 0);
+  Bring(server, "new");
+  const TQLXServer::TReceived behind = server.Read({buffer.data(), 1});
+  EXPECT_EQ(buffer[0], 'n');
+  EXPECT_EQ(behind.LostBefore, 7);
+  EXPECT_EQ(ReadAll(server, 10, &lost), "ew");
+  EXPECT_EQ(lost, 0) << "told once";
+}
 
-  // A worker that waits for the GUI thread holds nothing up when the server goes.
-  server = std::make_unique<TQLXServer>();
-  server->Start(endless, {});
-  QThread::msleep(1);
-  server.reset();
+TEST(TQLXServer, TellsTheEndAndKeepsWhatCameBefore) {
+  TQLXServer server(MakeSource);
+  Bring(server, "some");
+  EXPECT_FALSE(server.HasEnded());
+  server.Do([](QIODevice& device) { static_cast<TSource&>(device).End(" more"); });
+  EXPECT_TRUE(server.HasEnded());
+  EXPECT_EQ(server.EndReason(), "pulled out");
+  EXPECT_FALSE(server.Do([](QIODevice&) { ADD_FAILURE() << "it has ended"; }));
+  EXPECT_EQ(ReadAll(server, 100), "some more");
+}
+
+/// A door that a thread waits at.
+struct TDoor {
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool open = false;
+
+  void Pass() {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return open; });
+  }
+  void Open() {
+    const std::lock_guard lock(mutex);
+    open = true;
+    changed.notify_all();
+  }
+};
+
+TEST(TQLXServer, GivesADeviceUpThatHangs) {
+  const auto door = std::make_shared<TDoor>();
+  for (const bool making : {true, false}) {
+    auto server = std::make_unique<TQLXServer>(
+        [door, making](const TQLXServer::TEnd& end) {
+          if (making) door->Pass();
+          return MakeSource(end);
+        },
+        milliseconds(20));
+    EXPECT_FALSE(server->Ask([door](QIODevice&) { return door->Pass(), 1; }).has_value());
+    EXPECT_EQ(server->EndReason(), "it does not answer");
+    EXPECT_FALSE(server->Do([](QIODevice&) {}));
+    server.reset();
+  }
+  door->Open();
+  EXPECT_TRUE(QTest::qWaitFor([&door] { return door.use_count() == 1; })) << "left and gone";
+}
+
+TEST(TQLXServer, MayGoAtAnyMoment) {
+  for (int round = 0; round < 200; ++round) {
+    TQLXServer server(MakeSource);
+    if (round % 2) Bring(server, "bytes");
+    if (round % 4 == 3) {
+      server.Do([](QIODevice& device) { static_cast<TSource&>(device).End("last"); });
+    }
+  }
 }
 
 }  // namespace

@@ -1,0 +1,79 @@
+// The system's driver, whose line is received on a thread, with a real line under it.
+
+#include <gtest/gtest.h>
+
+#include <QDeadlineTimer>
+#include <QThread>
+#include <random>
+
+#include "components/comms/Qlxport.h"
+
+#ifdef Q_OS_UNIX
+
+#include "examples/device-simulator/Devicesimulator.h"
+#include "examples/device-simulator/Pty.h"
+
+namespace {
+
+TEST(ThreadsSerialLine, IsClosedAndDestroyedAtAnyMoment) {
+  std::mt19937 random(5);
+  auto line = std::make_unique<TPty>();
+  const auto make = [&line] { return MakeDeviceDriver(QString::fromStdString(line->Path())); };
+  std::unique_ptr<TQLXPort> port;
+  int events = 0;
+  int lines = 0;
+  for (int round = 0; round < 3000; ++round) {
+    if (!port) {
+      port = std::make_unique<TQLXPort>(nullptr, make);
+      QObject::connect(port.get(), &TQLXPort::OnTraffic, [&] {
+        ++events;
+        if (random() % 10 == 0) port->Close();
+        if (random() % 20 == 0) port.reset();
+      });
+    }
+    port->Open();
+    if (random() % 2) port->SendQLXCommand("mr\r");
+    line->Write("what a device sends");
+    if (random() % 3) QThread::yieldCurrentThread();
+    if (port && random() % 20 == 0) port->ClearBuffer(true, true);
+    if (random() % 100 == 0) {
+      ++lines;
+      line = std::make_unique<TPty>();
+    }
+    if (port) port->ReadPort();
+    if (port && random() % 10 == 0) port->Close();
+    if (random() % 20 == 0) port.reset();
+    line->Read();
+  }
+  EXPECT_GT(events, 1000);
+  EXPECT_GT(lines, 10);
+}
+
+TEST(ThreadsSerialLine, GivesAllBytesInOrderWhileNobodyReads) {
+  TPty line;
+  const auto driver = MakeDeviceDriver(QString::fromStdString(line.Path()));
+  ASSERT_TRUE(driver->Open({}));
+  ASSERT_TRUE(driver->SetLine({}));
+  driver->SetQueueSizes(1200, 1200);
+  std::string sent, received;
+  const QDeadlineTimer patience(20'000);
+  while (sent.size() < 500'000 && !patience.hasExpired()) {
+    std::string piece;
+    for (int i = 0; i < 100; ++i) piece += std::to_string(sent.size() + piece.size()) + ' ';
+    line.Write(piece);
+    sent += piece;
+    while (driver->InputCount() < static_cast<int>(sent.size()) && !patience.hasExpired()) {
+      QThread::yieldCurrentThread();
+    }
+  }
+  EXPECT_EQ(line.BytesLost(), 0u);
+  char buffer[1000];
+  for (int count = 0; (count = driver->Read(buffer)) > 0;) {
+    received.append(buffer, static_cast<std::size_t>(count));
+  }
+  EXPECT_TRUE(received == sent);
+}
+
+}  // namespace
+
+#endif
