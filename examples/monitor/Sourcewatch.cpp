@@ -78,9 +78,11 @@ void TSourceWatch::Look() {
   TakeRows();
   if (state_ == kNotConnected) return;
   MeasureRate();
-  if (state_ == kReceiving && SilentMs() > kQuietMs) {
+  const bool noisy = client_.IsNoisy();
+  if (state_ == kReceiving && (noisy || SilentMs() > kQuietMs)) {
     state_ = kConnected;
-    emit OnNews(tr("connected, but nothing comes any more"));
+    emit OnNews(noisy ? tr("connected, but only noise comes any more")
+                      : tr("connected, but nothing comes any more"));
   }
 }
 
@@ -88,6 +90,7 @@ void TSourceWatch::TakeRows() {
   if (state_ == kNotConnected || rows_ == rowsSeen_) return;
   const qint64 now = clock_.elapsed();
   rowsSeen_ = rows_;
+  if (client_.IsNoisy()) return;
   if (state_ != kReceiving) {
     state_ = kReceiving;
     emit OnNews(rowMs_ < 0
@@ -108,17 +111,22 @@ void TSourceWatch::MeasureRate() {
 
 QString TSourceWatch::StateText() const {
   if (state_ == kNotConnected) return tr("Not connected");
-  if (state_ == kConnected) return tr("Connected");
+  if (state_ == kConnected) return client_.IsNoisy() ? tr("Only noise comes") : tr("Connected");
   return tr("Receiving %1 rows/s").arg(std::lround(rate_));
 }
 
-QString TSourceWatch::DetailText() const {
+QString TSourceWatch::RowsText() const {
   if (state_ == kReceiving) {
     return tr("%1 rows since %2").arg(rows_).arg(since_.toString(QStringLiteral("HH:mm:ss")));
   }
-  if (state_ == kConnected) {
-    if (rowMs_ < 0) return tr("No rows yet");
-    return tr("No rows for %1 s").arg(Seconds(clock_.elapsed() - rowMs_));
+  if (rowMs_ < 0) return tr("No rows yet");
+  return tr("No rows for %1 s").arg(Seconds(clock_.elapsed() - rowMs_));
+}
+
+QString TSourceWatch::DetailText() const {
+  if (state_ != kNotConnected) {
+    const QString skipped = client_.GetSkippedText();
+    return skipped.isEmpty() ? RowsText() : RowsText() + QStringLiteral(", ") + skipped;
   }
   if (!IsWanted()) return tr("Disconnected by hand");
   return reason_.isEmpty() ? tr("Connecting ...") : tr("%1. Trying again ...").arg(reason_);

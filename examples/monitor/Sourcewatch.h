@@ -28,14 +28,14 @@ class TSourceWatch : public QObject {
   void Look();
 
   TState GetState() const { return state_; }
-  /// "Not connected", "Connected" or "Receiving 100 rows/s".
+  /// "Not connected", "Connected", "Only noise comes" or "Receiving 100 rows/s".
   QString StateText() const;
-  /// Why it is not connected, for how long no row has come, or how many have.
+  /// Why it is not connected, for how long no row has come, or how many have, and what was skipped.
   QString DetailText() const;
   /// Where the source is: a path or an address.
   const QString& Name() const { return name_; }
 
-  /// Since the last row, or since the connection was made.
+  /// Since the last row that was more than noise, or since the connection was made.
   qint64 SilentMs() const;
   /// Closes the client, which then connects again by itself. That is no news until it succeeds.
   void Reopen();
@@ -61,6 +61,7 @@ class TSourceWatch : public QObject {
   void StatusChanged();
   void TakeRows();
   void MeasureRate();
+  QString RowsText() const;
 
   TQLXClient& client_;
   QString name_;

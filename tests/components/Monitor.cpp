@@ -228,8 +228,9 @@ class Monitor : public testing::Test {
   }
 
   /// Each returns once the program can be talked to.
-  void StartDevice() {
-    device.start(BuiltFile("examples/device-simulator/device-simulator"), {"--link", Link()});
+  void StartDevice(const QStringList& faults = {}) {
+    device.start(BuiltFile("examples/device-simulator/device-simulator"),
+                 QStringList({"--link", Link()}) + faults);
     ASSERT_TRUE(device.waitForReadyRead());
   }
   void StartServer() {
@@ -419,6 +420,21 @@ TEST_F(Monitor, OpensADeviceAnewThatIsConnectedAndSilent) {
   EXPECT_EQ(Detail("deviceBox"), "No rows yet");
   ::kill(static_cast<pid_t>(device.processId()), SIGCONT);
   ASSERT_TRUE(PassUntil([&] { return IsReceiving("deviceBox"); })) << News();
+}
+
+TEST_F(Monitor, DoesNotTakeNoiseForMeasurements) {
+  StartDevice({"--noise"});
+  Open();
+  ASSERT_TRUE(PassUntil([&] { return Counted(kMachine) > 10.0; })) << News();
+  EXPECT_EQ(State("deviceBox"), "Only noise comes");
+  EXPECT_THAT(Detail("deviceBox").toStdString(),
+              ContainsRegex("^No rows yet, [0-9]+ gaps, [0-9]+ kB skipped$"));
+  EXPECT_EQ(Cell("Input 2", TChannelTable::kStatus), "No data");
+  Kill(device);
+  StartDevice({"--garbage", "0.05"});
+  ASSERT_TRUE(PassUntil([&] { return IsReceiving("deviceBox"); })) << News();
+  ASSERT_TRUE(PassUntil([&] { return Detail("deviceBox").endsWith(" skipped"); }));
+  EXPECT_TRUE(IsReceiving("deviceBox"));
 }
 
 TEST_F(Monitor, DisconnectsOnlyByHandForGood) {
