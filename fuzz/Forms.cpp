@@ -1,5 +1,8 @@
 #include <QApplication>
+#include <QDir>
 #include <QMetaEnum>
+#include <QTemporaryDir>
+#include <algorithm>
 #include <cstdlib>
 
 #include "components/package/Panel.h"
@@ -32,79 +35,179 @@ class TChoices {
   std::size_t left_;
 };
 
-/// What reaches out of the program: files, devices, servers, dialogs.
+/// The folder of all files that a form may name.
+const QString& Scratch() {
+  static const QTemporaryDir folder;
+  static const QString path = folder.path();
+  return path;
+}
+
+/// Names of files, folders and hosts; buttons that would wait for a user are no properties.
 bool ReachesOut(const QString& name) {
-  static const char* const kParts[] = {"Active", "Logging", "Click", "File", "Folder", "Path",
-                                       "Dir",    "Host",    "Port",  "URL",  "Link"};
-  for (const char* part : kParts) {
-    if (name.contains(QLatin1String(part), Qt::CaseInsensitive)) {
-      if (!name.startsWith(QLatin1String("GraphLink"))) return true;
-    }
-  }
-  return false;
+  static const char* const kParts[] = {"File", "Folder", "Path", "Dir",     "Host",
+                                       "Peer", "URL",    "Link", "Address", "source"};
+  return std::ranges::any_of(kParts, [&](const char* part) {
+    return name.contains(QLatin1String(part), Qt::CaseInsensitive);
+  });
 }
 
 /// The names that the properties of a class may have, some that it has not among them.
-const QStringList& PropertyNames(const TComponentClass& component) {
+const QStringList& PropertyNames(const QString& className) {
   static QHash<QString, QStringList> known;
-  QStringList& names = known[component.Name];
+  QStringList& names = known[className];
   if (!names.isEmpty()) return names;
-  const std::unique_ptr<QWidget> sample(component.Make(nullptr));
-  ForEachPublished(*sample, [&](const TPublished& published) {
-    if (!ReachesOut(published.Path)) names.append(published.Path);
-  });
-  names += {"geometry", "minimumSize", "enabled", "nothing", "GraphLink", "..", "", "objectName"};
+  if (const TComponentClass* component = FindComponentClass(className)) {
+    const std::unique_ptr<QWidget> sample(component->Make(nullptr));
+    ForEachPublished(*sample, [&](const TPublished& published) {
+      if (!published.Path.contains(QLatin1String("Click"))) names.append(published.Path);
+    });
+  }
+  names += {"geometry",    "minimumSize", "enabled", "nothing", "GraphLink",   "..",     "",
+            "objectName",  "text",        "toolTip", "html",    "markdown",    "icon",   "pixmap",
+            "styleSheet",  "font",        "maximum", "value",   "prefix",      "source", "rowCount",
+            "columnCount", "palette",     "indent",  "title",   "tickPosition"};
   return names;
 }
 
 QString Value(TChoices& choices) {
-  static const QStringList kTexts = {"0",          "1",
-                                     "-1",         "3",
-                                     "1e308",      "nan",
-                                     "inf",        "-1e-300",
-                                     "2147483647", "99999999999999999999",
-                                     "65536",      "true",
-                                     "false",      "a",
-                                     "b",          "c",
-                                     "a;b;c",      "sin(x)+a",
-                                     "1,2,3",      "1;2\n3;4",
-                                     "#ff0000",    "none",
-                                     "%s%n",       "yyyy-mm-dd hh:nn",
-                                     "((((((((",   "coUseLimits|coSkipError",
-                                     "asLog"};
-  static const QStringList kKinds = {"string", "number", "double", "bool", "enum", "set"};
-  const int shape = choices.Below(8);
-  if (shape == 0) {
-    return QStringLiteral("<rect><x>%1</x><y>0</y><width>%2</width><height>50</height></rect>")
-        .arg(kTexts[choices.Below(10)], kTexts[choices.Below(10)]);
+  static const QStringList kTexts = {"0",
+                                     "1",
+                                     "-1",
+                                     "3",
+                                     "1e308",
+                                     "nan",
+                                     "inf",
+                                     "-1e-300",
+                                     "2147483647",
+                                     "99999999999999999999",
+                                     "65536",
+                                     "true",
+                                     "false",
+                                     "a",
+                                     "b",
+                                     "c",
+                                     "a;b;c",
+                                     "sin(x)+a",
+                                     "1,2,3",
+                                     "1;2\n3;4",
+                                     "#ff0000",
+                                     "none",
+                                     "%s%n",
+                                     "yyyy-mm-dd hh:nn",
+                                     "((((((((",
+                                     "coUseLimits|coSkipError",
+                                     "asLog",
+                                     "[{\"Count\":2,\"XMLTag\":\"data\"}]",
+                                     "{\"a\":[1,[2,[3]]]}",
+                                     "[[[[[[[[",
+                                     "10; #ff0000; ; A",
+                                     "<img src=\"pipe\">",
+                                     "<b>a</b><table><tr><td colspan=9>b</td></tr></table>",
+                                     "<body background=\"/dev/zero\">",
+                                     "![a](pipe)",
+                                     "url(pipe)",
+                                     "QLabel { image: url( 'pipe' ) }",
+                                     "inside.png",
+                                     "../outside",
+                                     "pipe",
+                                     "127.0.0.1",
+                                     "log.txt",
+                                     ":/a.png"};
+  static const QStringList kKinds = {"string", "number", "double",  "bool", "enum",
+                                     "set",    "pixmap", "iconset", "url"};
+  const auto text = [&] { return kTexts[choices.Below(static_cast<int>(kTexts.size()))]; };
+  switch (choices.Below(10)) {
+    case 0:
+      return QStringLiteral("<rect><x>%1</x><y>0</y><width>%2</width><height>50</height></rect>")
+          .arg(kTexts[choices.Below(10)], kTexts[choices.Below(10)]);
+    case 1:
+      return QStringLiteral("<stringlist><string>%1</string><string>%2</string></stringlist>")
+          .arg(text().toHtmlEscaped(), text().toHtmlEscaped());
+    case 2:
+      return QStringLiteral("<iconset theme=\"%1\">%2<normaloff>%3</normaloff></iconset>")
+          .arg(kTexts[choices.Below(20)], text().toHtmlEscaped(), text().toHtmlEscaped());
+    case 3:
+      return QStringLiteral("<font><family>%1</family><pointsize>%2</pointsize></font>")
+          .arg(text().toHtmlEscaped(), kTexts[choices.Below(10)]);
+    default:
+      break;
   }
-  if (shape == 1) {
-    return QStringLiteral("<stringlist><string>%1</string><string>%2</string></stringlist>")
-        .arg(kTexts[13 + choices.Below(3)], kTexts[13 + choices.Below(3)]);
-  }
-  const QString text = shape == 2 ? choices.Bytes(choices.Below(40))
-                                  : kTexts[choices.Below(static_cast<int>(kTexts.size()))];
+  const QString content = choices.Below(8) == 0 ? choices.Bytes(choices.Below(40)) : text();
   const QString kind = kKinds[choices.Below(static_cast<int>(kKinds.size()))];
-  return QStringLiteral("<%1>%2</%1>").arg(kind, text.toHtmlEscaped());
+  return QStringLiteral("<%1>%2</%1>").arg(kind, content.toHtmlEscaped());
+}
+
+QString Properties(TChoices& choices, const QString& className, const char* element) {
+  const QStringList& names = PropertyNames(className);
+  QString text;
+  for (int count = choices.Below(8); count > 0; --count) {
+    text += QStringLiteral(" <%1 name=\"%2\">%3</%1>\n")
+                .arg(element, names[choices.Below(static_cast<int>(names.size()))], Value(choices));
+  }
+  return text;
+}
+
+/// Rows, columns and items of a list, a tree or a table.
+QString Items(TChoices& choices) {
+  static const QStringList kElements = {"item", "row", "column"};
+  QString text;
+  for (int count = choices.Below(4); count > 0; --count) {
+    const QString& element = kElements[choices.Below(3)];
+    text += QStringLiteral("<%1 row=\"%2\" column=\"%3\">%4</%1>\n")
+                .arg(element)
+                .arg(choices.Below(3))
+                .arg(choices.Below(3))
+                .arg(Properties(choices, "QLabel", "property"));
+  }
+  return text;
+}
+
+QString Connection(TChoices& choices) {
+  static const QStringList kSignals = {"clicked()",
+                                       "toggled(bool)",
+                                       "valueChanged(int)",
+                                       "OnStatusText(QString)",
+                                       "OnChange(QObject*)",
+                                       "OnActiveChanged(QObject*)",
+                                       "textChanged(QString)",
+                                       "destroyed()"};
+  static const QStringList kSlots = {"setValue(int)",    "toggle()",      "setText(QString)",
+                                     "ResetChannel()",   "Open()",        "Close()",
+                                     "SetActive(bool)",  "deleteLater()", "Reset()",
+                                     "setEnabled(bool)", "display(int)",  "close()"};
+  const QString sender = QChar('a' + choices.Below(4));
+  const QString signal = kSignals[choices.Below(static_cast<int>(kSignals.size()))];
+  const QString receiver = QChar('a' + choices.Below(4));
+  return QStringLiteral(
+             "<connection><sender>%1</sender><signal>%2</signal><receiver>%3</receiver>"
+             "<slot>%4</slot></connection>\n")
+      .arg(sender, signal, receiver, kSlots[choices.Below(static_cast<int>(kSlots.size()))]);
 }
 
 /// A form that the bytes choose from the classes and properties that there are.
 QString ChosenForm(TChoices& choices) {
+  static const QStringList kPlain = {"QLabel",       "QSpinBox",    "QListWidget",  "QTreeWidget",
+                                     "QTableWidget", "QTextEdit",   "QTextBrowser", "QTabWidget",
+                                     "QSlider",      "QPushButton", "QComboBox",    "QCheckBox",
+                                     "QLCDNumber",   "QQuickWidget"};
   QString form = QStringLiteral("<ui><widget class=\"QWidget\" name=\"Panel\">\n");
   const auto classes = ComponentClasses();
+  const int count = static_cast<int>(classes.size() + static_cast<std::size_t>(kPlain.size()));
   for (int i = 0; i < 6 && !choices.AtEnd(); ++i) {
-    const auto& component =
-        classes[static_cast<std::size_t>(choices.Below(static_cast<int>(classes.size())))];
+    const int choice = choices.Below(count);
+    const QString className = choice < kPlain.size()
+                                  ? kPlain[choice]
+                                  : classes[static_cast<std::size_t>(choice - kPlain.size())].Name;
     form += QStringLiteral("<widget class=\"%1\" name=\"%2\">\n")
-                .arg(component.Name, QChar('a' + choices.Below(4)));
-    const QStringList& names = PropertyNames(component);
-    for (int p = choices.Below(8); p > 0; --p) {
-      form += QStringLiteral(" <property name=\"%1\">%2</property>\n")
-                  .arg(names[choices.Below(static_cast<int>(names.size()))], Value(choices));
-    }
+                .arg(className, QChar('a' + choices.Below(4)));
+    form += Properties(choices, className, "property");
+    if (choice < kPlain.size())
+      form += Properties(choices, className, "attribute") + Items(choices);
     form += QStringLiteral("</widget>\n");
   }
-  return form + QStringLiteral("</widget></ui>\n");
+  form += QStringLiteral("</widget><connections>\n");
+  for (int i = choices.Below(5); i > 0; --i) form += Connection(choices);
+  return form + QStringLiteral("</connections></ui>\n");
 }
 
 void Require(bool holds) {
@@ -121,10 +224,13 @@ void CheckPlaces(const TFormFile& form) {
   }
 }
 
-bool ReachesOut(const TFormFile& form) {
+/// Whether a name leads out of the scratch folder, or to another computer.
+bool LeavesScratch(const TFormFile& form) {
   for (const auto& widget : form.Widgets()) {
     for (const auto& property : widget.Properties) {
-      if (ReachesOut(property.Name)) return true;
+      if (!ReachesOut(property.Name)) continue;
+      const QString value = property.Value.Text + property.Value.Items.join(' ');
+      if (value.contains('/') || value.contains("..")) return true;
     }
   }
   return false;
@@ -132,7 +238,7 @@ bool ReachesOut(const TFormFile& form) {
 
 /// Empty for a text that is no form.
 QString SavedAgain(const QString& text) {
-  const auto panel = TPanel::FromText(text, "fuzz.ui", nullptr);
+  const auto panel = TPanel::FromText(text, Scratch() + "/fuzz.ui", nullptr);
   return panel ? panel->Text() : QString();
 }
 
@@ -149,6 +255,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   static const auto quiet =
       qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   Q_UNUSED(quiet)
+  // What is meant from the current folder stays in it, too.
+  static const bool moved = QDir::setCurrent(Scratch());
+  Q_UNUSED(moved)
 
   TChoices choices(bytes, size);
   const QString text = choices.Below(4) == 0
@@ -158,7 +267,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   TFormFile form;
   if (!form.Parse(text, nullptr)) return 0;
   CheckPlaces(form);
-  if (ReachesOut(form)) return 0;
+  if (LeavesScratch(form)) return 0;
   QString saved = SavedAgain(text);
   if (saved.isEmpty()) return 0;
   // A property that follows another one may move once more.

@@ -72,6 +72,7 @@ QWidget* TPortDialog::DeviceGroup() {
   for (int i = 1; i <= 16; ++i) ports << QStringLiteral("COM%1").arg(i);
   portNum_ = AddChoice(form, "PortNum", tr("Port"), ports);
   device_ = new QLabel;
+  device_->setTextFormat(Qt::PlainText);
   device_->setObjectName(QStringLiteral("Device"));
   device_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   form->addRow(QString(), device_);
@@ -132,6 +133,7 @@ QLayout* TPortDialog::TestRow() {
   testResult_ = new QLabel(port_->GetConnected() ? tr("The port is open.") : QString());
   testResult_->setObjectName(QStringLiteral("TestResult"));
   testResult_->setWordWrap(true);
+  testResult_->setTextFormat(Qt::PlainText);
   row->addWidget(test);
   row->addWidget(testResult_, 1);
   return row;

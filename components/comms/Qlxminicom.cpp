@@ -108,6 +108,7 @@ QLayout* TQLXMiniCom::SwitchRow() {
   clear->setAutoDefault(false);
   state_ = new QLabel;
   state_->setObjectName(QStringLiteral("State"));
+  state_->setTextFormat(Qt::PlainText);
 
   connect(open_, &QPushButton::clicked, this, [this](bool on) {
     if (port_) port_->SetConnected(on);

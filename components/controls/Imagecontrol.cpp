@@ -1,8 +1,5 @@
 #include "components/controls/Imagecontrol.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QImageReader>
 #include <QPainter>
 #include <QTextOption>
 #include <algorithm>
@@ -11,48 +8,19 @@
 
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
+#include "components/controls/Picturefile.h"
 #include "components/links/Outside.h"
 
 namespace {
 
 constexpr QSize kDefaultSize(81, 81);
 
-/// A vector file can draw without end; only pictures made of pixels are taken.
-bool IsVector(const QByteArray& format) { return format.startsWith("svg") || format == "pdf"; }
-
 /// Reads the picture of a file; a null one and why.
 QImage ReadPicture(const QString& fileName, QString* fault) {
-  const auto refuse = [&](const QString& why) {
-    *fault = QStringLiteral("Cannot read %1: %2").arg(fileName, why);
-    return QImage();
-  };
-  const QFileInfo info(fileName);
-  if (!info.exists()) return refuse(QStringLiteral("there is no such file"));
-  if (!info.isFile()) return refuse(QStringLiteral("it is no file"));
-  if (info.size() > TCustomImageControl::kMaxFileSize) {
-    return refuse(QStringLiteral("the file is larger than %1 MiB")
-                      .arg(TCustomImageControl::kMaxFileSize >> 20));
-  }
-  QFile file(fileName);
-  if (!file.open(QIODevice::ReadOnly)) return refuse(file.errorString());
-  QImageReader reader(&file);
-  reader.setDecideFormatFromContent(true);
-  reader.setAutoTransform(true);
-  if (!reader.canRead() || IsVector(reader.format())) {
-    return refuse(QStringLiteral("it is no picture of a known format"));
-  }
-  const QSize size = reader.size();
-  if (qint64{size.width()} * size.height() > TCustomImageControl::kMaxPixels) {
-    return refuse(
-        QStringLiteral("%1 x %2 pixels are too many").arg(size.width()).arg(size.height()));
-  }
-  QImage image = reader.read();
-  if (image.isNull()) return refuse(reader.errorString());
-  constexpr int kMaxSide = TCustomImageControl::kMaxSide;
-  if (std::max(image.width(), image.height()) > kMaxSide) {
-    image = image.scaled(kMaxSide, kMaxSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-  }
-  return image;
+  QString why;
+  QImage picture = ReadPictureFile(fileName, &why);
+  if (picture.isNull()) *fault = QStringLiteral("Cannot read %1: %2").arg(fileName, why);
+  return picture;
 }
 
 /// The picture without the pixels that have the colour of its lower left corner.
@@ -164,7 +132,7 @@ void TCustomImageControl::DrawPicture(QPainter& painter) {
   const double ratio = painter.device()->devicePixelRatioF();
   const QRectF place = PictureRect();
   const QSize pixels = (place.size() * ratio).toSize().expandedTo(QSize(1, 1));
-  if (qint64{pixels.width()} * pixels.height() > kMaxPixels / 2) {
+  if (qint64{pixels.width()} * pixels.height() > kMaxPicturePixels / 2) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(place, shown_);
     return;

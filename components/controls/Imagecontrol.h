@@ -12,12 +12,6 @@ class TCustomImageControl : public TComponentControl {
   Q_OBJECT
 
  public:
-  /// Limits that keep a file from exhausting the program.
-  static constexpr qint64 kMaxFileSize = 256 << 20;
-  static constexpr qint64 kMaxPixels = 64'000'000;
-  /// Larger pictures are kept at this width or height.
-  static constexpr int kMaxSide = 4096;
-
   /// How the picture fills the control.
   enum TImageFit : int {
     ifFit,      ///< as large as possible, in its proportions

@@ -33,6 +33,7 @@ QString Plain(double value) { return QString::number(value, 'g', 10); }
 TValueEdit::TValueEdit(QWidget* parent)
     : QAbstractSpinBox(parent), unitsLabel_(new QLabel(lineEdit())) {
   unitsLabel_->setAttribute(Qt::WA_TransparentForMouseEvents);
+  unitsLabel_->setTextFormat(Qt::PlainText);
   unitsLabel_->hide();
   auto* layout = new QHBoxLayout(lineEdit());
   layout->setContentsMargins(0, 0, kGap, 0);

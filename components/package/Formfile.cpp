@@ -9,14 +9,20 @@ namespace {
 /// Walks through the elements of a form and notes the widgets.
 class TFormParser {
  public:
-  TFormParser(const QString& text, std::vector<TFormFile::TWidget>& widgets,
-              std::vector<TFormFile::TOversized>& oversized,
-              std::vector<TFormFile::TConnection>& connections)
+  /// Where what is found goes.
+  struct TFound {
+    std::vector<TFormFile::TWidget>& widgets;
+    std::vector<TFormFile::TLayout>& layouts;
+    std::vector<TFormFile::TOtherProperty>& others;
+    std::vector<TFormFile::TConnection>& connections;
+  };
+  TFormParser(const QString& text, const TFound& found)
       : text_(text),
         reader_(text),
-        widgets_(widgets),
-        oversized_(oversized),
-        connections_(connections) {}
+        widgets_(found.widgets),
+        layouts_(found.layouts),
+        others_(found.others),
+        connections_(found.connections) {}
 
   /// Empty if the text is a form.
   QString Parse();
@@ -24,23 +30,19 @@ class TFormParser {
  private:
   struct TElement {
     int widget = -1;  ///< index of the widget that this element is
-    QString owner{};  ///< for a widget, a layout or a spacer, which have properties
-  };
-  /// Of a rectangle or a size.
-  struct TExtent {
-    qint64 largest = 0;  ///< absolute value of a number in it
-    qint64 width = 0;
-    qint64 height = 0;
+    QString owner{};  ///< of the properties in it
+    int rows = 0;     ///< that it holds as a table
+    int columns = 0;
   };
 
   void Start();
   void StartWidget();
-  void ReadProperty();
-  void ReadValue(TFormValue& value, TExtent& extent);
-  void ReadExtent(TExtent& extent);
+  void CheckItem();
+  void End();
+  void ReadProperty(bool isAttribute);
+  void ReadValue(TFormFile::TProperty& property);
   void ReadConnection();
   QString ReadColor();
-  bool IsOversized(const TFormFile::TProperty& property, const TExtent& extent);
   qsizetype TagBegin() const;
   QString OwnerText() const;
   void Fail(const QString& what) { FailAt(reader_.lineNumber(), what); }
@@ -51,10 +53,12 @@ class TFormParser {
   const QString& text_;
   QXmlStreamReader reader_;
   std::vector<TFormFile::TWidget>& widgets_;
-  std::vector<TFormFile::TOversized>& oversized_;
+  std::vector<TFormFile::TLayout>& layouts_;
+  std::vector<TFormFile::TOtherProperty>& others_;
   std::vector<TFormFile::TConnection>& connections_;
   std::vector<TElement> open_;
-  qint64 area_ = 0;
+  int items_ = 0;
+  qint64 cells_ = 0;
   bool isForm_ = false;
   QString fault_;
 };
@@ -103,7 +107,7 @@ QString TFormParser::Parse() {
         Start();
         break;
       case QXmlStreamReader::EndElement:
-        if (!open_.empty()) open_.pop_back();
+        End();
         break;
       case QXmlStreamReader::DTD:
         Fail(QStringLiteral("a form has no document type definition"));
@@ -140,20 +144,69 @@ QString TFormParser::ReadColor() {
   return isColor ? QColor::fromRgba(color).name(QColor::HexArgb) : QString();
 }
 
+/// The toolkit takes other cases for the same name.
+bool IsElementName(QStringView name) {
+  return std::ranges::all_of(name, [](QChar c) { return c >= u'a' && c <= u'z'; });
+}
+
 void TFormParser::Start() {
+  const auto name = reader_.name();
   if (open_.empty() && !isForm_) {
-    isForm_ = reader_.name() == QLatin1String("ui");
+    isForm_ = name == QLatin1String("ui");
     if (!isForm_) Fail(QStringLiteral("this is no form file"));
   }
   if (open_.size() >= TFormFile::kMaxDepth) return Fail(QStringLiteral("it is nested too deep"));
-  const auto name = reader_.name();
+  if (!IsElementName(name)) return Fail(QStringLiteral("'%1' is no element of a form").arg(name));
   if (name == QLatin1String("widget")) return StartWidget();
-  if (name == QLatin1String("property") && !open_.empty() && !open_.back().owner.isEmpty()) {
-    return ReadProperty();
-  }
+  if (name == QLatin1String("property")) return ReadProperty(false);
+  if (name == QLatin1String("attribute")) return ReadProperty(true);
   if (name == QLatin1String("connection")) return ReadConnection();
-  const bool hasProperties = name == QLatin1String("layout") || name == QLatin1String("spacer");
-  open_.push_back({-1, hasProperties ? OwnerText() : QString()});
+  CheckItem();
+  if (name == QLatin1String("layout")) {
+    layouts_.push_back({reader_.attributes().value(QLatin1String("class")).toString(),
+                        reader_.attributes().value(QLatin1String("name")).toString(),
+                        static_cast<int>(reader_.lineNumber())});
+  }
+  open_.push_back({-1, OwnerText()});
+}
+
+/// Places, spans and stretches are attributes of elements.
+void TFormParser::CheckItem() {
+  static const char* const kNames[] = {
+      "row",           "column",  "rowspan", "colspan",          "stretch",           "rowstretch",
+      "columnstretch", "spacing", "margin",  "rowminimumheight", "columnminimumwidth"};
+  for (const char* name : kNames) {
+    const auto numbers = reader_.attributes().value(QLatin1String(name));
+    for (const QStringView number : numbers.split(',')) {
+      if (std::abs(qint64{number.trimmed().toInt()}) > TFormFile::kMaxInRow) {
+        return Fail(QStringLiteral("%1 %2 is too large").arg(QLatin1String(name), number));
+      }
+    }
+  }
+  const auto name = reader_.name();
+  if (name == QLatin1String("item") && ++items_ > TFormFile::kMaxItems) Fail("too many items");
+  if (open_.empty()) return;
+  if (name == QLatin1String("row")) ++open_.back().rows;
+  if (name == QLatin1String("column")) ++open_.back().columns;
+}
+
+/// Of the element that has just been read.
+void TFormParser::End() {
+  if (open_.empty()) return;
+  const TElement element = open_.back();
+  open_.pop_back();
+  if (element.widget < 0) return;
+  qint64 rows = element.rows;
+  qint64 columns = element.columns;
+  for (const auto& property : widgets_[static_cast<std::size_t>(element.widget)].Properties) {
+    const qint64 number = property.Value.Text.trimmed().toInt();
+    if (property.Name == QLatin1String("rowCount")) rows = std::max(rows, number);
+    if (property.Name == QLatin1String("columnCount")) columns = std::max(columns, number);
+  }
+  cells_ += rows * columns;
+  if (std::max(rows, columns) > TFormFile::kMaxCells || cells_ > TFormFile::kMaxCells) {
+    Fail(QStringLiteral("%1: the table has too many cells").arg(element.owner));
+  }
 }
 
 QString TFormParser::OwnerText() const {
@@ -176,69 +229,63 @@ void TFormParser::StartWidget() {
 }
 
 /// Reads to the end of the element.
-void TFormParser::ReadProperty() {
+void TFormParser::ReadProperty(bool isAttribute) {
   TFormFile::TProperty property;
-  TExtent extent;
   property.Begin = TagBegin();
   property.Line = static_cast<int>(reader_.lineNumber());
   property.Name = reader_.attributes().value(QLatin1String("name")).toString();
+  property.IsAttribute = isAttribute;
   property.IsDynamic = reader_.attributes().value(QLatin1String("stdset")) == QLatin1String("0");
-  while (reader_.readNextStartElement()) {
+  while (fault_.isEmpty() && reader_.readNextStartElement()) {
     property.Value = {reader_.name().toString(), {}, {}};
-    ReadValue(property.Value, extent);
+    property.Theme = reader_.attributes().value(QLatin1String("theme")).toString();
+    ++property.ValueCount;
+    ReadValue(property);
   }
   property.End = static_cast<qsizetype>(reader_.characterOffset());
+  if (open_.empty()) return Fail(QStringLiteral("a property of nothing"));
   const TElement& owner = open_.back();
-  if (IsOversized(property, extent)) {
-    oversized_.push_back({owner.owner, std::move(property)});
-  } else if (owner.widget >= 0) {
+  if (isAttribute || owner.widget < 0) {
+    others_.push_back({owner.owner, std::move(property)});
+  } else {
     widgets_[static_cast<std::size_t>(owner.widget)].Properties.push_back(std::move(property));
   }
 }
 
-/// A colour becomes "#aarrggbb"; of other values that are made of elements, such as a rectangle,
-/// only the kind is known.
-void TFormParser::ReadValue(TFormValue& value, TExtent& extent) {
+/// A colour becomes "#aarrggbb"; other values that are made of elements, such as a rectangle, are
+/// known by their parts.
+void TFormParser::ReadValue(TFormFile::TProperty& property) {
+  TFormValue& value = property.Value;
+  if (!IsElementName(value.Kind)) {
+    return Fail(QStringLiteral("'%1' is no element of a form").arg(value.Kind));
+  }
   if (value.Kind == QLatin1String("color")) {
     value.Text = ReadColor();
     return;
   }
-  const bool isList = value.Kind == QLatin1String("stringlist");
-  const bool isExtent = value.Kind == QLatin1String("rect") || value.Kind == QLatin1String("size");
+  const std::size_t first = property.Parts.size();
   int depth = 1;
-  while (depth > 0 && !reader_.atEnd()) {
+  while (depth > 0 && fault_.isEmpty() && !reader_.atEnd()) {
     const auto token = reader_.readNext();
-    if (token == QXmlStreamReader::Characters && depth == 1 && !isList) {
+    if (token == QXmlStreamReader::Characters && depth == 1) {
       value.Text += reader_.text();
+    } else if (token == QXmlStreamReader::Characters) {
+      property.Parts.back().Text += reader_.text();
     } else if (token == QXmlStreamReader::EndElement) {
       --depth;
-    } else if (token == QXmlStreamReader::StartElement && isList) {
-      value.Items.append(reader_.readElementText());
-    } else if (token == QXmlStreamReader::StartElement && isExtent) {
-      ReadExtent(extent);
     } else if (token == QXmlStreamReader::StartElement) {
       ++depth;
+      property.Parts.push_back({reader_.name().toString(), {}});
+      if (!IsElementName(reader_.name())) {
+        Fail(QStringLiteral("'%1' is no element of a form").arg(reader_.name()));
+      }
     }
   }
-}
-
-void TFormParser::ReadExtent(TExtent& extent) {
-  const QString name = reader_.name().toString();
-  const qint64 number = std::abs(qint64{reader_.readElementText().toInt()});
-  extent.largest = std::max(extent.largest, number);
-  if (name == QLatin1String("width")) extent.width = number;
-  if (name == QLatin1String("height")) extent.height = number;
-}
-
-bool TFormParser::IsOversized(const TFormFile::TProperty& property, const TExtent& extent) {
-  if (property.Name == QLatin1String("maximumSize")) return false;
-  qint64 largest = extent.largest;
-  // The margins and the spacing of a layout.
-  const bool isPixels = open_.back().widget < 0 && property.Value.Kind == QLatin1String("number");
-  if (isPixels) largest = std::abs(qint64{property.Value.Text.toInt()});
-  if (largest > TFormFile::kMaxPixels) return true;
-  area_ += extent.width * extent.height;
-  return area_ > TFormFile::kMaxArea;
+  if (value.Kind != QLatin1String("stringlist")) return;
+  value.Text.clear();
+  for (std::size_t i = first; i < property.Parts.size(); ++i) {
+    value.Items.append(property.Parts[i].Text);
+  }
 }
 
 /// Reads to the end of the element.
@@ -330,24 +377,37 @@ QString IndentOf(const QString& text, qsizetype tagEnd) {
 bool TFormFile::Parse(const QString& text, QString* error) {
   text_ = text;
   widgets_.clear();
-  oversized_.clear();
+  layouts_.clear();
+  others_.clear();
   connections_.clear();
-  const QString fault = TFormParser(text_, widgets_, oversized_, connections_).Parse();
+  const QString fault = TFormParser(text_, {widgets_, layouts_, others_, connections_}).Parse();
   if (!fault.isEmpty() && error) *error = fault;
   return fault.isEmpty();
 }
 
-QString TFormFile::Without(
-    const std::function<bool(const TWidget&, const TProperty&)>& drop) const {
+QString TFormFile::Loadable(const TReplacements& replacements) const {
   std::vector<TEdit> edits;
-  for (const TOversized& one : oversized_) edits.push_back(CutOut(text_, one.Property));
-  for (const TWidget& widget : widgets_) {
-    for (const TProperty& property : widget.Properties) {
-      if (drop(widget, property)) edits.push_back(CutOut(text_, property));
-    }
+  for (const auto& [property, text] : replacements) {
+    edits.push_back(text.isEmpty() ? CutOut(text_, *property)
+                                   : TEdit{property->Begin, property->End, text});
   }
   for (const TConnection& connection : connections_) edits.push_back(CutOut(text_, connection));
   return Apply(text_, std::move(edits));
+}
+
+QString TFormFile::ElementWith(const TProperty& property, const QString& text,
+                               const std::vector<TPart>& parts) {
+  QString inner = Escaped(text);
+  for (const TPart& part : parts) {
+    inner += QStringLiteral("<%1>%2</%1>").arg(part.Name, Escaped(part.Text));
+  }
+  const QString& kind = property.Value.Kind;
+  const QString theme = property.Theme.isEmpty()
+                            ? QString()
+                            : QStringLiteral(" theme=\"%1\"").arg(Escaped(property.Theme));
+  return QStringLiteral("<%1 name=\"%2\"%3><%4%5>%6</%4></%1>")
+      .arg(property.IsAttribute ? "attribute" : "property", Escaped(property.Name),
+           property.IsDynamic ? QStringLiteral(" stdset=\"0\"") : QString(), kind, theme, inner);
 }
 
 QString TFormFile::Replaced(const std::function<bool(const TWidget&, const TProperty&)>& drop,

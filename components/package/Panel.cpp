@@ -1,154 +1,48 @@
 #include "components/package/Panel.h"
 
 #include <QBuffer>
-#include <QDir>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QLabel>
-#include <QMetaMethod>
-#include <QRegularExpression>
 #include <QSaveFile>
-#include <QUiLoader>
+#include <QSlider>
 #include <map>
 
 #include "components/controls/Korvaltools.h"
 #include "components/links/Compclasses.h"
+#include "components/package/Formchecks.h"
+#include "components/package/Formloader.h"
+#include "components/package/Formwidgets.h"
+#include "model/Message.h"
+#include "model/Ordinaryfile.h"
 
 namespace {
 
 constexpr qint64 kMaxFileSize = 64 << 20;
 constexpr qsizetype kMaxFaults = 1000;  ///< told of one file
 
-/// Makes the widgets of a form: the toolkit's, the components, and placeholders for the rest.
-class TFormLoader : public QUiLoader {
- public:
-  TFormLoader() : known_(availableWidgets()) {}
-
-  bool Knows(const QString& className) const {
-    return known_.contains(className) || FindComponentClass(className);
-  }
-
-  /// Null for a class that is not known.
-  const QMetaObject* MetaOf(const QString& className) {
-    if (const TComponentClass* component = FindComponentClass(className)) return component->Meta;
-    const auto found = metas_.constFind(className);
-    if (found != metas_.cend()) return *found;
-    const std::unique_ptr<QWidget> sample(
-        known_.contains(className) ? QUiLoader::createWidget(className, nullptr, {}) : nullptr);
-    return *metas_.insert(className, sample ? sample->metaObject() : nullptr);
-  }
-
-  QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override {
-    if (const TComponentClass* component = FindComponentClass(className)) {
-      QWidget* made = component->Make(parent);
-      made->setObjectName(name);
-      component->BeginLoading(made);
-      made_.push_back({made, component});
-      first_.emplace(TKey(name, component), made);
-      return made;
-    }
-    if (known_.contains(className)) return QUiLoader::createWidget(className, parent, name);
-    auto* placeholder = new QLabel('?' + className, parent);
-    placeholder->setObjectName(name);
-    placeholder->setFrameShape(QFrame::Box);
-    placeholder->setAlignment(Qt::AlignCenter);
-    return placeholder;
-  }
-
-  struct TMade {
-    QPointer<QWidget> Component;
-    const TComponentClass* Class;
-  };
-  const std::vector<TMade>& Made() const { return made_; }
-
-  /// The first component that was made with this name and class.
-  QWidget* Find(const QString& name, const TComponentClass* component) const {
-    const auto found = first_.find({name, component});
-    return found == first_.end() ? nullptr : found->second.data();
-  }
-
- private:
-  using TKey = std::pair<QString, const TComponentClass*>;
-
-  const QStringList known_;
-  QHash<QString, const QMetaObject*> metas_;
-  std::vector<TMade> made_;
-  std::map<TKey, QPointer<QWidget>> first_;
-};
-
-/// The files whose pictures a rich text or a style sheet shows.
-QStringList PicturesIn(const QString& text) {
-  static const QRegularExpression picture(
-      R"((?:url\s*\(|src\s*=)\s*["']?\s*(?:file://)?([^"')>\s]+))",
-      QRegularExpression::CaseInsensitiveOption);
-  QStringList names;
-  for (auto found = picture.globalMatch(text); found.hasNext();) names << found.next().captured(1);
-  return names;
+QString ConnectionText(const TFormFile::TConnection& connection, const QString& what) {
+  return QStringLiteral("connection from %1 to %2: %3")
+      .arg(connection.Sender, connection.Receiver, what);
 }
 
-/// The first file with a picture for the property that may have no end, such as a pipe.
-QString EndlessPicture(const TFormFile::TProperty& property, const QDir& folder) {
-  const QString& kind = property.Value.Kind;
-  const bool isPicture = kind == QLatin1String("pixmap") || kind == QLatin1String("iconset");
-  const QStringList names =
-      isPicture ? QStringList(property.Value.Text.trimmed()) : PicturesIn(property.Value.Text);
-  for (const QString& name : names) {
-    for (const QDir& from : {folder, QDir::current()}) {
-      const QFileInfo picture(from, name);
-      if (picture.exists() && !picture.isFile() && !picture.isDir()) return name;
-    }
-  }
-  return {};
+const QString kCircle = QStringLiteral("it leads back to where it began, and is taken out");
+
+/// Not from within a chain of signals: the user may take long to answer.
+void ShowLater(const QString& text) {
+  QMetaObject::invokeMethod(
+      qApp, [text] { ShowMessage(text); }, Qt::QueuedConnection);
 }
 
-/// What is wrong with the value of a property of the toolkit's own: its form loader would set
-/// something else without a word, or wait for a picture from a pipe. Empty if nothing is.
-QString WrongValue(const QMetaObject& meta, const TFormFile::TProperty& property,
-                   const QDir& folder) {
-  const QMetaProperty published =
-      meta.property(meta.indexOfProperty(property.Name.toLatin1().constData()));
-  if (!published.isValid()) return {};
-  const int type = published.typeId();
-  const QString& kind = property.Value.Kind;
-  const QString endless = EndlessPicture(property, folder);
-  if (!endless.isEmpty()) return QStringLiteral("'%1' is no file").arg(endless);
-  if ((type == QMetaType::QRect && kind != QLatin1String("rect")) ||
-      (type == QMetaType::QSize && kind != QLatin1String("size"))) {
-    return QStringLiteral("a %1 is not a %2").arg(kind, QLatin1String(published.typeName()));
-  }
-  const bool isPlain = published.isEnumType() || type == QMetaType::Bool ||
-                       type == QMetaType::Int || type == QMetaType::Double;
-  QString reason;
-  if (isPlain) (void)ReadFormValue({property.Name, nullptr, published}, property.Value, &reason);
-  return reason;
-}
-
-/// Empty, or why it cannot be made.
-QString Connect(QObject* sender, QObject* receiver, const TFormFile::TConnection& wanted) {
-  if (!sender || !receiver) {
-    return QStringLiteral("there is no object %1").arg(sender ? wanted.Receiver : wanted.Sender);
-  }
-  const auto normalized = [](const QString& signature) {
-    return QMetaObject::normalizedSignature(signature.toLatin1().constData());
-  };
-  const QMetaObject& from = *sender->metaObject();
-  const QMetaObject& to = *receiver->metaObject();
-  const QMetaMethod signal = from.method(from.indexOfSignal(normalized(wanted.Signal)));
-  const QMetaMethod slot = to.method(to.indexOfMethod(normalized(wanted.Slot)));
-  const auto lacks = [](const QMetaObject& meta, const char* what, const QString& name) {
-    return QStringLiteral("%1 has no %2 %3").arg(meta.className(), what, name);
-  };
-  if (!signal.isValid()) return lacks(from, "signal", wanted.Signal);
-  const bool isSlot = slot.methodType() == QMetaMethod::Slot;
-  if (!slot.isValid() || !(isSlot || slot.methodType() == QMetaMethod::Signal)) {
-    return lacks(to, "slot", wanted.Slot);
-  }
-  if (!QMetaObject::checkConnectArgs(signal, slot)) {
-    return QStringLiteral("%1 does not fit %2").arg(wanted.Slot, wanted.Signal);
-  }
-  QObject::connect(sender, signal, receiver, slot);
-  return {};
+/// Drawing the marks of a slider takes a step for each.
+bool HasTooManyMarks(const QSlider& slider) {
+  constexpr qint64 kMost = 1000;
+  if (slider.tickPosition() == QSlider::NoTicks) return false;
+  const int step = slider.tickInterval() > 0
+                       ? slider.tickInterval()
+                       : std::max(1, std::min(slider.singleStep(), slider.pageStep()));
+  return (qint64{slider.maximum()} - slider.minimum()) / step > kMost;
 }
 
 }  // namespace
@@ -156,7 +50,8 @@ QString Connect(QObject* sender, QObject* receiver, const TFormFile::TConnection
 /// Builds one panel from its form.
 class TPanelReader {
  public:
-  TPanelReader(TPanel& panel, QStringList& faults) : panel_(panel), faults_(faults) {}
+  TPanelReader(TPanel& panel, QStringList& faults)
+      : panel_(panel), faults_(faults), checks_(*panel.pictures_) {}
 
   bool Read();
 
@@ -193,9 +88,11 @@ class TPanelReader {
     return QStringLiteral("%1 (%2)").arg(widget.Name, widget.ClassName);
   }
 
-  void CheckWidgets();
+  bool CheckWidgets();
   void CheckToolkit();
+  void CheckProperty(const QString& owner, const QMetaObject* meta, const TProperty& property);
   bool MakeWidgets();
+  void CheckMarks();
   void MakeConnections();
   void SetProperties();
   void Set(const TWidget& widget, QWidget& component);
@@ -209,19 +106,27 @@ class TPanelReader {
   TPanel& panel_;
   QStringList& faults_;
   qsizetype faultCount_ = 0;
-  TFormLoader loader_;
+  const std::unique_ptr<TFormLoader> loader_ = TFormLoader::Make();
+  TFormChecks checks_;
   std::map<QString, const TWidget*> components_;  ///< by name
-  std::set<const TProperty*> wrong_;              ///< the toolkit's, with wrong values
+  TFormFile::TReplacements replacements_;         ///< of what the toolkit gets
 };
 
 bool TPanelReader::Read() {
-  CheckWidgets();
+  if (!CheckWidgets()) return false;
   CheckToolkit();
   if (!MakeWidgets()) return false;
+  CheckMarks();
   MakeConnections();
   SetProperties();
   Complete();
   OpenCircles();
+  panel_.connections_.OnCircle = [&panel = panel_](const TFormFile::TConnection& connection) {
+    ShowLater(QStringLiteral("%1:%2: %3")
+                  .arg(panel.fileName_)
+                  .arg(connection.Line)
+                  .arg(ConnectionText(connection, kCircle)));
+  };
   if (faultCount_ > kMaxFaults) {
     faults_.append(QStringLiteral("%1: there are %2 faults more")
                        .arg(panel_.fileName_)
@@ -231,34 +136,54 @@ bool TPanelReader::Read() {
 }
 
 void TPanelReader::CheckToolkit() {
-  const QDir folder = QFileInfo(panel_.fileName_).dir();
-  for (const TFormFile::TOversized& one : panel_.form_.Oversized()) {
-    PropertyFault(one.Owner, one.Property, QStringLiteral("it is too large for any screen"));
-  }
   for (const TWidget& widget : panel_.form_.Widgets()) {
-    const QMetaObject* meta = loader_.MetaOf(widget.ClassName);
+    const QMetaObject* meta = loader_->MetaOf(widget.ClassName);
     for (const TProperty& property : widget.Properties) {
-      if (!meta || IsOurs(widget, property)) continue;
-      const QString reason = WrongValue(*meta, property, folder);
-      if (reason.isEmpty()) continue;
-      PropertyFault(NameOf(widget), property, reason);
-      wrong_.insert(&property);
+      if (IsOurs(widget, property)) {
+        replacements_.emplace(&property, QString());
+      } else {
+        CheckProperty(NameOf(widget), meta, property);
+      }
     }
+  }
+  for (const TFormFile::TOtherProperty& other : panel_.form_.Others()) {
+    CheckProperty(other.Owner, nullptr, other.Property);
   }
 }
 
-void TPanelReader::CheckWidgets() {
+void TPanelReader::CheckProperty(const QString& owner, const QMetaObject* meta,
+                                 const TProperty& property) {
+  const TFormChecks::TVerdict verdict = checks_.Check(meta, property);
+  if (!verdict.Why.isEmpty()) PropertyFault(owner, property, verdict.Why);
+  if (!verdict.Why.isEmpty() || !verdict.Text.isEmpty()) {
+    replacements_.emplace(&property, verdict.Text);
+  }
+}
+
+bool TPanelReader::CheckWidgets() {
+  qint64 cost = 0;
   for (const TWidget& widget : panel_.form_.Widgets()) {
-    if (!loader_.Knows(widget.ClassName)) {
+    const TComponentClass* component = FindComponentClass(widget.ClassName);
+    const bool isRoot = &widget == &panel_.form_.Widgets().front();
+    const int plainCost = PlainWidgetCost(widget.ClassName, isRoot);
+    cost += component ? ComponentCost(*component->Meta) : std::max(plainCost, 1);
+    if (!component && plainCost == 0) {
       Fault(widget.Line, QStringLiteral("%1: the class is unknown").arg(NameOf(widget)));
     }
-    if (!FindComponentClass(widget.ClassName)) continue;
+    if (!component) continue;
     if (widget.Name.isEmpty()) {
       Fault(widget.Line, QStringLiteral("%1: the component has no name").arg(NameOf(widget)));
     } else if (!components_.emplace(widget.Name, &widget).second) {
       Fault(widget.Line, QStringLiteral("%1: the name is used twice").arg(NameOf(widget)));
     }
   }
+  for (const TFormFile::TLayout& layout : panel_.form_.Layouts()) {
+    if (IsPlainLayout(layout.ClassName)) continue;
+    Fault(layout.Line,
+          QStringLiteral("%1 (%2): the class is unknown").arg(layout.Name, layout.ClassName));
+  }
+  if (cost > TFormFile::kMaxWidgets) Fault(1, QStringLiteral("too many widgets"));
+  return cost <= TFormFile::kMaxWidgets;
 }
 
 bool TPanelReader::IsOurs(const TWidget& widget, const TProperty& property) {
@@ -270,38 +195,43 @@ bool TPanelReader::IsOurs(const TWidget& widget, const TProperty& property) {
 }
 
 bool TPanelReader::MakeWidgets() {
-  QByteArray text = panel_.form_
-                        .Without([this](const TWidget& widget, const TProperty& property) {
-                          return wrong_.contains(&property) || IsOurs(widget, property);
-                        })
-                        .toUtf8();
+  QByteArray text = panel_.form_.Loadable(replacements_).toUtf8();
   QBuffer buffer(&text);
   buffer.open(QIODevice::ReadOnly);
-  loader_.setWorkingDirectory(QFileInfo(panel_.fileName_).dir());
-  panel_.root_ = loader_.load(&buffer);
+  loader_->SetPictureFolder(panel_.pictures_->Folder());
+  panel_.root_ = loader_->load(&buffer);
   if (!panel_.root_) {
-    Fault(1, loader_.errorString());
+    Fault(1, loader_->errorString());
     return false;
   }
   BeginForm(*panel_.root_, QFileInfo(panel_.fileName_).absolutePath());
   return true;
 }
 
+void TPanelReader::CheckMarks() {
+  for (auto* slider : panel_.root_->findChildren<QSlider*>()) {
+    if (!HasTooManyMarks(*slider)) continue;
+    slider->setTickPosition(QSlider::NoTicks);
+    Fault(1,
+          QStringLiteral("%1 (QSlider): it would have too many marks").arg(slider->objectName()));
+  }
+}
+
 /// The form loader would only mutter about a connection that cannot be made.
 void TPanelReader::MakeConnections() {
   if (panel_.form_.Connections().empty()) return;
+  panel_.connections_.OnCircle = [this](const TFormFile::TConnection& connection) {
+    Fault(connection.Line, ConnectionText(connection, kCircle));
+  };
   QHash<QString, QObject*> objects;
   for (QObject* object : panel_.root_->findChildren<QObject*>()) {
     if (!object->objectName().isEmpty()) objects.insert(object->objectName(), object);
   }
   objects.insert(panel_.root_->objectName(), panel_.root_);
   for (const TFormFile::TConnection& wanted : panel_.form_.Connections()) {
-    const QString fault =
-        Connect(objects.value(wanted.Sender), objects.value(wanted.Receiver), wanted);
-    if (fault.isEmpty()) continue;
-    Fault(
-        wanted.Line,
-        QStringLiteral("connection from %1 to %2: %3").arg(wanted.Sender, wanted.Receiver, fault));
+    const QString fault = panel_.connections_.Connect(objects.value(wanted.Sender),
+                                                      objects.value(wanted.Receiver), wanted);
+    if (!fault.isEmpty()) Fault(wanted.Line, ConnectionText(wanted, fault));
   }
 }
 
@@ -310,7 +240,7 @@ void TPanelReader::SetProperties() {
     const auto found = components_.find(widget.Name);
     if (found == components_.end() || found->second != &widget) continue;
     const TComponentClass* componentClass = FindComponentClass(widget.ClassName);
-    if (QWidget* component = loader_.Find(widget.Name, componentClass)) {
+    if (QWidget* component = loader_->Find(widget.Name, componentClass)) {
       panel_.entries_.push_back({widget.Name, componentClass, component, &widget});
       Set(widget, *component);
     }
@@ -376,7 +306,7 @@ void TPanelReader::Complete() {
     if (entry.Component) entry.Class->Loaded(entry.Component);
   }
   // Those without a name of their own.
-  for (const TFormLoader::TMade& made : loader_.Made()) {
+  for (const TFormLoader::TMade& made : loader_->Made()) {
     if (made.Component && IsLoading(made.Component)) made.Class->Loaded(made.Component);
   }
   TKorvalCompList::OnUnresolved = nullptr;
@@ -503,6 +433,7 @@ std::unique_ptr<TPanel> TPanel::FromText(const QString& text, const QString& fil
   QStringList found;
   std::unique_ptr<TPanel> panel(new TPanel);
   panel->fileName_ = fileName;
+  panel->pictures_ = std::make_unique<TFormPictures>(QFileInfo(fileName).absolutePath());
   QString error;
   bool read = panel->form_.Parse(text, &error);
   if (read) {
@@ -517,8 +448,8 @@ std::unique_ptr<TPanel> TPanel::FromText(const QString& text, const QString& fil
 std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* faults) {
   QFile file(fileName);
   QString error;
-  if (!file.open(QIODevice::ReadOnly)) {
-    error = file.errorString();
+  if (!OpenOrdinaryFile(file, QIODevice::ReadOnly, &error)) {
+    // The reason is told below.
   } else if (file.size() > kMaxFileSize) {
     error = QStringLiteral("it is larger than %1 MiB").arg(kMaxFileSize >> 20);
   } else {

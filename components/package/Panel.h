@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "components/links/Outside.h"
+#include "components/package/Formconnections.h"
 #include "components/package/Formfile.h"
+#include "components/package/Formpictures.h"
 #include "components/package/Registry.h"
 
 /// A panel: the widgets of a form file with the components among them, connected, and running once
@@ -66,6 +68,8 @@ class TPanel {
 
   QString fileName_;
   TFormFile form_;
+  std::unique_ptr<TFormPictures> pictures_;  ///< go after the widgets
+  TFormConnections connections_;
   QPointer<QWidget> root_;
   std::vector<TEntry> entries_;
   std::set<const TFormFile::TProperty*> refused_;  ///< could not be set

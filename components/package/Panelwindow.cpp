@@ -20,6 +20,7 @@
 namespace {
 
 constexpr int kShownFaults = 20;
+constexpr qint64 kMaxPicture = 1 << 25;  ///< pixels
 
 /// False with a sentence if the picture cannot be made or written.
 bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
@@ -27,7 +28,7 @@ bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
   const QSize size = widget.size() * ratio;
   QString reason =
       QStringLiteral("%1 x %2 pixels are too many").arg(size.width()).arg(size.height());
-  if (qint64{size.width()} * size.height() <= TFormFile::kMaxArea) {
+  if (qint64{size.width()} * size.height() <= kMaxPicture) {
     QPixmap picture(size);
     picture.setDevicePixelRatio(ratio);
     picture.fill(widget.palette().color(QPalette::Window));

@@ -78,6 +78,7 @@ QLayout* TMacroEditor::MakeText() {
   font.setStyleHint(QFont::TypeWriter);
   text_->setFont(font);
   error_->setObjectName(QStringLiteral("Error"));
+  error_->setTextFormat(Qt::PlainText);  // it quotes the macro
   value_->setObjectName(QStringLiteral("Value"));
   value_->setAlignment(Qt::AlignRight);
 

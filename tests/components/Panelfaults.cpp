@@ -71,15 +71,6 @@ TEST(Panelfaults, EachIsOneLineAndTheRestWorks) {
       {"<widget class=\"TKorvalGraph\" name=\"g\">\n <property name=\"geometry\"><rect><x>0</x>"
        "<y>0</y><width>2000000000</width><height>10</height></rect></property></widget>",
        "p.ui:6: g (TKorvalGraph): property geometry: it is too large for any screen"},
-      {"<widget class=\"QLabel\" name=\"l\">\n <property name=\"pixmap\"><pixmap>/dev/zero</pixmap>"
-       "</property></widget>",
-       "p.ui:6: l (QLabel): property pixmap: '/dev/zero' is no file"},
-      {"<widget class=\"QLabel\" name=\"l\">\n <property name=\"text\"><string>"
-       "&lt;img src='/dev/zero'&gt;</string></property></widget>",
-       "p.ui:6: l (QLabel): property text: '/dev/zero' is no file"},
-      {"<widget class=\"QLabel\" name=\"l\">\n <property name=\"styleSheet\"><string>"
-       "background-image: url( \"/dev/zero\" )</string></property></widget>",
-       "p.ui:6: l (QLabel): property styleSheet: '/dev/zero' is no file"},
       {"<layout class=\"QVBoxLayout\" name=\"rows\">\n <property name=\"leftMargin\"><number>"
        "-2000000000</number></property></layout>",
        "p.ui:6: rows (QVBoxLayout): property leftMargin: it is too large for any screen"},
