@@ -42,9 +42,11 @@ bool Open(QFile& file, QIODevice::OpenMode mode, QString* why) {
     ::close(handle);
     return RefuseKind(why, S_ISDIR(status.st_mode));
   }
-  if (file.open(handle, mode, QFileDevice::AutoCloseHandle)) return true;
-  ::close(handle);
-  return Refuse(why, file.errorString());
+  if (!file.open(handle, mode, QFileDevice::AutoCloseHandle)) {
+    ::close(handle);
+    return Refuse(why, file.errorString());
+  }
+  return !(mode & QIODevice::Truncate) || file.resize(0) || Refuse(why, file.errorString());
 }
 
 #else
@@ -64,7 +66,5 @@ bool OpenOrdinaryFile(QFile& file, QIODevice::OpenMode mode, QString* why) {
   const QFileInfo info(file.fileName());
   // Even looking at some devices by opening them has an effect.
   if (info.exists() && !info.isFile()) return RefuseKind(why, info.isDir());
-  const bool writes = mode & QIODevice::WriteOnly;
-  if (!writes && !info.exists()) return Refuse(why, QStringLiteral("there is no such file"));
   return Open(file, mode, why);
 }

@@ -12,6 +12,7 @@
 #include "model/Datetime.h"
 #include "model/Ending.h"
 #include "model/Growingfile.h"
+#include "model/Ordinaryfile.h"
 
 namespace {
 
@@ -249,8 +250,8 @@ bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
                            : QStringLiteral("the place is not allowed");
   if (!reason.isEmpty()) return false;
   QFile file(fileName);
-  if (!file.open(kGrowing) && !(QDir().mkpath(settings_.path) && file.open(kGrowing))) {
-    reason = file.errorString();
+  if (!OpenOrdinaryFile(file, kGrowing, &reason) &&
+      !(QDir().mkpath(settings_.path) && OpenOrdinaryFile(file, kGrowing, &reason))) {
     return false;
   }
   if (headers_.size() > kMaxHeaders) headers_.clear();

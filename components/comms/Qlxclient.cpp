@@ -8,6 +8,7 @@
 #include "components/controls/Iconimages.h"
 #include "components/links/Outside.h"
 #include "model/Filesync.h"
+#include "model/Ordinaryfile.h"
 
 namespace {
 
@@ -163,8 +164,9 @@ void TQLXClient::OpenLog(QIODevice::OpenMode mode) {
   if (!MayLogInto(path)) return CannotLog(QStringLiteral("it is being read"));
   auto log = std::make_unique<QFile>(path);
   // Without a buffer nothing is lost in a crash, and a full disk shows at once.
-  if (!log->open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode)) {
-    return CannotLog(log->errorString());
+  QString why;
+  if (!OpenOrdinaryFile(*log, QIODevice::WriteOnly | QIODevice::Unbuffered | mode, &why)) {
+    return CannotLog(why);
   }
   log_ = std::move(log);
 }

@@ -4,6 +4,7 @@
 
 #include "components/comms/Qlxwebdebug.h"
 #include "components/links/Outside.h"
+#include "model/Ordinaryfile.h"
 
 namespace {
 
@@ -142,7 +143,7 @@ void TXMLFileClient::Open() {
   auto file = std::make_unique<QFile>(path);
   // A file that is being logged into would never end.
   if (!info.isFile() || (GetLogging() && !MayLogInto(FormPath(this, GetLogFile()))) ||
-      !file->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+      !OpenOrdinaryFile(*file, QIODevice::ReadOnly | QIODevice::Unbuffered, nullptr)) {
     return SetStatus(QStringLiteral("Error opening file"));
   }
   file_ = std::move(file);

@@ -8,8 +8,7 @@
 #include "components/controls/Picturefile.h"
 #include "components/links/Outside.h"
 
-TFormPictures::TFormPictures(const QString& folder, bool readsAnywhere)
-    : folder_(folder), readsAnywhere_(readsAnywhere) {}
+TFormPictures::TFormPictures(const QString& folder) : folder_(folder) {}
 
 TFormPictures::~TFormPictures() = default;
 
@@ -37,7 +36,7 @@ TFormPictures::TCopy TFormPictures::Copy(const QString& name) {
     return {{}, QStringLiteral("it is no file")};
   }
   const QString path = QDir(folder_).absoluteFilePath(url.isLocalFile() ? url.toLocalFile() : name);
-  if (!readsAnywhere_ && !IsBelow(RealPath(path), RealPath(folder_))) {
+  if (!IsBelow(RealPath(path), RealPath(folder_))) {
     return {{}, QStringLiteral("it lies outside the folder of the panel")};
   }
   QString why;

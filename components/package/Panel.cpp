@@ -9,7 +9,6 @@
 #include <QSlider>
 #include <map>
 
-#include "components/controls/Korvaltools.h"
 #include "components/links/Compclasses.h"
 #include "components/package/Formchecks.h"
 #include "components/package/Formloader.h"

@@ -5,6 +5,7 @@
 #include "components/links/Outside.h"
 #include "model/Datetime.h"
 #include "model/Growingfile.h"
+#include "model/Ordinaryfile.h"
 
 namespace {
 
@@ -123,10 +124,7 @@ bool TDataLogger::OpenFor(double time, QString& reason) {
   if (name != openedFor_) file_.setFileName(NumberedName(name));
   reason = WriteRefusal(this, Wishes(), file_.fileName());
   if (!reason.isEmpty()) return false;
-  if (!file_.open(kGrowing)) {
-    reason = file_.errorString();
-    return false;
-  }
+  if (!OpenOrdinaryFile(file_, kGrowing, &reason)) return false;
   openedFor_ = name;
   return true;
 }

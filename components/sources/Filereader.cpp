@@ -5,19 +5,21 @@
 
 #include "components/links/Outside.h"
 #include "components/sources/Filename.h"
+#include "model/Ordinaryfile.h"
 
 namespace {
 
 /// The file open for reading, or null with the reason in `error`.
 std::unique_ptr<QFile> OpenFile(const TFileReader* reader, const QString& name, QString& error) {
+  constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Unbuffered;
   const QFileInfo info(name);
   auto file = std::make_unique<QFile>(name);
   if (const QString refusal = ReadRefusal(reader, name); !refusal.isEmpty()) {
     error = QStringLiteral("Cannot open %1: %2").arg(name, refusal);
   } else if (info.exists() && !info.isFile()) {
     error = QStringLiteral("Cannot open %1: it is not an ordinary file").arg(name);
-  } else if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-    error = QStringLiteral("Cannot open %1: %2").arg(name, file->errorString());
+  } else if (QString why; !OpenOrdinaryFile(*file, kMode, &why)) {
+    error = QStringLiteral("Cannot open %1: %2").arg(name, why);
   } else {
     return file;
   }

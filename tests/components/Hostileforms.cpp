@@ -71,7 +71,7 @@ TEST(Hostileforms, AreOpenedFromOrdinaryFilesOnly) {
                {folder + "/socket", "it is no file"},
                {folder, "it is a folder"},
                {"/dev/zero", "it is no file"},
-               {folder + "/gone.ui", "there is no such file"}};
+               {folder + "/gone.ui", "No such file or directory"}};
   for (const auto& c : cases) {
     QStringList faults;
     EXPECT_FALSE(TPanel::Load(c.file, &faults));
