@@ -9,10 +9,10 @@ namespace {
 /// A device whose answers take so many ticks.
 struct TLine {
   int latency;
-  TPolling polling;
+  TPolling polling{};
   int now = 0;
   int lose = 0;  ///< answers that are still to be lost
-  std::deque<int> due;
+  std::deque<int> due{};
 
   /// Returns in how many of the ticks the device was asked.
   int Pass(int ticks) {
@@ -44,7 +44,7 @@ TEST(TPolling, IsAsFastAsBeforeAfterLostAnswers) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.latency << " ticks, " << c.lost << " lost");
-    TLine line{c.latency, {}};
+    TLine line{c.latency};
     EXPECT_GE(line.Pass(300), 3 * c.least);
     line.lose = c.lost;
     line.Pass(1 + c.pause);
@@ -54,7 +54,7 @@ TEST(TPolling, IsAsFastAsBeforeAfterLostAnswers) {
 }
 
 TEST(TPolling, AsksASilentDeviceTwiceIn23Ticks) {
-  TLine line{1'000'000, {}};
+  TLine line{1'000'000};
   EXPECT_EQ(line.Pass(2), 2);
   line.due.clear();
   EXPECT_EQ(line.Pass(21), 0);
