@@ -47,27 +47,31 @@ std::size_t TQLXDecoder::Append(std::span<const std::uint8_t> bytes) {
 }
 
 TQLXDecoder::TItem TQLXDecoder::Next() {
-  while (read_ < write_) {
+  const std::size_t first = read_;
+  const TItem item = SkipToItem();
+  if (read_ > first) Skip(read_ - first);
+  // The device has spent a sample's time on each byte that is dropped, too.
+  steps_ += static_cast<double>(read_ - first);
+  if (item == TItem::Nothing) return item;
+  inGap_ = false;
+  if (item == TItem::Marker) {
+    read_ += kMarkerLength;
+    return item;
+  }
+  values_[0] = MarkerTime();
+  ++steps_;
+  DecodeSamples(bytes_.data() + read_ + 1);
+  read_ += std::size_t{1} + packetLength_;
+  return item;
+}
+
+TQLXDecoder::TItem TQLXDecoder::SkipToItem() {
+  for (; read_ < write_; ++read_) {
     const std::uint8_t* const packet = bytes_.data() + read_;
     const std::size_t length = packet[0];
     if (Waiting() < 1 + length) break;
-    if (BeginsMarker(packet)) {
-      read_ += kMarkerLength;
-      inGap_ = false;
-      return TItem::Marker;
-    }
-    // The device has spent a sample's time on a byte that is dropped below, too.
-    values_[0] = MarkerTime();
-    ++steps_;
-    if (length == 0 || length != packetLength_) {
-      ++read_;
-      Skip(1);
-      continue;
-    }
-    DecodeSamples(packet + 1);
-    read_ += 1 + length;
-    inGap_ = false;
-    return TItem::Packet;
+    if (BeginsMarker(packet)) return TItem::Marker;
+    if (length > 0 && length == packetLength_) return TItem::Packet;
   }
   return TItem::Nothing;
 }

@@ -72,6 +72,8 @@ class TQLXDecoder {
  private:
   static constexpr std::size_t kRoom = 4096;  ///< several of the longest packet
 
+  /// Moves to the start of the next item, or to where bytes are missing.
+  TItem SkipToItem();
   void Skip(std::size_t bytes);
   void DecodeSamples(const std::uint8_t* bytes);
 
