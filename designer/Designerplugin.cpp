@@ -14,6 +14,17 @@
 
 namespace {
 
+/// The nearest class below it that Designer knows.
+QString BaseOf(const QMetaObject& component) {
+  const QMetaObject* base = component.superClass();
+  const auto isKnown = [&] {
+    const QString name = QString::fromLatin1(base->className());
+    return name.startsWith('Q') || FindComponentClass(name);
+  };
+  while (!isKnown()) base = base->superClass();
+  return QString::fromLatin1(base->className());
+}
+
 /// One component class as Designer sees it.
 class TDesignerWidget : public QDesignerCustomWidgetInterface {
  public:
@@ -59,8 +70,11 @@ class TDesignerWidget : public QDesignerCustomWidgetInterface {
   QString domXml() const override {
     QString name = class_.Name.mid(1);
     name[0] = name[0].toLower();
-    return QStringLiteral("<ui language=\"c++\"><widget class=\"%1\" name=\"%2\"/></ui>")
-        .arg(class_.Name, name);
+    return QStringLiteral(
+               "<ui language=\"c++\"><widget class=\"%1\" "
+               "name=\"%2\"/><customwidgets><customwidget>"
+               "<class>%1</class><extends>%3</extends></customwidget></customwidgets></ui>")
+        .arg(class_.Name, name, BaseOf(*class_.Meta));
   }
 
  private:

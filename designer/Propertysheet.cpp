@@ -1,10 +1,12 @@
 #include "designer/Propertysheet.h"
 
 #include <QColor>
+#include <QFont>
 #include <QtDesigner/QDesignerDynamicPropertySheetExtension>
 #include <QtDesigner/QDesignerFormEditorInterface>
 #include <QtDesigner/QDesignerPropertyEditorInterface>
 #include <QtDesigner/QExtensionManager>
+#include <utility>
 
 #include "components/package/Registry.h"
 #include "model/Color.h"
@@ -15,13 +17,37 @@ bool IsColor(const TPublished& published) {
   return published.Property.typeId() == qMetaTypeId<TColor>();
 }
 
-/// As a type that Designer can edit. A colour that is not painted is a transparent one.
-QVariant ToDesigner(const TPublished& published) {
-  const QVariant value = published.Property.read(published.Object);
-  if (published.Property.isEnumType()) return WriteFormValue(published).Text;
-  if (!IsColor(published)) return value;
-  const TColor color = value.value<TColor>();
-  return color.IsNone() || color.IsInherited() ? QColor(Qt::transparent) : color.ToQColor();
+/// Designer writes numbers with 15 digits behind the point, and its box shows six.
+bool IsExact(double number) { return QString::number(number, 'f', 6).toDouble() == number; }
+
+/// Designer writes whole points, and not every attribute.
+bool IsExact(const QFont& font) {
+  QFont written(font.family(), font.pointSize());
+  written.setBold(font.bold());
+  written.setItalic(font.italic());
+  written.setUnderline(font.underline());
+  written.setStrikeOut(font.strikeOut());
+  return written.toString() == font.toString();
+}
+
+/// Designer reads no string of blanks.
+bool IsExact(const QString& text) { return text.isEmpty() || !text.trimmed().isEmpty(); }
+
+/// What Designer would not show, read or write as it is goes as the text that forms hold.
+bool NeedsText(const QVariant& value) {
+  switch (value.typeId()) {
+    case QMetaType::Double:
+      return !IsExact(value.toDouble());
+    case QMetaType::QFont:
+      return !IsExact(value.value<QFont>());
+    default:
+      return value.typeId() == qMetaTypeId<TColor>() && value.value<TColor>().IsInherited();
+  }
+}
+
+/// A colour that is not painted is a transparent one.
+QColor ShownColor(TColor color) {
+  return color.IsNone() ? QColor(Qt::transparent) : color.ToQColor();
 }
 
 /// What its properties are shown instead of.
@@ -31,13 +57,23 @@ bool IsSubObject(const QWidget& component, const QString& name) {
   return property.metaType().flags() & QMetaType::PointerToQObject;
 }
 
-QVariant FromDesigner(const TPublished& published, const QVariant& value) {
-  if (published.Property.isEnumType()) {
-    return ReadFormValue(published, {QString(), value.toString(), {}}, nullptr);
+bool IsText(const TPublished& published) {
+  const int type = published.Property.typeId();
+  return type == QMetaType::QString || type == QMetaType::QStringList;
+}
+
+/// Invalid if the property does not take it.
+QVariant FromDesigner(const TPublished& published, QVariant value) {
+  const int type = published.Property.typeId();
+  const bool isText = value.typeId() == QMetaType::QString;
+  if (isText && type != QMetaType::QString) {
+    return ReadFormValue(published, {QStringLiteral("string"), value.toString(), {}}, nullptr);
   }
-  if (!IsColor(published)) return value;
-  const QColor color = value.value<QColor>();
-  return QVariant::fromValue(color.alpha() == 0 ? TColor::None() : TColor::FromQColor(color));
+  if (IsColor(published) && value.typeId() == QMetaType::QColor) {
+    const QColor color = value.value<QColor>();
+    return QVariant::fromValue(color.alpha() == 0 ? TColor::None() : TColor::FromQColor(color));
+  }
+  return value.convert(published.Property.metaType()) ? value : QVariant();
 }
 
 }  // namespace
@@ -48,12 +84,20 @@ TPropertySheet::TPropertySheet(QWidget& component, QDesignerPropertySheetExtensi
   ForEachPublished(component_, [this](const TPublished& published) {
     const QMetaProperty& property = published.Property;
     if (!property.isStored() && !property.isDesignable()) return;
-    TEntry entry{published, WriteFormValue(published)};
-    if (published.Path.contains('.') || IsColor(published)) {
-      extras_.push_back(std::move(entry));
-    } else if (const int index = own_.indexOf(published.Path); index >= 0 && property.isStored()) {
-      ownEntries_.emplace(index, std::move(entry));
+    const bool isOwn = published.Object == &component_;
+    auto* sheet = isOwn ? &own_
+                        : qt_extension<QDesignerPropertySheetExtension*>(core_.extensionManager(),
+                                                                         published.Object);
+    if (!sheet) return;
+    const int index = sheet->indexOf(QString::fromLatin1(property.name()));
+    TEntry entry{published, WriteFormValue(published), sheet, index};
+    if (!isOwn) {
+      extras_.push_back(entry);
+    } else if (property.isStored()) {
+      ownEntries_.emplace(index, entry);
     }
+    entry.isEmptySet = true;
+    if (property.isFlagType() && !entry.initial.Text.isEmpty()) extras_.push_back(entry);
   });
 }
 
@@ -64,11 +108,18 @@ const TPropertySheet::TEntry* TPropertySheet::Extra(int index) const {
              : nullptr;
 }
 
+const TPropertySheet::TEntry* TPropertySheet::Published(int index) const {
+  const auto own = ownEntries_.find(index);
+  return own == ownEntries_.end() ? Extra(index) : &own->second;
+}
+
 int TPropertySheet::count() const { return own_.count() + static_cast<int>(extras_.size()); }
 
 int TPropertySheet::indexOf(const QString& name) const {
   for (std::size_t i = 0; i < extras_.size(); ++i) {
-    if (extras_[i].published.Path == name) return own_.count() + static_cast<int>(i);
+    const TEntry& extra = extras_[i];
+    if (!extra.isEmptySet && extra.published.Path == name)
+      return own_.count() + static_cast<int>(i);
   }
   return own_.indexOf(name);
 }
@@ -82,8 +133,7 @@ QString TPropertySheet::propertyGroup(int index) const {
   const TEntry* extra = Extra(index);
   if (!extra) return own_.propertyGroup(index);
   const QString className = QString::fromLatin1(component_.metaObject()->className());
-  const QString& path = extra->published.Path;
-  return path.contains('.') ? className + '.' + path.section('.', 0, 0) : className;
+  return className + '.' + extra->published.Path.section('.', 0, 0);
 }
 
 void TPropertySheet::setPropertyGroup(int index, const QString& group) {
@@ -93,6 +143,7 @@ void TPropertySheet::setPropertyGroup(int index, const QString& group) {
 bool TPropertySheet::hasReset(int index) const { return Extra(index) || own_.hasReset(index); }
 
 bool TPropertySheet::reset(int index) {
+  refused_.erase(index);
   const TEntry* extra = Extra(index);
   if (!extra) return own_.reset(index);
   const QVariant value = ReadFormValue(extra->published, extra->initial, nullptr);
@@ -102,7 +153,7 @@ bool TPropertySheet::reset(int index) {
 /// Hidden properties, such as the samples of a channel, are kept when a form is saved.
 bool TPropertySheet::isVisible(int index) const {
   const TEntry* extra = Extra(index);
-  if (extra) return extra->published.Property.isDesignable();
+  if (extra) return extra->published.Property.isDesignable() && !extra->isEmptySet;
   return own_.isVisible(index) && !IsSubObject(component_, own_.propertyName(index));
 }
 
@@ -119,17 +170,95 @@ void TPropertySheet::setAttribute(int index, bool attribute) {
 }
 
 QVariant TPropertySheet::property(int index) const {
-  const TEntry* extra = Extra(index);
-  return extra ? ToDesigner(extra->published) : own_.property(index);
+  const TEntry* entry = Published(index);
+  if (!entry) return own_.property(index);
+  const TRefused* refused = Refused(index);
+  return refused ? refused->value : Shown(*entry);
+}
+
+/// Drop-down lists, check boxes, and texts with what translators need come from Designer's own
+/// sheet of the sub-object.
+QVariant TPropertySheet::Shown(const TEntry& entry) const {
+  if (entry.isEmptySet) return QString();
+  const TPublished& published = entry.published;
+  const QVariant value = published.Property.read(published.Object);
+  if (NeedsText(value)) return WriteFormValue(published).Text;
+  if (IsColor(published)) return ShownColor(value.value<TColor>());
+  const bool isString = value.typeId() == QMetaType::QString;
+  if (isString && !IsExact(value.toString())) return value.toString().toUtf8();
+  return entry.sheet->property(entry.index);
 }
 
 void TPropertySheet::setProperty(int index, const QVariant& value) {
-  const TEntry* extra = Extra(index);
-  if (!extra) return own_.setProperty(index, value);
-  const QVariant wanted = FromDesigner(extra->published, Plain(value));
+  const TEntry* entry = Published(index);
+  if (!entry) return own_.setProperty(index, value);
+  const QDesignerPropertyEditorInterface* editor = core_.propertyEditor();
+  if (!editor || editor->object() != &component_) {
+    if (told_.empty())
+      QMetaObject::invokeMethod(
+          this, [this] { Settle(); }, Qt::QueuedConnection);
+    told_.emplace_back(index, value);
+    return Take(*entry, value);
+  }
+  const int shown = property(index).typeId();
+  refused_.erase(index);
+  Take(*entry, value);
+  if (IsText(entry->published)) KeepIfRefused(index, value);
+  if (!entry->published.Property.isStored()) {
+    ShowAgain(index);
+  } else if (property(index).typeId() != shown) {
+    ShowOtherEditor();
+  }
+}
+
+void TPropertySheet::Take(const TEntry& entry, const QVariant& value) {
+  const TPublished& published = entry.published;
+  const QVariant wanted = FromDesigner(published, Plain(value));
   if (!wanted.isValid()) return;
-  extra->published.Property.write(extra->published.Object, wanted);
-  if (!extra->published.Property.isStored()) ShowAgain(index);
+  // With what translators need.
+  if (IsText(published) && value.typeId() >= QMetaType::User) {
+    entry.sheet->setProperty(entry.index, value);
+  } else {
+    published.Property.write(published.Object, wanted);
+  }
+}
+
+/// Texts may be read as others than were set.
+bool TPropertySheet::Stands(const TEntry& entry, const QVariant& value) {
+  const TPublished& published = entry.published;
+  const QVariant wanted = FromDesigner(published, Plain(value));
+  if (!wanted.isValid()) return false;
+  return published.Property.read(published.Object) == wanted ||
+         (IsText(published) && WriteFormValue(published) != entry.initial);
+}
+
+/// Some setters look at other properties: what a later property of a form has moved is set again.
+void TPropertySheet::Settle() {
+  const auto told = std::exchange(told_, {});
+  constexpr int kRounds = 2;
+  for (int round = 0; round < kRounds; ++round) {
+    for (const auto& [index, value] : told) {
+      const TEntry& entry = *Published(index);
+      if (!Stands(entry, value)) Take(entry, value);
+    }
+  }
+  for (const auto& [index, value] : told) KeepIfRefused(index, value);
+}
+
+/// A value that a property refuses, such as the name of a file that is not on this computer, stays
+/// in the form until the property has another one.
+void TPropertySheet::KeepIfRefused(int index, const QVariant& value) {
+  const TEntry& entry = *Published(index);
+  refused_.erase(index);
+  if (!entry.published.Property.isStored() || Stands(entry, value)) return;
+  refused_.emplace(index, TRefused{value, WriteFormValue(entry.published)});
+}
+
+const TPropertySheet::TRefused* TPropertySheet::Refused(int index) const {
+  const auto found = refused_.find(index);
+  if (found == refused_.end()) return nullptr;
+  const bool isSame = WriteFormValue(Published(index)->published) == found->second.instead;
+  return isSame ? &found->second : nullptr;
 }
 
 /// A button has done its work: its box is empty again, and other properties may have moved.
@@ -144,6 +273,17 @@ void TPropertySheet::ShowAgain(int button) {
         for (int i = 0; i < count(); ++i) {
           if (isVisible(i)) editor->setPropertyValue(propertyName(i), property(i), isChanged(i));
         }
+      },
+      Qt::QueuedConnection);
+}
+
+/// A value that goes as text has another editor than one that does not.
+void TPropertySheet::ShowOtherEditor() {
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        QDesignerPropertyEditorInterface* editor = core_.propertyEditor();
+        if (editor && editor->object() == &component_) editor->setObject(&component_);
       },
       Qt::QueuedConnection);
 }
@@ -164,10 +304,16 @@ QVariant TPropertySheet::Plain(const QVariant& value) {
   return carrier_.property(kName.toLatin1());
 }
 
+bool TPropertySheet::TEntry::IsMoved() const {
+  const TFormValue now = WriteFormValue(published);
+  return now != initial && (!isEmptySet || now.Text.isEmpty());
+}
+
 bool TPropertySheet::isChanged(int index) const {
+  if (Refused(index)) return true;
   if (const TEntry* extra = Extra(index)) return extra->IsMoved();
-  const auto found = ownEntries_.find(index);
-  return own_.isChanged(index) || (found != ownEntries_.end() && found->second.IsMoved());
+  const TEntry* entry = Published(index);
+  return own_.isChanged(index) || (entry && entry->IsMoved());
 }
 
 void TPropertySheet::setChanged(int index, bool changed) {

@@ -3,6 +3,7 @@
 #include <QtDesigner/QDesignerPropertySheetExtension>
 #include <QtDesigner/QExtensionFactory>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "components/package/Published.h"
@@ -10,8 +11,9 @@
 class QDesignerFormEditorInterface;
 
 /// Makes the published properties of a component's sub-objects editable in Designer, under dotted
-/// names, beside the component's own: Designer by itself knows neither sub-objects nor TColor. The
-/// properties that it knows are left to its own sheet.
+/// names, beside the component's own: Designer by itself knows neither sub-objects nor TColor. What
+/// Designer knows is left to the sheets that it makes for the component and each sub-object. What
+/// its form files would change, such as the last digits of a number, goes as text.
 ///
 /// A property is saved when it differs from that of a new component, whoever has changed it: a
 /// setter that moves another property, or a button such as ShiftToInitial.Click.
@@ -46,12 +48,32 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   struct TEntry {
     TPublished published;
     TFormValue initial;
-    bool IsMoved() const { return WriteFormValue(published) != initial; }
+    QDesignerPropertySheetExtension* sheet;  ///< Designer's, of the object that publishes it
+    int index;                               ///< in that sheet
+    /// Designer writes no set without elements: beside the entry of the set there is one, which it
+    /// does not show, that takes its place then.
+    bool isEmptySet = false;
+
+    bool IsMoved() const;
+  };
+  struct TRefused {
+    QVariant value;      ///< as Designer gave it
+    TFormValue instead;  ///< what the property has
   };
   /// Null for an index of the component's own sheet.
   const TEntry* Extra(int index) const;
+  /// Null for an index of the toolkit's classes.
+  const TEntry* Published(int index) const;
+  QVariant Shown(const TEntry& entry) const;
+  /// Null unless the property still has what it had when it refused a value.
+  const TRefused* Refused(int index) const;
+  void Take(const TEntry& entry, const QVariant& value);
+  bool Stands(const TEntry& entry, const QVariant& value);
+  void Settle();
+  void KeepIfRefused(int index, const QVariant& value);
   QVariant Plain(const QVariant& value);
   void ShowAgain(int button);
+  void ShowOtherEditor();
 
   QDesignerFormEditorInterface& core_;
   QObject carrier_;  ///< see Plain
@@ -59,6 +81,8 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   QDesignerPropertySheetExtension& own_;
   std::vector<TEntry> extras_;        ///< behind the properties of the component's own sheet
   std::map<int, TEntry> ownEntries_;  ///< by their index in the component's own sheet
+  std::vector<std::pair<int, QVariant>> told_;  ///< by a form that is being read, see Settle
+  std::map<int, TRefused> refused_;             ///< by index
 };
 
 /// Gives Designer such a sheet for every component.

@@ -1,8 +1,10 @@
 #include "components/package/Formfile.h"
 
 #include <QColor>
+#include <QFont>
 #include <QXmlStreamReader>
 #include <algorithm>
+#include <span>
 
 namespace {
 
@@ -144,6 +146,21 @@ QString TFormParser::ReadColor() {
   return isColor ? QColor::fromRgba(color).name(QColor::HexArgb) : QString();
 }
 
+/// What QFont says of a font that is given by its parts.
+QString FontText(std::span<const TFormFile::TPart> parts) {
+  QFont font;
+  for (const auto& [name, text] : parts) {
+    const bool isOn = text == QLatin1String("true");
+    if (name == QLatin1String("family")) font.setFamily(text);
+    if (name == QLatin1String("pointsize") && text.toInt() > 0) font.setPointSize(text.toInt());
+    if (name == QLatin1String("bold")) font.setBold(isOn);
+    if (name == QLatin1String("italic")) font.setItalic(isOn);
+    if (name == QLatin1String("underline")) font.setUnderline(isOn);
+    if (name == QLatin1String("strikeout")) font.setStrikeOut(isOn);
+  }
+  return font.toString();
+}
+
 /// The toolkit takes other cases for the same name.
 bool IsElementName(QStringView name) {
   return std::ranges::all_of(name, [](QChar c) { return c >= u'a' && c <= u'z'; });
@@ -252,8 +269,8 @@ void TFormParser::ReadProperty(bool isAttribute) {
   }
 }
 
-/// A colour becomes "#aarrggbb"; other values that are made of elements, such as a rectangle, are
-/// known by their parts.
+/// A colour becomes "#aarrggbb", a font what QFont says of it; other values that are made of
+/// elements, such as a rectangle, are known by their parts.
 void TFormParser::ReadValue(TFormFile::TProperty& property) {
   TFormValue& value = property.Value;
   if (!IsElementName(value.Kind)) {
@@ -281,11 +298,11 @@ void TFormParser::ReadValue(TFormFile::TProperty& property) {
       }
     }
   }
+  const std::span parts = std::span(property.Parts).subspan(first);
+  if (value.Kind == QLatin1String("font")) value.Text = FontText(parts);
   if (value.Kind != QLatin1String("stringlist")) return;
   value.Text.clear();
-  for (std::size_t i = first; i < property.Parts.size(); ++i) {
-    value.Items.append(property.Parts[i].Text);
-  }
+  for (const auto& part : parts) value.Items.append(part.Text);
 }
 
 /// Reads to the end of the element.

@@ -175,9 +175,15 @@ TFormValue WriteFormValue(const TPublished& published) {
   if (type == QMetaType::Double) {
     return {"double", QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest), {}};
   }
-  if (IsNumber(type)) return {"number", QString::number(value.toLongLong()), {}};
+  if (IsNumber(type)) {
+    const bool isLong = type == QMetaType::LongLong;
+    return {isLong ? "longlong" : "number", QString::number(value.toLongLong()), {}};
+  }
   if (type == QMetaType::QFont) return {"string", value.value<QFont>().toString(), {}};
-  return {"string", value.toString(), {}};
+  const QString text = value.toString();
+  // As a "string" the toolkit reads blanks as nothing.
+  const bool isBlank = !text.isEmpty() && text.trimmed().isEmpty();
+  return {isBlank ? "cstring" : "string", text, {}};
 }
 
 QString ShownText(const TFormValue& value) {

@@ -10,6 +10,7 @@
 #include "components/comms/Qlxxml.h"
 #include "components/graphing/Graph.h"
 #include "components/package/Panelwindow.h"
+#include "tests/components/Changedvalues.h"
 #include "tests/components/Panelforms.h"
 #include "tests/support/Testsupport.h"
 
@@ -203,41 +204,10 @@ TEST(Panel, RefusesWhatIsNoForm) {
   }
 }
 
-/// Gives a property another value than it has, if its setter lets it.
-void Change(const TPublished& published) {
-  const QMetaProperty& property = published.Property;
-  const QVariant old = property.read(published.Object);
-  QVariant value = old;
-  if (property.isEnumType()) {
-    const QMetaEnum names = property.enumerator();
-    value = names.value(names.value(0) == old.toInt() ? names.keyCount() - 1 : 0);
-  } else if (property.typeId() == QMetaType::Bool) {
-    value = !old.toBool();
-  } else if (property.typeId() == QMetaType::Int) {
-    value = old.toInt() + 3;
-  } else if (property.typeId() == QMetaType::Double) {
-    value = old.toDouble() + 0.1;
-  } else if (property.typeId() == QMetaType::QString) {
-    value = QStringLiteral("Ä <&\"> 1");
-  } else if (property.typeId() == qMetaTypeId<TColor>()) {
-    value = QVariant::fromValue(TColor::None());
-  }
-  property.write(published.Object, value);
-}
-
-/// What these properties do when they are set depends on files and servers.
+/// What these properties do when they are set depends on files, servers and other properties.
 bool Starts(const QString& path) {
-  return path == QLatin1String("Active") || path == QLatin1String("Logging");
-}
-
-std::map<std::string, std::string> StoredOf(QWidget& component) {
-  std::map<std::string, std::string> result;
-  ForEachStored(component, [&](const TPublished& published) {
-    const TFormValue value = WriteFormValue(published);
-    const QString text = value.Kind + ": " + value.Text + value.Items.join(" | ");
-    result.emplace(published.Path.toStdString(), text.toStdString());
-  });
-  return result;
+  return path == QLatin1String("Active") || path == QLatin1String("Logging") ||
+         path == QLatin1String("Statistics.StatData");
 }
 
 TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -12,6 +13,8 @@
 #include "components/channels/Datachannel.h"
 #include "components/graphing/Graph.h"
 #include "components/package/Panel.h"
+#include "tests/components/Changedvalues.h"
+#include "tests/components/Panelforms.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -36,8 +39,8 @@ const QByteArray kForm =
     "  </widget>\n"
     "%2 </widget>\n</ui>\n";
 
-/// Runs Qt Designer with the plug-in on a form; see TProbe for the steps.
-QJsonObject RunDesigner(const QString& form, const QByteArray& steps) {
+/// Runs Qt Designer with the plug-in on forms; see TProbe for the steps.
+QJsonObject RunDesigner(const QStringList& forms, const QByteArray& steps) {
   const QString script = WriteTestFile("steps", steps);
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("QT_PLUGIN_PATH", BuiltFile("") + ':' + BuiltFile("tests"));
@@ -49,7 +52,7 @@ QJsonObject RunDesigner(const QString& form, const QByteArray& steps) {
   QProcess designer;
   designer.setProcessEnvironment(environment);
   designer.setProcessChannelMode(QProcess::MergedChannels);
-  designer.start(QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/designer", {form});
+  designer.start(QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/designer", forms);
   EXPECT_TRUE(designer.waitForFinished(120'000)) << designer.errorString().toStdString();
   const QByteArray log = designer.readAll();
   EXPECT_EQ(log.toStdString(), "");
@@ -104,9 +107,12 @@ TEST(GlDesigner, ShowsTheComponentsAndSavesWhatIsTypedIntoTheirSubObjects) {
   const QByteArray steps =
       "type plot HorizontalAx.Title.Caption Time\n"
       "type speed GraphLink.Graph plot\n"
+      "choose plot HorizontalAx.Scale asLog\n"
+      "tick plot Anchors akLeft\n"
+      "tick plot Anchors akTop\n"
       "press speed ShiftToInitial.Click\n" +
       PressAll() + "picture " + BuiltFile("designer.png").toUtf8() + "\nsave\n";
-  const QJsonObject report = RunDesigner(file, steps);
+  const QJsonObject report = RunDesigner({file}, steps);
 
   QString answers;
   for (const QJsonValue& answer : report["answers"].toArray()) answers += answer.toString() + '\n';
@@ -138,10 +144,173 @@ TEST(GlDesigner, ShowsTheComponentsAndSavesWhatIsTypedIntoTheirSubObjects) {
 
   EXPECT_EQ(graph->GetHorizontalAx()->GetTitle()->GetCaption(), "Time");
   EXPECT_EQ(graph->GetVerticalAx()->GetTitle()->GetCaption(), "m/s");
+  EXPECT_EQ(graph->GetHorizontalAx()->GetScale(), TAxis::asLog);
+  EXPECT_EQ(graph->property("Anchors").toInt(), 0);
   EXPECT_EQ(const_cast<TDataChannel*>(channel)->GetGraphLink()->GetGraph(), graph);
   // The button has moved another property: from the mean 4 to 10.
   EXPECT_EQ(channel->GetShiftConstant(), 6.0);
   EXPECT_EQ(channel->GetData()->Count(), 3);
+}
+
+using TValues = std::map<std::string, std::string>;
+
+/// As the toolkit's form loader takes it: enumerations without their scope, sets in any order.
+std::string ToolkitValue(const TFormValue& value) {
+  QStringList parts = value.Text.trimmed().split('|');
+  for (QString& part : parts) part = part.section(QLatin1String("::"), -1);
+  parts.removeAll(QStringLiteral("AlignTrailing"));  // another name of AlignRight
+  parts.sort();
+  return (parts + value.Items).join('|').toStdString();
+}
+
+/// A component as a panel reads it, before anything starts.
+std::unique_ptr<QWidget> Read(const TComponentClass& component,
+                              const std::vector<TFormFile::TProperty>& properties) {
+  std::unique_ptr<QWidget> made(component.Make(nullptr));
+  component.BeginLoading(made.get());
+  for (int round = 0; round < 2; ++round) {
+    for (const TFormFile::TProperty& property : properties) {
+      const auto published = FindPublished(*made, property.Name, nullptr);
+      if (!published) continue;
+      published->Property.write(published->Object,
+                                ReadFormValue(*published, property.Value, nullptr));
+    }
+  }
+  return made;
+}
+
+/// Everything in a form but its title and the places of widgets.
+TValues ValuesOf(const QString& text) {
+  TFormFile form;
+  QString error;
+  EXPECT_TRUE(form.Parse(text, &error)) << error.toStdString();
+  TValues result;
+  for (const TFormFile::TWidget& widget : form.Widgets()) {
+    const std::string name = widget.ClassName.toStdString() + ' ' + widget.Name.toStdString() + '.';
+    const TComponentClass* component = FindComponentClass(widget.ClassName);
+    if (component) {
+      for (const auto& [path, value] : StoredOf(*Read(*component, widget.Properties))) {
+        result.emplace(name + path, value);
+      }
+    }
+    for (const TFormFile::TProperty& property : widget.Properties) {
+      if (property.Name == "windowTitle" || property.Name == "geometry") continue;
+      if (component &&
+          (property.Name.contains('.') || IsOwnProperty(*component->Meta, property.Name)))
+        continue;
+      result.emplace(name + property.Name.toStdString(), ToolkitValue(property.Value));
+    }
+  }
+  for (const TFormFile::TConnection& one : form.Connections()) {
+    result.emplace((one.Sender + one.Signal + one.Receiver + one.Slot).toStdString(), "connected");
+  }
+  return result;
+}
+
+/// A form in which every stored property of every class differs from that of a new component. What
+/// the other properties of a component move back stands alone in another one.
+QString ChangedForm() {
+  QString widgets;
+  QString fixed;
+  std::map<QString, TFormFile::TNewProperties> properties;
+  const auto add = [&](const TComponentClass& component, const QString& onlyThis) {
+    const QString name = component.Name.toLower() + QString::number(properties.size());
+    widgets += QStringLiteral("  <widget class=\"%1\" name=\"%2\"/>\n").arg(component.Name, name);
+    const std::unique_ptr<QWidget> changed = Read(component, {});
+    const TValues before = StoredOf(*changed);
+    ForEachStored(*changed, [&](const TPublished& published) {
+      if (onlyThis.isEmpty() || published.Path == onlyThis) Change(published);
+    });
+    const TValues after = StoredOf(*changed);
+    QStringList same;
+    ForEachStored(*changed, [&](const TPublished& published) {
+      const std::string path = published.Path.toStdString();
+      if (before.at(path) == after.at(path)) {
+        same.append(published.Path);
+      } else {
+        properties[name].emplace_back(published.Path, WriteFormValue(published));
+      }
+    });
+    return same;
+  };
+  for (const TComponentClass& component : ComponentClasses()) {
+    for (const QString& moved : add(component, {})) {
+      if (add(component, moved).contains(moved)) fixed += component.Name + '.' + moved;
+    }
+  }
+  // It follows its channel without a timer.
+  EXPECT_EQ(fixed, "TChannelValue.ChannelLink.UpdateInterval");
+  TFormFile form;
+  QString error;
+  EXPECT_TRUE(form.Parse(FormOf(widgets), &error)) << error.toStdString();
+  return form.Replaced([](const auto&, const auto&) { return false; },
+                       [&](const TFormFile::TWidget& widget) { return properties[widget.Name]; });
+}
+
+void ExpectSame(const TValues& found, const TValues& wanted) {
+  for (const auto& [name, value] : wanted) {
+    const auto same = found.find(name);
+    EXPECT_EQ(same == found.end() ? "nothing" : same->second, value) << name;
+  }
+  EXPECT_EQ(found.size(), wanted.size());
+}
+
+QString TextOf(const QString& fileName) {
+  QFile file(fileName);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << fileName.toStdString();
+  return QString::fromUtf8(file.readAll());
+}
+
+TEST(GlDesigner, LosesNothingOfAFormWhoseTitleIsChanged) {
+  std::map<QString, TValues> before;
+  const auto write = [&](const QString& name, const QString& text) {
+    const QString form = WriteTestFile(name, text.toUtf8());
+    before[form] = ValuesOf(text);
+    return form;
+  };
+  const QString every = write("every.ui", ChangedForm());
+  const QDir examples(SourceFile("examples/panels"));
+  for (const QString& name : examples.entryList({"*.ui"}))
+    write(name, TextOf(examples.filePath(name)));
+  EXPECT_GT(before.size(), 4U);
+  // Values that a property does not take here.
+  const QString refused = write(
+      "refused.ui", FormOf("<widget class=\"TFileReader\" name=\"reader\">\n"
+                           "<property name=\"FileName\"><string>missing.txt</string></property>\n"
+                           "</widget>\n<widget class=\"TTextLabel\" name=\"label\">\n"
+                           "<property name=\"Angle\"><string>perhaps</string></property>\n"
+                           "</widget>\n"));
+  QStringList forms;
+  for (const auto& [form, values] : before) forms.append(form);
+
+  std::map<QString, QString> once;
+  for (const char* title : {"Once", "Again"}) {
+    SCOPED_TRACE(title);
+    const QByteArray step = QByteArray("retitle ") + title;
+    EXPECT_EQ(RunDesigner(forms, step)["answers"].toArray()[0].toString(), step + ": done");
+    for (const auto& [form, values] : before) {
+      SCOPED_TRACE(form.toStdString());
+      QString text = TextOf(form);
+      EXPECT_TRUE(text.contains(title));
+      ExpectSame(ValuesOf(text), values);
+      text.remove(title);
+      EXPECT_EQ(once.emplace(form, text).first->second.toStdString(), text.toStdString());
+    }
+  }
+  EXPECT_TRUE(once.at(refused).contains(">missing.txt<"));
+  EXPECT_TRUE(once.at(refused).contains(">perhaps<"));
+  const struct {
+    const char* name;
+    const char* base;
+  } classes[] = {{"TKorvalGraph", "QWidget"},
+                 {"TLinkedLabel", "QLabel"},
+                 {"TDataSheet", "QTableView"},
+                 {"TValueEdit", "QAbstractSpinBox"},
+                 {"TOccurrenceHistogram", "TBasicHistogram"}};
+  for (const auto& c : classes) {
+    const QString entry = QStringLiteral("<class>%1</class>\n   <extends>%2</extends>");
+    EXPECT_TRUE(once.at(every).contains(entry.arg(c.name, c.base))) << c.name;
+  }
 }
 
 }  // namespace

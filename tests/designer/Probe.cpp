@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QCryptographicHash>
 #include <QFile>
 #include <QJsonArray>
@@ -64,6 +65,7 @@ void TProbe::initialize(QDesignerFormEditorInterface* core) {
 void TProbe::LookForForm() {
   auto* manager = core_->formWindowManager();
   if (!manager || !manager->activeFormWindow() || !core_->propertyEditor()) return;
+  if (manager->formWindowCount() + 1 < QCoreApplication::arguments().size()) return;
   if (!core_->propertyEditor()->object()) return;
   timer_.stop();
   Run();
@@ -86,9 +88,12 @@ void TProbe::Run() {
 /// Empty if it worked.
 QString TProbe::Do(const QStringList& words) {
   if (words[0] == "save") return Save();
+  if (words[0] == "retitle") return Retitle(words[1]);
   if (words[0] == "picture") return core_->topLevel()->grab().save(words[1]) ? "" : "not written";
   QTreeWidgetItem* item = FindProperty(words[1], words[2]);
   if (!item) return "the property editor does not show it";
+  if (words[0] == "choose") return Choose(*item, words[3]);
+  if (words[0] == "tick") return Tick(*item, words[3]);
   return words[0] == "type" ? Type(*item, words[3]) : Press(*item);
 }
 
@@ -163,6 +168,36 @@ QString TProbe::Press(QTreeWidgetItem& item) const {
   QTest::mouseClick(box, Qt::LeftButton);
   const auto isEmpty = [&] { return !box || !box->isChecked(); };
   return QTest::qWaitFor(isEmpty, kPatience) ? "" : "the box stays ticked";
+}
+
+QString TProbe::Choose(QTreeWidgetItem& item, const QString& text) const {
+  auto* box = OpenEditor<QComboBox>(item);
+  if (!box || box->findText(text) < 0) return "no such line drops down";
+  box->setCurrentIndex(box->findText(text));
+  return {};
+}
+
+QString TProbe::Tick(QTreeWidgetItem& item, const QString& key) const {
+  item.setExpanded(true);
+  for (int i = 0; i < item.childCount(); ++i) {
+    if (item.child(i)->text(0) != key) continue;
+    auto* box = OpenEditor<QCheckBox>(*item.child(i));
+    if (box) QTest::mouseClick(box, Qt::LeftButton);
+    return box ? "" : "it has no box to tick";
+  }
+  return "there is no such element";
+}
+
+QString TProbe::Retitle(const QString& title) const {
+  QDesignerFormWindowManagerInterface* manager = core_->formWindowManager();
+  for (int i = 0; i < manager->formWindowCount(); ++i) {
+    QDesignerFormWindowInterface* form = manager->formWindow(i);
+    manager->setActiveFormWindow(form);
+    form->cursor()->setWidgetProperty(form->mainContainer(), "windowTitle", title);
+    const QString fault = Save();
+    if (!fault.isEmpty()) return form->fileName() + ": " + fault;
+  }
+  return {};
 }
 
 QString TProbe::Save() const {

@@ -8,12 +8,13 @@
 
 class QTreeWidgetItem;
 
-/// A plug-in that takes a person's place at a running Designer: once the form named on Designer's
-/// command line is open, it does the steps in the file VELMORA_PROBE with the mouse and the keys,
+/// A plug-in that takes a person's place at a running Designer: once the forms named on Designer's
+/// command line are open, it does the steps in the file VELMORA_PROBE with the mouse and the keys,
 /// writes what it has seen into the same file and ends Designer.
 ///
-/// Each step is a line of words: "type COMPONENT PROPERTY TEXT", "press COMPONENT PROPERTY" for a
-/// button, "save", "picture FILE".
+/// Each step is a line of words: "type COMPONENT PROPERTY TEXT", "choose COMPONENT PROPERTY NAME"
+/// for a drop-down list, "tick COMPONENT PROPERTY NAME" for an element of a set, "press COMPONENT
+/// PROPERTY" for a button, "save", "picture FILE", "retitle TEXT" for all forms, which it saves.
 class TProbe : public QObject, public QDesignerFormEditorPluginInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.qt-project.Qt.Designer.QDesignerFormEditorPluginInterface")
@@ -35,6 +36,9 @@ class TProbe : public QObject, public QDesignerFormEditorPluginInterface {
   QTreeWidgetItem* FindProperty(const QString& component, const QString& name) const;
   QString Type(QTreeWidgetItem& item, const QString& text) const;
   QString Press(QTreeWidgetItem& item) const;
+  QString Choose(QTreeWidgetItem& item, const QString& text) const;
+  QString Tick(QTreeWidgetItem& item, const QString& key) const;
+  QString Retitle(const QString& title) const;
   QString Save() const;
 
   QPointer<QDesignerFormEditorInterface> core_;
