@@ -12,12 +12,13 @@ namespace {
 using TProperty = TFormFile::TProperty;
 
 constexpr qint64 kMaxFontSize = 500;
-constexpr qsizetype kMaxWord = 1000;       ///< characters of a text that is one line
-constexpr qsizetype kMaxText = 16384;      ///< of any other
-constexpr qint64 kMaxLongTexts = 1 << 18;  ///< of all long ones together
-constexpr qint64 kMaxRichTexts = 1 << 16;  ///< of all rich ones together
-constexpr qint64 kMaxStyles = 1 << 13;     ///< of all style sheets together
-constexpr qint64 kMaxRichCells = 10000;    ///< of all tables in rich texts together
+constexpr qsizetype kMaxWord = 1000;        ///< characters of a text that is one line
+constexpr qsizetype kMaxText = 16384;       ///< of any other
+constexpr qint64 kMaxLongTexts = 1 << 18;   ///< of all long ones together
+constexpr qint64 kMaxRichTexts = 1 << 16;   ///< of all rich ones together
+constexpr qint64 kMaxStyleSteps = 1 << 20;  ///< selectors of style sheets for each widget
+constexpr qint64 kMaxNames = 1000;          ///< of other widgets: each is looked for among all
+constexpr qint64 kMaxRichCells = 10000;     ///< of all tables in rich texts together
 
 template <std::size_t kCount>
 bool IsOneOf(const QString& text, const char* const (&known)[kCount]) {
@@ -182,6 +183,9 @@ TFormChecks::TVerdict TFormChecks::CheckText(const TProperty& property) {
   if (longTexts_ > kMaxLongTexts) {
     return {QStringLiteral("the texts of the form are too long together"), {}};
   }
+  if (property.Value.Kind == QLatin1String("cstring") && ++names_ > kMaxNames) {
+    return {QStringLiteral("too many widgets name another one"), {}};
+  }
   if (name == QLatin1String("styleSheet")) return CheckStyleSheet(property);
   if (IsRichText(name, property.Value.Text)) return CheckRichText(property);
   const auto isRich = [&](const QString& text) { return IsRichText(name, text); };
@@ -215,9 +219,10 @@ TFormChecks::TVerdict TFormChecks::CheckRichText(const TProperty& property) {
 }
 
 TFormChecks::TVerdict TFormChecks::CheckStyleSheet(const TProperty& property) {
-  styles_ += property.Value.Text.size();
-  if (styles_ > kMaxStyles) {
-    return {QStringLiteral("the style sheets of the form are too long together"), {}};
+  const QString& sheet = property.Value.Text;
+  selectors_ += 1 + sheet.count('{') + sheet.count(',');
+  if (selectors_ * widgetCount_ > kMaxStyleSteps) {
+    return {QStringLiteral("the style sheets of the form are too long for so many widgets"), {}};
   }
   const TStyleSheet read = ReadStyleSheet(property.Value.Text);
   if (!read.Why.isEmpty()) return {read.Why, {}};

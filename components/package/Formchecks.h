@@ -9,7 +9,8 @@
 /// open a file, reach out of the program or exhaust it. One for each form.
 class TFormChecks {
  public:
-  explicit TFormChecks(TFormPictures& pictures) : pictures_(pictures) {}
+  TFormChecks(TFormPictures& pictures, std::size_t widgetCount)
+      : pictures_(pictures), widgetCount_(static_cast<qint64>(widgetCount)) {}
 
   using TProperty = TFormFile::TProperty;
   struct TVerdict {
@@ -29,9 +30,11 @@ class TFormChecks {
   QString Picture(const QString& name, QString* why);
 
   TFormPictures& pictures_;
+  const qint64 widgetCount_;
   qint64 area_ = 0;         ///< pixels so far
   qint64 longTexts_ = 0;    ///< characters so far
-  qint64 styles_ = 0;       ///< characters so far
+  qint64 selectors_ = 0;    ///< of style sheets so far
+  qint64 names_ = 0;        ///< of other widgets so far
   qint64 textsPicked_ = 0;  ///< characters of rich texts so far
   qint64 cells_ = 0;        ///< of tables in rich texts so far
 };

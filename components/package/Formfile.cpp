@@ -35,6 +35,7 @@ class TFormParser {
     QString owner{};  ///< of the properties in it
     int rows = 0;     ///< that it holds as a table
     int columns = 0;
+    int grids = 0;  ///< around what is in it
   };
 
   void Start();
@@ -179,12 +180,17 @@ void TFormParser::Start() {
   if (name == QLatin1String("attribute")) return ReadProperty(true);
   if (name == QLatin1String("connection")) return ReadConnection();
   CheckItem();
+  int grids = open_.empty() ? 0 : open_.back().grids;
   if (name == QLatin1String("layout")) {
+    const auto className = reader_.attributes().value(QLatin1String("class"));
+    const bool isGrid = !className.endsWith(QLatin1String("BoxLayout"));
+    grids = open_.empty() ? 0 : open_.back().grids + (isGrid ? 1 : 0);
+    if (grids > TFormFile::kMaxGrids) return Fail(QStringLiteral("its grids are nested too deep"));
     layouts_.push_back({reader_.attributes().value(QLatin1String("class")).toString(),
                         reader_.attributes().value(QLatin1String("name")).toString(),
                         static_cast<int>(reader_.lineNumber())});
   }
-  open_.push_back({-1, OwnerText()});
+  open_.push_back({-1, OwnerText(), 0, 0, grids});
 }
 
 /// Places, spans and stretches are attributes of elements.
@@ -195,7 +201,9 @@ void TFormParser::CheckItem() {
   for (const char* name : kNames) {
     const auto numbers = reader_.attributes().value(QLatin1String(name));
     for (const QStringView number : numbers.split(',')) {
-      if (std::abs(qint64{number.trimmed().toInt()}) > TFormFile::kMaxInRow) {
+      const bool isSpan = QLatin1String(name).endsWith(QLatin1String("span"));
+      const int most = isSpan ? TFormFile::kMaxSpan : TFormFile::kMaxInRow;
+      if (std::abs(qint64{number.trimmed().toInt()}) > most) {
         return Fail(QStringLiteral("%1 %2 is too large").arg(QLatin1String(name), number));
       }
     }
@@ -241,7 +249,11 @@ void TFormParser::StartWidget() {
   widget.Line = static_cast<int>(reader_.lineNumber());
   widget.ContentBegin = static_cast<qsizetype>(reader_.characterOffset());
   widget.SelfClosing = text_.mid(widget.ContentBegin - 2, 2) == QLatin1String("/>");
-  open_.push_back({static_cast<int>(widgets_.size()), OwnerText()});
+  if (!open_.empty() && open_.back().widget >= 0) {
+    ++widgets_[static_cast<std::size_t>(open_.back().widget)].Children;
+  }
+  const int grids = open_.empty() ? 0 : open_.back().grids;
+  open_.push_back({static_cast<int>(widgets_.size()), OwnerText(), 0, 0, grids});
   widgets_.push_back(std::move(widget));
 }
 

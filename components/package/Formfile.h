@@ -35,6 +35,7 @@ class TFormFile {
     int Line = 0;
     qsizetype ContentBegin = 0;  ///< one past the start tag
     bool SelfClosing = false;
+    int Children = 0;                   ///< widgets right in it
     std::vector<TProperty> Properties;  ///< its own, not those of widgets in it
   };
   struct TLayout {
@@ -66,6 +67,8 @@ class TFormFile {
   static constexpr int kMaxAttributes = 100;   ///< of an element
   static constexpr int kMaxPixels = 10000;     ///< of a coordinate, width or height
   static constexpr qint64 kMaxArea = 1 << 27;  ///< pixels of all widgets together
+  static constexpr int kMaxSpan = 50;          ///< of an item, in rows or columns
+  static constexpr int kMaxGrids = 6;          ///< in each other: each doubles the work
   static constexpr int kMaxInRow = 1000;       ///< of a layout's rows and columns
   static constexpr int kMaxCells = 100000;     ///< of all tables together
   static constexpr int kMaxItems = 50000;      ///< of lists, trees and layouts together

@@ -5,6 +5,7 @@
 #include <QTextBrowser>
 #include <QUrl>
 #include <algorithm>
+#include <climits>
 
 #include "components/graphing/Graph.h"
 
@@ -35,7 +36,7 @@ const QHash<QString, int>& PlainWidgets() {
       {"QSplitter", 1},
       {"QLineEdit", kEditorCost},
       {"QSpinBox", kEditorCost},
-      {"QDoubleSpinBox", kEditorCost},
+      {"QDoubleSpinBox", kViewCost},
       {"QDateEdit", kViewCost},
       {"QTimeEdit", kViewCost},
       {"QDateTimeEdit", kViewCost},
@@ -80,6 +81,14 @@ int PlainWidgetCost(const QString& className, bool isRoot) {
   // What Designer begins a form with; below another widget it would be a window of its own.
   if (isRoot && className == QLatin1String("QDialog")) return 1;
   return PlainWidgets().value(className, 0);
+}
+
+int MostChildren(const QString& className) {
+  static const char* const kPaged[] = {"QTabWidget", "QToolBox", "QSplitter"};
+  const bool isPaged = std::ranges::any_of(
+      kPaged, [&](const char* known) { return className == QLatin1String(known); });
+  constexpr int kMostPages = 500;
+  return isPaged ? kMostPages : INT_MAX;
 }
 
 int ComponentCost(const QMetaObject& componentClass) {

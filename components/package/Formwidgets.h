@@ -11,7 +11,9 @@ struct QMetaObject;
 /// How many labels a widget of the class costs in time and memory; 0 for a class that no form may
 /// hold. `isRoot`: the outermost widget of the form.
 int PlainWidgetCost(const QString& className, bool isRoot);
-/// The same of a component.
+/// Widgets right in one of the class: some look at all of them for each.
+int MostChildren(const QString& className);
+/// The cost of a component.
 int ComponentCost(const QMetaObject& componentClass);
 bool IsPlainLayout(const QString& className);
 

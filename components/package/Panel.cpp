@@ -50,7 +50,7 @@ bool HasTooManyMarks(const QSlider& slider) {
 class TPanelReader {
  public:
   TPanelReader(TPanel& panel, QStringList& faults)
-      : panel_(panel), faults_(faults), checks_(*panel.pictures_) {}
+      : panel_(panel), faults_(faults), checks_(*panel.pictures_, panel.form_.Widgets().size()) {}
 
   bool Read();
 
@@ -166,6 +166,10 @@ bool TPanelReader::CheckWidgets() {
     const bool isRoot = &widget == &panel_.form_.Widgets().front();
     const int plainCost = PlainWidgetCost(widget.ClassName, isRoot);
     cost += component ? ComponentCost(*component->Meta) : std::max(plainCost, 1);
+    if (widget.Children > MostChildren(widget.ClassName)) {
+      Fault(widget.Line, QStringLiteral("%1: it has too many pages").arg(NameOf(widget)));
+      return false;
+    }
     if (!component && plainCost == 0) {
       Fault(widget.Line, QStringLiteral("%1: the class is unknown").arg(NameOf(widget)));
     }

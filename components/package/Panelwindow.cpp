@@ -22,13 +22,18 @@ namespace {
 constexpr int kShownFaults = 20;
 constexpr qint64 kMaxPicture = 1 << 25;  ///< pixels
 
+/// Empty if a window of that size can be kept in memory.
+QString TooLarge(QSize size) {
+  if (qint64{size.width()} * size.height() <= kMaxPicture) return {};
+  return QStringLiteral("%1 x %2 pixels are too many").arg(size.width()).arg(size.height());
+}
+
 /// False with a sentence if the picture cannot be made or written.
 bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
   const double ratio = widget.devicePixelRatioF();
   const QSize size = widget.size() * ratio;
-  QString reason =
-      QStringLiteral("%1 x %2 pixels are too many").arg(size.width()).arg(size.height());
-  if (qint64{size.width()} * size.height() <= kMaxPicture) {
+  QString reason = TooLarge(size);
+  if (reason.isEmpty()) {
     QPixmap picture(size);
     picture.setDevicePixelRatio(ratio);
     picture.fill(widget.palette().color(QPalette::Window));
@@ -160,7 +165,15 @@ bool RunPanel(const QString& fileName, const TPanelRun& run) {
   root.setAttribute(Qt::WA_DontShowOnScreen);
   // A window's own minimum size is a message to a window system that is not there.
   if (QLayout* layout = root.layout()) layout->setSizeConstraint(QLayout::SetNoConstraint);
-  root.resize((run.Size.isValid() ? run.Size : root.size()).expandedTo(root.minimumSizeHint()));
+  const QSize size =
+      (run.Size.isValid() ? run.Size : root.size()).expandedTo(root.minimumSizeHint());
+  const QString tooLarge = TooLarge(size);
+  if (!tooLarge.isEmpty() && !run.PictureFile.isEmpty()) {
+    ShowMessage(QStringLiteral("Cannot write %1: %2").arg(run.PictureFile, tooLarge));
+    return false;
+  }
+  constexpr QSize kSomeSize(640, 480);
+  root.resize(tooLarge.isEmpty() ? size : kSomeSize);
   root.show();
   QEventLoop loop;
   QTimer::singleShot(static_cast<int>(run.Seconds * 1000.0), &loop, &QEventLoop::quit);
