@@ -189,11 +189,15 @@ void TPixelMask::PaintBlock(QPainter& painter, QRgb color, int first) {
   const int most = width > 0 ? kBlock / width : 0;
   for (int word = blockUsed_.first; width > 0 && word <= blockUsed_.last; word += most) {
     const TWords words{word, std::min(word + most - 1, blockUsed_.last)};
-    if (FillCell(words, color)) {
+    const TCover cover = FillCell(words, color);
+    if (cover != TCover::kNone) {
       const int height = (words.last - words.first + 1) * kWordBits;
+      // What has no holes is copied and not blended.
       const QImage cell(reinterpret_cast<const uchar*>(cell_.data()), width, height,
                         width * static_cast<int>(sizeof(QRgb)),
-                        QImage::Format_ARGB32_Premultiplied);
+                        cover == TCover::kAll && qAlpha(color) == 255
+                            ? QImage::Format_RGB32
+                            : QImage::Format_ARGB32_Premultiplied);
       painter.drawImage(
           QPoint(rect_.left() + first + blockColumns_.first, rect_.top() + word * kWordBits), cell);
     }
@@ -204,21 +208,23 @@ void TPixelMask::PaintBlock(QPainter& painter, QRgb color, int first) {
   blockUsed_ = blockColumns_ = {};
 }
 
-/// Colours the pixels of the block's columns that are set in some words; false if there are none.
-bool TPixelMask::FillCell(const TWords& words, QRgb color) {
+/// Colours the pixels of the block's columns that are set in some words, and tells how many are.
+TPixelMask::TCover TPixelMask::FillCell(const TWords& words, QRgb color) {
   const int width = blockColumns_.last - blockColumns_.first + 1;
   bool isEmpty = true;
+  bool isFull = true;
   QRgb* pixels = cell_.data();
   for (int word = words.first; word <= words.last; ++word, pixels += width * kWordBits) {
-    std::fill_n(pixels, width * kWordBits, 0u);
     TWord any = 0;
     TWord common = ~TWord{0};
     for (int i = blockColumns_.first; i <= blockColumns_.last; ++i) {
       any |= BlockColumn(i)[word];
       common &= BlockColumn(i)[word];
     }
-    if (any == 0) continue;
-    isEmpty = false;
+    isEmpty = isEmpty && any == 0;
+    isFull = isFull && common == ~TWord{0};
+    std::fill_n(pixels, width * kWordBits, common == ~TWord{0} ? color : 0u);
+    if (any == 0 || common == ~TWord{0}) continue;
     for (TWord bits = common; bits != 0; bits &= bits - 1) {
       std::fill_n(pixels + std::countr_zero(bits) * width, width, color);
     }
@@ -227,5 +233,5 @@ bool TPixelMask::FillCell(const TWords& words, QRgb color) {
       for (; bits != 0; bits &= bits - 1) pixels[std::countr_zero(bits) * width + i] = color;
     }
   }
-  return !isEmpty;
+  return isEmpty ? TCover::kNone : isFull ? TCover::kAll : TCover::kSome;
 }

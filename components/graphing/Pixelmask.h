@@ -53,7 +53,8 @@ class TPixelMask {
   void Heighten(const TWords& words, bool both);
   void AddToBlock(int column, const TWords& words);
   void PaintBlock(QPainter& painter, QRgb color, int first);
-  bool FillCell(const TWords& words, QRgb color);
+  enum class TCover { kNone, kSome, kAll };
+  TCover FillCell(const TWords& words, QRgb color);
 
   const QRect rect_;
   const int words_;             ///< of a column
