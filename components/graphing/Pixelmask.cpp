@@ -32,9 +32,12 @@ void ForEachWord(int top, int bottom, TVisit visit) {
 std::vector<int> DiscReaches(int diameter) {
   std::vector<int> reaches;
   const double shift = diameter % 2 ? 0.0 : 0.5;
+  // A little less than the radius: three pixels make a cross, for slanting lines drawn with a
+  // square would be a fifth too wide.
+  const double square = 0.25 * diameter * diameter - 0.3;
   for (int i = 0; i < diameter; ++i) {
     const double x = i - diameter / 2 + shift;
-    reaches.push_back(static_cast<int>(std::sqrt(0.25 * diameter * diameter - x * x) + shift));
+    reaches.push_back(static_cast<int>(std::sqrt(std::max(0.0, square - x * x)) + shift));
   }
   return reaches;
 }
