@@ -1,5 +1,6 @@
 #include "components/channels/Datachannel.h"
 
+#include <QMetaMethod>
 #include <QScopeGuard>
 #include <algorithm>
 #include <cmath>
@@ -11,7 +12,6 @@ TCustomDataChannel::TCustomDataChannel(QWidget* parent) : TServerDataControl(par
   connect(&sendData_, &TClick::OnClick, this, &TCustomDataChannel::SendDataToClients);
   connect(&shiftToInitial_, &TClick::OnClick, this, &TCustomDataChannel::CalculateShiftConstant);
   connect(&reset_, &TClick::OnClick, this, &TCustomDataChannel::ResetChannel);
-  connect(this, &TDataControl::OnChange, this, &TCustomDataChannel::OnNotify);
   SetIconImage(QStringLiteral("ChannelImage"));
   SetImageSize(QSize(17, 17));
   SetCaptionPos(cpRight);
@@ -27,6 +27,12 @@ TCustomDataChannel::TCustomDataChannel(QWidget* parent) : TServerDataControl(par
     return ProvideGraphBlock(index, points);
   };
   graphLink_.AddSeries(std::move(series));
+}
+
+/// A signal of a signal costs each value as much as all else; most channels have nobody for it.
+void TCustomDataChannel::connectNotify(const QMetaMethod& signal) {
+  if (signal != QMetaMethod::fromSignal(&TCustomDataChannel::OnNotify)) return;
+  connect(this, &TDataControl::OnChange, this, &TCustomDataChannel::OnNotify, Qt::UniqueConnection);
 }
 
 // Values

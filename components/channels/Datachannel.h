@@ -119,6 +119,7 @@ class TCustomDataChannel : public TServerDataControl {
  protected:
   /// The oldest stored value, with this time, is about to give way to a new one.
   virtual void AboutToDrop(double time) { Q_UNUSED(time) }
+  void connectNotify(const QMetaMethod& signal) override;
 
  private:
   bool ApplyLimits(double& value) const;

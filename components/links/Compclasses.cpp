@@ -29,44 +29,50 @@ TLinkableControl::TRun::TRun(TLinkableControl& control, TMethod& method)
   if (cascade_.runs % kRunsBetween == 0) BeginCascade();
   ++cascade_.depth;
   ++cascade_.runs;
-  Count();
+  inCircle_ = ++method.running > 1;
+  cascade_.circles += inCircle_;
+  spreadBefore_ = cascade_.spread;
+  passingBefore_ = cascade_.passing;
+  if (!passingBefore_) BeginSpread();
+  const std::uint64_t since = cascade_.circles > 0 ? cascade_.firstSpread : cascade_.spread;
+  cascade_.repeats += method.spread >= since;
+  goesRound_ = method.running > kMaxRunning && method.spread == cascade_.spread;
+  method.spread = cascade_.spread;
 }
 
 /// Unless this run belongs to the present one.
 void TLinkableControl::TRun::BeginCascade() {
   const int loopLevel = control_->thread()->loopLevel();
   if (cascade_.depth > 0 && cascade_.loopLevel == loopLevel) return;
-  const TRun* outermost = cascade_.depth > 0 ? cascade_.outermost : this;
+  if (cascade_.depth > 0) outerCascade_ = cascade_;
+  const TRun* outermost = outerCascade_ ? cascade_.outermost : this;
   cascade_ = {
       .outermost = outermost, .first = this, .loopLevel = loopLevel, .firstSpread = spreads_ + 1};
 }
 
-void TLinkableControl::TRun::Count() {
-  if (++method_.running > 1) ++cascade_.circles;
-  if (!cascade_.passing) {
-    cascade_.spread = ++spreads_;
-    beginsSpread_ = cascade_.circles == 0;
-    if (beginsSpread_) cascade_.repeats = 0;
-  }
+void TLinkableControl::TRun::BeginSpread() {
+  cascade_.spread = ++spreads_;
   cascade_.passing = true;
-  const std::uint64_t since = cascade_.circles > 0 ? cascade_.firstSpread : cascade_.spread;
-  if (method_.spread >= since) ++cascade_.repeats;
-  goesRound_ = method_.running > kMaxRunning && method_.spread == cascade_.spread;
-  method_.spread = cascade_.spread;
+  if (cascade_.circles > 0) return;
+  beginsSpread_ = true;
+  repeatsBefore_ = std::exchange(cascade_.repeats, 0);
 }
 
 TLinkableControl::TRun::~TRun() {
-  const TCascade now = std::exchange(cascade_, outerCascade_);
-  if (now.depth > 1) {
-    cascade_.runs = now.runs;
-    if (!beginsSpread_) cascade_.repeats = now.repeats;
-  }
+  cascade_.spread = spreadBefore_;
+  cascade_.passing = passingBefore_;
+  cascade_.circles -= inCircle_;
+  if (beginsSpread_) cascade_.repeats = repeatsBefore_;
+  if (--cascade_.depth == 0) cascade_.runs = 0;
+  if (outerCascade_) cascade_ = *outerCascade_;
   if (IsGone()) return;
   --method_.running;
   control_->innermost_ = outer_;
 }
 
 bool TLinkableControl::TRun::IsCut(bool isNews) const {
+  constexpr int kFew = 256;  // runs that are never too much
+  if (method_.running <= kMaxRunning && cascade_.runs <= kFew) return false;
   if (!isNews && method_.running > kMaxRunning) return true;
   if (!goesRound_ && !IsTooMuch()) return false;
   Report();

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -123,16 +124,21 @@ class TLinkableControl : public TIconControl {
     static std::uint64_t spreads_;
 
     void BeginCascade();
-    void Count();
+    void BeginSpread();
     bool IsTooMuch() const;
     void Report() const;
 
     TLinkableControl* control_;  ///< null once it is destroyed
     TMethod& method_;
     TRun* outer_;
+    std::optional<TCascade> outerCascade_;  ///< of an outer event loop, if this begins one
+    // What holds again when the method has run.
+    std::uint64_t spreadBefore_;
+    int repeatsBefore_ = 0;
+    bool passingBefore_;
     bool beginsSpread_ = false;
+    bool inCircle_ = false;
     bool goesRound_ = false;  ///< the spread has come back to the method, and once more
-    const TCascade outerCascade_ = cascade_;
   };
 
  protected:
