@@ -1,4 +1,4 @@
-// The only system calls for files: Qt has no way to open one without waiting.
+// The only system calls that open files: Qt has no way to open one without waiting.
 #include "model/Ordinaryfile.h"
 
 #include <QFileInfo>
@@ -24,47 +24,52 @@ bool RefuseKind(QString* why, bool isFolder) {
 
 #ifdef Q_OS_UNIX
 
-bool Open(QFile& file, QIODevice::OpenMode mode, QString* why) {
+/// The handle of an ordinary file, or -1 and why.
+int OpenHandle(const QString& name, QIODevice::OpenMode mode, QString* why) {
   const bool writes = mode & QIODevice::WriteOnly;
   const int flags =
       (writes ? ((mode & QIODevice::ReadOnly) ? O_RDWR : O_WRONLY) | O_CREAT : O_RDONLY) |
       ((mode & QIODevice::Append) ? O_APPEND : 0) | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const int handle = ::open(QFile::encodeName(file.fileName()).constData(), flags, 0666);
+  const int handle = ::open(QFile::encodeName(name).constData(), flags, 0666);
   if (handle < 0) {
     const int error = errno;
-    // A pipe that nobody reads, a socket.
-    if (error == ENXIO) return RefuseKind(why, false);
-    if (error == EISDIR) return RefuseKind(why, true);
-    return Refuse(why, qt_error_string(error));
+    // ENXIO is a pipe that nobody reads, or a socket.
+    const bool isKind = error == ENXIO || error == EISDIR;
+    (void)(isKind ? RefuseKind(why, error == EISDIR) : Refuse(why, qt_error_string(error)));
+    return -1;
   }
   struct stat status = {};
-  if (::fstat(handle, &status) != 0 || !S_ISREG(status.st_mode)) {
-    ::close(handle);
-    return RefuseKind(why, S_ISDIR(status.st_mode));
-  }
-  if (!file.open(handle, mode, QFileDevice::AutoCloseHandle)) {
-    ::close(handle);
-    return Refuse(why, file.errorString());
-  }
-  return !(mode & QIODevice::Truncate) || file.resize(0) || Refuse(why, file.errorString());
-}
-
-#else
-
-bool Open(QFile& file, QIODevice::OpenMode mode, QString* why) {
-  if (!file.open(mode)) return Refuse(why, file.errorString());
-  if (!file.isSequential()) return true;
-  file.close();
-  return RefuseKind(why, false);
+  if (::fstat(handle, &status) == 0 && S_ISREG(status.st_mode)) return handle;
+  ::close(handle);
+  (void)RefuseKind(why, S_ISDIR(status.st_mode));
+  return -1;
 }
 
 #endif
 
 }  // namespace
 
-bool OpenOrdinaryFile(QFile& file, QIODevice::OpenMode mode, QString* why) {
-  const QFileInfo info(file.fileName());
+void TOrdinaryFile::SetName(const QString& name) {
+  name_ = name;
+  setFileName(name);
+}
+
+bool TOrdinaryFile::Open(OpenMode mode, QString* why) {
+  const QFileInfo info(name_);
   // Even looking at some devices by opening them has an effect.
   if (info.exists() && !info.isFile()) return RefuseKind(why, info.isDir());
-  return Open(file, mode, why);
+#ifdef Q_OS_UNIX
+  const int handle = OpenHandle(name_, mode, why);
+  if (handle < 0) return false;
+  if (!open(handle, mode, AutoCloseHandle)) {
+    ::close(handle);
+    return Refuse(why, errorString());
+  }
+  return !(mode & Truncate) || resize(0) || Refuse(why, errorString());
+#else
+  if (!open(mode)) return Refuse(why, errorString());
+  if (!isSequential()) return true;
+  close();
+  return RefuseKind(why, false);
+#endif
 }

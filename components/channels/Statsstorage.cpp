@@ -249,9 +249,9 @@ bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
   reason = settings_.place ? PlaceRefusal(fileName, *settings_.place)
                            : QStringLiteral("the place is not allowed");
   if (!reason.isEmpty()) return false;
-  QFile file(fileName);
-  if (!OpenOrdinaryFile(file, kGrowing, &reason) &&
-      !(QDir().mkpath(settings_.path) && OpenOrdinaryFile(file, kGrowing, &reason))) {
+  TOrdinaryFile file(fileName);
+  if (!file.Open(kGrowing, &reason) &&
+      !(QDir().mkpath(settings_.path) && file.Open(kGrowing, &reason))) {
     return false;
   }
   if (headers_.size() > kMaxHeaders) headers_.clear();

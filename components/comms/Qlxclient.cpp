@@ -162,10 +162,10 @@ void TQLXClient::OpenLog(QIODevice::OpenMode mode) {
   AddWriteWish(wishes, this, logFile_);
   if (const QString why = WriteRefusal(this, wishes, path); !why.isEmpty()) return CannotLog(why);
   if (!MayLogInto(path)) return CannotLog(QStringLiteral("it is being read"));
-  auto log = std::make_unique<QFile>(path);
+  auto log = std::make_unique<TOrdinaryFile>(path);
   // Without a buffer nothing is lost in a crash, and a full disk shows at once.
   QString why;
-  if (!OpenOrdinaryFile(*log, QIODevice::WriteOnly | QIODevice::Unbuffered | mode, &why)) {
+  if (!log->Open(QIODevice::WriteOnly | QIODevice::Unbuffered | mode, &why)) {
     return CannotLog(why);
   }
   log_ = std::move(log);

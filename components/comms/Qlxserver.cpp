@@ -16,7 +16,7 @@
 /// Bytes in the order in which they came, with their times.
 class TQLXServer::TQueue {
  public:
-  void Keep(QByteArray bytes);
+  void Keep(std::span<const char> bytes);
   TReceived Read(std::span<char> buffer);
   void Clear();
   std::size_t Count() const { return count_; }
@@ -28,7 +28,7 @@ class TQLXServer::TQueue {
     QByteArray bytes;
   };
 
-  bool Joins(qsizetype size, std::int64_t now) const;
+  bool Joins(std::size_t size, std::int64_t now) const;
 
   std::deque<TPiece> pieces_;
   std::size_t count_ = 0;
@@ -37,28 +37,25 @@ class TQLXServer::TQueue {
   std::int64_t lost_ = 0;  ///< bytes dropped since the last piece
 };
 
-void TQLXServer::TQueue::Keep(QByteArray bytes) {
-  const qsizetype size = bytes.size();
-  dropping_ = (dropping_ && count_ > 0) || count_ + static_cast<std::size_t>(size) > kMostBytes;
+void TQLXServer::TQueue::Keep(std::span<const char> bytes) {
+  dropping_ = (dropping_ && count_ > 0) || count_ + bytes.size() > kMostBytes;
   if (dropping_) {
-    lost_ += size;
+    lost_ += std::ssize(bytes);
     return;
   }
-  count_ += static_cast<std::size_t>(size);
+  count_ += bytes.size();
   const std::int64_t now = TTimeSource::SteadyNanoseconds();
-  if (Joins(size, now)) {
-    pieces_.back().bytes += bytes;
-  } else {
-    pieces_.push_back({now, std::exchange(lost_, 0), std::move(bytes)});
-  }
+  if (!Joins(bytes.size(), now)) pieces_.push_back({now, std::exchange(lost_, 0), {}});
+  pieces_.back().bytes.append(bytes.data(), std::ssize(bytes));
 }
 
 /// Whether bytes go with the last piece: each piece costs memory of its own.
-bool TQLXServer::TQueue::Joins(qsizetype size, std::int64_t now) const {
-  constexpr qsizetype kLongest = 1024;
+bool TQLXServer::TQueue::Joins(std::size_t size, std::int64_t now) const {
+  constexpr std::size_t kLongest = 1024;
   constexpr std::size_t kMany = 65536;
-  constexpr std::int64_t kMoment = 1'000'000;  // a millisecond
-  if (pieces_.empty() || lost_ > 0 || pieces_.back().bytes.size() + size > kLongest) return false;
+  constexpr std::int64_t kMoment = 5'000'000;  // five milliseconds
+  if (pieces_.empty() || lost_ > 0) return false;
+  if (static_cast<std::size_t>(pieces_.back().bytes.size()) + size > kLongest) return false;
   return now - pieces_.back().time < kMoment || pieces_.size() >= kMany;
 }
 
@@ -159,9 +156,13 @@ class TQLXServer::TWorker : public QObject {
   }
 
   void Take() {
-    for (QByteArray bytes; !(bytes = device_->readAll()).isEmpty();) {
+    constexpr qint64 kBlock = 4096;
+    char block[kBlock];
+    for (qint64 count = kBlock; count == kBlock;) {
+      count = device_->read(block, kBlock);
+      if (count <= 0) return;
       const std::lock_guard lock(shared_->mutex);
-      shared_->queue.Keep(std::move(bytes));
+      shared_->queue.Keep({block, static_cast<std::size_t>(count)});
     }
   }
 

@@ -140,10 +140,10 @@ void TXMLFileClient::Open() {
   if (!info.exists()) {
     return SetStatus(QStringLiteral("File '%1' does not exist").arg(fileName_));
   }
-  auto file = std::make_unique<QFile>(path);
+  auto file = std::make_unique<TOrdinaryFile>(path);
   // A file that is being logged into would never end.
   if (!info.isFile() || (GetLogging() && !MayLogInto(FormPath(this, GetLogFile()))) ||
-      !OpenOrdinaryFile(*file, QIODevice::ReadOnly | QIODevice::Unbuffered, nullptr)) {
+      !file->Open(QIODevice::ReadOnly | QIODevice::Unbuffered, nullptr)) {
     return SetStatus(QStringLiteral("Error opening file"));
   }
   file_ = std::move(file);

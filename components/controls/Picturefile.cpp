@@ -17,9 +17,9 @@ QImage ReadPictureFile(const QString& fileName, QString* why) {
     *why = text;
     return QImage();
   };
-  QFile file(fileName);
+  TOrdinaryFile file(fileName);
   if (!file.exists()) return refuse(QStringLiteral("there is no such file"));
-  if (!OpenOrdinaryFile(file, QIODevice::ReadOnly, why)) return {};
+  if (!file.Open(QIODevice::ReadOnly, why)) return {};
   if (file.size() > kMaxPictureBytes) {
     return refuse(QStringLiteral("the file is larger than %1 MiB").arg(kMaxPictureBytes >> 20));
   }

@@ -162,8 +162,10 @@ QString FontText(std::span<const TFormFile::TPart> parts) {
   return font.toString();
 }
 
-/// The toolkit takes other cases for the same name.
+/// The toolkit takes other cases for the same name; it writes these so.
 bool IsElementName(QStringView name) {
+  static const QStringList kMixed = {"longLong", "uLongLong", "UInt", "cursorShape"};
+  if (kMixed.contains(name)) return true;
   return std::ranges::all_of(name, [](QChar c) { return c >= u'a' && c <= u'z'; });
 }
 

@@ -449,9 +449,9 @@ std::unique_ptr<TPanel> TPanel::FromText(const QString& text, const QString& fil
 }
 
 std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* faults) {
-  QFile file(fileName);
+  TOrdinaryFile file(fileName);
   QString error;
-  if (!OpenOrdinaryFile(file, QIODevice::ReadOnly, &error)) {
+  if (!file.Open(QIODevice::ReadOnly, &error)) {
     // The reason is told below.
   } else if (file.size() > kMaxFileSize) {
     error = QStringLiteral("it is larger than %1 MiB").arg(kMaxFileSize >> 20);

@@ -121,10 +121,10 @@ bool TDataLogger::OpenFor(double time, QString& reason) {
   if (file_.isOpen() && name == openedFor_) return true;
   file_.close();
   // A file that could not be written for a while keeps its number.
-  if (name != openedFor_) file_.setFileName(NumberedName(name));
+  if (name != openedFor_) file_.SetName(NumberedName(name));
   reason = WriteRefusal(this, Wishes(), file_.fileName());
   if (!reason.isEmpty()) return false;
-  if (!OpenOrdinaryFile(file_, kGrowing, &reason)) return false;
+  if (!file_.Open(kGrowing, &reason)) return false;
   openedFor_ = name;
   return true;
 }

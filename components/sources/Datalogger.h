@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QFile>
 #include <QString>
 
 #include "components/controls/Compbase.h"
 #include "components/sources/Rowsampler.h"
+#include "model/Ordinaryfile.h"
 
 /// Writes measured rows to text files: the time and one column per data control, a row whenever the
 /// last of its controls notifies, while it is Active. Each row is in the file at once, whole or not
@@ -69,7 +69,7 @@ class TDataLogger : public TStateControl {
   QString separator_ = QStringLiteral("\t");
   bool header_ = true;
   int digits_ = 8;
-  QFile file_;
+  TOrdinaryFile file_;
   QString openedFor_;   ///< the name, before its number, that file_ was opened for
   qint64 missing_ = 0;  ///< rows that could not be written since it is Active
   QString status_;

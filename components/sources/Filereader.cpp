@@ -12,13 +12,10 @@ namespace {
 /// The file open for reading, or null with the reason in `error`.
 std::unique_ptr<QFile> OpenFile(const TFileReader* reader, const QString& name, QString& error) {
   constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Unbuffered;
-  const QFileInfo info(name);
-  auto file = std::make_unique<QFile>(name);
+  auto file = std::make_unique<TOrdinaryFile>(name);
   if (const QString refusal = ReadRefusal(reader, name); !refusal.isEmpty()) {
     error = QStringLiteral("Cannot open %1: %2").arg(name, refusal);
-  } else if (info.exists() && !info.isFile()) {
-    error = QStringLiteral("Cannot open %1: it is not an ordinary file").arg(name);
-  } else if (QString why; !OpenOrdinaryFile(*file, kMode, &why)) {
+  } else if (QString why; !file->Open(kMode, &why)) {
     error = QStringLiteral("Cannot open %1: %2").arg(name, why);
   } else {
     return file;

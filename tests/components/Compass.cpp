@@ -184,7 +184,7 @@ TEST(TImageControl, SaysWhyThereIsNoPicture) {
     const char* why;
   } cases[] = {
       {TestFolder() + "/none.png", "there is no such file"},
-      {TestFolder(), "it is no file"},
+      {TestFolder(), "it is a folder"},
       {WriteTestFile("text.png", "hello"), "it is no picture of a known format"},
       {WriteTestFile("empty.png", ""), "it is no picture of a known format"},
       {WriteTestFile("a.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"),

@@ -214,7 +214,7 @@ TEST(TFFTChannel, BeginsWithItsDefaults) {
   }
   EXPECT_EQ(names.join(' ').toStdString(),
             "GraphLink Data PointCount SampleRate Output CumulCount LowerFilter UpperFilter "
-            "ResetFFT");
+            "ResetFFT UpperFilterSet");
 }
 
 TEST(TFFTChannel, ShowsASineInItsBinAlone) {

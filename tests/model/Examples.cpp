@@ -217,8 +217,9 @@ TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
       {"mast.dat", " 6 ", "16 ",
        "mast.dat, line 7: the model has no node 16; its record was dropped, and 1 more fault "
        "followed."},
-      {"mast.dat", " 9   0.4  0   0\n", "",
-       "mast.dat, line 12: the data set has no record for node 9 of the model; the node is not drawn "
+      {"mast.dat", " 9   0.4   0   0\n", "",
+       "mast.dat, line 12: the data set has no record for node 9 of the model; the node is not "
+       "drawn "
        "at its place."},
       {"mast.dat", "[F = 9]\n 1 ", "[F = 9]\n 1 0 0 0\n 1 ",
        "mast.dat, line 22: the record of node 9 is beyond the number of the model's nodes and was "
