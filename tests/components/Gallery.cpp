@@ -42,4 +42,21 @@ TEST(Gallery, SaysThatItCannotWrite) {
   EXPECT_TRUE(errors.contains("Cannot write " + file)) << errors.toStdString();
 }
 
+TEST(ExamplePrograms, SayWithoutADisplayHowTheyAreUsed) {
+  for (const char* program : {"gallery", "values", "monitor"}) {
+    SCOPED_TRACE(program);
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+      environment.remove(display);
+    }
+    process.setProcessEnvironment(environment);
+    process.start(BuiltFile(QStringLiteral("examples/%1/%1").arg(program)), {"--help"});
+    EXPECT_TRUE(process.waitForFinished()) << process.errorString().toStdString();
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_TRUE(process.readAllStandardOutput().contains("--render <file>"));
+  }
+}
+
 }  // namespace
