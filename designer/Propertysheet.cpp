@@ -143,7 +143,7 @@ void TPropertySheet::setPropertyGroup(int index, const QString& group) {
 bool TPropertySheet::hasReset(int index) const { return Extra(index) || own_.hasReset(index); }
 
 bool TPropertySheet::reset(int index) {
-  refused_.erase(index);
+  refused_.erase(Published(index));
   const TEntry* extra = Extra(index);
   if (!extra) return own_.reset(index);
   const QVariant value = ReadFormValue(extra->published, extra->initial, nullptr);
@@ -172,7 +172,7 @@ void TPropertySheet::setAttribute(int index, bool attribute) {
 QVariant TPropertySheet::property(int index) const {
   const TEntry* entry = Published(index);
   if (!entry) return own_.property(index);
-  const TRefused* refused = Refused(index);
+  const TRefused* refused = Refused(*entry);
   return refused ? refused->value : Shown(*entry);
 }
 
@@ -194,16 +194,17 @@ void TPropertySheet::setProperty(int index, const QVariant& value) {
   if (!entry) return own_.setProperty(index, value);
   const QDesignerPropertyEditorInterface* editor = core_.propertyEditor();
   if (!editor || editor->object() != &component_) {
-    if (told_.empty())
+    if (told_.empty()) {
       QMetaObject::invokeMethod(
           this, [this] { Settle(); }, Qt::QueuedConnection);
-    told_.emplace_back(index, value);
+    }
+    told_.emplace_back(entry, value);
     return Take(*entry, value);
   }
   const int shown = property(index).typeId();
-  refused_.erase(index);
+  refused_.erase(entry);
   Take(*entry, value);
-  if (IsText(entry->published)) KeepIfRefused(index, value);
+  if (IsText(entry->published)) KeepIfRefused(*entry, value);
   if (!entry->published.Property.isStored()) {
     ShowAgain(index);
   } else if (property(index).typeId() != shown) {
@@ -237,28 +238,25 @@ void TPropertySheet::Settle() {
   const auto told = std::exchange(told_, {});
   constexpr int kRounds = 2;
   for (int round = 0; round < kRounds; ++round) {
-    for (const auto& [index, value] : told) {
-      const TEntry& entry = *Published(index);
-      if (!Stands(entry, value)) Take(entry, value);
+    for (const auto& [entry, value] : told) {
+      if (!Stands(*entry, value)) Take(*entry, value);
     }
   }
-  for (const auto& [index, value] : told) KeepIfRefused(index, value);
+  for (const auto& [entry, value] : told) KeepIfRefused(*entry, value);
 }
 
 /// A value that a property refuses, such as the name of a file that is not on this computer, stays
 /// in the form until the property has another one.
-void TPropertySheet::KeepIfRefused(int index, const QVariant& value) {
-  const TEntry& entry = *Published(index);
-  refused_.erase(index);
+void TPropertySheet::KeepIfRefused(const TEntry& entry, const QVariant& value) {
+  refused_.erase(&entry);
   if (!entry.published.Property.isStored() || Stands(entry, value)) return;
-  refused_.emplace(index, TRefused{value, WriteFormValue(entry.published)});
+  refused_.emplace(&entry, TRefused{value, WriteFormValue(entry.published)});
 }
 
-const TPropertySheet::TRefused* TPropertySheet::Refused(int index) const {
-  const auto found = refused_.find(index);
+const TPropertySheet::TRefused* TPropertySheet::Refused(const TEntry& entry) const {
+  const auto found = refused_.find(&entry);
   if (found == refused_.end()) return nullptr;
-  const bool isSame = WriteFormValue(Published(index)->published) == found->second.instead;
-  return isSame ? &found->second : nullptr;
+  return WriteFormValue(entry.published) == found->second.instead ? &found->second : nullptr;
 }
 
 /// A button has done its work: its box is empty again, and other properties may have moved.
@@ -310,10 +308,9 @@ bool TPropertySheet::TEntry::IsMoved() const {
 }
 
 bool TPropertySheet::isChanged(int index) const {
-  if (Refused(index)) return true;
-  if (const TEntry* extra = Extra(index)) return extra->IsMoved();
   const TEntry* entry = Published(index);
-  return own_.isChanged(index) || (entry && entry->IsMoved());
+  if (entry && (entry->IsMoved() || Refused(*entry))) return true;
+  return !Extra(index) && own_.isChanged(index);
 }
 
 void TPropertySheet::setChanged(int index, bool changed) {

@@ -66,11 +66,11 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   const TEntry* Published(int index) const;
   QVariant Shown(const TEntry& entry) const;
   /// Null unless the property still has what it had when it refused a value.
-  const TRefused* Refused(int index) const;
+  const TRefused* Refused(const TEntry& entry) const;
   void Take(const TEntry& entry, const QVariant& value);
   bool Stands(const TEntry& entry, const QVariant& value);
   void Settle();
-  void KeepIfRefused(int index, const QVariant& value);
+  void KeepIfRefused(const TEntry& entry, const QVariant& value);
   QVariant Plain(const QVariant& value);
   void ShowAgain(int button);
   void ShowOtherEditor();
@@ -79,10 +79,13 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   QObject carrier_;  ///< see Plain
   QWidget& component_;
   QDesignerPropertySheetExtension& own_;
-  std::vector<TEntry> extras_;        ///< behind the properties of the component's own sheet
+  /// Behind the properties of the component's own sheet, which grow in number: one that Designer
+  /// does not know becomes dynamic.
+  std::vector<TEntry> extras_;
   std::map<int, TEntry> ownEntries_;  ///< by their index in the component's own sheet
-  std::vector<std::pair<int, QVariant>> told_;  ///< by a form that is being read, see Settle
-  std::map<int, TRefused> refused_;             ///< by index
+  /// By a form that is being read, see Settle.
+  std::vector<std::pair<const TEntry*, QVariant>> told_;
+  std::map<const TEntry*, TRefused> refused_;
 };
 
 /// Gives Designer such a sheet for every component.
