@@ -181,7 +181,7 @@ std::optional<QString> WritePlace(const QObject* component, const TWish& wish) {
 QString PlaceRefusal(const QString& path, const QString& place) {
   if (place.isEmpty()) return {};
   const QFileInfo info(path);
-  if (info.exists() && !info.isFile()) return QStringLiteral("it is not an ordinary file");
+  if (info.exists() && !info.isFile()) return QStringLiteral("it is no file");
   if (IsBelow(RealPath(path), place)) return {};
   return kOutside;
 }

@@ -127,7 +127,7 @@ TEST(TFileReader, TakesOnlyNamesOfFilesThatCanBeRead) {
   t.reader.SetFileName(TestFolder());
   EXPECT_EQ(t.reader.GetFileName(), QString());
   EXPECT_EQ(t.reader.GetErrorText(),
-            "Cannot open " + TestFolder() + ": it is not an ordinary file");
+            "Cannot open " + TestFolder() + ": it is a folder");
   t.reader.SetFileName(file);
   t.reader.SetFileName({});
   EXPECT_EQ(t.reader.GetFileName(), QString());
@@ -147,7 +147,7 @@ TEST(TFileReader, DoesNotWaitForAPipeOrReadADeviceForEver) {
     t.reader.SetUseList(true);
     t.reader.SetFiles({name});
     ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_EQ(t.reader.GetErrorText(), "Cannot open " + name + ": it is not an ordinary file");
+    EXPECT_EQ(t.reader.GetErrorText(), "Cannot open " + name + ": it is no file");
   }
 }
 #endif

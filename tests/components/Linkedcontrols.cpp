@@ -318,7 +318,7 @@ TEST_F(LinkedGraph, BeginsAnewWithAnotherChannelOrValue) {
   };
   double at = 0.0;
   for (const auto& c : cases) {
-    at += 0.05;
+    at += 61.0;
     if (data.Count() == 0) Row(at, 1.0 + at, 2.0 + at, 3.0 + at);
     Tick();
     ASSERT_EQ(data.Count(), 1);
