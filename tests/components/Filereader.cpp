@@ -126,8 +126,7 @@ TEST(TFileReader, TakesOnlyNamesOfFilesThatCanBeRead) {
   t.reader.SetFileName(file);
   t.reader.SetFileName(TestFolder());
   EXPECT_EQ(t.reader.GetFileName(), QString());
-  EXPECT_EQ(t.reader.GetErrorText(),
-            "Cannot open " + TestFolder() + ": it is a folder");
+  EXPECT_EQ(t.reader.GetErrorText(), "Cannot open " + TestFolder() + ": it is a folder");
   t.reader.SetFileName(file);
   t.reader.SetFileName({});
   EXPECT_EQ(t.reader.GetFileName(), QString());
