@@ -79,7 +79,7 @@ panels() {
   "$program" --panel examples/panels/signal.ui --render "$frames/signal.png" --after 8
   SPEED=20 examples/panels/weather.sh --render "$frames/weather.png" --after 45
   examples/panels/machine.sh --render "$frames/machine.png" --after 68
-  "$program" --panel examples/panels/replay.ui --render "$frames/replay.png" --after 20
+  "$program" --panel examples/panels/replay.ui --trust --render "$frames/replay.png" --after 20
   local panel
   for panel in signal weather machine replay; do
     convert "$frames/$panel.png" +dither -colors 255 "$pictures/panel-$panel.png"

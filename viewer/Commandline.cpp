@@ -40,6 +40,9 @@ struct TOptions {
                            "SECONDS"};
   QCommandLineOption Save{"save", "With --panel: save it to FILE.ui instead of opening a window.",
                           "FILE.ui"};
+  QCommandLineOption Trust{"trust", "With --panel: start it without asking."};
+  QCommandLineOption Force{
+      "force", "With --save: overwrite what another program has changed in the file meanwhile."};
 };
 
 TOptions::TOptions() {
@@ -48,8 +51,9 @@ TOptions::TOptions() {
       QStringLiteral("Shows a structure move with its measured vibration."));
   Parser.addPositionalArgument("MODEL", "Model file.", "[MODEL");
   Parser.addPositionalArgument("DATA", "Data file for the model.", "[DATA]]");
-  for (const QCommandLineOption& option : {Help, Version, Animate, View, ScaleType, Settings,
-                                           Render, Frames, Size, Panel, After, Save}) {
+  for (const QCommandLineOption& option :
+       {Help, Version, Animate, View, ScaleType, Settings, Render, Frames, Size, Panel, Trust,
+        After, Save, Force}) {
     Parser.addOption(option);
   }
 }
@@ -162,7 +166,9 @@ QString CheckTogether(const TOptions& options, const TCommandLine& line) {
   const bool render = !line.RenderFile.isEmpty();
   for (const QString& fault :
        {needs(options.Frames, "render", render), needs(options.Size, "render", render),
-        needs(options.After, "panel", panel), needs(options.Save, "panel", panel)}) {
+        needs(options.After, "panel", panel), needs(options.Save, "panel", panel),
+        needs(options.Trust, "panel", panel),
+        needs(options.Force, "save", !line.PanelSaveFile.isEmpty())}) {
     if (!fault.isEmpty()) return fault;
   }
   if (!panel) return {};
@@ -186,6 +192,8 @@ QString TakeOptions(const TOptions& options, TCommandLine& line) {
   }
   if (QString fault = CheckTogether(options, line); !fault.isEmpty()) return fault;
   line.Animate = parser.isSet(options.Animate);
+  line.PanelIsTrusted = parser.isSet(options.Trust);
+  line.PanelIsForced = parser.isSet(options.Force);
   return TakeFiles(parser.positionalArguments(), line);
 }
 

@@ -12,11 +12,13 @@
 struct TCommandLine {
   QString ModelFile;  ///< empty: the settings say
   QString DataFile;
-  QString SettingsFile;       ///< empty: the one beside the executable
-  QString PanelFile;          ///< empty: the animator is wanted
-  double PanelSeconds = 0.0;  ///< how long a panel runs before it is rendered or saved
-  QString PanelSaveFile;      ///< where to save the panel then; empty: nowhere
-  QString RenderFile;         ///< empty: a window is wanted
+  QString SettingsFile;         ///< empty: the one beside the executable
+  QString PanelFile;            ///< empty: the animator is wanted
+  double PanelSeconds = 0.0;    ///< how long a panel runs before it is rendered or saved
+  QString PanelSaveFile;        ///< where to save the panel then; empty: nowhere
+  bool PanelIsTrusted = false;  ///< it starts without a question
+  bool PanelIsForced = false;   ///< it is saved over another program's changes
+  QString RenderFile;           ///< empty: a window is wanted
   int Frames = 1;
   QSize Size = {1280, 800};         ///< of rendered pictures, pixels
   bool HasSize = false;             ///< the user gave it

@@ -36,15 +36,16 @@ int Render(const TCommandLine& line) {
 
 int ShowPanel(const TCommandLine& line) {
   SetMessageSink(ShowMessageBox);
-  auto panel = OpenPanel(line.PanelFile);
+  auto panel = OpenPanel(line.PanelFile, line.PanelIsTrusted);
   if (!panel) return EXIT_FAILURE;
-  TPanelWindow window(std::move(panel));
+  TPanelWindow window(std::move(panel), line.PanelIsTrusted);
   window.show();
   return QApplication::exec();
 }
 
 int RunPanel(const TCommandLine& line) {
-  TPanelRun run{line.PanelSeconds, line.RenderFile, line.PanelSaveFile, {}};
+  TPanelRun run{line.PanelSeconds,   line.RenderFile,   line.PanelSaveFile, {},
+                line.PanelIsTrusted, line.PanelIsForced};
   if (line.HasSize) run.Size = line.Size;
   return RunPanel(line.PanelFile, run) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

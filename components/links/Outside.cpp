@@ -197,7 +197,9 @@ QString WriteRefusal(const QObject* component, const TWishes& wishes, const QStr
 
 QString RealPath(const QString& path) {
   constexpr int kMaxLinks = 40;
-  QString head = QFileInfo(path).absoluteFilePath();
+  // Not made absolute by the toolkit, which takes "link/.." for nothing; the system follows the
+  // link.
+  QString head = QDir::isAbsolutePath(path) ? path : QDir::currentPath() + '/' + path;
   QString tail;
   for (int links = 0; links < kMaxLinks;) {
     const QFileInfo info(head);

@@ -8,7 +8,8 @@
 #include "components/controls/Picturefile.h"
 #include "components/links/Outside.h"
 
-TFormPictures::TFormPictures(const QString& folder) : folder_(folder) {}
+TFormPictures::TFormPictures(const QString& folder, bool anywhere)
+    : folder_(folder), anywhere_(anywhere) {}
 
 TFormPictures::~TFormPictures() = default;
 
@@ -36,7 +37,7 @@ TFormPictures::TCopy TFormPictures::Copy(const QString& name) {
     return {{}, QStringLiteral("it is no file")};
   }
   const QString path = QDir(folder_).absoluteFilePath(url.isLocalFile() ? url.toLocalFile() : name);
-  if (!IsBelow(RealPath(path), RealPath(folder_))) {
+  if (!anywhere_ && !IsBelow(RealPath(path), RealPath(folder_))) {
     return {{}, QStringLiteral("it lies outside the folder of the panel")};
   }
   QString why;

@@ -10,8 +10,8 @@ class QTemporaryDir;
 /// never opens what the form has named. The copies last as long as this.
 class TFormPictures {
  public:
-  /// Of a form in this folder.
-  explicit TFormPictures(const QString& folder);
+  /// Of a form in this folder; `anywhere`: it may show pictures from outside, too.
+  explicit TFormPictures(const QString& folder, bool anywhere = false);
   ~TFormPictures();
 
   /// The name under which the toolkit finds the picture; empty, and why, if it must not be shown.
@@ -31,6 +31,7 @@ class TFormPictures {
   static constexpr qint64 kMaxPixels = 1 << 24;  ///< of all that are shown together
 
   const QString folder_;
+  const bool anywhere_;
   std::unique_ptr<QTemporaryDir> copies_;
   QHash<QString, TCopy> known_;
   qint64 pixels_ = 0;

@@ -10,6 +10,7 @@
 #include <map>
 
 #include "components/links/Compclasses.h"
+#include "components/package/Filenames.h"
 #include "components/package/Formchecks.h"
 #include "components/package/Formloader.h"
 #include "components/package/Formwidgets.h"
@@ -49,8 +50,11 @@ bool HasTooManyMarks(const QSlider& slider) {
 /// Builds one panel from its form.
 class TPanelReader {
  public:
-  TPanelReader(TPanel& panel, QStringList& faults)
-      : panel_(panel), faults_(faults), checks_(*panel.pictures_, panel.form_.Widgets().size()) {}
+  TPanelReader(TPanel& panel, QStringList& faults, bool known)
+      : panel_(panel),
+        faults_(faults),
+        known_(known),
+        checks_(*panel.pictures_, panel.form_.Widgets().size()) {}
 
   bool Read();
 
@@ -104,6 +108,7 @@ class TPanelReader {
 
   TPanel& panel_;
   QStringList& faults_;
+  const bool known_;
   qsizetype faultCount_ = 0;
   const std::unique_ptr<TFormLoader> loader_ = TFormLoader::Make();
   TFormChecks checks_;
@@ -207,7 +212,7 @@ bool TPanelReader::MakeWidgets() {
     Fault(1, loader_->errorString());
     return false;
   }
-  BeginForm(*panel_.root_, QFileInfo(panel_.fileName_).absolutePath());
+  BeginForm(*panel_.root_, panel_.folder_, known_);
   return true;
 }
 
@@ -432,15 +437,16 @@ void TPanel::Start() {
 }
 
 std::unique_ptr<TPanel> TPanel::FromText(const QString& text, const QString& fileName,
-                                         QStringList* faults) {
+                                         QStringList* faults, bool known) {
   QStringList found;
   std::unique_ptr<TPanel> panel(new TPanel);
   panel->fileName_ = fileName;
-  panel->pictures_ = std::make_unique<TFormPictures>(QFileInfo(fileName).absolutePath());
+  panel->folder_ = QFileInfo(fileName).absolutePath();
+  panel->pictures_ = std::make_unique<TFormPictures>(panel->folder_, known);
   QString error;
   bool read = panel->form_.Parse(text, &error);
   if (read) {
-    read = TPanelReader(*panel, found).Read();
+    read = TPanelReader(*panel, found, known).Read();
   } else {
     found.append(QStringLiteral("%1: %2").arg(fileName, error));
   }
@@ -448,7 +454,7 @@ std::unique_ptr<TPanel> TPanel::FromText(const QString& text, const QString& fil
   return read ? std::move(panel) : nullptr;
 }
 
-std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* faults) {
+std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* faults, bool trusted) {
   TOrdinaryFile file(fileName);
   QString error;
   if (!file.Open(QIODevice::ReadOnly, &error)) {
@@ -458,7 +464,13 @@ std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* fault
   } else {
     const QByteArray bytes = file.read(kMaxFileSize);
     const int line = FirstForeignLine(bytes);
-    if (line == 0) return FromText(QString::fromUtf8(bytes), fileName, faults);
+    if (line == 0) {
+      const QByteArray content = ContentHash(bytes);
+      const bool known = trusted || IsKnownPanel(fileName, content);
+      auto panel = FromText(QString::fromUtf8(bytes), fileName, faults, known);
+      if (panel) panel->content_ = content;
+      return panel;
+    }
     error = QStringLiteral("line %1 is no UTF-8 text").arg(line);
   }
   if (faults) faults->append(QStringLiteral("Cannot read %1: %2").arg(fileName, error));
@@ -491,21 +503,25 @@ bool IsSetting(const TPublished& published) {
   return published.Property.isDesignable() && !kMoving.contains(name) && measured != name;
 }
 
-/// Those that a new component has otherwise.
-TFormFile::TNewProperties ChangedProperties(QWidget& component, const TStoredValues& standard) {
+/// Those that a new component has otherwise, with file names as they are meant from a folder.
+TFormFile::TNewProperties ChangedProperties(QWidget& component, const TStoredValues& standard,
+                                            const QString& from, const QString& to) {
   TFormFile::TNewProperties result;
   ForEachStored(component, [&](const TPublished& published) {
     TFormValue value = WriteFormValue(published);
     const auto found = standard.find(published.Path);
     const bool isDefault = found != standard.end() && found->second == value;
-    if (!isDefault) result.emplace_back(published.Path, std::move(value));
+    if (isDefault) return;
+    result.emplace_back(published.Path, Moved(published.Path, std::move(value), from, to));
   });
   return result;
 }
 
 }  // namespace
 
-QString TPanel::Text() const {
+QString TPanel::Text() const { return TextFor(folder_); }
+
+QString TPanel::TextFor(const QString& folder) const {
   struct TState {
     QWidget* component;
     TFormFile::TNewProperties properties;
@@ -518,10 +534,10 @@ QString TPanel::Text() const {
     const auto [standard, isNew] = defaults.try_emplace(entry.Class);
     if (isNew) standard->second = DefaultsOf(*entry.Class);
     TState& state = states.emplace(entry.Widget, TState{entry.Component, {}}).first->second;
-    state.properties = ChangedProperties(*entry.Component, standard->second);
+    state.properties = ChangedProperties(*entry.Component, standard->second, folder_, folder);
     for (const auto& [name, value] : state.properties) state.names.insert(name);
   }
-  return form_.Replaced(
+  const QString text = form_.Replaced(
       [&](const TFormFile::TWidget& widget, const TFormFile::TProperty& property) {
         const auto state = states.find(&widget);
         if (state == states.end()) return false;
@@ -533,14 +549,15 @@ QString TPanel::Text() const {
         const auto state = states.find(&widget);
         return state == states.end() ? TFormFile::TNewProperties() : state->second.properties;
       });
+  return MovedPictures(text, folder_, folder);
 }
 
-QString TPanel::Settings() const {
+QString TPanel::TextOf(bool (*wanted)(const TPublished&)) const {
   QString text;
   for (const TEntry& entry : entries_) {
     if (!entry.Component) continue;
     ForEachStored(*entry.Component, [&](const TPublished& published) {
-      if (!IsSetting(published)) return;
+      if (!wanted(published)) return;
       const TFormValue value = WriteFormValue(published);
       text += published.Path + '=' + value.Text + value.Items.join(',') + '\n';
     });
@@ -548,11 +565,26 @@ QString TPanel::Settings() const {
   return text;
 }
 
+QString TPanel::Settings() const { return TextOf(IsSetting); }
+
+QString TPanel::State() const {
+  return TextOf([](const TPublished& published) {
+    return published.Path != QLatin1String("Active") && published.Path != QLatin1String("Logging");
+  });
+}
+
+bool TPanel::IsChangedOnDisk() const {
+  TOrdinaryFile file(fileName_);
+  return file.Open(QIODevice::ReadOnly, nullptr) &&
+         ContentHash(file.read(kMaxFileSize)) != content_;
+}
+
 bool TPanel::Save(const QString& fileName, QString* error) {
   QSaveFile file(fileName);
-  const QByteArray text = Text().toUtf8();
+  const QByteArray text = TextFor(QFileInfo(fileName).absolutePath()).toUtf8();
   if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
     fileName_ = fileName;
+    content_ = ContentHash(text);
     return true;
   }
   if (error) *error = QStringLiteral("Cannot write %1: %2").arg(fileName, file.errorString());

@@ -14,6 +14,7 @@
 #include "components/package/Formfile.h"
 #include "components/package/Formpictures.h"
 #include "components/package/Registry.h"
+#include "components/package/Trust.h"
 
 /// A panel: the widgets of a form file with the components among them, connected, and running once
 /// it has been started. GUI thread only.
@@ -28,9 +29,12 @@
 class TPanel {
  public:
   /// Null only if the text is no form file at all.
+  /// `known`: files outside its folder may be read from the beginning.
   static std::unique_ptr<TPanel> FromText(const QString& text, const QString& fileName,
-                                          QStringList* faults);
-  static std::unique_ptr<TPanel> Load(const QString& fileName, QStringList* faults);
+                                          QStringList* faults, bool known = false);
+  /// `trusted`: it is known, whether its user has allowed it or not.
+  static std::unique_ptr<TPanel> Load(const QString& fileName, QStringList* faults,
+                                      bool trusted = false);
   ~TPanel();
 
   /// What its components want from outside, each thing once, in the order of the file.
@@ -53,6 +57,11 @@ class TPanel {
   /// In the order of the file.
   std::span<const TEntry> Components() const { return entries_; }
 
+  /// What an answer of the user is about: the file as it was read or written last.
+  TPanelMark Mark() const { return {fileName_, content_, WishesHash(Wishes())}; }
+  /// Another program has written the file since.
+  bool IsChangedOnDisk() const;
+
   /// The form file with the present properties of the components, hidden ones included, where they
   /// differ from those of a new component. All else is as it was read, a value that a property
   /// refused included, until the property has another one.
@@ -60,13 +69,20 @@ class TPanel {
   /// What a user has set, to see whether it has changed: the text without hidden properties,
   /// without values, and without what is switched on.
   QString Settings() const;
-  /// Writes it, replacing the file at once or not at all. False with a sentence if it cannot.
+  /// Settings and measurements: all but what is switched on, to see whether anything would go.
+  QString State() const;
+  /// Writes it, replacing the file at once or not at all. False with a sentence if it cannot. In
+  /// another folder the file names in it are others, so that they still mean the same files.
   [[nodiscard]] bool Save(const QString& fileName, QString* error);
 
  private:
   TPanel() = default;
+  QString TextFor(const QString& folder) const;
+  QString TextOf(bool (*wanted)(const TPublished&)) const;
 
   QString fileName_;
+  QString folder_;      ///< where file names are meant from: that of the file when it was read
+  QByteArray content_;  ///< hash of the file; empty for a text
   TFormFile form_;
   std::unique_ptr<TFormPictures> pictures_;  ///< go after the widgets
   TFormConnections connections_;

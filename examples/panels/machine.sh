@@ -13,4 +13,4 @@ for _ in $(seq 100); do
   [ -e "$folder/COM1" ] && break
   sleep 0.05
 done
-VELMORA_COM1=$folder/COM1 "$build/velmora-animator" --panel "$here/machine.ui" "$@"
+VELMORA_COM1=$folder/COM1 "$build/velmora-animator" --panel "$here/machine.ui" --trust "$@"

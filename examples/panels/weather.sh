@@ -8,4 +8,4 @@ build=${BUILD:-$here/../../build/release}
 "$build/examples/package-server/package-server" --port 4001 --rate "${SPEED:-1}" >/dev/null &
 server=$!
 trap 'kill $server 2>/dev/null || true' EXIT
-"$build/velmora-animator" --panel "$here/weather.ui" "$@"
+"$build/velmora-animator" --panel "$here/weather.ui" --trust "$@"

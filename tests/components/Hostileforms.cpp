@@ -37,8 +37,8 @@ QString PanelFolder() {
   return folder;
 }
 
-/// Each form of tests/data/forms gives the faults that stand beside it, and what is left of it can
-/// be shown.
+/// Each form of tests/data/forms gives the faults and the wishes that stand beside it, what is left
+/// of it can be shown, and nothing is written, in its folder or in the one above it.
 TEST(Hostileforms, OpenNothingAndSayWhatIsWrong) {
   const QString folder = PanelFolder();
   const QDir forms(SourceFile("tests/data/forms"));
@@ -48,11 +48,18 @@ TEST(Hostileforms, OpenNothingAndSayWhatIsWrong) {
     SCOPED_TRACE(name.toStdString());
     const QString copy = folder + '/' + name;
     ASSERT_TRUE(QFile::copy(forms.filePath(name), copy));
-    QStringList faults;
-    const auto panel = TPanel::Load(copy, &faults);
-    QString told = faults.join('\n') + '\n';
-    told.replace(copy, "FORM");
+    const auto entries = [&folder] {
+      return QDir(folder + "/..").entryList(QDir::Files | QDir::Hidden) +
+             QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
+    };
+    const QStringList before = entries();
+    QStringList lines;
+    const auto panel = TPanel::Load(copy, &lines);
+    for (const TWish& wish : panel ? panel->Wishes() : TWishes()) lines << "wish: " + wish.Text;
+    QString told = lines.join('\n') + '\n';
+    told.replace(copy, "FORM").replace(TestFolder(), "ABOVE");
     EXPECT_EQ(told.toStdString(), TestData("forms/" + QFileInfo(name).baseName() + ".txt"));
+    EXPECT_EQ(entries(), before);
     if (!panel) continue;
     panel->Root()->resize(300, 200);
     EXPECT_FALSE(panel->Root()->grab().isNull());

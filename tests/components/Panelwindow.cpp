@@ -4,6 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTimer>
+#include <filesystem>
 
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
@@ -14,6 +19,8 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::StartsWith;
 using TAnswer = TPanelWindow::TAnswer;
 
@@ -25,8 +32,9 @@ struct TOpenPanel {
                                               "<widget class=\"TKorvalGraph\" name=\"g\"/>\n")
                                            .toUtf8())),
         window(OpenPanel(file)) {
-    window.AskToSave = [this](const QString& question) {
+    window.Ask = [this](const QString& question, const QList<TAnswer>& answers) {
       questions.append(question);
+      EXPECT_TRUE(answers.contains(answer));
       return answer;
     };
     window.show();
@@ -127,7 +135,16 @@ TEST(Panelwindow, ReloadBringsTheFileBackAndKeepsThePanelIfThatIsSpoilt) {
   TOpenPanel open;
   open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
   open.window.Reload();
+  EXPECT_EQ(open.Find<TDataChannel>("c")->GetScaleFactor(), 3.0);
+  open.answer = TAnswer::Reload;
+  open.window.Reload();
   EXPECT_EQ(open.Find<TDataChannel>("c")->GetScaleFactor(), 1.0);
+  // Nothing would go.
+  open.window.Reload();
+  EXPECT_THAT(open.questions, testing::SizeIs(2));
+  open.Find<TDataChannel>("c")->SetValue(4.0);
+  open.window.Reload();
+  EXPECT_THAT(open.questions, testing::SizeIs(3));
   open.Find<TDataChannel>("c")->SetScaleFactor(4.0);
   WriteTestFile("panel.ui", "<ui>");
   open.window.Reload();
@@ -175,11 +192,16 @@ TEST(Panelwindow, SaysWhyAPictureCannotBeWritten) {
       WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
   const QString picture = TestFolder() + "/none/p.png";
   EXPECT_FALSE(RunPanel(file, {0.0, picture, {}, {}}));
-  EXPECT_EQ(
-      TakeMessages().join('\n').toStdString(),
-      ("Cannot write " + picture + ": Cannot open device for writing: No such file or directory")
-          .toStdString());
+  EXPECT_EQ(TakeMessages().join('\n').toStdString(),
+            ("Cannot write " + picture + ": No such file or directory").toStdString());
   EXPECT_TRUE(RunPanel(file, {0.0, TestFolder() + "/p.png", {}, {}}));
+  // An earlier picture is not written over, but replaced.
+  const std::filesystem::path earlier(WriteTestFile("q.png", "earlier").toStdString());
+  const std::string kept = TestFolder().toStdString() + "/kept";
+  std::filesystem::create_hard_link(earlier, kept);
+  EXPECT_TRUE(RunPanel(file, {0.0, TestFolder() + "/q.png", {}, {}}));
+  EXPECT_EQ(std::filesystem::file_size(kept), 7u);
+  EXPECT_FALSE(QImage(TestFolder() + "/q.png").isNull());
 }
 
 TEST(Panelwindow, APanelLargerThanTheScreenScrolls) {
@@ -191,6 +213,210 @@ TEST(Panelwindow, APanelLargerThanTheScreenScrolls) {
   window.show();
   EXPECT_LE(window.width(), window.screen()->availableSize().width());
   EXPECT_EQ(window.Panel().Root()->size(), QSize(9000, 8000));
+}
+
+/// A window of a panel whose logger is switched on.
+struct TWantingPanel {
+  explicit TWantingPanel(const QString& name = "panel.ui", bool trusted = false)
+      : window(OpenPanel(TestFolder() + '/' + name, trusted), trusted) {
+    window.show();
+  }
+  static void Write(const QString& log) {
+    WriteTestFile("panel.ui",
+                  FormOf("<widget class=\"TVariable\" name=\"v\"/>\n"
+                         "<widget class=\"TDataLogger\" name=\"l\">\n"
+                         "<property name=\"Active\"><bool>true</bool></property>\n"
+                         "<property name=\"FileName\"><string>" +
+                         log +
+                         "</string></property>\n<property name=\"Controls.Components\">"
+                         "<stringlist><string>v</string></stringlist></property>\n</widget>\n")
+                      .toUtf8());
+  }
+  TWishBar* Bar() const { return window.findChild<TWishBar*>(); }
+  QPushButton* Button(const QString& text) const {
+    for (auto* button : Bar()->findChildren<QPushButton*>()) {
+      if (button->text() == text) return button;
+    }
+    return nullptr;
+  }
+  /// Whether a value gets into the log.
+  bool Logs(const QString& log) const {
+    window.Panel().Root()->findChild<TVariable*>("v")->SetValue(1.0);
+    return QFile::exists(TestFolder() + '/' + log);
+  }
+
+  TPanelWindow window;
+};
+
+TEST(Panelwindow, APanelThatWantsSomethingAsksUntilItIsAllowed) {
+  TWantingPanel::Write("log.txt");
+  {
+    TWantingPanel open;
+    ASSERT_TRUE(open.Bar());
+    EXPECT_THAT(open.window.windowTitle().toStdString(), HasSubstr("(at rest)"));
+    EXPECT_EQ(open.Bar()->findChild<QPlainTextEdit*>()->toPlainText(),
+              QString::fromUtf8("\u2022 write log.txt beside the panel"));
+    EXPECT_FALSE(open.Logs("log.txt"));
+    open.Button("Leave off")->click();
+    EXPECT_FALSE(open.Logs("log.txt"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(open.Bar());
+    MenuItem(open.window, "Start...")->trigger();
+    ASSERT_TRUE(open.Bar());
+    open.Button("Start")->click();
+    EXPECT_TRUE(open.Logs("log.txt"));
+    EXPECT_THAT(open.window.windowTitle().toStdString(), testing::Not(HasSubstr("(at rest)")));
+    // The same again in this window needs no answer, in another it does.
+    open.window.Ask = [](const QString&, const QList<TAnswer>&) { return TAnswer::Reload; };
+    open.window.Reload();
+    EXPECT_FALSE(open.window.Panel().IsAtRest());
+  }
+  {
+    TWantingPanel open;
+    ASSERT_TRUE(open.Bar());
+    open.Button("Always for this file")->click();
+    EXPECT_FALSE(open.window.Panel().IsAtRest());
+    // What the program itself saves stays allowed.
+    open.window.Panel().Root()->findChild<TVariable*>("v")->SetValue(7.0);
+    open.window.Save();
+  }
+  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  TWantingPanel::Write("log2.txt");
+  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+  EXPECT_FALSE(TWantingPanel("panel.ui", true).window.Panel().IsAtRest());
+  TWantingPanel().Button("Always in this folder")->click();
+  TWantingPanel::Write("log3.txt");
+  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+}
+
+TEST(Panelwindow, AnswersAreForTheFileThatWasShownAndForThePlacesItLedTo) {
+  ASSERT_TRUE(QDir(TestFolder()).mkdir("log"));
+  TWantingPanel::Write("log/a.txt");
+  TWantingPanel open;
+  TWantingPanel::Write("../b.txt");  // while the question stands
+  open.Button("Always for this file")->click();
+  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+  TWantingPanel::Write("log/a.txt");
+  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  ASSERT_TRUE(QDir(TestFolder()).rmdir("log"));
+  ASSERT_TRUE(QFile::link("/", TestFolder() + "/log"));
+  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+}
+
+TEST(Panelwindow, WithoutADisplayAPanelAsksByEndingWithTheList) {
+  TWantingPanel::Write("log.txt");
+  const QString file = TestFolder() + "/panel.ui";
+  const QString picture = TestFolder() + "/p.png";
+  EXPECT_FALSE(RunPanel(file, {0.0, picture, {}, {}}));
+  EXPECT_THAT(TakeMessages(),
+              ElementsAre(file + " has not been allowed to do what it wants; --trust allows it:\n"
+                                 "  write log.txt beside the panel"));
+  EXPECT_FALSE(QFile::exists(picture));
+  TPanelRun run{0.0, picture, {}, {}};
+  run.IsTrusted = true;
+  EXPECT_TRUE(RunPanel(file, run));
+  EXPECT_TRUE(QFile::exists(picture));
+}
+
+TEST(Panelwindow, SavingOverAnotherProgramsChangesAsks) {
+  TOpenPanel open;
+  const auto change = [&] {
+    QFile file(open.file);
+    EXPECT_TRUE(file.open(QIODevice::Append));
+    file.write("<!-- another -->\n");
+  };
+  const auto isChanged = [&] {
+    QFile file(open.file);
+    return file.open(QIODevice::ReadOnly) && file.readAll().contains("<!-- another -->");
+  };
+  open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+  change();
+  open.window.Save();
+  EXPECT_THAT(open.questions,
+              ElementsAre("Another program has changed " + open.file + " since it was read."));
+  EXPECT_TRUE(isChanged());
+  open.answer = TAnswer::SaveAs;
+  open.window.AskFileName = [] { return TestFolder() + "/copy.ui"; };
+  open.window.Save();
+  EXPECT_TRUE(isChanged());
+  EXPECT_TRUE(QFile::exists(TestFolder() + "/copy.ui"));
+  // From now on it is the copy that is saved.
+  EXPECT_EQ(open.window.Panel().FileName(), TestFolder() + "/copy.ui");
+  WriteTestFile("copy.ui", FormOf("<widget class=\"TDataChannel\" name=\"c\"/>\n").toUtf8());
+  open.answer = TAnswer::Overwrite;
+  open.window.Save();
+  EXPECT_EQ(TPanel::Load(TestFolder() + "/copy.ui", nullptr)->Components().size(), 3u);
+  WriteTestFile("copy.ui", FormOf("<widget class=\"TDataChannel\" name=\"c\"/>\n").toUtf8());
+  open.answer = TAnswer::Reload;
+  open.window.Save();
+  EXPECT_EQ(open.window.Panel().Components().size(), 1u);
+  EXPECT_THAT(TakeMessages(), IsEmpty());
+}
+
+TEST(Panelwindow, WithoutADisplayAnotherProgramsChangesAreKeptUnlessForced) {
+  const QString file =
+      WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
+  for (const bool force : {false, true}) {
+    // Another program writes while the panel runs.
+    QTimer::singleShot(0, [] { WriteTestFile("p.ui", "<other/>"); });
+    TPanelRun run{0.05, {}, file, {}};
+    run.Overwrites = force;
+    EXPECT_EQ(RunPanel(file, run), force);
+    EXPECT_EQ(TakeMessages().size(), force ? 0 : 1);
+    EXPECT_EQ(TPanel::Load(file, nullptr) != nullptr, force);
+    WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
+  }
+}
+
+/// Every property that names a file, and a picture of the toolkit's.
+TEST(Panelwindow, FilesMeanTheSameWhenThePanelIsSavedInAnotherFolder) {
+  for (const char* folder : {"a", "b", "b/c"}) ASSERT_TRUE(QDir(TestFolder()).mkdir(folder));
+  const QPixmap picture = [] {
+    QPixmap result(4, 4);
+    result.fill(Qt::red);
+    return result;
+  }();
+  ASSERT_TRUE(picture.save(TestFolder() + "/a/dot.png"));
+  WriteTestFile("a/x.txt", "1\n");
+  QString widgets =
+      "<widget class=\"QLabel\" name=\"label\"><property name=\"pixmap\"><pixmap>dot.png</pixmap>"
+      "</property><property name=\"styleSheet\"><string>QLabel { background: "
+      "url(&quot;dot.png&quot;) }</string></property></widget>\n"
+      "<widget class=\"QPushButton\" name=\"button\"><property name=\"icon\"><iconset>"
+      "<normaloff>dot.png</normaloff>dot.png</iconset></property></widget>\n";
+  static const QRegularExpression names("(File|Files|FileName|Dir|Folder|Path|URL)$");
+  QStringList paths;
+  for (const TComponentClass& component : ComponentClasses()) {
+    QString properties;
+    const std::unique_ptr<QWidget> fresh(component.Make(nullptr));
+    ForEachStored(*fresh, [&](const TPublished& published) {
+      if (!names.match(published.Path).hasMatch()) return;
+      const int type = published.Property.typeId();
+      const QString name = QStringLiteral("<string>x.txt</string>");
+      if (type != QMetaType::QString && type != QMetaType::QStringList) return;
+      paths << component.Name + ' ' + published.Path;
+      properties +=
+          QStringLiteral("<property name=\"%1\">%2</property>")
+              .arg(published.Path,
+                   type == QMetaType::QString ? name : "<stringlist>" + name + "</stringlist>");
+    });
+    widgets += QStringLiteral("<widget class=\"%1\" name=\"it%1\">%2</widget>\n")
+                   .arg(component.Name, properties);
+  }
+  EXPECT_GE(paths.size(), 9) << paths.join('\n').toStdString();
+  const auto first = TPanel::Load(WriteTestFile("a/p.ui", FormOf(widgets).toUtf8()), nullptr);
+  QString error;
+  ASSERT_TRUE(first->Save(TestFolder() + "/b/c/p.ui", &error));
+  QFile saved(TestFolder() + "/b/c/p.ui");
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  const QString text = QString::fromUtf8(saved.readAll());
+  EXPECT_EQ(text.count("<string>../../a/x.txt</string>"), paths.size());
+  EXPECT_EQ(text.count("../../a/dot.png"), 4);
+  // Back again it is what it was.
+  ASSERT_TRUE(first->Save(TestFolder() + "/a/p.ui", &error));
+  QFile back(TestFolder() + "/a/p.ui");
+  ASSERT_TRUE(back.open(QIODevice::ReadOnly));
+  EXPECT_EQ(QString::fromUtf8(back.readAll()).count("<string>x.txt</string>"), paths.size());
 }
 
 }  // namespace

@@ -40,6 +40,8 @@ class Watch : public testing::EmptyTestEventListener {
     messages.clear();
     expectedWarnings.clear();
     unexpectedWarnings.clear();
+    // The settings folder of the user, for this program and those that it starts.
+    qputenv("XDG_CONFIG_HOME", (TestFolder() + "/settings").toLocal8Bit());
   }
   void OnTestEnd(const testing::TestInfo&) override {
     folder.reset();

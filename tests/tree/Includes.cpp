@@ -79,6 +79,34 @@ TEST(Includes, AreWrittenFromTheRoot) {
   }
 }
 
+/// What opens files, ports, sockets or programs asks whether its panel may, or somebody above it
+/// has.
+TEST(Includes, WhatReachesOutsideAsksFirst) {
+  const QRegularExpression reaches(
+      R"(\b(TOrdinaryFile|QFile|QSaveFile|QTcpSocket|QTcpServer|QUdpSocket|QLocalSocket|QSslSocket|QSerialPort|)"
+      R"(QProcess|QDesktopServices|QNetworkAccessManager|QLibrary|QPluginLoader|QSettings|)"
+      R"(fopen|i?o?fstream|popen)\b(?!\.h|>))");
+  const std::set<std::string> others = {
+      "components/comms/Qlxdriver",        // its port asks
+      "components/sources/Filename",       // opens nothing
+      "components/graphing/Graphexport",   // its user names the file
+      "components/controls/Picturefile"};  // its control asks
+  QDirIterator files(SourceFile("components"), {"*.cpp", "*.h"}, QDir::Files,
+                     QDirIterator::Subdirectories);
+  int found = 0;
+  while (files.hasNext()) {
+    QFile file(files.next());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const std::string unit = UnitOf(file.fileName().mid(SourceFile("").size()));
+    // What reads the form itself is the program, and no component.
+    if (unit.starts_with("components/package/") || others.contains(unit)) continue;
+    if (!QString::fromUtf8(file.readAll()).contains(reaches)) continue;
+    ++found;
+    EXPECT_TRUE(Includes().at(unit).contains("components/links/Outside")) << unit;
+  }
+  EXPECT_GE(found, 5);
+}
+
 TEST(Includes, PointDownwards) {
   const auto in = [](const std::string& name, const char* room) {
     return name.rfind(room, 0) == 0;

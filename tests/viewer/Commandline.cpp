@@ -133,6 +133,8 @@ TEST(Commandline, SaysInOneSentenceWhatIsWrong) {
        "--size is a width and a height such as 1280x800, not \"640\"."},
       {{"--render", "a.png", "--size", "0x480"},
        "--size is a width and a height such as 1280x800, not \"0x480\"."},
+      {{"--trust"}, "--trust is of use with --panel alone."},
+      {{"--force"}, "--force is of use with --save alone."},
       {{"--frames", "3"}, "--frames is of use with --render alone."},
       {{"--nonsense"}, "Unknown option 'nonsense'."},
       {{"--view"}, "Missing value after '--view'."},

@@ -49,7 +49,7 @@ TEST(ExamplePanels, EachStartsWithOneCommandFromAnyFolder) {
       {folder + "weather.sh", {}},
       {folder + "machine.sh", {}},
 #endif
-      {BuiltFile("velmora-animator"), {"--panel", folder + "replay.ui"}},
+      {BuiltFile("velmora-animator"), {"--panel", folder + "replay.ui", "--trust"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.command.toStdString());
@@ -63,6 +63,17 @@ TEST(ExamplePanels, EachStartsWithOneCommandFromAnyFolder) {
     EXPECT_GT(ColoursOf(image), 100u);
     QFile::remove(picture);
   }
+}
+
+TEST(ExamplePanels, WhatIsNotAllowedEndsWithTheListOfWishes) {
+  const QString panel = SourceFile("examples/panels/weather.ui");
+  const TRun run = RunCommand(BuiltFile("velmora-animator"),
+                              {"--panel", panel, "--render", TestFolder() + "/panel.png"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.errors, panel +
+                            " has not been allowed to do what it wants; --trust allows it:\n"
+                            "  connect to 127.0.0.1 port 4001\n");
+  EXPECT_FALSE(QFile::exists(TestFolder() + "/panel.png"));
 }
 
 }  // namespace
