@@ -1,4 +1,5 @@
 #include "components/comms/Qlxwebdebug.h"
+#include "components/controls/Plaintip.h"
 
 #include <QFontDatabase>
 #include <QLabel>
@@ -97,7 +98,7 @@ void TQLXWebDebug::ShowState() {
   if (!client_) return;
   const bool active = client_->GetActive();
   status_->setText(client_->GetStatus());
-  status_->setToolTip(client_->GetStatus());
+  status_->setToolTip(PlainTip(client_->GetStatus()));
   connect_->setText(active ? QStringLiteral("Disconnect") : QStringLiteral("Connect"));
   sendButton_->setEnabled(active);
 }

@@ -9,6 +9,7 @@
 #include <QStyleOptionFocusRect>
 
 #include "components/controls/Korvaltools.h"
+#include "components/controls/Plaintip.h"
 #include "components/controls/Textaccess.h"
 #include "components/links/Outside.h"
 #include "model/Message.h"
@@ -48,7 +49,7 @@ THyperlink::THyperlink(QWidget* parent) : TCustomTextControl(parent) {
 
 void THyperlink::SetURL(const QString& url) {
   if (url == url_) return;
-  if (toolTip() == url_) setToolTip(url);
+  if (toolTip() == PlainTip(url_)) setToolTip(PlainTip(url));
   url_ = url;
   visited_ = false;
   TextChanged();

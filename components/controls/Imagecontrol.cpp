@@ -9,18 +9,19 @@
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
 #include "components/controls/Picturefile.h"
+#include "components/controls/Plaintip.h"
 #include "components/links/Outside.h"
 
 namespace {
 
 constexpr QSize kDefaultSize(81, 81);
 
-/// Reads the picture of a file; a null one and why.
-QImage ReadPicture(const QString& fileName, QString* fault) {
-  QString why;
-  QImage picture = ReadPictureFile(fileName, &why);
-  if (picture.isNull()) *fault = QStringLiteral("Cannot read %1: %2").arg(fileName, why);
-  return picture;
+/// A sentence. To lay out a name that no file has takes minutes.
+QString FaultOf(const QString& fileName, const QString& why) {
+  constexpr qsizetype kMost = 500;
+  const QString shown =
+      fileName.size() <= kMost ? fileName : fileName.left(kMost) + QLatin1String("...");
+  return QStringLiteral("Cannot read %1: %2").arg(shown, why);
 }
 
 /// The picture without the pixels that have the colour of its lower left corner.
@@ -60,12 +61,10 @@ void TCustomImageControl::ReadImage() {
   const QString oldFault = std::exchange(fault_, QString());
   const QString path = FormPath(this, imageFile_);
   picture_ = QImage();
-  if (const QString refusal = ReadRefusal(this, path); !refusal.isEmpty()) {
-    fault_ = QStringLiteral("Cannot read %1: %2").arg(path, refusal);
-  } else if (!path.isEmpty()) {
-    picture_ = ReadPicture(path, &fault_);
-  }
-  if (toolTip() == oldFault) setToolTip(fault_);
+  QString why = ReadRefusal(this, path);
+  if (why.isEmpty() && !path.isEmpty()) picture_ = ReadPictureFile(path, &why);
+  if (!why.isEmpty()) fault_ = FaultOf(path, why);
+  if (toolTip() == PlainTip(oldFault)) setToolTip(PlainTip(fault_));
   updateGeometry();
   MakeShown();
 }

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <utility>
 
+#include "components/controls/Plaintip.h"
 #include "components/graphing/Datetimeformat.h"
 
 namespace {
@@ -163,7 +164,7 @@ void TValueEdit::ShowFault(const QString& fault) {
     }
   }
   lineEdit()->setPalette(colors);
-  lineEdit()->setToolTip(fault);
+  lineEdit()->setToolTip(PlainTip(fault));
   setAccessibleDescription(fault);
 }
 

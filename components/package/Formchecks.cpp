@@ -12,6 +12,8 @@ namespace {
 using TProperty = TFormFile::TProperty;
 
 constexpr qint64 kMaxFontSize = 500;
+constexpr double kMaxWidgetArea = 1 << 25;  ///< pixels: some are drawn in a picture of their own
+constexpr double kMaxDecimals = 30;
 constexpr qsizetype kMaxWord = 1000;        ///< characters of a text that is one line
 constexpr qsizetype kMaxText = 16384;       ///< of any other
 constexpr qint64 kMaxLongTexts = 1 << 18;   ///< of all long ones together
@@ -133,7 +135,7 @@ QString TFormChecks::WrongSize(const QMetaObject* meta, const TProperty& propert
     const double height = PartNumber(property, "height");
     const double largest =
         std::max({PartNumber(property, "x"), PartNumber(property, "y"), width, height});
-    if (largest > TFormFile::kMaxPixels) return kTooLarge;
+    if (largest > TFormFile::kMaxPixels || width * height > kMaxWidgetArea) return kTooLarge;
     // A component draws into a picture of its own.
     const int copies = meta && meta->className()[0] == 'T' ? 4 : 1;
     area_ += copies * static_cast<qint64>(width * height);
@@ -143,7 +145,9 @@ QString TFormChecks::WrongSize(const QMetaObject* meta, const TProperty& propert
                         kind == QLatin1String("float") || kind == QLatin1String("longlong") ||
                         kind == QLatin1String("uint") || kind == QLatin1String("ulonglong");
   if (!isNumber || IsAnyNumber(property.Name)) return {};
-  return NumberOf(property.Value.Text) <= TFormFile::kMaxPixels ? QString() : kTooLarge;
+  const bool isDecimals = property.Name == QLatin1String("decimals");
+  const double most = isDecimals ? kMaxDecimals : TFormFile::kMaxPixels;
+  return NumberOf(property.Value.Text) <= most ? QString() : kTooLarge;
 }
 
 QString TFormChecks::Picture(const QString& name, QString* why) {

@@ -21,7 +21,7 @@ const QHash<QString, int>& PlainWidgets() {
       {"QFrame", 1},
       {"Line", 1},
       {"QLabel", 1},
-      {"QGroupBox", 1},
+      {"QGroupBox", 2},
       {"QPushButton", 1},
       {"QToolButton", 1},
       {"QCommandLinkButton", 1},
@@ -92,10 +92,10 @@ int MostChildren(const QString& className) {
 }
 
 int ComponentCost(const QMetaObject& componentClass) {
-  constexpr int kGraphCost = 40;
+  constexpr int kGraphCost = 40;  // and of a sheet
   constexpr int kUsualCost = 4;
   if (componentClass.inherits(&TKorvalGraph::staticMetaObject)) return kGraphCost;
-  return componentClass.inherits(&QAbstractItemView::staticMetaObject) ? kViewCost : kUsualCost;
+  return componentClass.inherits(&QAbstractItemView::staticMetaObject) ? kGraphCost : kUsualCost;
 }
 
 bool IsPlainLayout(const QString& className) {

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include "components/controls/Plaintip.h"
 #include "components/links/Outside.h"
 #include "model/Datetime.h"
 #include "model/Growingfile.h"
@@ -87,7 +88,7 @@ void TDataLogger::Started() {
 void TDataLogger::SetStatus(const QString& text) {
   if (text == status_) return;
   status_ = text;
-  setToolTip(text);
+  setToolTip(PlainTip(text));
   emit OnStatusChanged(this);
 }
 

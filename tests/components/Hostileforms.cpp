@@ -10,6 +10,7 @@
 #include <QSpinBox>
 
 #include "components/comms/Qlxxml.h"
+#include "components/controls/Imagecontrol.h"
 #include "components/package/Formwidgets.h"
 #include "tests/components/Panelforms.h"
 #include "tests/support/Testsupport.h"
@@ -100,6 +101,25 @@ TEST(Hostileforms, LoadNoPlugins) {
   EXPECT_FALSE(mapped.readAll().contains("libintruder"));
   EXPECT_TRUE(QCoreApplication::libraryPaths().contains(TestFolder()));
   QCoreApplication::removeLibraryPath(TestFolder());
+}
+
+/// A tool tip with tags would be a rich text, and open what it names.
+TEST(Hostileforms, WhatAFileIsCalledIsShownAsItIs) {
+  QStringList faults;
+  const auto panel = LoadForm(
+      "<widget class=\"TImageControl\" name=\"i\"><property name=\"ImageFile\"><string>"
+      "&lt;img src='pipe'&gt;</string></property></widget>\n"
+      "<widget class=\"THyperlink\" name=\"h\"><property name=\"URL\"><string>"
+      "&lt;img src='pipe'&gt;</string></property></widget>\n",
+      &faults);
+  ASSERT_TRUE(panel);
+  for (const char* name : {"i", "h"}) {
+    const QString tip = panel->Root()->findChild<QWidget*>(name)->toolTip();
+    EXPECT_THAT(tip.toStdString(), HasSubstr("&lt;img"));
+  }
+  auto* image = panel->Root()->findChild<TImageControl*>("i");
+  image->SetImageFile(QString(900'000, 'x'));
+  EXPECT_LT(image->Fault().size(), 1000);
 }
 
 /// Widgets A and B that set each other off, through what the connections say.
