@@ -36,7 +36,7 @@ TLinkableControl::TRun::TRun(TLinkableControl& control, TMethod& method)
   if (!passingBefore_) BeginSpread();
   const std::uint64_t since = cascade_.circles > 0 ? cascade_.firstSpread : cascade_.spread;
   cascade_.repeats += method.spread >= since;
-  goesRound_ = method.running > kMaxRunning && method.spread == cascade_.spread;
+  if (method.running > kMaxRunning) goesRound_ = method.spread == cascade_.spread;
   method.spread = cascade_.spread;
 }
 
@@ -70,9 +70,7 @@ TLinkableControl::TRun::~TRun() {
   control_->innermost_ = outer_;
 }
 
-bool TLinkableControl::TRun::IsCut(bool isNews) const {
-  constexpr int kFew = 256;  // runs that are never too much
-  if (method_.running <= kMaxRunning && cascade_.runs <= kFew) return false;
+bool TLinkableControl::TRun::HasToBeCut(bool isNews) const {
   if (!isNews && method_.running > kMaxRunning) return true;
   if (!goesRound_ && !IsTooMuch()) return false;
   Report();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cmath>
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -87,7 +87,11 @@ class TLinkableControl : public TIconControl {
     bool IsGone() const { return !control_; }
     /// The method must call nobody: it runs in itself for the third time, with no news or within
     /// one spread, or the cascade has too many repeats, fills the stack or takes many seconds.
-    bool IsCut(bool isNews = true) const;
+    bool IsCut(bool isNews = true) const {
+      constexpr int kFew = 256;  // runs that are never too much
+      const bool isPlain = method_.running <= kMaxRunning && cascade_.runs <= kFew;
+      return !isPlain && HasToBeCut(isNews);
+    }
 
     /// On the stack of a subscriber that passes on what it is told.
     class TPassing;
@@ -125,6 +129,7 @@ class TLinkableControl : public TIconControl {
 
     void BeginCascade();
     void BeginSpread();
+    bool HasToBeCut(bool isNews) const;
     bool IsTooMuch() const;
     void Report() const;
 
@@ -134,10 +139,10 @@ class TLinkableControl : public TIconControl {
     std::optional<TCascade> outerCascade_;  ///< of an outer event loop, if this begins one
     // What holds again when the method has run.
     std::uint64_t spreadBefore_;
-    int repeatsBefore_ = 0;
+    int repeatsBefore_;  ///< if this begins the spread
     bool passingBefore_;
     bool beginsSpread_ = false;
-    bool inCircle_ = false;
+    bool inCircle_;
     bool goesRound_ = false;  ///< the spread has come back to the method, and once more
   };
 
@@ -222,9 +227,9 @@ class TDataControl : public TLinkableControl {
     isNews_ |= IsNews(value);
     value_ = value;
   }
-  /// Whether it is another value than the present one.
+  /// Whether it is another value than the present one, a NaN too.
   bool IsNews(double value) const {
-    return value != value_ && !(std::isnan(value) && std::isnan(value_));
+    return std::bit_cast<std::uint64_t>(value) != std::bit_cast<std::uint64_t>(value_);
   }
   void Notified() override { emit OnChange(this); }
 
