@@ -60,6 +60,16 @@ bool SplitsAsExpected() {
   return result;
 }
 
+/// What a device with a system clip can show of `rect`, which may be larger than memory has pixels;
+/// with room for a pen around it.
+QRect ShownOf(const QRect& rect, const QPainter& painter, const QPen& pen) {
+  const QRegion clip = painter.paintEngine() ? painter.paintEngine()->systemClip() : QRegion();
+  if (clip.isEmpty()) return rect;
+  const QRectF shown = painter.deviceTransform().inverted().mapRect(QRectF(clip.boundingRect()));
+  const int room = pen.width() + 1;
+  return rect & shown.toAlignedRect().adjusted(-room, -room, room, room);
+}
+
 void AddSpan(TPixelMask& mask, const TLineSink::TSpan& span) {
   mask.AddRows(span.column, std::min(span.low, span.high), std::max(span.low, span.high));
 }
@@ -69,7 +79,10 @@ void AddSpan(TPixelMask& mask, const TLineSink::TSpan& span) {
 class TThinLines : public TLineSink {
  public:
   TThinLines(QPainter& painter, const QPen& pen, const QRect& visible)
-      : painter_(painter), pen_(pen), splits_(SplitsAsExpected()), mask_(visible) {}
+      : painter_(painter),
+        pen_(pen),
+        splits_(SplitsAsExpected()),
+        mask_(ShownOf(visible, painter, pen)) {}
 
   void Join(const QLine& line) override {
     if (splits_ && std::abs(line.dx()) == 1 && mask_.Rect().contains(line.p1()) &&
@@ -110,7 +123,7 @@ class TThinLines : public TLineSink {
 class TWideLines : public TLineSink {
  public:
   TWideLines(QPainter& painter, const QPen& pen, const QRect& visible)
-      : painter_(painter), pen_(pen), mask_(visible) {}
+      : painter_(painter), pen_(pen), mask_(ShownOf(visible, painter, pen)) {}
 
   void Join(const QLine& line) override { mask_.AddLine(line); }
   void Span(const TSpan& span) override { AddSpan(mask_, span); }
@@ -167,7 +180,7 @@ double LengthOf(const QLine& line) { return std::hypot(line.dx(), line.dy()); }
 class TWideDashes : public TWalk {
  public:
   TWideDashes(QPainter& painter, const QPen& pen, const QRect& visible)
-      : painter_(painter), pen_(pen), mask_(visible) {
+      : painter_(painter), pen_(pen), mask_(ShownOf(visible, painter, pen)) {
     const QList<qreal> pattern = pen.dashPattern();
     for (qsizetype i = 0; i + 1 < pattern.size(); i += 2) {
       const double from = period_ + pen_.width() / 2;

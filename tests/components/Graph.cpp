@@ -14,6 +14,8 @@
 #include <limits>
 #include <random>
 
+#include "tests/components/Panelfixture.h"
+
 namespace {
 
 /// A series that covers `reach` both ways and counts what its graph asks of it.
@@ -425,10 +427,25 @@ TEST_F(GraphTest, DrawsDirectlyOnWhatShowsMoreThanItsBuffer) {
 
 TEST_F(GraphTest, PaintsDirectlyWhereABufferWouldTakeAllMemory) {
   graph.hide();
-  graph.resize(100000, 100000);
+  graph.resize(4000000, 3000000);
   graph.SetColor(TColor::Yellow());
   EXPECT_EQ(graph.grab(QRect(20, 20, 5, 5)).toImage().pixelColor(2, 2), QColor(Qt::yellow));
   EXPECT_TRUE(graph.Picture().isNull());
+
+  auto* line = graph.GetDataPanel()->AddSeries(std::make_unique<TArraySeries>(2));
+  line->SetPoint(1, {100.0, 100.0});
+  TSeriesStyle& style = *line->GetStyle();
+  style.SetLineColor(TColor::Green());
+  for (const auto pen : {TSeriesStyle::psSolid, TSeriesStyle::psDash}) {
+    for (const int weight : {1, 4}) {
+      style.SetLineStyle(pen);
+      style.SetLineWeight(weight);
+      const QRect middle(At(50.0, 50.0) - QPoint(40, 30), QSize(80, 60));
+      const int drawn = CountPixels(graph.grab(middle).toImage(), Qt::green);
+      EXPECT_GE(drawn, 30 * weight);
+      EXPECT_LE(drawn, 80 * weight * 3 / 2);
+    }
+  }
 }
 
 TEST_F(GraphTest, CopiesItsPictureToTheClipboard) {

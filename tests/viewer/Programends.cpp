@@ -129,7 +129,7 @@ TEST(ProgramEnds, APanelLosesNothingThatItHasMeasured) {
   ASSERT_TRUE(QFile::copy(SourceFile("examples/mast.packages"), TestFolder() + "/mast.packages"));
   TProgram run(
       "velmora-animator",
-      {"--panel", WriteTestFile("panel.ui", kPanel), "--save", "saved.ui", "--after", "3600"},
+      {"--panel", WriteTestFile("panel.ui", kPanel), "--trust", "--save", "saved.ui", "--after", "3600"},
       "offscreen");
   const auto rows = [] { return Read("rows.txt").count('\n'); };
   ASSERT_TRUE(run.Works([&] { return rows() > 3; }));
