@@ -81,7 +81,8 @@ double PartNumber(const TProperty& property, const char* name) {
 
 }  // namespace
 
-TFormChecks::TVerdict TFormChecks::Check(const QMetaObject* meta, const TProperty& property) {
+TFormChecks::TVerdict TFormChecks::Check(const QMetaObject* meta, const TProperty& property,
+                                         const QString& textProperty) {
   QString why = WrongKind(meta, property);
   if (why.isEmpty()) why = WrongSize(meta, property);
   if (!why.isEmpty()) return {why, {}};
@@ -89,11 +90,15 @@ TFormChecks::TVerdict TFormChecks::Check(const QMetaObject* meta, const TPropert
   if (kind == QLatin1String("iconset") || kind == QLatin1String("pixmap")) {
     return CheckIcon(property);
   }
-  return CheckText(property);
+  return CheckText(property, textProperty);
 }
 
 QString TFormChecks::WrongKind(const QMetaObject* meta, const TProperty& property) const {
-  if (ReachesOut(property)) return QStringLiteral("a form may not set it");
+  const bool isComponent = meta && meta->className()[0] == 'T';
+  // A component shows texts of devices and servers.
+  if (ReachesOut(property) || (isComponent && property.Name == QLatin1String("textFormat"))) {
+    return QStringLiteral("a form may not set it");
+  }
   const QString& kind = property.Value.Kind;
   if (property.ValueCount != 1) {
     return property.ValueCount == 0 ? QStringLiteral("it has no value")
@@ -174,8 +179,10 @@ TFormChecks::TVerdict TFormChecks::CheckIcon(const TProperty& property) {
   return {{}, TFormFile::ElementWith(property, text, parts)};
 }
 
-TFormChecks::TVerdict TFormChecks::CheckText(const TProperty& property) {
-  const QString& name = property.Name;
+TFormChecks::TVerdict TFormChecks::CheckText(const TProperty& property,
+                                             const QString& textProperty) {
+  const bool isMarked = property.Name == QLatin1String("text") && !textProperty.isEmpty();
+  const QString& name = isMarked ? textProperty : property.Name;
   qsizetype size = property.Value.Text.size();
   for (const TFormFile::TPart& part : property.Parts) size = std::max(size, part.Text.size());
   for (const QString& item : property.Value.Items) size = std::max(size, item.size());
@@ -191,7 +198,7 @@ TFormChecks::TVerdict TFormChecks::CheckText(const TProperty& property) {
     return {QStringLiteral("too many widgets name another one"), {}};
   }
   if (name == QLatin1String("styleSheet")) return CheckStyleSheet(property);
-  if (IsRichText(name, property.Value.Text)) return CheckRichText(property);
+  if (IsRichText(name, property.Value.Text)) return CheckRichText(property, name);
   const auto isRich = [&](const QString& text) { return IsRichText(name, text); };
   if (std::ranges::any_of(property.Value.Items, isRich)) {
     return {QStringLiteral("a text of a list may not be a rich one"), {}};
@@ -199,27 +206,27 @@ TFormChecks::TVerdict TFormChecks::CheckText(const TProperty& property) {
   return {};
 }
 
-TFormChecks::TVerdict TFormChecks::CheckRichText(const TProperty& property) {
+TFormChecks::TVerdict TFormChecks::CheckRichText(const TProperty& property, const QString& name) {
   const QString& text = property.Value.Text;
   textsPicked_ += text.size();
   if (textsPicked_ > kMaxRichTexts) {
     return {QStringLiteral("the rich texts of the form are too long together"), {}};
   }
-  const TRichText read = ReadRichText(property.Name, text);
+  const TRichText read = ReadRichText(name, text);
   cells_ += read.Cells;
   if (!read.Why.isEmpty()) return {read.Why, {}};
   if (cells_ > kMaxRichCells) return {QStringLiteral("it has too many tables or cells"), {}};
   QString why;
   QHash<QString, QString> names;
   bool isSame = true;
-  for (const QString& name : read.Pictures) {
-    const QString copy = Picture(name, &why);
+  for (const QString& picture : read.Pictures) {
+    const QString copy = Picture(picture, &why);
     if (!why.isEmpty()) return {why, {}};
-    isSame = isSame && copy == name;
-    names.insert(name, copy);
+    isSame = isSame && copy == picture;
+    names.insert(picture, copy);
   }
   if (isSame) return {};
-  return {{}, TFormFile::ElementWith(property, WithPictures(property.Name, text, names))};
+  return {{}, TFormFile::ElementWith(property, WithPictures(name, text, names))};
 }
 
 TFormChecks::TVerdict TFormChecks::CheckStyleSheet(const TProperty& property) {

@@ -18,14 +18,16 @@ class TFormChecks {
     QString Text;  ///< not empty: the element that is to be set instead
   };
   /// `meta`: of the widget that has it; null for what is no widget.
-  TVerdict Check(const QMetaObject* meta, const TProperty& property);
+  /// `textProperty`: how its text is marked up, see TextProperty.
+  TVerdict Check(const QMetaObject* meta, const TProperty& property,
+                 const QString& textProperty = {});
 
  private:
   QString WrongKind(const QMetaObject* meta, const TProperty& property) const;
   QString WrongSize(const QMetaObject* meta, const TProperty& property);
   TVerdict CheckIcon(const TProperty& property);
-  TVerdict CheckText(const TProperty& property);
-  TVerdict CheckRichText(const TProperty& property);
+  TVerdict CheckText(const TProperty& property, const QString& textProperty);
+  TVerdict CheckRichText(const TProperty& property, const QString& name);
   TVerdict CheckStyleSheet(const TProperty& property);
   QString Picture(const QString& name, QString* why);
 

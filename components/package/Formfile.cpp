@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <span>
 
+#include "model/Oneline.h"
+
 namespace {
 
 /// Walks through the elements of a form and notes the widgets.
@@ -61,6 +63,7 @@ class TFormParser {
   std::vector<TFormFile::TConnection>& connections_;
   std::vector<TElement> open_;
   int items_ = 0;
+  qint64 named_ = 0;  ///< widgets in the orders of depth and of the tabulator
   qint64 cells_ = 0;
   bool isForm_ = false;
   QString fault_;
@@ -121,6 +124,9 @@ QString TFormParser::Parse() {
   }
   if (reader_.hasError()) Fail(reader_.errorString());
   if (widgets_.empty()) Fail(QStringLiteral("there is no widget in it"));
+  if (named_ * static_cast<qint64>(widgets_.size()) > TFormFile::kMaxLookups) {
+    Fail(QStringLiteral("too many tab stops or places in depth for so many widgets"));
+  }
   return fault_;
 }
 
@@ -212,6 +218,7 @@ void TFormParser::CheckItem() {
   }
   const auto name = reader_.name();
   if (name == QLatin1String("item") && ++items_ > TFormFile::kMaxItems) Fail("too many items");
+  if (name == QLatin1String("zorder") || name == QLatin1String("tabstop")) ++named_;
   if (open_.empty()) return;
   if (name == QLatin1String("row")) ++open_.back().rows;
   if (name == QLatin1String("column")) ++open_.back().columns;
@@ -238,9 +245,9 @@ void TFormParser::End() {
 
 QString TFormParser::OwnerText() const {
   const auto className = reader_.attributes().value(QLatin1String("class"));
-  return QStringLiteral("%1 (%2)").arg(
-      reader_.attributes().value(QLatin1String("name")),
-      className.isEmpty() ? QStringView(reader_.name()) : QStringView(className));
+  const QStringView kind = className.isEmpty() ? QStringView(reader_.name()) : className;
+  const auto name = reader_.attributes().value(QLatin1String("name"));
+  return QStringLiteral("%1 (%2)").arg(OneLine(name.toString()), OneLine(kind.toString()));
 }
 
 void TFormParser::StartWidget() {

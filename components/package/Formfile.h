@@ -63,15 +63,16 @@ class TFormFile {
   /// Limits that keep a file from exhausting the program.
   static constexpr int kMaxWidgets = 20000;
   static constexpr int kMaxConnections = 20000;
-  static constexpr int kMaxDepth = 200;        ///< of elements in each other
-  static constexpr int kMaxAttributes = 100;   ///< of an element
-  static constexpr int kMaxPixels = 10000;     ///< of a coordinate, width or height
-  static constexpr qint64 kMaxArea = 1 << 27;  ///< pixels of all widgets together
-  static constexpr int kMaxSpan = 50;          ///< of an item, in rows or columns
-  static constexpr int kMaxGrids = 6;          ///< in each other: each doubles the work
-  static constexpr int kMaxInRow = 1000;       ///< of a layout's rows and columns
-  static constexpr int kMaxCells = 100000;     ///< of all tables together
-  static constexpr int kMaxItems = 50000;      ///< of lists, trees and layouts together
+  static constexpr int kMaxDepth = 200;           ///< of elements in each other
+  static constexpr int kMaxAttributes = 100;      ///< of an element
+  static constexpr int kMaxPixels = 10000;        ///< of a coordinate, width or height
+  static constexpr qint64 kMaxArea = 1 << 27;     ///< pixels of all widgets together
+  static constexpr int kMaxSpan = 50;             ///< of an item, in rows or columns
+  static constexpr int kMaxGrids = 6;             ///< in each other: each doubles the work
+  static constexpr int kMaxInRow = 1000;          ///< of a layout's rows and columns
+  static constexpr int kMaxCells = 100000;        ///< of all tables together
+  static constexpr qint64 kMaxLookups = 1 << 26;  ///< of places in order, among the widgets
+  static constexpr int kMaxItems = 50000;         ///< of lists, trees and layouts together
 
   /// Takes the text of a file. False, with a sentence "line N: what is wrong", for a text that is
   /// no form file.

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kMaxTables = 4;
 constexpr int kMaxSpan = 100;
+constexpr qint64 kMaxMarks = 2000;  ///< of emphasis in Markdown: each is compared with all
 const QString kIsMarkdown = QStringLiteral("markdown");
 const QString kIsHtml = QStringLiteral("html");
 
@@ -78,6 +79,16 @@ QString RefuseMarkup(const QString& markup, int* cells) {
 
 }  // namespace
 
+QString TextProperty(const TFormFile::TWidget& widget) {
+  for (const TFormFile::TProperty& property : widget.Properties) {
+    if (property.Name != QLatin1String("textFormat")) continue;
+    const QString& format = property.Value.Text;
+    if (format.contains(QLatin1String("MarkdownText"))) return kIsMarkdown;
+    return format.contains(QLatin1String("RichText")) ? kIsHtml : QString();
+  }
+  return {};
+}
+
 bool IsRichText(const QString& property, const QString& text) {
   return property == kIsHtml || property == kIsMarkdown || Qt::mightBeRichText(text);
 }
@@ -86,6 +97,9 @@ TRichText ReadRichText(const QString& property, const QString& text) {
   TRichText result;
   result.Why = RefuseMarkup(property == kIsMarkdown ? text : Markup(text), &result.Cells);
   if (property == kIsMarkdown) result.Cells += static_cast<int>(text.count('|'));
+  if (property == kIsMarkdown && CountOf(text, "[*_~]") > kMaxMarks) {
+    result.Why = QStringLiteral("it has too many marks");
+  }
   if (!result.Why.isEmpty()) return result;
   TListingDocument document;
   document.SetText(property, text);

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <vector>
 
+#include "components/package/Formfile.h"
+
 /// Texts of a form that the toolkit takes apart: rich texts and style sheets. They may name files,
 /// and may say in a few bytes what takes hours to draw.
 
@@ -15,6 +17,9 @@ struct TRichText {
   int Cells = 0;         ///< of its tables, at most
 };
 
+/// The name of a property whose texts are always marked up as `text` of the widget is; empty if its
+/// format is not set, and the text itself tells.
+QString TextProperty(const TFormFile::TWidget& widget);
 /// `property`: its name says whether the text is marked up in some way; other texts are rich if the
 /// toolkit would take them for that.
 bool IsRichText(const QString& property, const QString& text);

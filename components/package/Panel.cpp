@@ -13,8 +13,10 @@
 #include "components/package/Filenames.h"
 #include "components/package/Formchecks.h"
 #include "components/package/Formloader.h"
+#include "components/package/Formtexts.h"
 #include "components/package/Formwidgets.h"
 #include "model/Message.h"
+#include "model/Oneline.h"
 #include "model/Ordinaryfile.h"
 
 namespace {
@@ -28,6 +30,7 @@ QString ConnectionText(const TFormFile::TConnection& connection, const QString& 
 }
 
 const QString kCircle = QStringLiteral("it leads back to where it began, and is taken out");
+const QString kTwice = QStringLiteral("it is given twice");
 
 /// Not from within a chain of signals: the user may take long to answer.
 void ShowLater(const QString& text) {
@@ -81,19 +84,22 @@ class TPanelReader {
 
   void Fault(int line, const QString& what) {
     if (++faultCount_ > kMaxFaults) return;
-    faults_.append(QStringLiteral("%1:%2: %3").arg(panel_.fileName_).arg(line).arg(what));
+    constexpr qsizetype kMost = 1000;
+    faults_.append(
+        QStringLiteral("%1:%2: %3").arg(panel_.fileName_).arg(line).arg(OneLine(what, kMost)));
   }
   void PropertyFault(const QString& owner, const TProperty& property, const QString& what) {
     const QString name = property.Name.isEmpty() ? QStringLiteral("without a name") : property.Name;
     Fault(property.Line, QStringLiteral("%1: property %2: %3").arg(owner, name, what));
   }
   static QString NameOf(const TWidget& widget) {
-    return QStringLiteral("%1 (%2)").arg(widget.Name, widget.ClassName);
+    return QStringLiteral("%1 (%2)").arg(OneLine(widget.Name), OneLine(widget.ClassName));
   }
 
   bool CheckWidgets();
   void CheckToolkit();
-  void CheckProperty(const QString& owner, const QMetaObject* meta, const TProperty& property);
+  void CheckProperty(const QString& owner, const QMetaObject* meta, const TProperty& property,
+                     const QString& textProperty);
   bool MakeWidgets();
   void CheckMarks();
   void MakeConnections();
@@ -142,22 +148,27 @@ bool TPanelReader::Read() {
 void TPanelReader::CheckToolkit() {
   for (const TWidget& widget : panel_.form_.Widgets()) {
     const QMetaObject* meta = loader_->MetaOf(widget.ClassName);
+    const QString textProperty = TextProperty(widget);
+    std::set<QString> names;
     for (const TProperty& property : widget.Properties) {
       if (IsOurs(widget, property)) {
         replacements_.emplace(&property, QString());
+      } else if (!names.insert(property.Name).second) {
+        PropertyFault(NameOf(widget), property, kTwice);
+        replacements_.emplace(&property, QString());
       } else {
-        CheckProperty(NameOf(widget), meta, property);
+        CheckProperty(NameOf(widget), meta, property, textProperty);
       }
     }
   }
   for (const TFormFile::TOtherProperty& other : panel_.form_.Others()) {
-    CheckProperty(other.Owner, nullptr, other.Property);
+    CheckProperty(other.Owner, nullptr, other.Property, {});
   }
 }
 
 void TPanelReader::CheckProperty(const QString& owner, const QMetaObject* meta,
-                                 const TProperty& property) {
-  const TFormChecks::TVerdict verdict = checks_.Check(meta, property);
+                                 const TProperty& property, const QString& textProperty) {
+  const TFormChecks::TVerdict verdict = checks_.Check(meta, property, textProperty);
   if (!verdict.Why.isEmpty()) PropertyFault(owner, property, verdict.Why);
   if (!verdict.Why.isEmpty() || !verdict.Text.isEmpty()) {
     replacements_.emplace(&property, verdict.Text);
@@ -263,7 +274,7 @@ void TPanelReader::Set(const TWidget& widget, QWidget& component) {
   for (const TProperty& property : widget.Properties) {
     if (!IsOurs(widget, property)) continue;
     if (!names.insert(property.Name).second) {
-      PropertyFault(NameOf(widget), property, QStringLiteral("it is given twice"));
+      PropertyFault(NameOf(widget), property, kTwice);
       continue;
     }
     QString reason;
