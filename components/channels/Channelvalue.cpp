@@ -25,7 +25,7 @@ TChannelValue::TChannelValue(QWidget* parent) : TCustomVariable(parent) {
   SetIconImage(ProvideIconImage(QStringLiteral("TChannelValue"), DrawTap));
   connect(&link_, &TCustomChannelLink::OnData, this, &TChannelValue::BlockCame);
   connect(&link_, &TOneChannelLink::OnChannelChanged, this, &TChannelValue::ChannelChosen);
-  connect(link_.GetOptions(), &TPersistent::OnChange, this, [this] { SetCaption(); });
+  connect(link_.GetOptions(), &TPersistent::OnChange, this, &TChannelValue::OptionsChanged);
 }
 
 void TChannelValue::SetContent(TContent content) {
@@ -37,6 +37,12 @@ void TChannelValue::SetContent(TContent content) {
 void TChannelValue::ChannelChosen() {
   if (!shown_.ChangesTo(link_.SelectedChannel())) return;
   HoldValue(0.0);
+  SetCaption();
+}
+
+/// The value of another interval would pass for one of this.
+void TChannelValue::OptionsChanged() {
+  if (content_ == ctHistory && link_.SelectedChannel() && !link_.HasData()) HoldValue(0.0);
   SetCaption();
 }
 

@@ -48,6 +48,7 @@ class TChannelValue : public TCustomVariable {
 
  private:
   void ChannelChosen();
+  void OptionsChanged();
   void BlockCame();
   std::optional<double> Present(const TChannel& channel);
 

@@ -8,6 +8,7 @@ TCompass::TCompass(QWidget* parent) : TCustomImageControl(parent) {
   connect(&needle_, &TNeedle::OnChange, this, qOverload<>(&QWidget::update));
   connect(&link_, &TOneChannelLink::OnChannelChanged, this, &TCompass::SelectedChannelChanged);
   connect(&link_, &TOneChannelLink::OnData, this, &TCompass::UpdateValue);
+  connect(link_.GetOptions(), &TPersistent::OnChange, this, &TCompass::OptionsChanged);
 }
 
 /// An angle that was set is read back as it was, without the rounding of sum and difference.
@@ -34,6 +35,12 @@ void TCompass::SelectedChannelChanged() {
   const TChannel* channel = link_.SelectedChannel();
   link_.SetEnabled(channel);
   if (shown_.ChangesTo(channel)) SetAngle(0.0);
+}
+
+/// So would the angle of another value or interval.
+void TCompass::OptionsChanged() {
+  if (link_.SelectedChannel() && !link_.HasData()) SetAngle(0.0);
+  UpdateValue();
 }
 
 void TCompass::UpdateValue() {

@@ -50,6 +50,7 @@ class TCompass : public TCustomImageControl {
 
  private:
   void SelectedChannelChanged();
+  void OptionsChanged();
   void UpdateValue();
 
   TNeedle needle_{this};

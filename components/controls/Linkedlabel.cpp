@@ -61,7 +61,7 @@ void TLinkedLabel::TakeNames() {
 
 /// The value that was shown is not the one that is wanted now.
 void TLinkedLabel::OptionsChanged() {
-  if (valid_) value_ = 0.0;
+  value_ = 0.0;
   UpdateValue();
 }
 

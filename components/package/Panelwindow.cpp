@@ -104,7 +104,8 @@ bool SaveAllowed(TPanel& panel, const QString& fileName, QString* error) {
   if (allowed) {
     // What the file says of what it wants is known once it is read as a whole.
     const auto written = TPanel::Load(fileName, nullptr);
-    if (written) *error = TrustFile(written->Mark());
+    const bool isOurs = written && written->Mark().Content == panel.Mark().Content;
+    if (isOurs) *error = TrustFile(written->Mark());
   }
   return error->isEmpty();
 }
@@ -351,6 +352,7 @@ bool RunPanel(const QString& fileName, const TPanelRun& run) {
   root.setAttribute(Qt::WA_DontShowOnScreen);
   // A window's own minimum size is a message to a window system that is not there.
   if (QLayout* layout = root.layout()) layout->setSizeConstraint(QLayout::SetNoConstraint);
+  root.ensurePolished();  // a style sheet has sizes, too
   const QSize size =
       (run.Size.isValid() ? run.Size : root.size()).expandedTo(root.minimumSizeHint());
   const QString tooLarge = TooLarge(size);

@@ -50,8 +50,13 @@ QString Remember(const QByteArray& line, const QByteArray& instead) {
 /// "file PATH ", the begin of the line of a file.
 QByteArray BeginOf(const QString& fileName) { return kFile + ' ' + Word(RealPath(fileName)) + ' '; }
 
+/// Somebody else than the user and the administrator.
 bool OthersWrite(const QString& path) {
-  return QFileInfo(path).permissions().testFlag(QFile::WriteOther);
+  constexpr uint kAdministrator = 0;
+  const QFileInfo info(path);
+  const uint owner = info.ownerId();
+  return info.permissions().testFlag(QFile::WriteOther) ||
+         (owner != kAdministrator && owner != QFileInfo(QDir::homePath()).ownerId());
 }
 
 /// An allowed folder counts only for files that nobody else can have put there.

@@ -207,12 +207,12 @@ TEST(Panelwindow, SaysWhyAPictureCannotBeWritten) {
 TEST(Panelwindow, APanelLargerThanTheScreenScrolls) {
   const QString file = WriteTestFile(
       "large.ui", FormOf("<property name=\"geometry\"><rect><x>0</x><y>0</y><width>9000</width>"
-                         "<height>3000</height></rect></property>\n")
+                         "<height>8000</height></rect></property>\n")
                       .toUtf8());
   TPanelWindow window(OpenPanel(file));
   window.show();
   EXPECT_LE(window.width(), window.screen()->availableSize().width());
-  EXPECT_EQ(window.Panel().Root()->size(), QSize(9000, 3000));
+  EXPECT_EQ(window.Panel().Root()->size(), QSize(9000, 8000));
 }
 
 /// A window of a panel whose logger is switched on.
