@@ -12,7 +12,7 @@ namespace {
 using TProperty = TFormFile::TProperty;
 
 constexpr qint64 kMaxFontSize = 500;
-constexpr double kMaxWidgetArea = 1 << 25;  ///< pixels: some are drawn in a picture of their own
+constexpr double kMaxWidgetArea = 75e6;  ///< pixels: some are drawn in a picture of their own
 constexpr double kMaxDecimals = 30;
 constexpr qsizetype kMaxWord = 1000;        ///< characters of a text that is one line
 constexpr qsizetype kMaxText = 16384;       ///< of any other
