@@ -123,6 +123,12 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
   link.GetOptions()->SetValueType(svMax);
   tick();
   EXPECT_EQ(compass.GetAngle(), 40.0);
+  const TStatInterval interval = link.GetOptions()->GetSelInterval();
+  link.GetOptions()->SetSelInterval(si1_Minute);
+  EXPECT_EQ(compass.GetAngle(), 0.0);  // no minute is over
+  link.GetOptions()->SetSelInterval(interval);
+  tick();
+  EXPECT_EQ(compass.GetAngle(), 40.0);
   link.SetChannelSource(nullptr);
   EXPECT_FALSE(link.GetEnabled());
   EXPECT_EQ(compass.GetAngle(), 40.0);

@@ -127,10 +127,10 @@ const char kPanel[] = R"(<ui version="4.0"><widget class="QWidget" name="Panel">
 
 TEST(ProgramEnds, APanelLosesNothingThatItHasMeasured) {
   ASSERT_TRUE(QFile::copy(SourceFile("examples/mast.packages"), TestFolder() + "/mast.packages"));
-  TProgram run(
-      "velmora-animator",
-      {"--panel", WriteTestFile("panel.ui", kPanel), "--trust", "--save", "saved.ui", "--after", "3600"},
-      "offscreen");
+  TProgram run("velmora-animator",
+               {"--panel", WriteTestFile("panel.ui", kPanel), "--trust", "--save", "saved.ui",
+                "--after", "3600"},
+               "offscreen");
   const auto rows = [] { return Read("rows.txt").count('\n'); };
   ASSERT_TRUE(run.Works([&] { return rows() > 3; }));
   EXPECT_EQ(run.End(SIGTERM), 0) << run.errors.toStdString();
