@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QSignalSpy>
 #include <QTimer>
@@ -41,7 +42,8 @@ void EndWhileLoading() {
   TEnding::Instance().TakeSignals();
   QSignalSpy keeps(&TEnding::Instance(), &TEnding::OnKeep);
   std::raise(SIGTERM);
-  while (keeps.isEmpty()) QCoreApplication::processEvents();
+  const QDeadlineTimer patience(5000);
+  while (keeps.isEmpty() && !patience.hasExpired()) QCoreApplication::processEvents();
   QCoreApplication::exec();
   std::_Exit(static_cast<int>(keeps.count()));
 }
