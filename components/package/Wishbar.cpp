@@ -22,7 +22,9 @@ QPlainTextEdit* MakeList(const TWishes& wishes, QWidget* parent) {
   const auto shown = std::min<qsizetype>(lines.size(), kMostShownLines);
   const int frame = list->height() - list->viewport()->height();
   const double margins = 2.0 * (list->document()->documentMargin() + list->frameWidth());
-  list->setFixedHeight(static_cast<int>(shown) * list->fontMetrics().lineSpacing() +
+  // A line may be higher than the font says: the bullet is of another one.
+  const int line = list->fontMetrics().lineSpacing();
+  list->setFixedHeight(static_cast<int>(shown) * line + line / 2 +
                        std::max(frame, qRound(margins)));
   return list;
 }
