@@ -44,7 +44,8 @@ QImage DrawText(const QStringList& allLines, const QColor& color, QSize pixels, 
   const QStringList lines = FitLines(allLines, metrics, room);
   int width = 0;
   for (const QString& line : lines) width = qMax(width, metrics.horizontalAdvance(line) + 1);
-  const QSizeF text(width + 2 * kEdge, lines.size() * metrics.lineSpacing() + 2 * kEdge);
+  const double height = static_cast<double>(lines.size()) * metrics.lineSpacing();
+  const QSizeF text(width + 2 * kEdge, height + 2 * kEdge);
   const QSize size = (text * pixelRatio).toSize();
   QImage image(size.boundedTo({kLargestSide, kLargestSide}), QImage::Format_RGBA8888_Premultiplied);
   if (image.isNull()) return image;

@@ -5,6 +5,7 @@
 #include <QSet>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "components/controls/Korvaltools.h"
 #include "components/graphing/Plotfont.h"
@@ -185,9 +186,9 @@ void TTick::DrawLinear(QPainter& painter, const TTickLabel* label) const {
     if (!axis_->GetLineColor().IsNone()) DrawTick(painter, position);
     if (!labelled || (endsOnly && i != 0 && i != count_)) continue;
     // Steps finer than the digits of any format have equal texts; one of them is enough.
-    const QString text = label->TextOf(Value(i));
+    QString text = label->TextOf(Value(i));
     if (text != before) label->Draw(painter, LabelAnchor(position), Value(i), last);
-    before = text;
+    before = std::move(text);
   }
 }
 

@@ -183,7 +183,8 @@ class TWideDashes : public TWalk {
       : painter_(painter), pen_(pen), mask_(ShownOf(visible, painter, pen)) {
     const QList<qreal> pattern = pen.dashPattern();
     for (qsizetype i = 0; i + 1 < pattern.size(); i += 2) {
-      const double from = period_ + pen_.width() / 2;
+      const int half = pen_.width() / 2;
+      const double from = period_ + half;
       dashes_.push_back({from, from + (pattern[i] - 1.0) * pen_.width()});
       period_ += (pattern[i] + pattern[i + 1]) * pen_.width();
     }
@@ -218,12 +219,13 @@ class TWideDashes : public TWalk {
       return start + static_cast<int>(along < 0.0 ? along - 0.5 : along + 0.5);
     };
     double period = std::floor((from + phase_) / period_) * period_ - phase_;
-    for (; period <= to; period += period_) {
+    while (period <= to) {
       for (const TDash& dash : dashes_) {
         const double a = std::max(period + dash.from, from);
         const double b = std::min(period + dash.to, to);
         if (a <= b) mask_.AddLine(line, std::min(at(a), at(b)), std::max(at(a), at(b)));
       }
+      period += period_;
     }
   }
 

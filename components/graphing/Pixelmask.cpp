@@ -36,7 +36,8 @@ std::vector<int> DiscReaches(int diameter) {
   // square would be a fifth too wide.
   const double square = 0.25 * diameter * diameter - 0.3;
   for (int i = 0; i < diameter; ++i) {
-    const double x = i - diameter / 2 + shift;
+    const int column = i - diameter / 2;
+    const double x = column + shift;
     reaches.push_back(static_cast<int>(std::sqrt(std::max(0.0, square - x * x)) + shift));
   }
   return reaches;
@@ -197,7 +198,7 @@ void TPixelMask::PaintBlock(QPainter& painter, QRgb color, int first) {
       const int height = (words.last - words.first + 1) * kWordBits;
       // What has no holes is copied and not blended.
       const QImage cell(reinterpret_cast<const uchar*>(cell_.data()), width, height,
-                        width * static_cast<int>(sizeof(QRgb)),
+                        qsizetype{width} * static_cast<int>(sizeof(QRgb)),
                         cover == TCover::kAll && qAlpha(color) == 255
                             ? QImage::Format_RGB32
                             : QImage::Format_ARGB32_Premultiplied);
@@ -213,7 +214,7 @@ void TPixelMask::PaintBlock(QPainter& painter, QRgb color, int first) {
 
 /// Colours the pixels of the block's columns that are set in some words, and tells how many are.
 TPixelMask::TCover TPixelMask::FillCell(const TWords& words, QRgb color) {
-  const int width = blockColumns_.last - blockColumns_.first + 1;
+  const std::ptrdiff_t width = blockColumns_.last - blockColumns_.first + 1;
   bool isEmpty = true;
   bool isFull = true;
   QRgb* pixels = cell_.data();

@@ -25,10 +25,8 @@ void TDataTable::SetRecording(bool recording) {
 }
 
 void TDataTable::ControlsChanged() {
-  std::vector<const QObject*> columns;
-  for (int i = 0; i < sampler_.Controls()->Count(); ++i) {
-    columns.push_back(sampler_.Controls()->Get(i));
-  }
+  std::vector<const QObject*> columns(static_cast<std::size_t>(sampler_.Controls()->Count()));
+  for (int i = 0; const QObject*& column : columns) column = sampler_.Controls()->Get(i++);
   if (columns != columns_) {
     columns_ = columns;
     rows_ = std::make_unique<TDataList>(1 + static_cast<int>(columns.size()), this);
