@@ -10,7 +10,7 @@
 
 #include "bench/Bench.h"
 #include "viewer/Glpanel.h"
-#include "viewer/Picture.h"
+#include "viewer/opengl/Picture.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "bench/Bench.h"
 #include "components/channels/Datachannel.h"
 #include "components/graphing/Graph.h"
-#include "components/package/Panelwindow.h"
+#include "components/panels/Panelwindow.h"
 
 namespace {
 

@@ -31,10 +31,22 @@ if(VELMORA_FUZZ)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
-# velmora_library(NAME): a static library of all sources below the calling folder. Headers are
-# included from the project's root ("model/Animmodel.h").
+# velmora_library(NAME [ROOM|UNIT...]): a static library of the units and of all sources below the
+# rooms, folders of the calling folder; without either, of everything below it. Headers are included
+# from the project's root ("model/Animmodel.h").
 function(velmora_library name)
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS *.cpp *.h *.qrc)
+  if(NOT ARGN)
+    set(ARGN .)
+  endif()
+  set(sources)
+  foreach(place ${ARGN})
+    if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/${place})
+      file(GLOB_RECURSE found CONFIGURE_DEPENDS ${place}/*.cpp ${place}/*.h ${place}/*.qrc)
+    else()
+      file(GLOB found CONFIGURE_DEPENDS ${place}.cpp ${place}.h ${place}_*.cpp)
+    endif()
+    list(APPEND sources ${found})
+  endforeach()
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})

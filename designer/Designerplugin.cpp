@@ -9,7 +9,7 @@
 #include "components/controls/Compbase.h"
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
-#include "components/package/Registry.h"
+#include "components/panels/Registry.h"
 #include "designer/Propertysheet.h"
 
 namespace {

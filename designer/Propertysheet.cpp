@@ -8,7 +8,7 @@
 #include <QtDesigner/QExtensionManager>
 #include <utility>
 
-#include "components/package/Registry.h"
+#include "components/panels/Registry.h"
 #include "model/Color.h"
 
 namespace {

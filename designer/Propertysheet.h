@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "components/package/Published.h"
+#include "components/panels/Published.h"
 
 class QDesignerFormEditorInterface;
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "components/package/Panel.h"
+#include "components/panels/Panel.h"
 
 // Forms: any text is a panel or a fault, what a panel writes is read as the same panel in the end,
 // and the places that the parser notes are those of properties.

@@ -7,8 +7,8 @@
 #include <cstdlib>
 
 #include "components/channels/Variable.h"
-#include "components/sources/Macrocompiler.h"
-#include "components/sources/Macroprogram.h"
+#include "components/sources/macro/Macrocompiler.h"
+#include "components/sources/macro/Macroprogram.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Settings files: any text is read, and saving into it twice is the same as saving once.
 
-#include "viewer/Settings.h"
+#include "viewer/window/Settings.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -4,8 +4,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
-#include "viewer/Buttonfaces.h"
 #include "viewer/Imagebutton.h"
+#include "viewer/window/Buttonfaces.h"
 
 namespace {
 

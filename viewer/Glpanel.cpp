@@ -13,9 +13,9 @@
 #include <utility>
 
 #include "model/Message.h"
-#include "viewer/Glplatform.h"
-#include "viewer/Glsurface.h"
-#include "viewer/Picture.h"
+#include "viewer/opengl/Glplatform.h"
+#include "viewer/opengl/Glsurface.h"
+#include "viewer/opengl/Picture.h"
 
 namespace {
 

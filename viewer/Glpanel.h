@@ -4,8 +4,8 @@
 #include <QWidget>
 #include <memory>
 
-#include "viewer/Scenerenderer.h"
-#include "viewer/Viewtransform.h"
+#include "viewer/opengl/Scenerenderer.h"
+#include "viewer/scene/Viewtransform.h"
 
 class QOpenGLContext;
 class TGLSurface;

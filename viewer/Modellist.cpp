@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 #include <vector>
 
-#include "viewer/Frametext.h"
+#include "viewer/scene/Frametext.h"
 
 namespace {
 

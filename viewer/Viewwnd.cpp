@@ -17,11 +17,11 @@
 #include "model/Message.h"
 #include "model/Oneline.h"
 #include "viewer/Animatorabout.h"
-#include "viewer/Frametext.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
-#include "viewer/Loaddialog.h"
-#include "viewer/Savepicture.h"
+#include "viewer/scene/Frametext.h"
+#include "viewer/window/Loaddialog.h"
+#include "viewer/window/Savepicture.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include "model/Filekind.h"
 #include "model/Timer.h"
 #include "viewer/Modellist.h"
-#include "viewer/Picture.h"
-#include "viewer/Settings.h"
-#include "viewer/Viewform.h"
-#include "viewer/Viewstate.h"
-#include "viewer/Windowplace.h"
+#include "viewer/opengl/Picture.h"
+#include "viewer/window/Settings.h"
+#include "viewer/window/Viewform.h"
+#include "viewer/window/Viewstate.h"
+#include "viewer/window/Windowplace.h"
 
 /// The questions that the main window asks. An empty or invalid answer means cancelled.
 struct TViewDialogs {

@@ -3,14 +3,14 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "components/package/Panelwindow.h"
+#include "components/panels/Panelwindow.h"
 #include "model/Ending.h"
 #include "model/Message.h"
 #include "viewer/Animatorabout.h"
-#include "viewer/Commandline.h"
-#include "viewer/Platform.h"
-#include "viewer/Rendering.h"
 #include "viewer/Viewwnd.h"
+#include "viewer/window/Commandline.h"
+#include "viewer/window/Platform.h"
+#include "viewer/window/Rendering.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "components/controls/Korvaltools.h"
-#include "components/graphing/Plotfont.h"
 #include "components/graphing/Tickrules.h"
+#include "components/graphing/painting/Plotfont.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <QLabel>
 #include <algorithm>
 
-#include "components/graphing/Bineditor.h"
 #include "components/graphing/Graph.h"
+#include "components/graphing/editors/Bineditor.h"
 
 // TBasicHistogram
 

@@ -11,10 +11,10 @@
 #include <cmath>
 #include <utility>
 
-#include "components/graphing/Axiseditor.h"
-#include "components/graphing/Curvepainter.h"
-#include "components/graphing/Plotfont.h"
-#include "components/graphing/Serieseditor.h"
+#include "components/graphing/editors/Axiseditor.h"
+#include "components/graphing/editors/Serieseditor.h"
+#include "components/graphing/painting/Curvepainter.h"
+#include "components/graphing/painting/Plotfont.h"
 
 namespace {
 

@@ -13,10 +13,10 @@
 #include <utility>
 #include <vector>
 
-#include "components/graphing/Curvepainter.h"
-#include "components/graphing/Pixelscale.h"
 #include "components/graphing/Seriesstyle.h"
 #include "components/graphing/Utilclasses.h"
+#include "components/graphing/painting/Curvepainter.h"
+#include "components/graphing/painting/Pixelscale.h"
 #include "components/links/Objlists.h"
 #include "components/links/Propclasses.h"
 #include "model/Color.h"

@@ -5,7 +5,7 @@
 
 #include "components/links/Compclasses.h"
 #include "components/links/Objlists.h"
-#include "components/sources/Fft.h"
+#include "signals/Fft.h"
 
 class TFFTChannel;
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "components/sources/Macroeditor.h"
+#include "components/sources/macro/Macroeditor.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "components/channels/Variable.h"
-#include "components/sources/Macrocompiler.h"
-#include "components/sources/Macroprogram.h"
+#include "components/sources/macro/Macrocompiler.h"
+#include "components/sources/macro/Macroprogram.h"
 
 /// A variable whose value is that of an expression over other variables. It is computed anew, from
 /// the present values of all of them, whenever one of them notifies.

@@ -3,7 +3,7 @@
 #include <QPainter>
 
 #include "components/graphing/Graphexport.h"
-#include "components/graphing/Plotfont.h"
+#include "components/graphing/painting/Plotfont.h"
 #include "examples/gallery/Exhibits.h"
 
 namespace {

@@ -12,9 +12,9 @@
 
 #include "components/channels/Datachannel.h"
 #include "components/graphing/Graph.h"
-#include "components/package/Panel.h"
-#include "tests/components/Changedvalues.h"
-#include "tests/components/Panelforms.h"
+#include "components/panels/Panel.h"
+#include "tests/components/links/Changedvalues.h"
+#include "tests/components/panels/Panelforms.h"
 #include "tests/support/Testsupport.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "components/sources/Filereader.h"
 #include "components/sources/Simulator.h"
 #include "components/sources/Stringreader.h"
-#include "tests/components/Providerfixture.h"
+#include "tests/components/sources/Providerfixture.h"
 #include "tests/support/Testsupport.h"
 
 namespace {

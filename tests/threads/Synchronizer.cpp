@@ -6,7 +6,7 @@
 #include <memory>
 #include <thread>
 
-#include "tests/components/Providerfixture.h"
+#include "tests/components/sources/Providerfixture.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <QTest>
 #include <memory>
 
-#include "viewer/Buttonfaces.h"
+#include "viewer/window/Buttonfaces.h"
 
 namespace {
 

@@ -1,0 +1,516 @@
+#include "components/channels/Datachannel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QMetaProperty>
+#include <QSignalSpy>
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <random>
+#include <stdexcept>
+
+#include "components/graphing/Graph.h"
+#include "tests/components/sources/Providerfixture.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+std::vector<double> Values(const TCustomDataChannel& channel) {
+  std::vector<double> values;
+  for (int row = 0; row < channel.GetPointCount(); ++row) {
+    values.push_back(channel.GetData()->Row(row)[TFloatList::kValue]);
+  }
+  return values;
+}
+
+TEST(TDataChannel, ConvertsLimitsOrDropsASample) {
+  using TChannel = TCustomDataChannel;
+  const TChannel::TChannelOptions none, clamp = TChannel::coUseLimits,
+                                        skip = TChannel::coUseLimits | TChannel::coSkipError,
+                                        skipAlone = TChannel::coSkipError;
+  const struct {
+    double scale, shift;
+    TChannel::TChannelOptions options;
+    double raw;
+    std::vector<double> stored;
+  } cases[] = {
+      {2, 1, none, 3, {7}},        {2, 1, none, 30, {61}},
+      {1, 0, clamp, 12, {10}},     {1, 0, clamp, -3, {0}},
+      {1, 0, clamp, 10, {10}},     {1, 0, skip, 10, {10}},
+      {1, 0, skip, 0, {0}},        {1, 0, skip, 12, {}},
+      {1, 0, skip, -0.5, {}},      {1, 0, skipAlone, 12, {12}},
+      {-1, 0, clamp, 5, {0}},      {1, 0, clamp, kInfinity, {10}},
+      {1, 0, skip, kInfinity, {}}, {1, 0, none, -kInfinity, {-kInfinity}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.raw);
+    TDataChannel channel;
+    TRecorder client;
+    channel.GetClientControls()->Add(&client);
+    channel.SetScaleFactor(c.scale);
+    channel.SetShiftConstant(c.shift);
+    channel.SetLimitMax(10.0);
+    channel.SetOptions(c.options);
+    channel.SetTimeAndValue(40000.5, c.raw);
+    EXPECT_EQ(Values(channel), c.stored);
+    EXPECT_EQ(client.given, c.stored);
+    EXPECT_EQ(channel.GetValue(), c.stored.empty() ? 0.0 : c.stored[0]);
+    EXPECT_EQ(channel.GetData()->GetValues(0, 0), c.stored.empty() ? 0.0 : 40000.5);
+  }
+}
+
+TEST(TDataChannel, TakesNanThroughLimitsAndGraph) {
+  TDataChannel channel;
+  TKorvalGraph graph;
+  channel.GetGraphLink()->SetGraph(&graph);
+  channel.SetOptions(TCustomDataChannel::coUseLimits | TCustomDataChannel::coSkipError);
+  channel.SetLimitMax(10.0);
+  for (const double value : {1.0, kNan, 3.0}) channel.SetTimeAndValue(value, value);
+  EXPECT_EQ(channel.GetPointCount(), 3);
+  graph.GetDataPanel()->GetSeriesList().Get(1)->SetVisible(false);
+  graph.Replay();
+  EXPECT_EQ(graph.GetDataPanel()->RangeY().GetMin(), 1.0);
+  EXPECT_EQ(graph.GetDataPanel()->RangeY().GetMax(), 3.0);
+}
+
+TEST(TDataChannel, TellsSubscribersAndClientsBeforeItStoresAndDraws) {
+  TDataChannel channel;
+  QStringList events;
+  const auto note = [&](const char* what) {
+    events << QString("%1 %2").arg(what).arg(channel.GetPointCount());
+  };
+  struct TNoting : TDataControl {
+    void SetValue(double) override { Note(); }
+    std::function<void()> Note;
+  } client;
+  client.Note = [&] { note("client"); };
+  channel.GetClientControls()->Add(&client);
+  TValueLink link([&](double) { note("subscriber"); });
+  channel.AddLink(&link, false);
+  QObject::connect(&channel, &TDataChannel::OnNotify, [&] { note("notify"); });
+  QObject::connect(channel.GetGraphLink(), &TGraphLink::OnUpdate, [&] { note("draw"); });
+  channel.SetInterval(2);
+  channel.GetGraphLink()->SetUpdateInterval(3);
+  for (int i = 0; i < 3; ++i) channel.SetValue(1.0);
+  EXPECT_EQ(events, QStringList({"client 0", "subscriber 1", "notify 1", "client 1", "client 2",
+                                 "draw 3"}));
+}
+
+TEST(TDataChannel, NeverHasItsLimitsInverted) {
+  using TSet = void (TCustomDataChannel::*)(double);
+  const TSet max = &TCustomDataChannel::SetLimitMax;
+  const TSet min = &TCustomDataChannel::SetLimitMin;
+  const struct {
+    TSet set;
+    double limit, min, max;
+  } steps[] = {
+      {max, -5, -5, 0},
+      {max, 10, -5, 10},
+      {min, 3, 3, 10},
+      {min, 12, 10, 12},
+      {max, 1, 1, 10},
+      {max, kNan, 1, 10},
+      {min, -kInfinity, -kInfinity, 10},
+  };
+  TDataChannel channel;
+  for (const auto& step : steps) {
+    (channel.*step.set)(step.limit);
+    EXPECT_EQ(channel.GetLimitMin(), step.min) << step.limit;
+    EXPECT_EQ(channel.GetLimitMax(), step.max) << step.limit;
+  }
+}
+
+TEST(TDataChannel, IgnoresConversionsThatCannotBeUndone) {
+  TDataChannel channel;
+  channel.SetScaleFactor(2.0);
+  for (const double bad : {0.0, kNan, kInfinity}) {
+    channel.SetScaleFactor(bad);
+    EXPECT_EQ(channel.GetScaleFactor(), 2.0);
+  }
+  channel.SetShiftConstant(kNan);
+  EXPECT_EQ(channel.GetShiftConstant(), 0.0);
+}
+
+TEST(TDataChannel, KeepsTheNewestInPipeModeAndManyWithoutIt) {
+  TDataChannel channel;
+  for (int i = 1; i <= 101; ++i) channel.SetTimeAndValue(i * 0.5, i);
+  EXPECT_EQ(channel.GetPointCount(), 100);
+  EXPECT_EQ(Values(channel).front(), 2.0);
+  EXPECT_EQ(channel.GetData()->GetValues(99, 0), 50.5);
+  channel.SetPipeMode(false);
+  EXPECT_EQ(channel.GetPointCount(), 100);
+  channel.SetValue(102.0);
+  EXPECT_EQ(channel.GetPointCount(), 101);
+  channel.SetPointCount(40);  // counts in pipe mode only
+  EXPECT_EQ(channel.GetData()->GetMaxCount(), 65536);
+  QSignalSpy redraws(channel.GetGraphLink(), &TGraphLink::OnUpdate);
+  channel.SetPipeMode(true);
+  EXPECT_EQ(channel.GetPointCount(), 40);
+  EXPECT_EQ(Values(channel).front(), 63.0);
+  EXPECT_EQ(Values(channel).back(), 102.0);
+  EXPECT_EQ(redraws.count(), 1);
+  TFloatList longer;
+  for (int i = 1; i <= 50; ++i) longer.PushBack(i);
+  channel.SetData(&longer);
+  EXPECT_EQ(channel.GetPointCount(), 40);
+  EXPECT_EQ(Values(channel).front(), 11.0);
+  channel.GetData()->SetDataValues(longer.WriteProperties());
+  EXPECT_EQ(channel.GetPointCount(), 40);
+  EXPECT_EQ(Values(channel).back(), 50.0);
+  redraws.clear();
+  for (const int refused : {-1, 65537}) {
+    channel.SetPointCount(refused);
+    EXPECT_EQ(channel.property("PointCount"), 40);
+  }
+  channel.GetReset()->Click();
+  EXPECT_EQ(channel.GetPointCount(), 0);
+  EXPECT_EQ(redraws.count(), 1);
+}
+
+TEST(TDataChannel, GivesItsGraphThePointsOfItsStyle) {
+  TDataChannel channel;
+  TSeriesStyle* style =
+      qobject_cast<TSeries*>(channel.GetGraphLink()->GetSeriesList().Get(0))->GetStyle();
+  int index = 0;
+  TCoordinate point, extent;
+  EXPECT_FALSE(channel.ProvideGraphData(index, point, extent));
+  channel.SetTimeAndValue(7.5, 1.0);
+  channel.SetTimeAndValue(8.5, 2.0);
+  const struct {
+    TSeriesStyle::TPointStyle pointStyle;
+    bool useTime;
+    TCoordinate second, extent;
+  } cases[] = {
+      {TSeriesStyle::psNone, false, {1.0, 2.0}, {1.0, 0.0}},
+      {TSeriesStyle::psNone, true, {8.5, 2.0}, {1.0, 0.0}},
+      {TSeriesStyle::psXBar, false, {1.0, 2.0}, {1.0, 0.0}},
+      {TSeriesStyle::psYBar, false, {2.0, 1.0}, {0.0, 1.0}},
+      {TSeriesStyle::psYBar, true, {2.0, 8.5}, {0.0, 1.0}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.pointStyle << c.useTime);
+    style->SetPointStyle(c.pointStyle);
+    channel.SetUseTime(c.useTime);
+    index = 0;
+    ASSERT_TRUE(channel.ProvideGraphData(index, point, extent));
+    extent = {};
+    ASSERT_TRUE(channel.ProvideGraphData(index, point, extent));
+    EXPECT_EQ(point, c.second);
+    EXPECT_EQ(extent, c.extent);
+    EXPECT_FALSE(channel.ProvideGraphData(index, point, extent));
+    EXPECT_EQ(index, 2);
+    std::array<TCoordinate, 8> block;
+    EXPECT_EQ(channel.ProvideGraphBlock(1, block), 1);
+    EXPECT_EQ(block[0], c.second);
+    EXPECT_EQ(channel.ProvideGraphBlock(2, block), 0);
+  }
+}
+
+TEST(TDataChannel, BringsItsTwoSeriesAndTakesThemAway) {
+  TKorvalGraph graph;
+  graph.resize(300, 200);
+  auto channel = std::make_unique<TDataChannel>();
+  const TSeriesList& own = channel->GetGraphLink()->GetSeriesList();
+  ASSERT_EQ(own.Count(), 2);
+  const TSeriesStyle* line = qobject_cast<TSeries*>(own.Get(0))->GetStyle();
+  EXPECT_EQ(line->GetLineColor().Value(), 0xFF0000);
+  EXPECT_EQ(line->GetLineStyle(), TSeriesStyle::psSolid);
+  EXPECT_EQ(line->GetPointStyle(), TSeriesStyle::psNone);
+  const TStatSeriesStyle* bars = qobject_cast<TStatisticsSeries*>(own.Get(1))->GetStyle();
+  EXPECT_EQ(bars->GetBarStyle(), TStatSeriesStyle::bsYBar);
+  EXPECT_EQ(bars->GetLineColor().Value(), 0);
+  EXPECT_EQ(bars->GetFillColor().Value(), 0xFFFF);
+
+  channel->GetGraphLink()->SetGraph(&graph);
+  for (int i = 0; i < 20; ++i) channel->SetTimeAndValue(i % 5, i % 7);
+  const QImage picture = graph.grab().toImage().convertToFormat(QImage::Format_RGB32);
+  const auto has = [&](QRgb color) {
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) {
+        if (picture.pixel(x, y) == color) return true;
+      }
+    }
+    return false;
+  };
+  EXPECT_TRUE(has(qRgb(0, 0, 255)));
+  EXPECT_TRUE(has(qRgb(255, 255, 0)));
+  channel.reset();
+  EXPECT_TRUE(graph.GetDataPanel()->GetSeriesList().Empty());
+  graph.grab();
+}
+
+TEST(TDataChannel, SendsItsHistoryAgainAndKeepsItsValue) {
+  TDataChannel channel;
+  channel.SetScaleFactor(2.0);
+  for (const double raw : {1.0, 2.0, 3.0}) channel.SetValue(raw);
+  channel.TDataControl::SetValue(50.0);
+  TRecorder client;
+  channel.GetClientControls()->Add(&client);
+  std::vector<double> told;
+  TValueLink link([&](double value) {
+    told.push_back(value);
+    channel.GetSendData()->Click();  // it is sending already
+  });
+  channel.AddLink(&link, false);
+  channel.GetSendData()->SetClick(true);
+  EXPECT_THAT(client.given, ElementsAre(2.0, 4.0, 6.0));
+  EXPECT_EQ(channel.GetPointCount(), 3);
+  EXPECT_EQ(channel.GetValue(), 50.0);
+  EXPECT_EQ(told.back(), 50.0);
+
+  client.OnGiven = [](double) { throw std::runtime_error("full"); };
+  EXPECT_THROW(channel.SendDataToClients(), std::runtime_error);
+  EXPECT_EQ(channel.GetValue(), 50.0);
+  client.OnGiven = nullptr;
+  client.given.clear();
+  channel.SendDataToClients();
+  EXPECT_THAT(client.given, ElementsAre(2.0, 4.0, 6.0));
+}
+
+TEST(TDataChannel, SendsAllOfAFullHistoryFromItsOwnNotification) {
+  TDataChannel channel;
+  channel.SetPipeMode(false);
+  for (int i = 0; i < TDataList::kLimit; ++i) channel.SetValue(i);
+  TRecorder clients[3];
+  for (TRecorder& client : clients) channel.GetClientControls()->Add(&client);
+  TValueLink link([&](double value) {
+    if (value < 0.0) channel.SendDataToClients();
+  });
+  channel.AddLink(&link, false);
+  channel.SetValue(-1.0);
+  for (const TRecorder& client : clients) {
+    ASSERT_EQ(client.given.size(), TDataList::kLimit + 1U);  // and the value itself
+    EXPECT_EQ(client.given[TDataList::kLimit - 1], TDataList::kLimit - 1.0);
+  }
+  QCoreApplication::processEvents();
+  EXPECT_THAT(TakeMessages(), ElementsAre());
+}
+
+TEST(TDataChannel, ShiftsItsValuesToTheInitialMean) {
+  TDataChannel channel;
+  QSignalSpy redraws(channel.GetGraphLink(), &TGraphLink::OnUpdate);
+  channel.SetInitialValue(10.0);
+  channel.GetShiftToInitial()->Click();
+  EXPECT_EQ(channel.GetShiftConstant(), 0.0);
+  EXPECT_EQ(redraws.count(), 0);
+  for (const double raw : {1.0, 2.0, 3.0}) channel.SetValue(raw);
+  redraws.clear();
+  channel.GetShiftToInitial()->Click();
+  EXPECT_EQ(channel.GetShiftConstant(), 8.0);
+  EXPECT_THAT(Values(channel), ElementsAre(9.0, 10.0, 11.0));
+  EXPECT_EQ(redraws.count(), 1);
+  channel.SetValue(4.0);
+  EXPECT_EQ(channel.GetValue(), 12.0);
+
+  TDataChannel scaled;
+  scaled.SetScaleFactor(2.0);
+  scaled.SetShiftConstant(1.0);
+  for (const double raw : {1.0, kNan, 3.0}) scaled.SetValue(raw);
+  scaled.CalculateShiftConstant();
+  EXPECT_EQ(scaled.GetShiftConstant(), -4.0);
+  EXPECT_EQ(Values(scaled)[0], -2.0);
+  EXPECT_EQ(Values(scaled)[2], 2.0);
+}
+
+TEST(TDataChannel, TakesItsStatisticsFromTheTimeStamps) {
+  TDataChannel channel;
+  channel.SetPointCount(3);
+  const double times[] = {-1.0, 4.0, 1.0, 7.0};
+  for (const double time : times) channel.SetTimeAndValue(time, 100.0);
+  TStatistics* statistics = channel.GetStatistics();
+  EXPECT_EQ(statistics->GetCount(), 3.0);
+  EXPECT_EQ(statistics->GetSum(), 12.0);
+  EXPECT_EQ(statistics->GetSqSum(), 66.0);
+  EXPECT_EQ(statistics->GetMax(), 7.0);
+  EXPECT_EQ(statistics->GetMin(), 1.0);
+  EXPECT_EQ(statistics->GetPos(), 1.0);
+  EXPECT_EQ(statistics->GetData()->Get(0), (TStatisticsData{1.0, 4.0, 3.0, 7.0, 1.0}));
+  channel.ResetChannel();
+  EXPECT_EQ(statistics->GetCount(), 0.0);
+  EXPECT_EQ(statistics->GetData()->Get(0), TStatisticsData());
+}
+
+TEST(TDataChannel, HasTheStatisticsOfItsLastUpdateHoweverLateOneLooks) {
+  std::mt19937 random(4711);
+  const auto draw = [&](int below) {
+    return std::uniform_int_distribution<int>(0, below - 1)(random);
+  };
+  for (int round = 0; round < 60; ++round) {
+    TDataChannel channel;
+    channel.SetPointCount(1 + draw(20));
+    channel.GetGraphLink()->SetUpdateInterval(1 + draw(30));
+    std::vector<double> atUpdate;
+    QObject::connect(channel.GetGraphLink(), &TGraphLink::OnUpdate, [&] {
+      atUpdate.clear();
+      for (int row = 0; row < channel.GetPointCount(); ++row) {
+        atUpdate.push_back(channel.GetData()->Row(row)[TFloatList::kTime]);
+      }
+    });
+    for (int step = 0; step < 200; ++step) {
+      channel.SetTimeAndValue(1 + draw(1000), 0.0);
+      if (draw(50) == 0) channel.ResetChannel();
+      if (draw(20) != 0) continue;
+      double sum = 0.0;
+      for (const double time : atUpdate) sum += time;
+      ASSERT_EQ(channel.GetStatistics()->GetCount(), atUpdate.size());
+      ASSERT_EQ(channel.GetStatistics()->GetSum(), sum);
+      const auto largest = std::ranges::max_element(atUpdate);
+      ASSERT_EQ(channel.GetStatistics()->GetMax(), atUpdate.empty() ? 0.0 : *largest);
+    }
+  }
+}
+
+TEST(TDataChannel, MayBeDestroyedFromItsOwnNotifications) {
+  for (const bool fromUpdate : {false, true}) {
+    auto* channel = new TDataChannel;
+    TValueLink link;
+    if (fromUpdate) {
+      QObject::connect(channel->GetGraphLink(), &TGraphLink::OnUpdate, [&] { delete channel; });
+    } else {
+      link.OnValue = [&](double) { delete channel; };
+    }
+    channel->AddLink(&link, false);
+    channel->SetValue(1.0);
+  }
+  const std::function<void(TDataChannel&)> ways[] = {
+      [](TDataChannel& channel) {
+        TFloatList rows;
+        rows.Add(1.0);
+        channel.SetData(&rows);
+      },
+      [](TDataChannel& channel) {
+        TDataChannel source;
+        source.SetPointCount(2);
+        source.SetValue(1.0);
+        source.AssignTo(&channel);
+      },
+      [](TDataChannel& channel) { channel.ResetChannel(); },
+      [](TDataChannel& channel) { channel.SetPointCount(3); },
+      [](TDataChannel& channel) { channel.CalculateShiftConstant(); },
+  };
+  for (const auto& change : ways) {
+    auto* channel = new TDataChannel;
+    for (int i = 0; i < 5; ++i) channel->SetValue(i);
+    QPointer<TDataChannel> alive(channel);
+    QObject::connect(channel->GetGraphLink(), &TGraphLink::OnUpdate, [&] { delete channel; });
+    change(*channel);
+    EXPECT_FALSE(alive);
+  }
+  auto* sending = new TDataChannel;
+  sending->SetValue(1.0);
+  TValueLink link([&](double) { delete sending; });
+  sending->AddLink(&link, false);
+  sending->SendDataToClients();
+}
+
+TEST(TDataChannel, PublishesItsPropertiesInTheOrderOfForms) {
+  QStringList names;
+  const QMetaObject& meta = TDataChannel::staticMetaObject;
+  for (int i = TCustomDataChannel::staticMetaObject.propertyOffset(); i < meta.propertyCount();
+       ++i) {
+    names << meta.property(i).name();
+  }
+  EXPECT_EQ(names,
+            QStringList({"ScaleFactor", "ShiftConstant", "LimitMax", "LimitMin", "Data", "SendData",
+                         "ShiftToInitial", "InitialValue", "Options", "PipeMode", "PointCount",
+                         "Reset", "UseTime", "GraphLink", "NotifyInterval", "Statistics"}));
+}
+
+/// Gives `to` the plain properties and the rows of `from`, as a form does.
+void SaveAndLoad(const TDataChannel& from, TDataChannel& to, bool backwards) {
+  const QMetaObject* meta = from.metaObject();
+  to.BeginLoading();
+  for (int i = TCustomDataChannel::staticMetaObject.propertyOffset(); i < meta->propertyCount();
+       ++i) {
+    const int last =
+        meta->propertyCount() - 1 + TCustomDataChannel::staticMetaObject.propertyOffset();
+    const QMetaProperty property = meta->property(backwards ? last - i : i);
+    if (property.name() == QByteArray("Data")) {
+      to.GetData()->SetDataValues(from.GetData()->WriteProperties());
+    } else if (!property.metaType().flags().testFlag(QMetaType::PointerToQObject)) {
+      EXPECT_TRUE(property.write(&to, property.read(&from))) << property.name();
+    }
+  }
+  to.Loaded();
+}
+
+TEST(TDataChannel, KeepsSettingsAndSamplesInAForm) {
+  TDataChannel saved;
+  saved.SetScaleFactor(0.5);
+  saved.SetLimitMin(-5.0);
+  saved.SetLimitMax(-1.0);
+  saved.SetOptions(TCustomDataChannel::coUseLimits);
+  saved.SetPointCount(250);
+  saved.SetInterval(3);
+  for (int i = 0; i < 300; ++i) saved.SetTimeAndValue(i, -i / 50.0);
+  for (const bool backwards : {false, true}) {
+    TDataChannel loaded;
+    SaveAndLoad(saved, loaded, backwards);
+    EXPECT_EQ(loaded.GetLimitMin(), -5.0);
+    EXPECT_EQ(loaded.GetLimitMax(), -1.0);
+    EXPECT_EQ(loaded.GetOptions(), saved.GetOptions());
+    EXPECT_EQ(loaded.GetInterval(), 3);
+    EXPECT_TRUE(loaded.GetData()->SameAs(saved.GetData()));
+    loaded.SetValue(-6.0);
+    EXPECT_EQ(loaded.GetPointCount(), 250);
+    EXPECT_EQ(loaded.GetValue(), -3.0);
+  }
+}
+
+TEST(TDataChannel, LosesNoRowsToSettingsThatAFormGivesLater) {
+  TDataChannel channel;
+  channel.BeginLoading();
+  for (int i = 0; i < 300; ++i) channel.GetData()->Add(i);
+  channel.SetPointCount(10);
+  channel.SetPipeMode(false);
+  channel.Loaded();
+  EXPECT_EQ(channel.GetPointCount(), 300);
+}
+
+TEST(TDataChannel, TellsOnceOfRowsItIsGivenAndKeepsItsMaximum) {
+  TDataChannel channel;
+  QSignalSpy redraws(channel.GetGraphLink(), &TGraphLink::OnUpdate);
+  TFloatList rows;
+  for (int i = 0; i < 300; ++i) rows.Add(i);
+  rows.SetMaxCount(300);
+  channel.SetData(&rows);
+  EXPECT_EQ(channel.GetPointCount(), 100);
+  EXPECT_EQ(redraws.count(), 1);
+  channel.SetData(nullptr);
+  EXPECT_EQ(redraws.count(), 1);
+}
+
+TEST(TDataChannel, CopiesItsSettingsAndDataAndNotItsConnections) {
+  TDataChannel source;
+  TRecorder client;
+  source.GetClientControls()->Add(&client);
+  source.SetScaleFactor(3.0);
+  source.SetLimitMax(-2.0);
+  source.SetPipeMode(false);
+  source.SetUseTime(true);
+  source.SetInterval(4);
+  source.SetTimeAndValue(5.0, 7.0);
+  TDataChannel copy;
+  copy.SetLimitMax(4.0);
+  source.AssignTo(&copy);
+  EXPECT_EQ(copy.GetScaleFactor(), 3.0);
+  EXPECT_EQ(copy.GetLimitMin(), -2.0);
+  EXPECT_EQ(copy.GetLimitMax(), 0.0);
+  EXPECT_TRUE(copy.GetUseTime());
+  EXPECT_EQ(copy.GetInterval(), 4);
+  EXPECT_EQ(copy.GetData()->GetMaxCount(), 65536);
+  EXPECT_TRUE(copy.GetData()->SameAs(source.GetData()));
+  EXPECT_EQ(copy.GetStatistics()->GetSum(), 5.0);
+  EXPECT_TRUE(copy.GetClientControls()->Empty());
+}
+
+}  // namespace

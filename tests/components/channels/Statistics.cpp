@@ -1,0 +1,317 @@
+#include "components/channels/Statistics.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "components/channels/Statisticsseries.h"
+#include "tests/components/graphing/Panelfixture.h"
+
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TEST(TStatistics, DerivesMeanAndSampleVarianceFromTheSums) {
+  const struct {
+    std::vector<double> values;
+    double mean, variance, stDev;
+  } cases[] = {
+      {{}, 0.0, 0.0, 0.0},
+      {{-3.5}, -3.5, 0.0, 0.0},
+      {{2, 4, 4, 4, 5, 5, 7, 9}, 5.0, 32.0 / 7.0, 2.138089935},
+      {{1e6 + 1, 1e6 + 3}, 1e6 + 2, 2.0, 1.414213562},
+  };
+  for (const auto& c : cases) {
+    TStatistics statistics;
+    for (const double value : c.values) statistics.AddValue(value);
+    EXPECT_EQ(statistics.GetCount(), c.values.size());
+    EXPECT_DOUBLE_EQ(statistics.GetMean(), c.mean);
+    EXPECT_NEAR(statistics.GetVariance(), c.variance, 1e-9);
+    EXPECT_NEAR(statistics.GetStDev(), c.stDev, 1e-9);
+    EXPECT_EQ(statistics.GetMax(), 0.0);
+    for (const double value : c.values) statistics.SubtractValue(value);
+    EXPECT_EQ(statistics.GetSum(), 0.0);
+    EXPECT_EQ(statistics.GetSqSum(), 0.0);
+    EXPECT_EQ(statistics.GetCount(), 0.0);
+  }
+}
+
+TEST(TStatistics, PassesANegativeVarianceToTheRoot) {
+  TStatistics statistics;
+  statistics.SetCount(2.0);
+  statistics.SetSum(2.0);
+  statistics.SetSqSum(1.0);
+  EXPECT_EQ(statistics.GetVariance(), -1.0);
+  EXPECT_TRUE(std::isnan(statistics.GetStDev()));
+}
+
+TEST(TStatistics, ResetsWhenThereIsLessThanOneValueToTakeAway) {
+  TStatistics statistics;
+  statistics.SetCount(0.5);
+  statistics.SetPos(3.0);
+  statistics.SetMax(7.0);
+  statistics.SetSum(4.0);
+  statistics.SubtractValue(1.0);
+  EXPECT_EQ(statistics.GetCount(), 0.0);
+  EXPECT_EQ(statistics.GetPos(), 0.0);
+  EXPECT_EQ(statistics.GetMax(), 0.0);
+  EXPECT_EQ(statistics.GetMin(), 0.0);
+  EXPECT_EQ(statistics.GetSum(), 0.0);
+}
+
+TEST(TStatistics, TakesTheFirstValueForBothExtremesWhileTheyAreZero) {
+  TStatistics statistics;
+  statistics.SetMax(0.0);
+  statistics.SetMin(0.0);
+  statistics.SetMax(-1.0);
+  EXPECT_EQ(statistics.GetMax(), -1.0);
+  EXPECT_EQ(statistics.GetMin(), -1.0);
+  for (const double value : {3.0, 2.0, -4.0, kNan}) {
+    statistics.SetMax(value);
+    statistics.SetMin(value);
+  }
+  EXPECT_EQ(statistics.GetMax(), 3.0);
+  EXPECT_EQ(statistics.GetMin(), -4.0);
+}
+
+TEST(TStatistics, KeepsTheLatestSnapshotInItsOneRow) {
+  TStatistics statistics;
+  EXPECT_EQ(statistics.GetData()->ColNames, QStringList({"Pos", "Mean", "StDev", "Max", "Min"}));
+  ASSERT_EQ(statistics.GetData()->Count(), 1);
+  EXPECT_EQ(statistics.GetData()->Get(0), TStatisticsData());
+  for (const double value : {1.0, 3.0}) {
+    statistics.AddValue(value);
+    statistics.SetMax(value);
+    statistics.SetPos(value * 10.0);
+    statistics.Update();
+  }
+  statistics.Reset();
+  int index = 0;
+  TStatisticsData record;
+  ASSERT_TRUE(statistics.ProvideGraphData(index, record));
+  EXPECT_EQ(record, (TStatisticsData{30.0, 2.0, std::sqrt(2.0), 3.0, 1.0}));
+  EXPECT_FALSE(statistics.ProvideGraphData(index, record));
+  EXPECT_EQ(index, 1);
+
+  TStatDataList rows;
+  EXPECT_EQ(rows.GetMaxCount(), 100);
+  for (int i = 1; i <= 3; ++i) rows.Add({1.0 * i, 0.0, 0.0, 0.0, 0.0});
+  statistics.SetData(&rows);
+  EXPECT_EQ(statistics.GetData()->Get(0).Pos, 1.0);
+  statistics.Update();
+  EXPECT_EQ(statistics.GetData()->Count(), 1);
+  rows.Clear();
+  statistics.SetData(&rows);
+  EXPECT_EQ(statistics.GetData()->Count(), 1) << "there is always a row for the next snapshot";
+}
+
+TEST(TStatistics, CopiesEverythingButTheExtremes) {
+  TStatistics source;
+  source.AddValue(4.0);
+  source.SetMax(4.0);
+  source.SetPos(2.0);
+  TStatistics copy;
+  copy.SetMax(9.0);
+  copy.Assign(&source);
+  EXPECT_TRUE(copy.SameAs(&source));
+  EXPECT_EQ(copy.GetPos(), 2.0);
+  EXPECT_EQ(copy.GetMean(), 4.0);
+  EXPECT_EQ(copy.GetMax(), 9.0);
+  EXPECT_EQ(copy.GetMin(), 9.0);
+}
+
+TEST(TStatistics, SurvivesAFormWithEveryBitOfItsSums) {
+  const std::array<double, 3> triples[] = {
+      {8.0, 40.0, 232.0},
+      {1e15, 0.1 + 0.2, 1.0 / 3.0},
+      {2.5, -5e-324, std::numeric_limits<double>::max()},
+      {1.0, kInfinity, kInfinity},
+  };
+  for (const auto& [count, sum, sqSum] : triples) {
+    TStatistics saved;
+    saved.SetCount(count);
+    saved.SetSum(sum);
+    saved.SetSqSum(sqSum);
+    saved.SetMax(5.0);
+    TStatistics loaded;
+    ASSERT_TRUE(loaded.setProperty("StatData", saved.property("StatData")));
+    EXPECT_EQ(loaded.GetCount(), count);
+    EXPECT_EQ(loaded.GetSum(), sum);
+    EXPECT_EQ(loaded.GetSqSum(), sqSum);
+    EXPECT_EQ(loaded.GetMax(), 0.0);
+  }
+  TStatistics statistics;
+  statistics.SetStatData("8 40 232");
+  for (const char* damaged : {"", "1", "1 2", "1 2 3 4", "1 2 x", "1;2;3", "\x01 2 3"}) {
+    statistics.SetStatData(damaged);
+    EXPECT_EQ(statistics.GetStatData(), "8 40 232") << damaged;
+  }
+}
+
+TEST(TStatistics, MakesUpForAPostponedComputationOnceAndBeforeAnybodySees) {
+  int computed = 0;
+  TStatistics statistics;
+  statistics.OnCompute = [&] {
+    ++computed;
+    statistics.Reset();
+    statistics.SetCount(10.0 * computed);
+    statistics.SetSum(30.0);
+    statistics.Update();
+  };
+  statistics.Postpone();
+  statistics.Postpone();
+  EXPECT_EQ(computed, 0);
+  EXPECT_EQ(statistics.GetMean(), 3.0);
+  EXPECT_EQ(statistics.GetData()->Get(0).Mean, 3.0);
+  EXPECT_EQ(computed, 1);
+
+  statistics.Postpone();
+  statistics.AddValue(1.0);  // to the new figures
+  EXPECT_EQ(statistics.GetCount(), 21.0);
+  statistics.Postpone();
+  statistics.Reset();
+  EXPECT_EQ(statistics.GetCount(), 0.0);
+  EXPECT_EQ(statistics.GetSum(), 0.0);
+  EXPECT_EQ(computed, 3);
+  statistics.Postpone();
+  EXPECT_EQ(statistics.GetStatData(), "40 30 0");
+}
+
+/// A series of these records in a panel of 10 x 10 units.
+struct TSeriesFixture : TPanelFixture {
+  explicit TSeriesFixture(std::vector<TStatisticsData> records) {
+    series = panel.AddSeries(std::make_unique<TStatisticsSeries>());
+    series->Statistics = [records = std::move(records)](int& index, TStatisticsData& record) {
+      if (index >= static_cast<int>(records.size())) return false;
+      record = records[static_cast<std::size_t>(index++)];
+      return true;
+    };
+    series->GetStyle()->SetLineColor(TColor::Black());
+    series->GetStyle()->SetFillColor(TColor::Yellow());
+  }
+  TStatisticsSeries* series;
+};
+
+constexpr TStatisticsData kRecord{5.0, 4.0, 2.0, 9.0, 1.0};
+
+TEST(TStatisticsSeries, DrawsExtremesDeviationAndMeanOverEachOther) {
+  TSeriesFixture fixture({kRecord});
+  fixture.series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsYBar);
+  // The position 5 is column 70; the values 9, 6, 4, 2 and 1 are the rows 30, 90, 130, 170 and 190.
+  const struct {
+    TStatisticsSeries::TStatOptions options;
+    QPoint at;
+    QColor color;
+  } cases[] = {
+      {{TStatisticsSeries::soShowMinMax}, {67, 40}, Qt::black},
+      {{TStatisticsSeries::soShowMinMax}, {73, 40}, Qt::black},
+      {{TStatisticsSeries::soShowMinMax}, {66, 40}, Qt::white},
+      {{TStatisticsSeries::soShowMinMax}, {70, 30}, Qt::black},
+      {{TStatisticsSeries::soShowMinMax}, {70, 29}, Qt::white},
+      {{TStatisticsSeries::soShowMinMax}, {70, 190}, Qt::black},
+      {{TStatisticsSeries::soShowMinMax}, {70, 130}, Qt::yellow},
+      {{TStatisticsSeries::soShowStDev}, {64, 130}, Qt::black},
+      {{TStatisticsSeries::soShowStDev}, {70, 90}, Qt::black},
+      {{TStatisticsSeries::soShowStDev}, {70, 170}, Qt::black},
+      {{TStatisticsSeries::soShowStDev}, {70, 130}, Qt::yellow},
+      {{TStatisticsSeries::soShowStDev}, {70, 40}, Qt::white},
+      {{TStatisticsSeries::soShowMean}, {61, 130}, Qt::black},
+      {{TStatisticsSeries::soShowMean}, {79, 130}, Qt::black},
+      {{TStatisticsSeries::soShowMean}, {70, 129}, Qt::white},
+      {TStatisticsSeries().GetOptions(), {67, 40}, Qt::black},
+      {TStatisticsSeries().GetOptions(), {67, 100}, Qt::yellow},
+      {TStatisticsSeries().GetOptions(), {70, 130}, Qt::black},
+  };
+  for (const auto& c : cases) {
+    fixture.series->SetOptions(c.options);
+    EXPECT_EQ(fixture.Picture().pixelColor(c.at), c.color)
+        << c.options << " (" << c.at.x() << ", " << c.at.y() << ")";
+  }
+  fixture.series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsXBar);
+  // Values are columns, 10 a unit from 20 on, and the position is row 110.
+  const QImage along = fixture.Picture();
+  EXPECT_EQ(along.pixelColor(110, 110), Qt::black);
+  EXPECT_EQ(along.pixelColor(111, 110), Qt::white);
+  EXPECT_EQ(along.pixelColor(60, 119), Qt::black);
+}
+
+TEST(TStatisticsSeries, ABarThatGoesOnBeyondThePanelHasNoEndAtItsEdge) {
+  TSeriesFixture fixture({{5.0, 4.0, 2.0, 1e300, -1.0}});
+  fixture.series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsYBar);
+  fixture.series->GetStyle()->SetLineWeight(3);
+  fixture.series->SetOptions(TStatisticsSeries::soShowMinMax);
+  const QImage picture = fixture.Picture();
+  for (const int edge : {TPanelFixture::kRect.top(), TPanelFixture::kRect.bottom()}) {
+    EXPECT_EQ(picture.pixelColor(70, edge), Qt::yellow) << edge;
+    EXPECT_EQ(picture.pixelColor(67, edge), Qt::black) << edge;
+  }
+}
+
+TEST(TStatisticsSeries, CoversWhatItDraws) {
+  using TSeries = TStatisticsSeries;
+  const TStatisticsData wide{7.0, 5.0, 6.0, 8.0, 3.0};
+  const TStatisticsData broken{kNan, kInfinity, kNan, kInfinity, -kInfinity};
+  const struct {
+    TSeries::TStatOptions options;
+    double min, max;
+  } cases[] = {
+      {{TSeries::soShowMinMax}, 1.0, 9.0},
+      {{TSeries::soShowStDev}, -1.0, 11.0},
+      {{TSeries::soShowMean}, 4.0, 5.0},
+  };
+  TSeriesFixture fixture({kRecord, broken, wide});
+  TStatisticsSeries& series = *fixture.series;
+  for (const auto& c : cases) {
+    for (const bool alongX : {true, false}) {
+      series.GetStyle()->SetBarStyle(alongX ? TStatSeriesStyle::bsXBar : TStatSeriesStyle::bsYBar);
+      series.SetOptions(c.options);
+      series.UpdateRangeX();
+      series.UpdateRangeY();
+      const TRange& values = alongX ? series.RangeX() : series.RangeY();
+      const TRange& positions = alongX ? series.RangeY() : series.RangeX();
+      EXPECT_EQ(values.GetMin(), c.min);
+      EXPECT_EQ(values.GetMax(), c.max);
+      EXPECT_EQ(positions.GetMin(), 5.0);
+      EXPECT_EQ(positions.GetMax(), 7.0);
+    }
+  }
+  for (const bool alongX : {true, false}) {
+    series.GetStyle()->SetBarStyle(alongX ? TStatSeriesStyle::bsXBar : TStatSeriesStyle::bsYBar);
+    series.SetOptions({});
+    series.UpdateRangeX();
+    series.UpdateRangeY();
+    EXPECT_TRUE(series.RangeX().GetReset() && series.RangeY().GetReset()) << "nothing is drawn";
+  }
+  TSeriesFixture nothing({broken});
+  nothing.series->UpdateRangeX();
+  EXPECT_TRUE(nothing.series->RangeX().GetReset());
+  EXPECT_EQ(CountPixels(nothing.Picture(), Qt::white), 150 * 230);
+}
+
+TEST(TStatisticsSeries, RedrawsForEachChangeAndIsKeptByForms) {
+  TSeriesFixture fixture({kRecord});
+  QSignalSpy redraws(&fixture.panel, &TDataPanel::OnRepaint);
+  TStatSeriesStyle style;
+  style.SetLineColor(TColor::Green());
+  style.SetFillColor(TColor::None());
+  style.SetBarStyle(TStatSeriesStyle::bsYBar);
+  fixture.series->SetStyle(&style);
+  EXPECT_TRUE(fixture.series->GetStyle()->SameAs(&style));
+  EXPECT_EQ(redraws.count(), 1);
+  fixture.series->SetStyle(&style);
+  fixture.series->SetStyle(nullptr);
+  EXPECT_EQ(redraws.count(), 1);
+  fixture.series->SetOptions(TStatisticsSeries::soShowMean);
+  fixture.series->SetOptions(TStatisticsSeries::soShowMean);
+  EXPECT_EQ(redraws.count(), 2);
+
+  TSeriesList copy;
+  ASSERT_TRUE(copy.ReadProperties(fixture.panel.GetSeriesList().WriteProperties()));
+  EXPECT_TRUE(copy.SameAs(&fixture.panel.GetSeriesList()));
+}
+
+}  // namespace

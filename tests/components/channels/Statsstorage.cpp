@@ -1,0 +1,405 @@
+#include "components/channels/Statsstorage.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <cmath>
+
+#include "components/panels/Panel.h"
+#include "model/Filesync.h"
+#include "tests/support/Fulldisk.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+constexpr double kSecond = 1.0 / 86400.0;
+const double kDay = static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(2024, 5, 31)));
+
+/// A set of one channel, "Load" in kN, whose blocks of two rows go to a storage in the test's
+/// folder.
+struct TStored {
+  TStored() {
+    storage->SetRootDir(TestFolder() + "/stats");
+    storage->SetActive(true);
+    set->SetCount(1);
+    set->SetRows(2);
+    set->SetLabel("Crane");
+    set->GetChannels()->GetItem(0)->SetLabel("Load");
+    set->GetChannels()->GetItem(0)->SetUnits("kN");
+    set->SetStorage(storage.get());
+  }
+  /// Two rows half a second apart that end so many seconds after midnight, of value - 1 and value
+  /// + 1.
+  void Block(double seconds, double value) const {
+    for (const double half : {-1.0, 1.0}) {
+      const double row[] = {kDay + (seconds + 0.25 * (half - 1.0)) * kSecond, value + half};
+      set->SetRow(row, 0, 2);
+    }
+  }
+  static QString File(const char* name = "Crane_20240531.csv") {
+    return TestFolder() + "/stats/" + name;
+  }
+  std::unique_ptr<TStatsStorage> storage = std::make_unique<TStatsStorage>();
+  std::unique_ptr<TChannelSet> set = std::make_unique<TChannelSet>();
+};
+
+QByteArray Read(const QString& name) {
+  QFile file(name);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TStatsContent Content(const QString& name) {
+  TStatsContent content;
+  QString error;
+  EXPECT_TRUE(ReadStatsFile(name, content, &error)) << error.toStdString();
+  return content;
+}
+
+const QByteArray kHeader =
+    "Time,\"Load Mean [kN]\",\"Load Max [kN]\",\"Load Min [kN]\",\"Load StDev [kN]\","
+    "\"Load Count\",Cells\n";
+
+TEST(TStatsStorage, AppendsALinePerIntervalToTheFileOfTheDay) {
+  TStored stored;
+  stored.storage->SetSaveInterval(10);
+  stored.Block(1, 10.0);
+  stored.Block(5, 20.0);
+  EXPECT_FALSE(QFile::exists(stored.File()));
+  stored.Block(10.5, 30.0);
+  const QByteArray text = Read(stored.File());
+  const QByteArray start = kHeader + "2024-05-31 00:00:10.500,20,31,9,";
+  ASSERT_TRUE(text.startsWith(start)) << text.toStdString();
+  const QList<QByteArray> rest = text.mid(start.size()).split(',');
+  ASSERT_EQ(rest.size(), 3);
+  EXPECT_NEAR(rest[0].toDouble(), std::sqrt(81.2), 1e-12);
+  EXPECT_EQ(rest[1], "6");
+  EXPECT_EQ(rest[2], "6\n");
+  stored.Block(86401, 1.0);  // the day after
+  stored.Block(86412, 1.0);
+  EXPECT_EQ(Content(stored.File("Crane_20240601.csv")).Blocks.size(), 1u);
+  EXPECT_EQ(stored.storage->GetStatus(), "Saving to " + stored.File("Crane_20240601.csv"));
+}
+
+TEST(TStatsStorage, ReadsBackWhatItHasWritten) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.storage->SetUseDoubleTime(true);
+  stored.set->SetCount(2);
+  stored.set->GetChannels()->GetItem(0)->SetLabel("a \"b\", c\nMean [x] Count");
+  stored.set->GetChannels()->GetItem(1)->SetUnits(QString::fromUtf8("µm/m, [1]"));
+  for (int i = 1; i < 9; ++i) {
+    const double row[] = {kDay + i * kSecond, 0.1 * i, -1e-300 * i};
+    stored.set->SetRow(row, 0, 3);
+  }
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Layouts.size(), 1u);
+  EXPECT_EQ(content.Layouts[0][0], (TStatsColumn{"a \"b\", c Mean [x] Count", "kN"}));
+  EXPECT_EQ(content.Layouts[0][1].Units, QString::fromUtf8("µm/m, [1]"));
+  EXPECT_EQ(content.Skipped, 0);
+  ASSERT_GE(content.Blocks.size(), 2u);
+  std::vector<TStatSet> last;
+  ASSERT_TRUE(stored.set->CopyBlockStats(last));
+  const TStatsBlock& block = content.Blocks.back();
+  EXPECT_EQ(block.Channels[0].Max, last[0].Max);
+  EXPECT_EQ(block.Channels[1].Min, last[1].Min);
+  EXPECT_DOUBLE_EQ(block.Channels[0].Sum, last[0].Sum);
+  EXPECT_DOUBLE_EQ(block.Channels[0].SqSum, last[0].SqSum);
+  EXPECT_NEAR(block.Time, last[0].Time, 1e-8);
+}
+
+TEST(TStatsStorage, ALineThatACrashHasCutIsSkippedAndNothingElse) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.Block(1, 1.0);
+  stored.Block(2, 12345.678);
+  const QByteArray whole = Read(stored.File());
+  const qsizetype last = whole.lastIndexOf('\n', -2) + 1;
+  for (qsizetype length = last; length <= whole.size(); ++length) {
+    SCOPED_TRACE(whole.mid(last, length - last).toStdString());
+    WriteTestFile("stats/Crane_20240531.csv", whole.left(length));
+    const std::size_t expected = length == whole.size() ? 2 : 1;
+    EXPECT_EQ(Content(stored.File()).Blocks.size(), expected);
+    TStored again;  // the program is started anew
+    again.storage->SetSaveInterval(0);
+    again.Block(3, 3.0);
+    const TStatsContent content = Content(stored.File());
+    ASSERT_GE(content.Blocks.size(), expected + 1);
+    EXPECT_EQ(content.Blocks.back().Channels[0].Mean, 3.0);
+    EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 1.0);
+    EXPECT_EQ(content.Blocks[content.Blocks.size() - 2].Channels[0].Mean,
+              content.Blocks.size() == 3 ? 12345.678 : 1.0);
+  }
+}
+
+TEST(TStatsStorage, WaitsForAFolderThatHasGone) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.Block(1, 1.0);
+  ASSERT_TRUE(QDir(TestFolder() + "/stats").removeRecursively());
+  WriteTestFile("stats", "a file where the folder was");
+  QSignalSpy changed(stored.storage.get(), &TStatsStorage::OnStatusChanged);
+  stored.Block(2, 2.0);
+  stored.Block(3, 3.0);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(stored.storage->GetStatus().startsWith("Cannot write " + stored.File() + ": "));
+  ASSERT_TRUE(QFile::remove(TestFolder() + "/stats"));
+  stored.Block(4, 4.0);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Blocks.size(), 1u);  // what could not be written is in the next line
+  EXPECT_EQ(content.Blocks[0].Channels[0].Count, 6.0);
+  EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 3.0);
+  EXPECT_EQ(stored.storage->GetStatus(), "Saving to " + stored.File());
+}
+
+#ifdef Q_OS_UNIX
+
+TEST(TStatsStorage, WaitsForAFullDisk) {
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.Block(1, 1.0);
+  const QByteArray before = Read(stored.File());
+  {
+    const TFullDisk full(before.size() + 20);  // half a line fits
+    stored.Block(2, 2.0);
+    stored.Block(3, 3.0);
+  }
+  EXPECT_TRUE(stored.storage->GetStatus().startsWith("Cannot write " + stored.File() + ": "));
+  EXPECT_EQ(Read(stored.File()), before);
+  stored.Block(4, 4.0);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Blocks.size(), 2u);
+  EXPECT_EQ(content.Skipped, 0);
+  EXPECT_EQ(content.Blocks[1].Channels[0].Count, 6.0);
+  EXPECT_EQ(content.Blocks[1].Channels[0].Mean, 3.0);
+}
+
+#endif
+
+TEST(TStatsStorage, TellsTheLoggerOfItsForm) {
+  QWidget form;
+  auto* log = new QPlainTextEdit(&form);
+  log->setObjectName("Log");
+  auto* storage = new TStatsStorage(&form);
+  storage->SetLoggerName("Log");
+  storage->Loaded();
+  storage->SetRootDir("/proc/none");
+  storage->SetSaveInterval(0);
+  storage->SetActive(true);
+  TStored stored;
+  stored.set->SetStorage(storage);
+  stored.Block(1, 1.0);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(log->toPlainText().startsWith("Cannot write /proc/none/Crane_20240531.csv: "))
+      << log->toPlainText().toStdString();
+}
+
+TEST(TStatsStorage, NewChannelsGetANewHeader) {
+  TStored stored;
+  stored.storage->SetSaveInterval(3600);
+  stored.Block(1, 1.0);
+  stored.set->GetChannels()->GetItem(0)->SetLabel("Force");  // what is collected is written first
+  stored.Block(2, 2.0);
+  stored.storage->SetActive(false);
+  stored.Block(3, 3.0);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Layouts.size(), 2u);
+  EXPECT_EQ(content.Layouts[1][0].Label, "Force");
+  ASSERT_EQ(content.Blocks.size(), 2u);
+  EXPECT_EQ(content.Blocks[0].Layout, 0);
+  EXPECT_EQ(content.Blocks[1].Layout, 1);
+  EXPECT_EQ(content.Blocks[1].Channels[0].Mean, 2.0);
+}
+
+/// How many rows are written once the folder is there again, by what happened to the set meanwhile.
+TEST(TStatsStorage, DropsNothingOfAFolderThatWasAwayWhateverChanges) {
+  using TChange = void (*)(TStored&);
+  const struct {
+    const char* name;
+    double rows;
+    TChange change;
+  } changes[] = {
+      {"nothing", 6, [](TStored&) {}},
+      {"label", 6, [](TStored& stored) { stored.set->SetLabel("Hoist"); }},
+      {"channel label", 6,
+       [](TStored& stored) { stored.set->GetChannels()->GetItem(0)->SetLabel("Force"); }},
+      {"unit", 6, [](TStored& stored) { stored.set->GetChannels()->GetItem(0)->SetUnits("N"); }},
+      {"count", 6, [](TStored& stored) { stored.set->SetCount(2); }},
+      {"storage", 2, [](TStored& stored) { stored.set->SetStorage(nullptr); }},
+      {"set", 2, [](TStored& stored) { stored.set = std::make_unique<TChannelSet>(); }},
+      {"switch", 2, [](TStored& stored) { stored.storage->SetActive(false); }},
+  };
+  for (const auto& [name, rows, change] : changes) {
+    SCOPED_TRACE(name);
+    WriteTestFile("stats", "a file where the folder is to be");
+    TStored stored;
+    stored.Block(1, 1.0);
+    for (int again = 0; again < 2; ++again) {
+      change(stored);
+      stored.Block(2 + again, 2.0);
+      stored.set->SetLabel("Crane");
+      stored.set->SetStorage(stored.storage.get());
+    }
+    ASSERT_TRUE(QFile::remove(TestFolder() + "/stats"));
+    stored.storage.reset();
+    double count = 0.0;
+    for (const QFileInfo& file : QDir(TestFolder() + "/stats").entryInfoList(QDir::Files)) {
+      for (const TStatsBlock& block : Content(file.filePath()).Blocks) {
+        count += block.Channels[0].Count;
+      }
+    }
+    EXPECT_EQ(count, rows);
+    ASSERT_TRUE(QDir(TestFolder() + "/stats").removeRecursively());
+  }
+}
+
+/// Blocks of a second, as a clock stamps them whose seconds are not ours; the first has no line of
+/// its own, as nobody knows when it began.
+TEST(TStatsStorage, AnIntervalOfABlockHasALinePerBlock) {
+  for (const double phase : {0.0, 0.3, 0.9999}) {
+    SCOPED_TRACE(phase);
+    TStored stored;
+    stored.storage->SetSaveInterval(1);
+    for (int second = 1; second <= 600; ++second) stored.Block(second + phase, second);
+    const TStatsContent content = Content(stored.File());
+    EXPECT_GE(content.Blocks.size(), 599u);
+    for (const TStatsBlock& block : content.Blocks) EXPECT_EQ(block.Channels[0].Count, 2.0);
+    QFile::remove(stored.File());
+  }
+}
+
+TEST(TStatsStorage, WritesTheRestWhenEitherSideOrTheSessionGoes) {
+  for (const char* goes : {"storage", "set", "session"}) {
+    SCOPED_TRACE(goes);
+    TStored stored;
+    stored.Block(1, 1.0);
+    if (goes == std::string("session")) EndSession();
+    if (goes == std::string("set")) stored.set.reset();
+    if (goes == std::string("storage")) {
+      stored.storage.reset();
+      stored.Block(2, 2.0);
+    }
+    EXPECT_TRUE(TFileSync::Instance().Waiting().contains(TStored::File()));
+    EXPECT_EQ(Content(TStored::File()).Blocks.size(), 1u);
+    QFile::remove(TStored::File());
+  }
+}
+
+TEST(TStatsStorage, StopsAtItsEndAndSurvivesTheClock) {
+  TStored stored;
+  stored.storage->SetSaveInterval(60);
+  stored.storage->SetEndTime(kDay + 7200 * kSecond);
+  stored.Block(4000, 1.0);
+  stored.Block(500, 2.0);    // set back: the line of before is written as it stands
+  stored.Block(10000, 3.0);  // too late
+  stored.storage->SetActive(false);
+  const TStatsContent content = Content(stored.File());
+  ASSERT_EQ(content.Blocks.size(), 1u);
+  EXPECT_EQ(content.Blocks[0].Channels[0].Mean, 1.0);
+}
+
+TEST(TStatsStorage, WhatCameBeforeAPauseHasALineInTheFileOfItsDay) {
+  TStored stored;
+  stored.storage->SetSaveInterval(3600);
+  stored.Block(61000, 1.0);
+  stored.Block(2 * 86400 + 100, 3.0);
+  stored.storage->SetActive(false);
+  const TStatsContent before = Content(stored.File());
+  const TStatsContent after = Content(stored.File("Crane_20240602.csv"));
+  ASSERT_EQ(before.Blocks.size(), 1u);
+  ASSERT_EQ(after.Blocks.size(), 1u);
+  EXPECT_EQ(before.Blocks[0].Channels[0].Mean, 1.0);
+  EXPECT_EQ(after.Blocks[0].Channels[0].Mean, 3.0);
+}
+
+TEST(TStatsStorage, CountsIntervalsFromMidnight) {
+  TStored stored;
+  stored.storage->SetSaveInterval(50000);
+  stored.Block(40000, 1.0);
+  stored.Block(50001, 1.0);  // ends the first
+  EXPECT_EQ(Content(stored.File()).Blocks.size(), 1u);
+  stored.Block(80000, 1.0);
+  stored.Block(86400.5, 1.0);  // the second ends with the day
+  stored.Block(86400 + 49999, 1.0);
+  EXPECT_EQ(Content(stored.File("Crane_20240601.csv")).Blocks.size(), 1u);
+}
+
+TEST(TStatsStorage, NamesFilesSoThatEverySystemTakesThem) {
+  const struct {
+    const char *label, *safe;
+  } cases[] = {{"Crane 1", "Crane 1"},
+               {"../../etc/passwd", "_._.._etc_passwd"},
+               {"a:b*c?\"<>|\\\n", "a_b_c_______"},
+               {"", ""}};
+  for (const auto& c : cases) EXPECT_EQ(SafeFileName(c.label), c.safe);
+  EXPECT_LE(SafeFileName(QString(1000, QChar(0x4e2d))).toUtf8().size(), 120);
+  TStored stored;
+  stored.storage->SetSaveInterval(0);
+  stored.storage->SetAutoPrefix(false);
+  stored.storage->SetFilePrefix("x/");
+  stored.storage->SetFileExt(".txt");
+  stored.Block(1, 1.0);
+  EXPECT_TRUE(QFile::exists(stored.File("x_20240531.txt")));
+}
+
+TEST(TStatsStorage, IsFoundByItsSetsWhenAPanelIsLoaded) {
+  const auto panel = TPanel::FromText(
+      "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Panel\">"
+      "<widget class=\"TChannelSource\" name=\"source\"/>"
+      "<widget class=\"TStatsStorage\" name=\"store\"/></widget></ui>",
+      "p.ui", nullptr);
+  ASSERT_TRUE(panel);
+  TChannelSet* set = panel->Root()->findChild<TChannelSource*>()->GetSets()->Add();
+  set->SetStorage(panel->Root()->findChild<TStatsStorage*>());
+  for (int i = 0; i < 50; ++i) {
+    const double row[] = {kDay + i * kSecond, 1.0 * i};
+    set->SetRow(row, 0, 2);
+  }
+  QStringList faults;
+  const auto again = TPanel::FromText(panel->Text(), "p.ui", &faults);
+  EXPECT_EQ(faults, QStringList());
+  ASSERT_TRUE(again);
+  TChannelSets* sets = again->Root()->findChild<TChannelSource*>()->GetSets();
+  ASSERT_EQ(sets->Count(), 1);
+  EXPECT_EQ(sets->GetItem(0)->GetStorage(), again->Root()->findChild<TStatsStorage*>());
+  EXPECT_EQ(sets->GetItem(0)->GetChannels()->GetItem(0)->GetStats()->WriteHistories(),
+            set->GetChannels()->GetItem(0)->GetStats()->WriteHistories());
+}
+
+TEST(ReadStatsFile, RefusesWhatIsNoFile) {
+  TStatsContent content;
+  QString error;
+  EXPECT_FALSE(ReadStatsFile(TestFolder(), content, &error));
+  EXPECT_TRUE(error.endsWith(": it is a folder.")) << error.toStdString();
+  EXPECT_FALSE(ReadStatsFile("/dev/zero", content, &error));
+  EXPECT_EQ(error, "Cannot read zero: it is not a regular file.");
+}
+
+TEST(ParseStats, SkipsWhatIsNoBlock) {
+  const QByteArray line = "2024-05-31 00:00:10.500,20,31,9,9,6,6\n";
+  const struct {
+    QByteArray text;
+    int blocks, skipped;
+  } cases[] = {{"", 0, 0},
+               {line, 0, 1},  // no header
+               {kHeader + line + line, 2, 0},
+               {kHeader + "2024-13-31 00:00:10.500,20,31,9,9,6,6\n" + line, 1, 1},
+               {kHeader + "45000.5,20,31,9,9,6,6\r\n", 1, 0},
+               {kHeader + "45000.5,20,31,9,nan,6,6\n", 0, 1},
+               {kHeader + "45000.5,20,31,9,9,-6,6\n", 0, 1},
+               {kHeader + "45000.5,20,31,9,9,6,7\n", 0, 1},
+               {kHeader + "Time,\"x,Cells\n" + line, 1, 1},
+               {kHeader + QByteArray(1000, '\0') + '\n' + line, 1, 1},
+               {"Time" + QByteArray(1'000'000, ',') + "\n" + kHeader + line, 1, 1},
+               {"Time,Cells\n45000.5,1\n", 1, 0}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text.toStdString());
+    const TStatsContent content = ParseStats(c.text);
+    EXPECT_EQ(content.Blocks.size(), static_cast<std::size_t>(c.blocks));
+    EXPECT_EQ(content.Skipped, c.skipped);
+  }
+}
+
+}  // namespace

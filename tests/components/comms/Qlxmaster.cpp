@@ -1,0 +1,243 @@
+#include "components/comms/Qlxmaster.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "components/comms/Qlxxml.h"
+#include "tests/components/comms/Rowrecorder.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+/// A device with two inputs that answers each data request, for drivers that come and go.
+struct TDevice {
+  double wall = 45413.5;  ///< the clock on the wall, in days
+  bool present = true;
+  std::string waiting;   ///< for the driver to read
+  std::string received;  ///< from the driver
+
+  /// 0 and 1 at an offset of 8,388,600.
+  void SendPacket() { waiting += std::string("\x06\x7F\xFF\xF8\x7F\xFF\xF9", 7); }
+};
+
+class TDeviceDriver : public TSerialDriver {
+ public:
+  explicit TDeviceDriver(TDevice& device) : device_(device) {}
+  bool Open(const QString&) override { return device_.present; }
+  bool SetLine(const TLineSettings&) override { return true; }
+  void SetQueueSizes(int, int) override {}
+  int Read(std::span<char> buffer) override {
+    const std::size_t count = std::min(buffer.size(), device_.waiting.size());
+    std::memcpy(buffer.data(), device_.waiting.data(), count);
+    device_.waiting.erase(0, count);
+    return static_cast<int>(count);
+  }
+  int Write(std::span<const char> bytes) override {
+    const std::string text(bytes.data(), bytes.size());
+    device_.received += text;
+    if (text == "mr\r") device_.SendPacket();
+    return static_cast<int>(bytes.size());
+  }
+  void Purge(bool input, bool) override {
+    if (input) device_.waiting.clear();
+  }
+  int InputCount() override { return static_cast<int>(device_.waiting.size()); }
+  int OutputCount() override { return 0; }
+  bool IsLost() const override { return !device_.present; }
+  void Wait(int) override {}
+  QString ErrorText() const override { return QStringLiteral("no such device"); }
+
+ private:
+  TDevice& device_;
+};
+
+class TQLXMasterClientTest : public testing::Test {
+ protected:
+  TQLXMasterClientTest() {
+    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 2);
+    recorder.Add(QStringLiteral("data"), QStringLiteral("b"), 2);
+    QObject::connect(&client, &TQLXClient::OnStatusChanged,
+                     [this] { statuses << client.GetStatus(); });
+    QObject::connect(&client, &TQLXClient::OnActiveChanged,
+                     [this] { active.push_back(client.GetActive()); });
+  }
+
+  TRowRecorder recorder;
+  TDevice device;
+  QStringList statuses;
+  std::vector<bool> active;
+  void Tick(int times = 1) {
+    for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
+  }
+  TQLXMasterClient client{
+      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); },
+      TTimeSource{[this] { return TDateTime(device.wall); }, [] { return std::int64_t{0}; }}};
+};
+
+TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
+  client.SetChannelSource(recorder.Source());
+  EXPECT_EQ(client.GetChSet()->Items(), QStringList({"ChannelSet1", "ChannelSet2"}));
+  client.GetChSet()->SetItem(QStringLiteral("ChannelSet2"));
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
+  device.SendPacket();
+  Tick();
+  EXPECT_TRUE(recorder.Rows(0).empty());
+  ASSERT_EQ(recorder.Rows(1).size(), 2u);  // one was asked for
+  EXPECT_EQ(recorder.Rows(1)[1][1], 0.0);
+  EXPECT_EQ(recorder.Rows(1)[1][2], 1.0);
+
+  client.SetActive(false);
+  EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
+  EXPECT_THAT(active, ElementsAre(true, false));
+  EXPECT_THAT(device.received, testing::EndsWith("lroff\rsloop1\r"));
+}
+
+TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
+  client.SetChannelSource(recorder.Source());
+  recorder.Sets()->GetItem(1)->SetXMLTag(QStringLiteral("w"));
+  TXMLFileClient file;
+  file.SetChannelSource(recorder.Source());
+  for (const int set : {0, 1}) {
+    recorder.Clear();
+    client.GetChSet()->SetIndex(set);
+    client.SetLogFile(TestFolder() + "/rows");
+    client.SetLogging(true);
+    client.SetActive(true);
+    device.SendPacket();
+    Tick();
+    client.SetActive(false);
+    client.SetLogging(false);
+    const auto rows = recorder.Rows(static_cast<std::size_t>(set));
+    ASSERT_EQ(rows.size(), 2u);
+
+    recorder.Clear();
+    file.SetFileName(client.GetLogFile());
+    file.SetReadInterval(10);
+    file.SetActive(true);
+    Tick();
+    const auto& again = recorder.Rows(static_cast<std::size_t>(set));
+    ASSERT_EQ(again.size(), 2u);
+    for (std::size_t i = 0; i < 2; ++i) {
+      EXPECT_NEAR(again[i][0], rows[i][0], 0.6e-3 / 86400.0);  // stamps have milliseconds
+      EXPECT_EQ(again[i][1], rows[i][1]);
+      EXPECT_EQ(again[i][2], rows[i][2]);
+    }
+  }
+}
+
+TEST_F(TQLXMasterClientTest, OpensOneConsole) {
+  for (int i = 0; i < 2; ++i) client.GetMiniCom()->Click();
+  EXPECT_EQ(client.findChildren<TQLXMiniCom*>().size(), 1);
+}
+
+TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
+  EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
+  const auto told = statuses.size();
+  for (int i = 0; i < 5; ++i) device.SendPacket();
+  Tick();
+  EXPECT_EQ(statuses.size(), told) << "told once, not per packet";
+  client.SetChannelSource(recorder.Source());
+  recorder.DestroySource();
+  EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
+  device.SendPacket();
+  Tick();
+  EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
+}
+
+TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBack) {
+  client.SetChannelSource(recorder.Source());
+  client.SetAutoConnect(true);
+  Tick(20);
+  device.present = false;
+  Tick(61);
+  EXPECT_EQ(statuses, QStringList({"Connected to COM1", "Disconnected from COM1", "no such device",
+                                   "no such device", "no such device"}));
+  EXPECT_FALSE(client.GetActive());
+  device.present = true;
+  Tick(20);
+  EXPECT_TRUE(client.GetActive());
+  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
+  EXPECT_THAT(active, ElementsAre(true, false, true));
+}
+
+TEST_F(TQLXMasterClientTest, SaysWhichPortIsClosedWhenItsNumberChanges) {
+  client.SetChannelSource(recorder.Source());
+  client.SetActive(true);
+  client.GetPort()->SetPortNum("COM2");
+  EXPECT_EQ(statuses.mid(0, 2), QStringList({"Connected to COM1", "Disconnected from COM1"}));
+  EXPECT_EQ(client.GetStatus(), "Connected to COM2");
+}
+
+TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
+  client.SetChannelSource(recorder.Source());
+  client.SetActive(true);
+  const auto pass = [this](const std::string& bytes, int packets) {
+    statuses.clear();
+    device.waiting += bytes;
+    for (int i = 0; i < packets; ++i) device.SendPacket();
+    Tick(100);
+  };
+  pass({}, 100);
+  EXPECT_TRUE(statuses.isEmpty());
+  pass(std::string(3, '\0'), 100);
+  EXPECT_EQ(statuses, QStringList("Connected to COM1, 1 gap, 3 bytes skipped"));
+  pass({}, 100);
+  EXPECT_TRUE(statuses.isEmpty());
+  pass(std::string(211'997, '\0'), 1);
+  EXPECT_TRUE(client.IsNoisy());
+  EXPECT_EQ(statuses,
+            QStringList("Connected to COM1, but only noise comes: 2 gaps, 212 kB skipped"));
+  pass({}, 4000);
+  EXPECT_EQ(statuses, QStringList("Connected to COM1, 2 gaps, 212 kB skipped"));
+  client.SetActive(false);
+  EXPECT_EQ(client.GetSkippedText(), "");
+}
+
+TEST_F(TQLXMasterClientTest, TellsOfAClockThatJumpsAndLogsALine) {
+  client.SetChannelSource(recorder.Source());
+  client.GetChSet()->SetIndex(0);
+  client.SetLogFile(TestFolder() + "/rows");
+  client.SetLogging(true);
+  client.SetActive(true);
+  statuses.clear();
+  device.wall -= 1.0 / 24.0;
+  Tick(3);
+  EXPECT_EQ(statuses, QStringList({"The clock was set back by 3600.0 s", "Connected to COM1"}));
+  client.SetLogging(false);
+  QFile log(client.GetLogFile());
+  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+  const QByteArray text = log.readAll();
+  EXPECT_EQ(text.count("The clock was set back by 3600.0 s\r\n"), 1);
+  EXPECT_LT(text.indexOf("The clock"), text.indexOf('<'));
+}
+
+TEST_F(TQLXMasterClientTest, MayBeDestroyedByWhomItTells) {
+  auto other = std::make_unique<TQLXMasterClient>(
+      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+  other->SetChannelSource(recorder.Source());
+  other->GetChSet()->SetIndex(0);
+  recorder.OnRow = [&] { other.reset(); };
+  other->SetActive(true);
+  for (int i = 0; i < 3; ++i) device.SendPacket();
+  Tick();
+  EXPECT_FALSE(other);
+  EXPECT_EQ(recorder.Rows(0).size(), 1u);
+  recorder.OnRow = nullptr;
+
+  for (const auto signal : {&TQLXClient::OnStatusChanged, &TQLXClient::OnActiveChanged}) {
+    other = std::make_unique<TQLXMasterClient>(
+        nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+    QObject::connect(other.get(), signal, [&] { other.reset(); });
+    other->SetActive(true);
+    EXPECT_FALSE(other);
+  }
+}
+
+}  // namespace

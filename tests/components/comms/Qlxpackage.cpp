@@ -1,0 +1,463 @@
+#include "components/comms/Qlxpackage.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QFile>
+#include <cstdlib>
+#include <optional>
+#include <random>
+
+#include "tests/components/comms/Rowrecorder.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using TRows = TRowRecorder::TRows;
+
+constexpr double kDay = 45413.0;  // 1 May 2024, as spreadsheets count
+
+/// A set of three channels for "w" packages and one for "data" packages, both with the id "a".
+class TQLXPackageTest : public testing::Test {
+ protected:
+  TQLXPackageTest() {
+    recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
+    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 2);
+  }
+  TRowRecorder recorder;
+  TQLXPackage package{recorder.Sets()};
+};
+
+TEST_F(TQLXPackageTest, TakesTheLinesOfABodyAsRows) {
+  const struct {
+    const char* body;
+    TRows rows;  // time and three channels, which begin at 0
+  } cases[] = {
+      {"1 2 3\r\n4 5 6\r\n", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},
+      {"\r\n\r\n1 2 3\n\n\r\n\n4 5 6\n", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},
+      {" \t-1.5e3   .25\t+7 \t\r\n", {{kDay, -1500, 0.25, 7}}},
+      {"1 2 3\r\n4 5 6", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},  // the closing tag ends a line, too
+      {"5", {{kDay, 5, 0, 0}}},
+      {"5\r\n-6\n\n7", {{kDay, 5, 0, 0}, {kDay, -6, 0, 0}, {kDay, 7, 0, 0}}},
+      {"1 2 3 4 5\r\n6 7\r\n", {{kDay, 1, 2, 3}, {kDay, 6, 7, 3}}},
+      {"1 2 \r\n3 4 5\r\n", {{kDay, 1, 2, 0}, {kDay, 3, 4, 5}}},
+      {"1 <b2 <<3\r\n", {{kDay, 1, 2, 3}}},  // "<" takes the next byte along
+      {"1 2 3<\n4\r\n", {{kDay, 1, 2, 34}}},
+      {"1 2\r3\r\n", {{kDay, 1, 23, 0}}},  // carriage returns do not count
+      {"1 2 x 3\r\n4 5 6\r\n", {{kDay, 1, 2, 0}, {kDay, 4, 5, 6}}},
+      {"1,5 2 3\r\n", {{kDay, 1, 0, 0}}},
+      {"abc\r\n   \r\n1 2 3\r\n", {{kDay, 1, 2, 3}}},
+      {"", {}},
+      {"\r\n", {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.body);
+    TRowRecorder fresh;
+    fresh.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
+    TQLXPackage parser(fresh.Sets());
+    parser.Parse(std::string("<w id=\"a\" time=\"20240501 000000000\">") + c.body + "</w>");
+    EXPECT_EQ(fresh.Rows(0), c.rows);
+  }
+}
+
+TEST_F(TQLXPackageTest, StampsTheRowsOfDataPackagesLineByLine) {
+  package.Parse(
+      "<data id=\"a\" time=\"19990101 000000000\">\r\n"
+      "20240501 120000000 1 2\r\n"
+      "20240501T180000000;3 4\r\n"
+      "2024050x 120000000 5 6\r\n"  // no time
+      "20240501 1200\r\n"           // too short to have values
+      "20240502 000000000\r\n"
+      "20240502 060000000 -7 -8\r\n"
+      "</data>");
+  EXPECT_THAT(recorder.Rows(1),
+              ElementsAre(ElementsAre(kDay + 0.5, 1, 2), ElementsAre(kDay + 0.75, 3, 4),
+                          ElementsAre(0, 5, 6), ElementsAre(kDay + 1.25, -7, -8)));
+}
+
+TEST_F(TQLXPackageTest, ChoosesTheSetByClosingNameAndId) {
+  recorder.Add(QStringLiteral("w"), QString(), 1);
+  recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 1);  // in vain: the first one has it
+  recorder.Add(QStringLiteral("wänd"), QStringLiteral("ö"), 1);
+  const struct {
+    const char* text;
+    int set;  // that gets the row 1; -1 for none
+  } cases[] = {
+      {"<w id=\"a\">1</w>", 0},
+      {"<other id=\"a\">1</w>", 0},
+      {"<w id=\"a>1</w>", 2},  // no closing quote: no id
+      {"<w>1</w>", 2},
+      {"<wid=\"a\">1</w>", 2},
+      {"<w\tid=\"a\">1</w>", 2},
+      {"<w id='a'>1</w>", 2},
+      {"<wänd x=\"1\" id=\"ö\">1</wänd>", 4},
+      {"<w id=\"b\">1</w>", -1},
+      {"<w id=\"a\">1</W>", -1},
+      {"<w id=\"a\">1</w >", -1},
+      {"rubbish > <w id=\"a\">1</w> rubbish", 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    recorder.Clear();
+    package.Parse(c.text);
+    for (int i = 0; i < static_cast<int>(recorder.AllRows().size()); ++i) {
+      EXPECT_EQ(recorder.Rows(static_cast<std::size_t>(i)).size(), i == c.set ? 1u : 0u) << i;
+    }
+    package.Reset();
+    package.Parse("<w id=\"a\">1</w>");
+    EXPECT_EQ(recorder.Rows(0).size(), c.set == 0 ? 2u : 1u) << "not ready for the next package";
+    package.Reset();
+  }
+}
+
+TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
+  const std::string good = "<w id=\"a\">1 2 3</w>";
+  const std::string name63(63, 'n');
+  const std::string row = "1 2 3\r\n";
+  std::string endless = "<w id=\"a\">";
+  while (endless.size() < TQLXPackage::kMaxBody + 100) endless += row;
+  std::string longest = "<w id=\"a\">";
+  while (longest.size() - 10 + row.size() <= TQLXPackage::kMaxBody) longest += row;
+  recorder.Add(QString::fromStdString(name63), QStringLiteral("a"), 1);
+  const struct {
+    const char* what;
+    std::string text;
+    std::size_t rows, named, abandoned;
+  } cases[] = {
+      {"closing name of 63", "<w id=\"a\">1</" + name63 + ">", 0, 1, 0},
+      {"closing name of 64", "<w id=\"a\">1</" + name63 + "n>", 0, 0, 1},
+      {"id ends at 256", "<w " + std::string(247, 'x') + " id=\"a\">1</w>", 1, 0, 0},
+      {"id ends at 257", "<w " + std::string(248, 'x') + " id=\"a\">1</w>", 0, 0, 0},
+      {"longest body", longest + "</w>", TQLXPackage::kMaxBody / row.size(), 0, 0},
+      {"body too long", endless + "</w>", 0, 0, 1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    recorder.Clear();
+    const auto before = package.Counts().Abandoned;
+    package.Parse(c.text);
+    EXPECT_EQ(recorder.Rows(0).size(), c.rows);
+    EXPECT_EQ(recorder.Rows(2).size(), c.named);
+    EXPECT_EQ(package.Counts().Abandoned - before, c.abandoned);
+    recorder.Clear();
+    package.Parse(good);
+    EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
+  }
+}
+
+/// Memory of this process in bytes; 0 where the system does not say.
+double ResidentBytes() {
+  QFile file(QStringLiteral("/proc/self/statm"));
+  if (!file.open(QIODevice::ReadOnly)) return 0.0;
+  constexpr double kPage = 4096.0;
+  return file.readAll().split(' ').value(1).toDouble() * kPage;
+}
+
+TEST_F(TQLXPackageTest, KeepsItsMemoryWhateverNeverEnds) {
+  const struct {
+    const char* start;
+    std::string more;
+  } cases[] = {
+      {"", "rubbish "},
+      {"<", "t"},
+      {"<w id=\"a\">", "1 2 3\r\n"},
+      {"<w id=\"a\">", "1 2 3 "},
+      {"<w id=\"a\">", "<<"},
+      {"<w id=\"a\">", "<w id=\"a\">1\n2\n"},
+      {"<w id=\"a\">1</", "n"},
+  };
+  constexpr double kMega = 1e6, kSent = 128 * kMega;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.start + c.more);
+    std::string piece;
+    while (piece.size() < kMega) piece += c.more;
+    const double before = ResidentBytes();
+    package.Parse(c.start);
+    for (double sent = 0; sent < kSent; sent += kMega) package.Parse(piece);
+    EXPECT_LT(ResidentBytes() - before, kSent / 2);
+    package.Reset();
+    recorder.Clear();
+    package.Parse("<w id=\"a\">1 2 3</w>");
+    EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
+  }
+}
+
+TEST_F(TQLXPackageTest, EndsThePackageAtTheValueBehind256) {
+  recorder.Add(QStringLiteral("wide"), QString(), 300);
+  std::string values256, values257;
+  for (int i = 1; i <= 256; ++i) values256 += std::to_string(i) + ' ';
+  values257 = values256 + "257";
+  package.Parse("<wide>" + values256 + "\r\n" + values257 + "\r\n" + values256 + "\r\n</wide>");
+  ASSERT_EQ(recorder.Rows(2).size(), 1u);
+  EXPECT_EQ(recorder.Rows(2)[0][256], 256.0);
+  EXPECT_EQ(recorder.Rows(2)[0][257], 0.0);
+  package.Parse("<wide>9 8 7</wide>");
+  EXPECT_EQ(recorder.Rows(2).size(), 2u);
+}
+
+TEST(TQLXPackage, ReadsTimeStamps) {
+  const struct {
+    const char* text;
+    double days;
+  } cases[] = {
+      {"20240501 000000000", 45413.0},
+      {"20240501_120000000", 45413.5},
+      {"19000101 060000000", 2.25},
+      {"18991229 000000000", -1.0},
+      {"20240229 235959999", 45351.0 + 86399.999 / 86400.0},
+      {"20240501 235960000", 45414.0},  // a leap second
+      {"20240501T180000", 45413.75},
+      {"20240501 1800", 0.0},
+      {"20240501", 0.0},
+      {"", 0.0},
+      {"2024050", 0.0},
+      {"20230229 000000000", 0.0},
+      {"20241301 000000000", 0.0},
+      {"20240501 240000000", 0.0},
+      {"20240501 006000000", 0.0},
+      {"00000101 000000000", 0.0},
+      {"yesterday", 0.0},
+      {"-0240501 000000000", 0.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_DOUBLE_EQ(TQLXPackage::ExtractTime(c.text).Days(), c.days);
+  }
+}
+
+TEST_F(TQLXPackageTest, MovesARecordToTheLocalClockWithItsDistances) {
+  package.UseLocalTime = true;
+  for (int record = 0; record < 2; ++record) {
+    recorder.Clear();
+    const double before = TDateTime::Now().Days();
+    package.Parse(
+        "<data id=\"a\">\r\n20010101 000000000 1 1\r\n20010101 000003500 2 2\r\n</data>"
+        "<w id=\"a\">7 8 9</w>"
+        "<data id=\"a\">\r\n20010101 000030000 3 3\r\n</data>"
+        "<w id=\"a\" time=\"20010101 000010000\">1 2 3\r\n4 5 6\r\n</w>");
+    package.EndRecord();
+    const double after = TDateTime::Now().Days();
+    const TRows &data = recorder.Rows(1), &others = recorder.Rows(0);
+    ASSERT_EQ(data.size(), 3u);
+    ASSERT_EQ(others.size(), 3u);
+    for (const double first : {data[0][0], others[0][0]}) {  // the other one has no time of its own
+      EXPECT_GE(first, before);
+      EXPECT_LE(first, after);
+    }
+    const auto seconds = [&](const auto& row) { return (row[0] - data[0][0]) * 86400.0; };
+    EXPECT_NEAR(seconds(data[1]), 3.5, 1e-5);
+    EXPECT_NEAR(seconds(data[2]), 30.0, 1e-5);
+    EXPECT_NEAR(seconds(others[1]), 10.0, 1e-5);
+    EXPECT_NEAR(seconds(others[2]), 10.0, 1e-5);
+  }
+}
+
+TEST_F(TQLXPackageTest, ReadsAStreamFromItsStart) {
+  QByteArray text = "<w id=\"a\">1 2 3</w>";
+  QBuffer stream(&text);
+  ASSERT_TRUE(stream.open(QIODevice::ReadOnly));
+  stream.seek(7);
+  package.Parse(stream);
+  EXPECT_EQ(recorder.Rows(0).size(), 1u);
+}
+
+TEST_F(TQLXPackageTest, SurvivesWhatARowDoes) {
+  const std::string text = "<w id=\"a\">1 2 3\r\n4 5 6\r\n</w><w id=\"a\">7 8 9</w>";
+  const struct {
+    const char* what;
+    std::function<void(TRowRecorder&, std::unique_ptr<TQLXPackage>&)> act;
+    std::size_t rows;
+  } cases[] = {
+      {"reset", [](auto&, auto& parser) { parser->Reset(); }, 1},
+      {"destroyed", [](auto&, auto& parser) { parser.reset(); }, 1},
+      {"sets gone", [](auto& rows, auto&) { rows.Sets()->Clear(); }, 1},
+      {"source gone", [](auto& rows, auto&) { rows.DestroySource(); }, 1},
+      {"without source", [](auto&, auto& parser) { parser->SetChannelSets(nullptr); }, 2},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    TRowRecorder fresh;
+    fresh.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
+    auto parser = std::make_unique<TQLXPackage>(fresh.Sets());
+    fresh.OnRow = [&] {
+      if (fresh.Rows(0).size() == 1) c.act(fresh, parser);
+    };
+    parser->Parse(text);
+    EXPECT_EQ(fresh.Rows(0).size(), c.rows);
+  }
+}
+
+/// The format once more, one byte after another and with the C library's numbers.
+class TReference {
+ public:
+  struct TSet {
+    std::string tag, id;
+    std::size_t count;
+    std::vector<double> row;
+    TRows rows;
+  };
+
+  explicit TReference(std::vector<TSet> sets) : sets_(std::move(sets)) {
+    for (TSet& set : sets_) set.row.resize(set.count + 1);
+  }
+
+  void Take(char c) {
+    if (state_ == 3) {
+      if (c == '<') state_ = 0;
+    } else if (state_ == 0) {
+      if (c == '>') {
+        state_ = 1;
+      } else if (tag_.size() < 256) {
+        tag_ += c;
+      }
+    } else if (state_ == 1) {
+      TakeBody(c);
+    } else if (c == '>') {
+      End();
+    } else {
+      name_ += c;
+      if (name_.size() == 64) Reset();
+    }
+  }
+
+  const std::vector<TSet>& Sets() const { return sets_; }
+
+ private:
+  void TakeBody(char c) {
+    if (bracket_) {
+      bracket_ = false;
+      if (c == '/') state_ = 2;
+    } else if (c == '<') {
+      bracket_ = true;
+    } else if (c == '\n') {
+      EndLine();
+    } else if (c != '\r') {
+      line_ += c;
+    }
+  }
+
+  void EndLine() {
+    if (!line_.empty()) lines_.push_back(std::exchange(line_, {}));
+  }
+
+  void End() {
+    EndLine();
+    for (TSet& set : sets_) {
+      if (set.tag != name_ || set.id != Flag(" id=\"")) continue;
+      Write(set);
+      break;
+    }
+    Reset();
+  }
+
+  void Write(TSet& set) {
+    for (std::string line : lines_) {
+      std::string stamp = Flag(" time=\"");
+      if (set.tag == "data") {
+        stamp = line;
+        line.erase(0, 19);
+      }
+      std::vector<double> values;
+      const char* next = line.c_str();
+      for (char* behind = nullptr; values.size() < set.count; next = behind) {
+        const double value = ReferenceNumber(next, &behind);
+        if (behind == next) break;
+        values.push_back(value);
+      }
+      if (values.empty()) continue;
+      set.row[0] = TQLXPackage::ExtractTime(stamp).Days();
+      std::copy(values.begin(), values.end(), set.row.begin() + 1);
+      set.rows.push_back(set.row);
+    }
+  }
+
+  std::string Flag(const std::string& key) const {
+    const std::size_t found = tag_.find(key);
+    if (found == std::string::npos) return {};
+    const std::size_t quote = tag_.find('"', found + key.size());
+    if (quote == std::string::npos) return {};
+    return tag_.substr(found + key.size(), quote - found - key.size());
+  }
+
+  void Reset() {
+    tag_ = name_ = line_ = {};
+    lines_ = {};
+    bracket_ = false;
+    state_ = 3;
+  }
+
+  std::vector<TSet> sets_;
+  int state_ = 3;
+  bool bracket_ = false;
+  std::string tag_, name_, line_;
+  std::vector<std::string> lines_;
+};
+
+/// Text that is a package here and nearly one there.
+std::string Rubbish(std::mt19937& random, int pieces) {
+  static const std::string kPieces[] = {"<data id=\"a\">",
+                                        "<w id=\"a\" time=\"20240501 010203004\">",
+                                        "</data>",
+                                        "</w>",
+                                        "<",
+                                        ">",
+                                        "/",
+                                        "\r\n",
+                                        "\n",
+                                        "\r",
+                                        "\n\n",
+                                        " ",
+                                        "\t",
+                                        "20240501 101112131 ",
+                                        "1",
+                                        "-2.5",
+                                        "3.25 4",
+                                        "17.125 ",
+                                        "x",
+                                        "\"",
+                                        " id=\"",
+                                        "a",
+                                        "<b",
+                                        "</",
+                                        "0.001 -4 5.5 6\r\n",
+                                        "data",
+                                        std::string(1, '\0'),
+                                        std::string(70, 'n'),
+                                        std::string(300, 't'),
+                                        "1 2 3\r\n",
+                                        "\xff"};
+  std::uniform_int_distribution<std::size_t> pick(0, std::size(kPieces) - 1);
+  std::string text;
+  for (int i = 0; i < pieces; ++i) text += kPieces[pick(random)];
+  return text;
+}
+
+TEST(TQLXPackage, GivesTheSameRowsHoweverTheTextIsCut) {
+  std::mt19937 random(20240501);
+  std::size_t rows = 0;
+  for (int run = 0; run < 3000; ++run) {
+    const std::string text = Rubbish(random, 120);
+    TReference reference({{"data", "a", 4, {}, {}}, {"w", "a", 3, {}, {}}});
+    for (const char c : text) reference.Take(c);
+
+    TRowRecorder recorder;
+    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 4);
+    recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
+    TQLXPackage package(recorder.Sets());
+    std::uniform_int_distribution<std::size_t> chunk(1, run % 3 == 0 ? 1 : 1 << (run % 9));
+    for (std::size_t i = 0; i < text.size();) {
+      const std::size_t size = std::min(chunk(random), text.size() - i);
+      package.Parse(std::string_view(text).substr(i, size));
+      i += size;
+    }
+    ASSERT_EQ(recorder.Rows(0), reference.Sets()[0].rows) << "run " << run;
+    ASSERT_EQ(recorder.Rows(1), reference.Sets()[1].rows) << "run " << run;
+    rows += recorder.Rows(0).size() + recorder.Rows(1).size();
+  }
+  EXPECT_GT(rows, 2000u) << "the text must have rows to be lost";
+}
+
+}  // namespace

@@ -1,0 +1,531 @@
+#include "components/comms/Qlxxml.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTcpSocket>
+#include <QTest>
+
+#include "components/comms/Qlxwebdebug.h"
+#include "examples/package-server/Packageserver.h"
+#include "tests/components/comms/Rowrecorder.h"
+#include "tests/support/Fulldisk.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+void Tick(int count) {
+  for (int i = 0; i < count; ++i) TTimerServer::Instance()->Timer();
+}
+
+/// Lets events happen until the condition holds, or never does.
+bool WaitFor(const std::function<bool()>& condition) {
+  QElapsedTimer clock;
+  clock.start();
+  while (!condition() && clock.elapsed() < 20'000) {
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+  }
+  return condition();
+}
+
+/// A client of a server on this machine that sends only what a test lets it send.
+class TQLXXMLClientTest : public testing::Test {
+ protected:
+  TQLXXMLClientTest() {
+    recorder.Add(QStringLiteral("data"), QStringLiteral("mast"), 4);
+    recorder.Add(QStringLiteral("wind"), QStringLiteral("tower"), 3);
+    server.SetRateFactor(0.0);
+    EXPECT_TRUE(server.Listen(QHostAddress::LocalHost, 0));
+    port = server.Port();
+    MakeClient();
+  }
+
+  void MakeClient() {
+    client = std::make_unique<TQLXXMLClient>();
+    client->SetChannelSource(recorder.Source());
+    client->GetSocket()->SetAddress(QStringLiteral("127.0.0.1"));
+    client->GetSocket()->SetPort(port);
+    QObject::connect(client.get(), &TQLXClient::OnStatusChanged,
+                     [this] { statuses << client->GetStatus(); });
+    QObject::connect(client.get(), &TQLXClient::OnActiveChanged,
+                     [this] { active.push_back(client->GetActive()); });
+  }
+
+  void Connect() {
+    client->SetActive(true);
+    ASSERT_TRUE(WaitFor([this] { return server.OpenCount() == 1 && client->GetActive(); }));
+  }
+
+  /// "127.0.0.1 port : " and the port.
+  QString Address() const { return QStringLiteral("127.0.0.1 port : %1").arg(port); }
+
+  TRowRecorder recorder;
+  TPackageServer server;
+  int port = 0;
+  QStringList statuses;
+  std::vector<bool> active;
+  std::unique_ptr<TQLXXMLClient> client;
+};
+
+TEST_F(TQLXXMLClientTest, GreetsTakesRowsAndTakesLeave) {
+  Connect();
+  EXPECT_THAT(server.Commands(), ElementsAre("open"));
+  server.Send(MastAndWeather()[0].Package(TDateTime(45413.0), 0));
+  server.Send(MastAndWeather()[1].Package(TDateTime(45413.0), 7));
+  ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+  EXPECT_EQ(recorder.Rows(0).size(), 10u);
+  EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / 86400.0, 1e-9);
+
+  client->SetActive(false);
+  EXPECT_FALSE(client->GetActive());
+  ASSERT_TRUE(WaitFor([this] { return server.ClientCount() == 0; }));
+  EXPECT_THAT(server.Commands(), ElementsAre("open", "quit"));
+  EXPECT_EQ(statuses, QStringList({"Connecting to " + Address(), "Connected to " + Address(),
+                                   "Disconnected from " + Address()}));
+  EXPECT_THAT(active, ElementsAre(true, false));
+}
+
+TEST_F(TQLXXMLClientTest, TakesLeaveWhenItIsDestroyed) {
+  Connect();
+  client.reset();
+  ASSERT_TRUE(WaitFor([this] { return server.ClientCount() == 0; }));
+  EXPECT_THAT(server.Commands(), ElementsAre("open", "quit"));
+}
+
+/// The greeting as it is on the wire.
+TEST_F(TQLXXMLClientTest, EndsCommandsWithAnEmptyLine) {
+  server.Stop();
+  QTcpServer plain;
+  ASSERT_TRUE(plain.listen(QHostAddress::LocalHost));
+  client->GetSocket()->SetPort(plain.serverPort());
+  client->SetActive(true);
+  ASSERT_TRUE(WaitFor([&] { return plain.hasPendingConnections() && client->GetActive(); }));
+  QTcpSocket* peer = plain.nextPendingConnection();
+  client->SetActive(false);
+  ASSERT_TRUE(WaitFor([&] { return peer->state() == QAbstractSocket::UnconnectedState; }));
+  EXPECT_EQ(peer->readAll(), "open\r\n\r\nquit\r\n\r\n");
+}
+
+TEST_F(TQLXXMLClientTest, KeepsTheRowsOfWholePackagesWhereverTheConnectionEnds) {
+  const QByteArray first = "<wind id=\"tower\" time=\"20240501 000000000\">\r\n1 2 3\r\n</wind>";
+  const QByteArray text = first + "\r\n" + first;
+  for (int cut = 0; cut <= text.size(); ++cut) {
+    recorder.Clear();
+    Connect();
+    server.Send(text.first(cut));
+    server.Stop();
+    ASSERT_TRUE(WaitFor([this] { return !client->GetActive(); }));
+    const std::size_t whole = cut >= text.size() ? 2 : cut >= first.size() ? 1 : 0;
+    ASSERT_EQ(recorder.Rows(1).size(), whole) << "cut at " << cut;
+    ASSERT_TRUE(server.Listen(QHostAddress::LocalHost, static_cast<quint16>(port)));
+  }
+}
+
+TEST_F(TQLXXMLClientTest, FindsAServerThatComesBack) {
+  Connect();
+  client->SetAutoConnect(true);
+  for (int round = 0; round < 3; ++round) {
+    server.Send("<wind id=\"tower\">1 2");
+    server.Stop();
+    ASSERT_TRUE(WaitFor([this] { return !client->GetActive(); }));
+    EXPECT_EQ(client->GetStatus(), "Disconnected from " + Address());
+    Tick(20);
+    ASSERT_TRUE(WaitFor([this] { return client->GetStatus().startsWith("Cannot connect"); }));
+
+    ASSERT_TRUE(server.Listen(QHostAddress::LocalHost, static_cast<quint16>(port)));
+    Tick(20);
+    ASSERT_TRUE(WaitFor([this] { return server.OpenCount() == 1; }));
+    recorder.Clear();
+    server.Send("<wind id=\"tower\">4 5 6</wind>");
+    ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+    EXPECT_THAT(recorder.Rows(1), ElementsAre(ElementsAre(0, 4, 5, 6)));
+  }
+}
+
+/// The server as a program, killed without a word.
+TEST_F(TQLXXMLClientTest, FindsAServerThatWasKilled) {
+  const QString program = BuiltFile("examples/package-server/package-server");
+  server.Stop();
+  client->SetAutoConnect(true);
+  QString number = QStringLiteral("0");
+  for (int round = 0; round < 2; ++round) {
+    QProcess other;
+    other.start(program, {"--port", number, "--rate", "10"});
+    ASSERT_TRUE(WaitFor([&] { return other.canReadLine(); }));
+    number = QString::fromLatin1(other.readLine()).trimmed().section(' ', -1);
+    client->GetSocket()->SetPort(number.toInt());
+    Tick(20);
+    recorder.Clear();
+    ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+    other.kill();
+    ASSERT_TRUE(other.waitForFinished());
+    ASSERT_TRUE(WaitFor([this] { return !client->GetActive(); }));
+    EXPECT_EQ(client->GetStatus(), "Disconnected from 127.0.0.1 port : " + number);
+  }
+}
+
+TEST_F(TQLXXMLClientTest, TriesAfter200MillisecondsAndNotWhileItsFormIsRead) {
+  client->SetActive(false);
+  MakeClient();
+  client->BeginLoading();
+  client->SetAutoConnect(true);
+  Tick(100);
+  EXPECT_THAT(statuses, testing::IsEmpty());
+  client->Loaded();
+  Tick(19);
+  EXPECT_THAT(statuses, testing::IsEmpty());
+  Tick(1);
+  ASSERT_TRUE(WaitFor([this] { return client->GetActive(); }));
+  Tick(100);
+  EXPECT_EQ(statuses.size(), 2);
+}
+
+TEST_F(TQLXXMLClientTest, BecomesActiveWhenItsFormIsComplete) {
+  client->BeginLoading();
+  client->SetActive(true);
+  EXPECT_THAT(statuses, testing::IsEmpty());
+  client->Loaded();
+  EXPECT_TRUE(WaitFor([this] { return client->GetActive(); }));
+}
+
+TEST_F(TQLXXMLClientTest, SaysWhyThereIsNoConnection) {
+  server.Stop();
+  client->SetActive(true);
+  const QString refused = "Cannot connect to " + Address() + ": Connection refused";
+  ASSERT_TRUE(WaitFor([this] { return statuses.size() == 2; }));
+  client->SetAutoConnect(true);
+  Tick(20);
+  ASSERT_TRUE(WaitFor([this] { return statuses.size() == 3; }));
+  EXPECT_EQ(statuses, QStringList({"Connecting to " + Address(), refused, refused}));
+  client->SetAutoConnect(false);
+
+  client->GetSocket()->SetAddress(QString());
+  EXPECT_EQ(client->GetAddressString(), "Address/Host=???");
+  client->SetActive(true);
+  EXPECT_EQ(client->GetStatus(), "Cannot connect to Address/Host=???: no address or host is set");
+  client->GetSocket()->SetHost(QStringLiteral("localhost"));
+  EXPECT_EQ(client->GetAddressString(), QStringLiteral("localhost port : %1").arg(port));
+  EXPECT_THAT(active, testing::IsEmpty());
+}
+
+TEST_F(TQLXXMLClientTest, GivesAnAttemptToConnectUp) {
+  client->SetActive(true);
+  ASSERT_TRUE(client->GetSocket()->IsConnecting());
+  client->SetActive(false);
+  EXPECT_FALSE(client->GetSocket()->IsConnecting());
+  EXPECT_EQ(statuses,
+            QStringList({"Connecting to " + Address(), "Disconnected from " + Address()}));
+  EXPECT_THAT(active, testing::IsEmpty());
+  Connect();
+}
+
+TEST_F(TQLXXMLClientTest, GoesOnAfterEveryFaultOfTheServer) {
+  server.SetRateFactor(20.0);
+  Connect();
+  for (const char* fault : {"half", "tag", "name", "body", "garbage"}) {
+    SCOPED_TRACE(fault);
+    server.SetFault(*FaultFromName(fault));
+    ASSERT_TRUE(WaitFor([&] { return !recorder.Rows(0).empty(); }));
+    recorder.Clear();
+    const auto rows = client->GetPackage().Counts().Rows;
+    ASSERT_TRUE(WaitFor([&] { return client->GetPackage().Counts().Rows > rows + 100; }));
+    for (const auto& row : recorder.Rows(0)) {
+      ASSERT_GT(row[0], 45000.0) << "a row of two halves";
+    }
+  }
+  EXPECT_TRUE(client->GetActive());
+}
+
+TEST_F(TQLXXMLClientTest, TakesARecordThatTheServerPlays) {
+  server.Replay = TReplay(Recording(MastAndWeather(), TDateTime(45413.0), 30.0));
+  server.SetRateFactor(100.0);
+  Connect();
+  ASSERT_TRUE(WaitFor([this] { return recorder.Rows(0).size() >= 3100; }));
+  EXPECT_NEAR(recorder.Rows(0)[0][0], 45413.0, 1e-9);
+  EXPECT_NEAR(recorder.Rows(0)[2999][0], 45413.0 + 29.99 / 86400.0, 1e-9);
+  EXPECT_NEAR(recorder.Rows(0)[3000][0], 45413.0, 1e-9);  // and once more
+}
+
+TEST_F(TQLXXMLClientTest, LogsEveryByteUnchanged) {
+  const QString name = TestFolder() + "/log.packages";
+  client->SetLogFile(name);
+  client->SetLogging(true);
+  Connect();
+  const QByteArray text = QByteArrayLiteral(
+      "<wind id=\"tower\">4 5 6</wind>\r\n\0\xff rubbish \r\r\n"
+      "<wind id=\"tower\">4 5 6</wind>");
+  server.Send(text);
+  ASSERT_TRUE(WaitFor([this] { return recorder.Rows(1).size() == 2; }));
+  QFile log(name);
+  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+  EXPECT_EQ(log.readAll(), text);
+  client->SetLogging(true);
+  EXPECT_EQ(QFileInfo(name).size(), 0);
+}
+
+TEST_F(TQLXXMLClientTest, SaysThatALogCannotBeWritten) {
+  client->SetLogging(true);  // no name: no log
+  EXPECT_FALSE(client->GetLogging());
+  EXPECT_THAT(statuses, testing::IsEmpty());
+
+  const QString folder = TestFolder();
+  client->SetLogFile(folder);
+  client->SetLogging(true);
+  EXPECT_FALSE(client->GetLogging());
+  EXPECT_THAT(statuses.last().toStdString(),
+              testing::StartsWith("Cannot write " + folder.toStdString() + ": "));
+
+#ifdef Q_OS_UNIX
+  const QString log = folder + "/log.txt";
+  client->SetLogFile(log);
+  client->SetLogging(true);
+  EXPECT_TRUE(client->GetLogging());
+  Connect();
+  const TFullDisk disk(8);
+  server.Send("<wind id=\"tower\">4 5 6</wind>");
+  ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+  EXPECT_FALSE(client->GetLogging());
+  EXPECT_THAT(client->GetStatus().toStdString(),
+              testing::StartsWith("Cannot write " + log.toStdString() + ": "));
+#endif
+}
+
+TEST_F(TQLXXMLClientTest, MayBeDestroyedByWhomItTells) {
+  const auto destroy = [this] { client.reset(); };
+  const std::function<void()> ways[] = {
+      [&] { QObject::connect(client.get(), &TQLXClient::OnStatusChanged, destroy); },
+      [&] { QObject::connect(client.get(), &TQLXClient::OnActiveChanged, destroy); },
+      [&] { QObject::connect(client.get(), &TQLXClient::OnReceived, destroy); },
+      [&] { recorder.OnRow = destroy; },
+  };
+  for (const auto& way : ways) {
+    MakeClient();
+    client->disconnect();
+    way();
+    client->SetActive(true);
+    ASSERT_TRUE(WaitFor([this] { return !client || server.OpenCount() == 1; }));
+    server.Send("<wind id=\"tower\">4 5 6\r\n7 8 9\r\n</wind>");
+    ASSERT_TRUE(WaitFor([this] { return !client; }));
+    recorder.OnRow = nullptr;
+    ASSERT_TRUE(WaitFor([this] { return server.ClientCount() == 0; }));
+  }
+}
+
+TEST_F(TQLXXMLClientTest, LeavesTheEventLoopItsTurnInAFlood) {
+  Connect();
+  int pieces = 0;
+  qsizetype largest = 0;
+  QObject::connect(client.get(), &TQLXClient::OnReceived, [&](QObject*, const QByteArray& text) {
+    ++pieces;
+    largest = std::max(largest, text.size());
+  });
+  const QByteArray package = MastAndWeather()[0].Package(TDateTime(45413.0), 0);
+  server.Send(package.repeated(4000));
+  ASSERT_TRUE(WaitFor([this] { return recorder.Rows(0).size() == 40000; }));
+  EXPECT_LE(largest, 65536);
+  EXPECT_GT(pieces, 20);
+}
+
+TEST_F(TQLXXMLClientTest, ShowsWhatComesInItsConsole) {
+  client->GetServerCom()->Click();
+  auto* console = client->findChild<QDialog*>();
+  ASSERT_TRUE(console);
+  auto* text = console->findChild<QPlainTextEdit*>();
+  QPushButton* toggle = nullptr;
+  for (QPushButton* button : console->findChildren<QPushButton*>()) {
+    if (button->text() == "Connect") toggle = button;
+  }
+  ASSERT_TRUE(toggle);
+  toggle->click();
+  ASSERT_TRUE(WaitFor([this] { return server.OpenCount() == 1; }));
+  EXPECT_EQ(toggle->text(), "Disconnect");
+
+  auto* line = console->findChild<QLineEdit*>();
+  line->setText(QStringLiteral("rate 0"));
+  QTest::keyClick(line, Qt::Key_Return);
+  ASSERT_TRUE(WaitFor([this] { return server.Commands().size() == 2; }));
+  EXPECT_EQ(server.Commands()[1], "rate 0");
+
+  server.Send("<wind id=\"tower\">\r\n4 5 6\r\n</wind>\a");
+  ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+  Tick(10);
+  EXPECT_EQ(text->toPlainText(), QStringLiteral("<wind id=\"tower\">\n4 5 6\n</wind>\ufffd"));
+
+  const auto before = client->GetPackage().Counts().Abandoned;
+  server.SetFault(TServerFault::LongBody);
+  server.SetRateFactor(10.0);
+  ASSERT_TRUE(WaitFor([&] { return client->GetPackage().Counts().Abandoned > before; }));
+  server.SetRateFactor(0.0);
+  Tick(10);
+  EXPECT_LE(text->document()->blockCount(), TQLXWebDebug::kMaxLines);
+  EXPECT_LT(text->document()->characterCount(), 100'000);
+  EXPECT_THAT(text->toPlainText().toStdString(), testing::HasSubstr(" bytes not shown ..."));
+  toggle->click();
+  EXPECT_FALSE(client->GetActive());
+  delete console;
+  client->GetServerCom()->Click();
+  EXPECT_TRUE(client->findChild<QDialog*>());
+}
+
+/// A client of a file, ticked by hand: a tick of 10 ms reads one block.
+class TXMLFileClientTest : public testing::Test {
+ protected:
+  TXMLFileClientTest() {
+    recorder.Add(QStringLiteral("data"), QStringLiteral("mast"), 4);
+    recorder.Add(QStringLiteral("wind"), QStringLiteral("tower"), 3);
+    client.SetChannelSource(recorder.Source());
+    client.SetReadInterval(10);
+    QObject::connect(&client, &TQLXClient::OnStatusChanged,
+                     [this] { statuses << client.GetStatus(); });
+  }
+  void ReadAll() {
+    client.SetActive(true);
+    for (int i = 0; client.GetActive() && i < 1'000'000; ++i) Tick(1);
+  }
+
+  TRowRecorder recorder;
+  TXMLFileClient client;
+  QStringList statuses;
+};
+
+const QString kRecord = SourceFile("examples/mast.packages");
+
+TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
+  client.SetFileName(kRecord);
+  const qint64 size = QFileInfo(client.GetFileName()).size();
+  TRowRecorder::TRows mast;
+  for (const int block : {16384, 7001, 997}) {
+    recorder.Clear();
+    statuses.clear();
+    QSignalSpy active(&client, &TQLXClient::OnActiveChanged);
+    client.SetBlockSize(block);
+    client.SetActive(true);
+    int ticks = 0;
+    for (; client.GetActive(); ++ticks) Tick(1);
+    EXPECT_EQ(ticks, (size + block - 1) / block);
+    // Half a minute at 100 Hz and at 1 Hz, from noon on 1 May 2024.
+    EXPECT_EQ(recorder.Rows(0).size(), 3000u);
+    EXPECT_EQ(recorder.Rows(1).size(), 30u);
+    EXPECT_NEAR(recorder.Rows(0).back()[0], 45413.5 + 29.99 / 86400.0, 1e-9);
+    if (mast.empty()) mast = recorder.Rows(0);
+    EXPECT_EQ(recorder.Rows(0), mast);
+    EXPECT_EQ(statuses, QStringList({"File '" + client.GetFileName() + "' opened for reading",
+                                     "File closed"}));
+    EXPECT_EQ(active.count(), 2);
+  }
+}
+
+TEST_F(TXMLFileClientTest, MovesAFileAsAWholeToTheLocalClock) {
+  client.SetFileName(kRecord);
+  client.SetUseLocalTime(true);
+  for (int round = 0; round < 2; ++round) {
+    recorder.Clear();
+    const double before = TDateTime::Now().Days();
+    ReadAll();
+    const auto& rows = recorder.Rows(0);
+    EXPECT_GE(rows.front()[0], before);
+    EXPECT_LE(rows.front()[0], TDateTime::Now().Days());
+    EXPECT_NEAR((rows.back()[0] - rows.front()[0]) * 86400.0, 29.99, 1e-5);
+  }
+}
+
+TEST_F(TXMLFileClientTest, ReadsABlockEveryInterval) {
+  client.SetFileName(
+      WriteTestFile("two", "<wind id=\"tower\">1</wind><wind id=\"tower\">2</wind>"));
+  client.SetBlockSize(25);
+  client.SetReadInterval(100);
+  client.SetActive(true);
+  Tick(9);
+  EXPECT_EQ(recorder.Rows(1).size(), 0u);
+  Tick(1);
+  EXPECT_EQ(recorder.Rows(1).size(), 1u);
+  Tick(10);
+  EXPECT_EQ(recorder.Rows(1).size(), 2u);
+}
+
+TEST_F(TXMLFileClientTest, IgnoresSettingsThatMakeNoSense) {
+  for (const int bytes : {0, -5, TXMLFileClient::kMaxBlockSize + 1}) client.SetBlockSize(bytes);
+  EXPECT_EQ(client.GetBlockSize(), 16384);
+  for (const int interval : {0, -100}) client.SetReadInterval(interval);
+  EXPECT_EQ(client.GetReadInterval(), 10);
+}
+
+TEST_F(TXMLFileClientTest, SaysWhatIsWrongWithAFile) {
+  client.SetFileName(TestFolder() + "/none");
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "File '" + TestFolder() + "/none' does not exist");
+  client.SetFileName(TestFolder());
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "Error opening file");
+  client.SetFileName(QStringLiteral("/dev/zero"));
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "Error opening file");
+  EXPECT_FALSE(client.GetActive());
+}
+
+TEST_F(TXMLFileClientTest, EndsWithAFileThatVanishesOrGetsShorter) {
+  const QByteArray text = QByteArray("<wind id=\"tower\">1</wind>").repeated(10);
+  for (const bool remove : {true, false}) {
+    SCOPED_TRACE(remove);
+    recorder.Clear();
+    const QString name = WriteTestFile("shrinks", text);
+    client.SetFileName(name);
+    client.SetBlockSize(50);
+    client.SetActive(true);
+    Tick(1);
+    ASSERT_TRUE(remove ? QFile::remove(name) : QFile::resize(name, 10));
+    Tick(10);
+    EXPECT_FALSE(client.GetActive());
+    EXPECT_EQ(client.GetStatus(), "File closed");
+    EXPECT_GE(recorder.Rows(1).size(), 2u);
+  }
+}
+
+TEST_F(TXMLFileClientTest, NeverOpensByItself) {
+  client.SetFileName(kRecord);
+  client.SetAutoConnect(true);
+  Tick(100);
+  EXPECT_FALSE(client.GetActive());
+}
+
+TEST_F(TXMLFileClientTest, DoesNotLogIntoTheFileThatItReads) {
+  const QByteArray text = "<wind id=\"tower\">1</wind>";
+  const QString name = WriteTestFile("record", text);
+  client.SetFileName(name);
+  client.SetLogFile(TestFolder() + "/../" + QFileInfo(TestFolder()).fileName() + "/record");
+  client.SetLogging(true);
+  EXPECT_FALSE(client.GetLogging());
+  EXPECT_EQ(QFileInfo(name).size(), text.size());
+
+  client.SetLogFile(TestFolder() + "/copy");
+  client.SetLogging(true);
+  ReadAll();
+  QFile copy(TestFolder() + "/copy");
+  ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
+  EXPECT_EQ(copy.readAll(), text);
+
+  client.SetFileName(TestFolder() + "/copy");
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "Error opening file");
+}
+
+TEST_F(TXMLFileClientTest, MayBeClosedByARow) {
+  client.SetFileName(kRecord);
+  recorder.OnRow = [this] { client.SetActive(false); };
+  client.SetActive(true);
+  Tick(2);
+  EXPECT_FALSE(client.GetActive());
+  EXPECT_EQ(recorder.Rows(0).size() + recorder.Rows(1).size(), 1u);
+}
+
+}  // namespace

@@ -1,0 +1,501 @@
+#include "components/graphing/Axis.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPainter>
+#include <QSignalSpy>
+#include <cmath>
+#include <limits>
+
+#include "components/graphing/painting/Plotfont.h"
+
+namespace {
+
+constexpr QRect kPlot(60, 40, 301, 201);  // 300 and 200 pixels between the first and the last
+
+QFontMetrics LabelMetrics() { return QFontMetrics(PlotFont(QFont(QStringLiteral("Arial"), 8))); }
+
+/// Height of a line of text, which has a pixel of air above and below.
+int LabelHeight() { return LabelMetrics().height() + 2; }
+
+/// An axis on one side of kPlot, with black ticks and red labels in a white picture.
+struct TAxisOnPaper {
+  explicit TAxisOnPaper(TAxis::TAxisAlign align) {
+    const bool vertical = align == TAxis::alLeft || align == TAxis::alRight;
+    axis.SetOrientation(vertical ? TAxis::aoVertical : TAxis::aoHorizontal);
+    axis.SetAlign(align);
+    axis.SetShape(TAxis::shLine);
+    axis.SetFixedOrigin(true);
+    axis.SetLineColor(TColor::Black());
+    axis.GetLabel()->SetFontColor(TColor::FromRgb(255, 0, 0));
+    axis.OnQueryPlotRect = [this] { return plot; };
+    axis.UpdateAxis();
+  }
+
+  QImage Draw() {
+    axis.UpdateAxis();
+    QImage picture(420, 300, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    axis.Draw(painter);
+    return picture;
+  }
+
+  QRect plot = kPlot;
+  TAxis axis;
+};
+
+bool IsBlack(const QImage& picture, int x, int y) { return picture.pixel(x, y) == 0xff000000u; }
+
+bool HasRed(const QImage& picture, const QRect& rect) {
+  for (int y = rect.top(); y <= rect.bottom(); ++y) {
+    for (int x = rect.left(); x <= rect.right(); ++x) {
+      const QColor c = picture.pixelColor(x, y);
+      if (c.red() > c.green() + 32) return true;
+    }
+  }
+  return false;
+}
+
+/// Groups of columns with red in them, apart by `gap` empty columns or more.
+int RedGroups(const QImage& picture, const QRect& band, int gap) {
+  int groups = 0;
+  int empty = gap;
+  for (int x = band.left(); x <= band.right(); ++x) {
+    if (!HasRed(picture, QRect(x, band.top(), 1, band.height()))) {
+      ++empty;
+      continue;
+    }
+    if (empty >= gap) ++groups;
+    empty = 0;
+  }
+  return groups;
+}
+
+TEST(Axis, PutsTheFirstAndTheLastTickOnTheFirstAndTheLastPixel) {
+  const struct {
+    TAxis::TAxisAlign align;
+    QPoint first, last, outward;
+  } cases[] = {
+      {TAxis::alBottom, {60, 240}, {360, 240}, {0, 1}},
+      {TAxis::alTop, {60, 40}, {360, 40}, {0, -1}},
+      {TAxis::alLeft, {60, 240}, {60, 40}, {-1, 0}},
+      {TAxis::alRight, {360, 240}, {360, 40}, {1, 0}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.align);
+    TAxisOnPaper paper(c.align);
+    paper.axis.GetLabel()->SetPos(TTickLabel::lpNone);
+    paper.axis.GetTitle()->SetPos(TAxisTitle::tiNone);
+    const QImage picture = paper.Draw();
+    const QPoint along = (c.last - c.first) / 10;
+    for (int tick = 0; tick <= 10; ++tick) {  // 0..1 has 10 steps of 30 or 20 pixels
+      const QPoint end = c.first + tick * along + 4 * c.outward;
+      EXPECT_TRUE(IsBlack(picture, end.x(), end.y())) << tick;
+      const QPoint beyond = end + c.outward;
+      EXPECT_FALSE(IsBlack(picture, beyond.x(), beyond.y())) << tick;
+    }
+    const QPoint before = c.first - along / std::max(std::abs(along.x()), std::abs(along.y()));
+    EXPECT_FALSE(IsBlack(picture, before.x(), before.y())) << "the line ends on the plot";
+  }
+}
+
+TEST(Axis, DrawsTicksOnTheSideThatTheirPositionNames) {
+  const struct {
+    TTick::TTickPos pos;
+    bool inside, outside;
+    int overlap;
+  } cases[] = {
+      {TTick::tpNone, false, false, 0},
+      {TTick::tpInside, true, false, 0},
+      {TTick::tpCross, true, true, 6},
+      {TTick::tpOutside, false, true, 6},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.pos);
+    TAxisOnPaper paper(TAxis::alBottom);
+    paper.axis.GetMinorTick()->SetPos(TTick::tpNone);
+    paper.axis.GetLabel()->SetPos(TTickLabel::lpNone);
+    paper.axis.GetTitle()->SetPos(TAxisTitle::tiNone);
+    paper.axis.GetMajorTick()->SetSize(6);
+    paper.axis.GetMajorTick()->SetPos(c.pos);
+    const QImage picture = paper.Draw();
+    EXPECT_EQ(IsBlack(picture, 60, 240 - 6), c.inside);
+    EXPECT_EQ(IsBlack(picture, 60, 240 + 6), c.outside);
+    EXPECT_TRUE(IsBlack(picture, 60, 240));
+    EXPECT_EQ(paper.axis.Overlap(), QMargins(0, 0, 0, c.overlap));
+  }
+}
+
+TEST(Axis, DrawsAFrameOrOneLine) {
+  TAxisOnPaper paper(TAxis::alBottom);
+  const QPoint middles[] = {{60, 141}, {211, 40}, {360, 141}, {211, 240}};
+  const QImage line = paper.Draw();
+  paper.axis.SetShape(TAxis::shFrame);
+  const QImage frame = paper.Draw();
+  for (const QPoint& p : middles) {
+    EXPECT_EQ(IsBlack(line, p.x(), p.y()), p.y() == 240);
+    EXPECT_TRUE(IsBlack(frame, p.x(), p.y()));
+  }
+}
+
+TEST(Axis, DrawsNineTicksPerDecade) {
+  TAxisOnPaper paper(TAxis::alBottom);
+  paper.plot = QRect(60, 40, 201, 201);
+  paper.axis.GetMajorTick()->SetPos(TTick::tpNone);
+  paper.axis.GetTitle()->SetPos(TAxisTitle::tiNone);
+  paper.axis.SetScale(TAxis::asLog);
+  paper.axis.OnQueryRange = [](double& min, double& max) {
+    min = 1;
+    max = 100;
+  };
+  const QImage picture = paper.Draw();
+  // 100 pixels to a decade: log10 of 1 to 9, in pixels.
+  const int inDecade[] = {0, 30, 48, 60, 70, 78, 85, 90, 95};
+  std::vector<int> expected;
+  for (int start : {60, 160}) {
+    for (int x : inDecade) expected.push_back(start + x);
+  }
+  expected.push_back(260);
+  std::vector<int> drawn;
+  for (int x = 0; x < picture.width(); ++x) {
+    if (IsBlack(picture, x, 240 + 2)) drawn.push_back(x);
+  }
+  EXPECT_EQ(drawn, expected);
+}
+
+TEST(Axis, LabelsEveryMajorTickThatHasRoom) {
+  const struct {
+    int width;
+    TTickLabel::TLabelSpacing spacing;
+    int labels;
+  } cases[] = {
+      {301, TTickLabel::lsAuto, 11},  // 30 pixels a step: "0.1" and its gap fit
+      {301, TTickLabel::lsMinMax, 2},
+      {151, TTickLabel::lsAuto, 7},  // 15 pixels a step: 0, 0.1, then every other one, 0.9, 1
+  };
+  const int tallest = LabelHeight();
+  ASSERT_GT(LabelMetrics().horizontalAdvance("0.1") + 4, 15) << "the font is smaller than expected";
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.width);
+    TAxisOnPaper paper(TAxis::alBottom);
+    paper.plot.setWidth(c.width);
+    paper.axis.GetLabel()->SetSpacing(c.spacing);
+    const QImage picture = paper.Draw();
+    EXPECT_EQ(RedGroups(picture, QRect(0, 245, 420, tallest), 4), c.labels);
+  }
+}
+
+TEST(Axis, LabelsAVerticalAxisFromItsLowestTick) {
+  TAxisOnPaper paper(TAxis::alLeft);
+  const QImage picture = paper.Draw();
+  const int half = LabelHeight() / 2;
+  for (int tick = 0; tick <= 10; ++tick) {
+    EXPECT_TRUE(HasRed(picture, QRect(30, 240 - 20 * tick - half, 24, 2 * half))) << tick;
+  }
+}
+
+/// The collision rule, label by label: a text of the width `w` and the height `h`.
+TEST(Axis, KeepsLabelsApart) {
+  QImage picture(400, 300, QImage::Format_RGB32);
+  QPainter painter(&picture);
+  const int w = LabelMetrics().horizontalAdvance("0.5");
+  const int h = LabelHeight();
+
+  TAxisOnPaper bottom(TAxis::alBottom);
+  const TTickLabel& label = *bottom.axis.GetLabel();
+  QPoint last(0, 0);
+  EXPECT_FALSE(label.Draw(painter, {w / 2 - 1, 100}, 0.5, last)) << "would start left of 0";
+  EXPECT_EQ(last, QPoint(0, 0));
+  EXPECT_TRUE(label.Draw(painter, {w / 2, 100}, 0.5, last));
+  EXPECT_EQ(last.x(), w + 4);
+  EXPECT_FALSE(label.Draw(painter, {w + 3 + w / 2, 100}, 0.5, last)) << "3 pixels apart";
+  EXPECT_EQ(last.x(), w + 4) << "the next one is tried against the same end";
+  EXPECT_TRUE(label.Draw(painter, {w + 4 + w / 2, 100}, 0.5, last));
+  EXPECT_EQ(last.x(), 2 * (w + 4));
+
+  TAxisOnPaper left(TAxis::alLeft);
+  last = QPoint(0, 200);
+  const TTickLabel& upright = *left.axis.GetLabel();
+  EXPECT_FALSE(upright.Draw(painter, {100, 200 - h + h / 2 + 1}, 0.5, last));
+  EXPECT_TRUE(upright.Draw(painter, {100, 200 - h + h / 2}, 0.5, last));
+  EXPECT_EQ(last.y(), 200 - h);
+  EXPECT_FALSE(upright.Draw(painter, {100, 200 - 2 * h + h / 2 + 1}, 0.5, last));
+  EXPECT_TRUE(upright.Draw(painter, {100, 200 - 2 * h + h / 2}, 0.5, last));
+}
+
+TEST(Axis, MovesTheLastLabelIntoTheBounds) {
+  TAxisOnPaper paper(TAxis::alBottom);
+  paper.axis.OnQueryRange = [](double& min, double& max) {
+    min = 0;
+    max = 30000;
+  };
+  paper.axis.SetBounds(QRect(0, 0, kPlot.right() + 1, 300));
+  const QImage picture = paper.Draw();
+  const int h = LabelHeight();
+  EXPECT_FALSE(HasRed(picture, QRect(kPlot.right() + 1, 244, 40, h)));
+  EXPECT_TRUE(HasRed(picture, QRect(kPlot.right() - 8, 244, 8, h)));
+}
+
+TEST(Axis, NeedsRoomForTicksLabelsAndTitle) {
+  const int h = LabelHeight();
+  const int w = LabelMetrics().horizontalAdvance("0.5");
+  const QMargins ends(0, h / 2, 0, h / 2);
+  const struct {
+    TAxis::TAxisAlign align;
+    QMargins overlap;
+  } cases[] = {
+      {TAxis::alLeft, QMargins(4 + w + 2 + h, 0, 0, 0) + ends},
+      {TAxis::alTop, {0, 4 + h + h, 0, 0}},
+      {TAxis::alRight, QMargins(0, 0, 4 + w + 2 + h, 0) + ends},
+      {TAxis::alBottom, {0, 0, 0, 4 + h + h}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.align);
+    TAxisOnPaper paper(c.align);
+    EXPECT_EQ(paper.axis.Overlap(), c.overlap);
+    paper.axis.SetFixedOrigin(false);
+    paper.axis.AdjustOrigin();
+    EXPECT_EQ(paper.axis.Origin(), kPlot);
+    EXPECT_EQ(paper.axis.ClientRect(), kPlot.marginsRemoved(c.overlap));
+    paper.axis.GetMajorTick()->SetPos(TTick::tpNone);  // no major ticks, no labels; 2 for the minor
+    paper.axis.GetTitle()->SetPos(TAxisTitle::tiNone);
+    const QMargins m = paper.axis.Overlap();
+    EXPECT_EQ(m.left() + m.top() + m.right() + m.bottom(), 2);
+  }
+}
+
+TEST(Axis, PlacesTheTitleAlongTheAxis) {
+  TAxisOnPaper bottom(TAxis::alBottom);
+  TAxisOnPaper left(TAxis::alLeft);
+  for (TAxisOnPaper* paper : {&bottom, &left}) {
+    paper->axis.GetLabel()->SetFontColor(TColor::White());
+    paper->axis.GetTitle()->SetFontColor(TColor::FromRgb(255, 0, 0));
+  }
+  const int w = LabelMetrics().horizontalAdvance("Title");
+  const int h = LabelHeight();
+  const int below = 241 + 4 + h;
+  const int beside = 60 - 4 - 2 - LabelMetrics().horizontalAdvance("0.5") - h;
+  const struct {
+    TAxisTitle::TTitlePos pos;
+    QRect horizontal, vertical;
+  } cases[] = {
+      {TAxisTitle::tiLeft, {60, below, w, h}, {beside, 241 - w, h, w}},
+      {TAxisTitle::tiCenter, {60 + (301 - w) / 2, below, w, h}, {beside, 40 + (201 - w) / 2, h, w}},
+      {TAxisTitle::tiRight, {361 - w, below, w, h}, {beside, 40, h, w}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.pos);
+    for (auto& [paper, box] : {std::pair(&bottom, c.horizontal), std::pair(&left, c.vertical)}) {
+      paper->axis.GetTitle()->SetPos(c.pos);
+      QImage picture = paper->Draw();
+      EXPECT_TRUE(HasRed(picture, box));
+      QPainter(&picture).fillRect(box.adjusted(-1, -1, 1, 1), Qt::white);
+      EXPECT_FALSE(HasRed(picture, picture.rect())) << "the title leaves its place";
+    }
+  }
+}
+
+TEST(Axis, ShortensATitleThatIsTooLongForIt) {
+  for (const auto align : {TAxis::alBottom, TAxis::alTop, TAxis::alLeft, TAxis::alRight}) {
+    TAxisOnPaper paper(align);
+    paper.axis.GetLabel()->SetFontColor(TColor::White());
+    paper.axis.GetTitle()->SetFontColor(TColor::FromRgb(255, 0, 0));
+    const QRect bounds(30, 20, 360, 260);
+    paper.axis.SetBounds(bounds);
+    const bool upright = align == TAxis::alLeft || align == TAxis::alRight;
+    QImage last;
+    for (const char* end : {"first", "other"}) {
+      SCOPED_TRACE(testing::Message() << align << end);
+      paper.axis.GetTitle()->SetCaption(QString(200, 'm') + end);
+      QImage picture = paper.Draw();
+      EXPECT_TRUE(last.isNull() || picture == last) << "the end is what is left out";
+      last = picture;
+      QPainter(&picture).fillRect(upright ? QRect(0, 20, 420, 260) : QRect(30, 0, 360, 300),
+                                  Qt::white);
+      EXPECT_FALSE(HasRed(picture, picture.rect())) << "the title leaves the bounds";
+    }
+  }
+}
+
+TEST(Axis, RefusesABoundThatWouldCollapseTheRange) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double inf = std::numeric_limits<double>::infinity();
+  const struct {
+    void (TAxis::*set)(double);
+    double value, min, max;
+    int changes;
+  } cases[] = {
+      {&TAxis::SetMin, 0.0, 0.0, 1.0, 0}, {&TAxis::SetMin, 1.0, 0.0, 1.0, 0},
+      {&TAxis::SetMin, 0.5, 0.5, 1.0, 1}, {&TAxis::SetMin, 5.0, 1.0, 5.0, 1},
+      {&TAxis::SetMax, 0.0, 0.0, 1.0, 0}, {&TAxis::SetMax, -2.0, -2.0, 0.0, 1},
+      {&TAxis::SetMax, nan, 0.0, 1.0, 0}, {&TAxis::SetMin, -inf, 0.0, 1.0, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.value);
+    TAxis axis;
+    QSignalSpy changes(&axis, &TAxis::OnChange);
+    (axis.*c.set)(c.value);
+    EXPECT_EQ(axis.GetMin(), c.min);
+    EXPECT_EQ(axis.GetMax(), c.max);
+    EXPECT_EQ(changes.count(), c.changes);
+    EXPECT_EQ(axis.WorkingMax(), 1.0) << "both bounds are automatic";
+  }
+}
+
+TEST(Axis, DrawsTheUsersRangeOnceItIsNotAutomatic) {
+  TAxis axis;
+  axis.SetAutoMin(false);
+  axis.SetMinMax(-20, 30);
+  EXPECT_EQ(axis.WorkingMin(), -20.0);
+  EXPECT_EQ(axis.WorkingMax(), 1.0) << "still automatic";
+  axis.SetAutoMax(false);
+  axis.SetMinMax(2.5, 0);
+  EXPECT_EQ(axis.GetMajorTick()->Count(), 3);
+  EXPECT_EQ(axis.WorkingMax(), 3.0);
+  EXPECT_EQ(axis.GetMax(), 2.5) << "the published range stays what was set";
+}
+
+TEST(Axis, AsksForAutomaticBoundsOnly) {
+  TAxis axis;
+  axis.SetAutoMin(false);
+  axis.SetAutoMax(false);
+  axis.SetMinMax(0, 10);
+  axis.SetAutoMax(true);
+  axis.OnQueryRange = [](double& min, double& max) {
+    min = -100;
+    max = 4;
+  };
+  axis.AutoScale();
+  EXPECT_EQ(axis.WorkingMin(), 0.0);
+  EXPECT_EQ(axis.WorkingMax(), 4.0);
+}
+
+TEST(Axis, ReportsEachChangeOnceAndThenAsksForARepaint) {
+  TAxis axis;
+  QStringList news;
+  QObject::connect(&axis, &TAxis::OnChange, [&] { news << "change"; });
+  QObject::connect(&axis, &TAxis::OnRepaint, [&] { news << "repaint"; });
+  const std::function<void()> changes[] = {
+      [&] { axis.SetScale(TAxis::asTime); },
+      [&] { axis.SetLineColor(TColor::Blue()); },
+      [&] { axis.SetAutoMin(false); },
+      [&] { axis.SetShape(TAxis::shLine); },
+      [&] { axis.SetOrigin(QRect(1, 2, 3, 4)); },
+      [&] { axis.GetMajorTick()->SetSize(7); },
+      [&] { axis.GetMinorTick()->SetPos(TTick::tpInside); },
+      [&] { axis.GetLabel()->SetSpacing(TTickLabel::lsMinMax); },
+      [&] { axis.GetLabel()->SetFont(QFont("Arial", 12)); },
+      [&] { axis.GetLabel()->GetNumFormat()->SetPrecision(3); },
+      [&] { axis.GetTitle()->SetCaption("Frequency [Hz]"); },
+  };
+  for (const auto& change : changes) {
+    news.clear();
+    change();
+    EXPECT_EQ(news, QStringList({"change", "repaint"})) << &change - changes;
+    change();
+    EXPECT_EQ(news.size(), 2) << "an equal value is no news: " << &change - changes;
+  }
+  news.clear();
+  axis.AutoScale();
+  axis.CalculateTickPos();
+  axis.GetMajorTick()->SetSize(-1);
+  axis.SetFixedOrigin(true);
+  news.clear();
+  axis.SetOrigin(QRect(9, 9, 9, 9));
+  EXPECT_EQ(axis.Origin(), QRect(1, 2, 3, 4));
+  EXPECT_TRUE(news.isEmpty());
+}
+
+TEST(Axis, ShowsTimesExactlyWhenItsScaleIsTime) {
+  TAxis axis;
+  EXPECT_EQ(axis.GetTitle()->Text(), "Title");
+  axis.SetScale(TAxis::asTime);
+  EXPECT_TRUE(axis.GetLabel()->GetNumFormat()->GetIsTimeFormat());
+  EXPECT_EQ(axis.GetTitle()->Text(), "Date Time : 30:12:1899 hour:min");
+  axis.SetScale(TAxis::asLog);
+  EXPECT_FALSE(axis.GetLabel()->GetNumFormat()->GetIsTimeFormat());
+  EXPECT_EQ(axis.GetTitle()->Text(), "Title");
+}
+
+TEST(Axis, CopiesAndComparesEveryPublishedProperty) {
+  const std::function<void(TAxis&)> changes[] = {
+      [](TAxis& a) { a.SetMinMax(1, 2); },  // the copy passes 0..1, whose bounds each refuse one
+      [](TAxis& a) { a.SetAutoMin(false); },
+      [](TAxis& a) { a.SetAutoMax(false); },
+      [](TAxis& a) { a.SetLineColor(TColor::None()); },
+      [](TAxis& a) { a.SetScale(TAxis::asLog); },
+      [](TAxis& a) { a.GetMajorTick()->SetPos(TTick::tpCross); },
+      [](TAxis& a) { a.GetMajorTick()->SetSize(9); },
+      [](TAxis& a) { a.GetMinorTick()->SetSize(1); },
+      [](TAxis& a) { a.GetLabel()->SetFont(QFont("Arial", 20)); },
+      [](TAxis& a) { a.GetLabel()->SetFontColor(TColor::Green()); },
+      [](TAxis& a) { a.GetLabel()->SetPos(TTickLabel::lpNone); },
+      [](TAxis& a) { a.GetLabel()->SetSpacing(TTickLabel::lsMinMax); },
+      [](TAxis& a) { a.GetLabel()->GetNumFormat()->SetDigits(7); },
+      [](TAxis& a) { a.GetTitle()->SetFont(QFont("Arial", 20)); },
+      [](TAxis& a) { a.GetTitle()->SetFontColor(TColor::Green()); },
+      [](TAxis& a) { a.GetTitle()->SetPos(TAxisTitle::tiNone); },
+      [](TAxis& a) { a.GetTitle()->SetCaption("Amplitude"); },
+  };
+  for (const auto& change : changes) {
+    SCOPED_TRACE(&change - changes);
+    TAxis changed;
+    TAxis copy;
+    change(changed);
+    EXPECT_FALSE(changed.SameAs(&copy));
+    copy.Assign(&changed);
+    EXPECT_TRUE(changed.SameAs(&copy));
+  }
+}
+
+TEST(Axis, DrawsNothingWithoutRoomAndSurvivesEveryRange) {
+  const double inf = std::numeric_limits<double>::infinity();
+  for (const TAxis::TAxisScale scale : {TAxis::asLinear, TAxis::asLog, TAxis::asTime}) {
+    for (const double limit : {inf, 1e308, 1e-320, 1.0}) {
+      TAxisOnPaper paper(TAxis::alBottom);
+      paper.axis.SetScale(scale);
+      paper.axis.OnQueryRange = [=](double& min, double& max) {
+        min = -limit;
+        max = limit;
+      };
+      EXPECT_TRUE(IsBlack(paper.Draw(), 60, 244));
+      paper.plot = QRect(60, 40, 1, 1);
+      QImage blank(420, 300, QImage::Format_RGB32);
+      blank.fill(Qt::white);
+      EXPECT_EQ(paper.Draw(), blank);
+    }
+  }
+}
+
+/// Texts of a million characters, as a damaged form may hold them, took seconds each.
+TEST(Axis, DrawsTheBeginningOfAVeryLongText) {
+  const QString longText(1'000'000, 'x');
+  TAxisOnPaper paper(TAxis::alLeft);
+  paper.axis.GetLabel()->GetNumFormat()->SetIsTimeFormat(true);
+  paper.axis.GetLabel()->GetNumFormat()->SetTimeFormatStr(longText);
+  paper.axis.GetTitle()->SetCaption(longText);
+  paper.Draw();
+  EXPECT_LT(paper.axis.Overlap().left(), 20'000);
+  EXPECT_EQ(paper.axis.GetTitle()->GetCaption(), longText) << "nothing of it is lost";
+  EXPECT_TRUE(longText.startsWith(paper.axis.GetTitle()->Text()));
+  EXPECT_LT(paper.axis.GetTitle()->Text().size(), 10'000);
+}
+
+TEST(Axis, IsSharpAtEveryDevicePixelRatio) {
+  TAxisOnPaper paper(TAxis::alBottom);
+  paper.axis.GetLabel()->SetPos(TTickLabel::lpNone);
+  paper.axis.GetTitle()->SetPos(TAxisTitle::tiNone);
+  const QImage single = paper.Draw();
+  QImage twice(840, 600, QImage::Format_RGB32);
+  twice.setDevicePixelRatio(2.0);
+  twice.fill(Qt::white);
+  QPainter painter(&twice);
+  paper.axis.Draw(painter);
+  painter.end();
+  twice.setDevicePixelRatio(1.0);
+  EXPECT_EQ(twice, single.scaled(840, 600)) << "each pixel has become four";
+}
+
+}  // namespace

@@ -1,0 +1,355 @@
+#include "components/graphing/Basichistogram.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <QTest>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "components/graphing/Graph.h"
+#include "components/graphing/editors/Bineditor.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+using TBar = std::pair<double, double>;
+
+/// Position and count of each bin.
+std::vector<TBar> Bins(const TBasicHistogram& histogram) {
+  const TBinList& list = *histogram.GetBins();
+  std::vector<TBar> bins;
+  for (int bin = 0; bin < list.Count(); ++bin) {
+    bins.emplace_back(list.GetPosition(bin), list.GetBinCount(bin));
+  }
+  return bins;
+}
+
+void Give(TDataControl& control, std::initializer_list<double> values) {
+  for (const double value : values) control.SetValue(value);
+}
+
+TSeries& Bars(TBasicHistogram& histogram) {
+  return *qobject_cast<TSeries*>(histogram.GetGraphLink()->GetSeriesList().Get(0));
+}
+
+TStatisticsSeries& StatisticsBar(TBasicHistogram& histogram) {
+  return *qobject_cast<TStatisticsSeries*>(histogram.GetGraphLink()->GetSeriesList().Get(1));
+}
+
+// Values
+
+TEST(TBasicHistogram, CountsEachValueAndNotifiesOfEveryNth) {
+  TBasicHistogram histogram;
+  histogram.SetInterval(2);
+  std::vector<double> told;
+  TValueLink link([&](double value) {
+    told.push_back(value);
+    EXPECT_EQ(histogram.GetBins()->GetCycleCount(), 2.0 * static_cast<double>(told.size()));
+  });
+  histogram.AddLink(&link, false);
+  histogram.SetTimeAndValue(45000.5, 0.25);
+  Give(histogram, {0.5, 3.0, 2.5});
+  EXPECT_THAT(Bins(histogram), ElementsAre(TBar(1.0, 2.0), TBar(2.0, 0.0), TBar(3.0, 2.0)));
+  EXPECT_THAT(told, ElementsAre(0.5, 2.5));
+  EXPECT_EQ(histogram.GetValue(), 2.5);
+  EXPECT_EQ(histogram.GetTime(), 45000.5);
+}
+
+TEST(TBasicHistogram, HostileValuesAreCountedNowhereAndToldToNobody) {
+  TBasicHistogram histogram;
+  QSignalSpy notified(&histogram, &TDataControl::OnChange);
+  Give(histogram, {kNan, kInf, -kInf, 1e300, -1e-300, 70000.0});
+  EXPECT_THAT(Bins(histogram), ElementsAre(TBar(0.0, 1.0)));
+  EXPECT_EQ(notified.count(), 1);
+  EXPECT_EQ(histogram.GetBins()->GetLostCount(), 5.0);
+}
+
+TEST(TBasicHistogram, AClickOfResetEmptiesTheBinsAndNotifiesWhateverTheInterval) {
+  TBasicHistogram histogram;
+  histogram.SetInterval(100);
+  Give(histogram, {1.0, 2.0});
+  QSignalSpy notified(&histogram, &TDataControl::OnChange);
+  histogram.GetResetHistogram()->Click();
+  EXPECT_TRUE(histogram.GetBins()->Empty());
+  EXPECT_EQ(notified.count(), 1);
+}
+
+// Bars
+
+TEST(TBasicHistogram, OffersOneBarPerBinEitherWayRound) {
+  TBasicHistogram histogram;
+  histogram.GetBins()->SetStep(0.5);
+  TCoordinate point;
+  TCoordinate extent;
+  int index = 0;
+  EXPECT_FALSE(histogram.ProvideGraphData(index, point, extent)) << "no bins";
+  Give(histogram, {1.0, 1.5, 1.5});
+
+  const struct {
+    TSeriesStyle::TPointStyle style;
+    TCoordinate first, second, extent;
+  } cases[] = {
+      {TSeriesStyle::psXBar, {1.0, 1.0}, {1.5, 2.0}, {0.5, 0.0}},
+      {TSeriesStyle::psCircle, {1.0, 1.0}, {1.5, 2.0}, {0.5, 0.0}},
+      {TSeriesStyle::psYBar, {1.0, 1.0}, {2.0, 1.5}, {0.0, 0.5}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.style);
+    Bars(histogram).GetStyle()->SetPointStyle(c.style);
+    index = 0;
+    for (const TCoordinate& expected : {c.first, c.second}) {
+      ASSERT_TRUE(histogram.ProvideGraphData(index, point, extent));
+      EXPECT_EQ(point, expected);
+      EXPECT_EQ(extent, c.extent);
+    }
+    EXPECT_EQ(index, 2);
+    EXPECT_FALSE(histogram.ProvideGraphData(index, point, extent));
+    EXPECT_EQ(index, 2);
+
+    std::vector<TCoordinate> block(8);
+    EXPECT_EQ(histogram.ProvideGraphBlock(0, block), 2);
+    EXPECT_EQ(block[1], c.second);
+    EXPECT_EQ(histogram.ProvideGraphBlock(1, std::span(block).first(1)), 1);
+    EXPECT_EQ(block[0], c.second);
+    for (const int outside : {-1, 2}) EXPECT_EQ(histogram.ProvideGraphBlock(outside, block), 0);
+  }
+}
+
+TEST(TBasicHistogram, StartsAsBlueBarsWithoutALine) {
+  TBasicHistogram histogram;
+  const TSeriesStyle& style = *Bars(histogram).GetStyle();
+  EXPECT_EQ(style.GetLineStyle(), TSeriesStyle::psClear);
+  EXPECT_EQ(style.GetPointStyle(), TSeriesStyle::psXBar);
+  EXPECT_EQ(style.GetPointColor(), TColor::Blue());
+  EXPECT_EQ(style.GetFillColor(), TColor::Blue());
+}
+
+TEST(TBasicHistogram, TheCountAxisBeginsAtATenthWhicheverAxisThatIs) {
+  TBasicHistogram histogram;
+  TKorvalGraph graph;
+  TAxis& x = *graph.GetHorizontalAx();
+  TAxis& y = *graph.GetVerticalAx();
+  histogram.GetGraphLink()->SetGraph(&graph);
+  EXPECT_TRUE(x.GetAutoMin());
+  EXPECT_FALSE(y.GetAutoMin());
+  EXPECT_EQ(y.GetMin(), 0.1);
+
+  Bars(histogram).GetStyle()->SetPointStyle(TSeriesStyle::psYBar);
+  EXPECT_FALSE(x.GetAutoMin());
+  EXPECT_EQ(x.GetMin(), 0.1);
+  EXPECT_TRUE(y.GetAutoMin());
+
+  Bars(histogram).GetStyle()->SetPointStyle(TSeriesStyle::psCross);
+  EXPECT_TRUE(x.GetAutoMin());
+  EXPECT_FALSE(y.GetAutoMin());
+
+  histogram.GetGraphLink()->SetGraph(nullptr);
+  x.SetAutoMin(false);
+  Bars(histogram).GetStyle()->SetPointStyle(TSeriesStyle::psXBar);
+  EXPECT_FALSE(x.GetAutoMin()) << "not its graph any more";
+}
+
+TEST(TBasicHistogram, TheGraphFollowsTheValues) {
+  TBasicHistogram histogram;
+  TKorvalGraph graph;
+  graph.resize(300, 200);
+  histogram.GetGraphLink()->SetGraph(&graph);
+  Give(histogram, {0.5, 19.5, 19.5, 19.5});
+  QCoreApplication::processEvents();
+  EXPECT_EQ(graph.GetDataPanel()->RangeX().GetMin(), 0.0);
+  EXPECT_EQ(graph.GetDataPanel()->RangeX().GetMax(), 20.0);
+  EXPECT_EQ(graph.GetDataPanel()->RangeY().GetMax(), 3.0);
+  histogram.GetResetHistogram()->Click();
+  histogram.SetValue(5.0);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(graph.GetDataPanel()->RangeX().GetMin(), 4.0);
+}
+
+// Occurrences
+
+TEST(TOccurrenceHistogram, CountsOnlyValuesThatChangeTheBinIfAskedTo) {
+  constexpr auto kAll = TOccurrenceHistogram::amAddAll;
+  constexpr auto kChanged = TOccurrenceHistogram::amAddIfBinChanged;
+  const struct {
+    const char* name;
+    TOccurrenceHistogram::THistogramAddMode mode;
+    std::vector<double> values;
+    std::vector<TBar> bins;
+  } cases[] = {
+      {"all", kAll, {0.5, 0.5, 0.5}, {{1, 3}}},
+      {"constant", kChanged, {0.5, 0.5, 0.7, 1.0}, {{1, 1}}},
+      {"alternating", kChanged, {0.5, 1.5, 0.5, 1.5}, {{1, 2}, {2, 2}}},
+      {"a bin has its upper edge, not its lower", kChanged, {2.0, 1.5, 1.0, 2.0}, {{1, 1}, {2, 2}}},
+      {"before the first value the last bin is the one that ends at 0",
+       kChanged,
+       {-0.5, 0.0, 0.5, -0.5},
+       {{0, 1}, {1, 1}}},
+      {"a value without a bin is no change",
+       kChanged,
+       {0.5, kNan, 0.5, kInf, 0.5, 1e300, 0.5},
+       {{1, 1}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    TOccurrenceHistogram histogram;
+    histogram.SetAddMode(c.mode);
+    for (const double value : c.values) histogram.SetValue(value);
+    EXPECT_EQ(Bins(histogram), c.bins);
+    EXPECT_EQ(histogram.GetValue(), c.values.back());
+  }
+}
+
+TEST(TOccurrenceHistogram, ResetKeepsTheLastBin) {
+  TOccurrenceHistogram histogram;
+  histogram.SetAddMode(TOccurrenceHistogram::amAddIfBinChanged);
+  histogram.SetValue(0.5);
+  histogram.GetResetHistogram()->Click();
+  Give(histogram, {0.5, 1.5});
+  EXPECT_THAT(Bins(histogram), ElementsAre(TBar(2.0, 1.0)));
+}
+
+/// Bins of width 2 up to 2 and 4 with 1 and 3 values: middles 1 and 3, so the sum is 10 and the sum
+/// of squares 28; mean 2.5, variance (4 x 28 - 100) / (3 x 4) = 1.
+TEST(TOccurrenceHistogram, HasTheStatisticsOfItsBins) {
+  TOccurrenceHistogram histogram;
+  histogram.GetBins()->SetStep(2.0);
+  TStatistics& statistics = *histogram.GetStatistics();
+  Give(histogram, {1.9, 2.1, 2.2, 4.0});
+  EXPECT_EQ(statistics.GetCount(), 4.0);
+  EXPECT_EQ(statistics.GetSum(), 10.0);
+  EXPECT_EQ(statistics.GetSqSum(), 28.0);
+  EXPECT_EQ(statistics.GetMean(), 2.5);
+  EXPECT_EQ(statistics.GetVariance(), 1.0);
+  EXPECT_EQ(statistics.GetMin(), 0.0);
+  EXPECT_EQ(statistics.GetMax(), 4.0);
+  EXPECT_EQ(statistics.GetPos(), 2.0);
+  EXPECT_EQ(statistics.GetData()->Get(0), (TStatisticsData{2.0, 2.5, 1.0, 4.0, 0.0}));
+
+  histogram.SetValue(4.0);
+  EXPECT_EQ(statistics.GetCount(), 5.0) << "up to date without anybody asking for it";
+  histogram.GetResetHistogram()->Click();
+  EXPECT_EQ(statistics.GetCount(), 0.0);
+  EXPECT_EQ(statistics.GetMax(), 0.0);
+  EXPECT_EQ(statistics.GetData()->Get(0), TStatisticsData());
+}
+
+TEST(TOccurrenceHistogram, AnExtremeOfZeroIsOneToo) {
+  const struct {
+    double value, min, max;
+  } cases[] = {{0.5, 0.0, 1.0}, {-0.5, -1.0, 0.0}, {1.5, 1.0, 2.0}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.value);
+    TOccurrenceHistogram histogram;
+    histogram.SetValue(c.value);
+    EXPECT_EQ(histogram.GetStatistics()->GetMin(), c.min);
+    EXPECT_EQ(histogram.GetStatistics()->GetMax(), c.max);
+  }
+}
+
+TEST(TOccurrenceHistogram, ShowsItsStatisticsAcrossTheBars) {
+  TOccurrenceHistogram histogram;
+  const TStatSeriesStyle& style = *StatisticsBar(histogram).GetStyle();
+  EXPECT_EQ(style.GetBarStyle(), TStatSeriesStyle::bsXBar);
+  EXPECT_EQ(style.GetLineColor(), TColor::Black());
+  EXPECT_EQ(style.GetFillColor(), TColor::Yellow());
+  Give(histogram, {0.5, 1.5, 1.5, 1.5});
+  TStatisticsData record;
+  int index = 0;
+  ASSERT_TRUE(StatisticsBar(histogram).Statistics(index, record));
+  EXPECT_EQ(record.Mean, 1.25);
+  EXPECT_EQ(record.Pos, 2.0);
+  Bars(histogram).GetStyle()->SetPointStyle(TSeriesStyle::psYBar);
+  EXPECT_EQ(style.GetBarStyle(), TStatSeriesStyle::bsYBar);
+}
+
+TEST(TOccurrenceHistogram, SavesAndLoadsItself) {
+  TOccurrenceHistogram saved;
+  saved.GetBins()->SetStep(0.25);
+  saved.setProperty("AddMode", QStringLiteral("amAddIfBinChanged"));
+  saved.SetInterval(3);
+  Give(saved, {0.2, 0.9, 0.2});
+
+  TOccurrenceHistogram loaded;
+  QSignalSpy notified(&loaded, &TDataControl::OnChange);
+  loaded.BeginLoading();
+  for (const char* name : {"Step", "Anchor", "Data"}) {
+    loaded.GetBins()->setProperty(name, saved.GetBins()->property(name));
+  }
+  loaded.GetStatistics()->SetStatData(saved.GetStatistics()->GetStatData());
+  for (const char* name : {"AddMode", "NotifyInterval"}) {
+    EXPECT_TRUE(loaded.setProperty(name, saved.property(name)));
+  }
+  loaded.Loaded();
+  EXPECT_EQ(Bins(loaded), Bins(saved));
+  EXPECT_TRUE(loaded.GetStatistics()->SameAs(saved.GetStatistics()));
+  EXPECT_EQ(loaded.GetStatistics()->GetMax(), 1.0) << "computed from the bins";
+  EXPECT_EQ(loaded.GetAddMode(), TOccurrenceHistogram::amAddIfBinChanged);
+  EXPECT_EQ(loaded.GetInterval(), 3);
+  EXPECT_EQ(notified.count(), 0);
+}
+
+// Life
+
+TEST(TOccurrenceHistogram, MayBeDestroyedByWhomItNotifies) {
+  const std::function<void(TOccurrenceHistogram&)> ways[] = {
+      [](TOccurrenceHistogram& histogram) { histogram.SetValue(1.0); },
+      [](TOccurrenceHistogram& histogram) { histogram.GetBins()->SetStep(3.0); },
+      [](TOccurrenceHistogram& histogram) { histogram.GetResetHistogram()->Click(); },
+  };
+  TKorvalGraph graph;
+  for (const auto& notify : ways) {
+    auto* histogram = new TOccurrenceHistogram;
+    histogram->SetAddMode(TOccurrenceHistogram::amAddIfBinChanged);
+    histogram->GetGraphLink()->SetGraph(&graph);
+    bool destroyed = false;
+    TValueLink link([&](double) {
+      delete histogram;
+      destroyed = true;
+    });
+    histogram->AddLink(&link, false);
+    notify(*histogram);
+    EXPECT_TRUE(destroyed);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(graph.GetDataPanel()->GetSeriesList().Empty());
+  }
+}
+
+TEST(TOccurrenceHistogram, ASubscriberMayGiveItAnotherValue) {
+  TOccurrenceHistogram histogram;
+  int told = 0;
+  TValueLink link([&](double value) {
+    ++told;
+    histogram.SetValue(value + 1.0);
+  });
+  histogram.AddLink(&link, false);
+  histogram.SetValue(0.5);
+  EXPECT_GE(told, 1);
+  EXPECT_EQ(histogram.GetBins()->GetCycleCount(), told + 1.0) << "each value was counted";
+}
+
+TEST(TBasicHistogram, OpensItsEditorByDoubleClickAndTakesItAlong) {
+  auto histogram = std::make_unique<TBasicHistogram>();
+  histogram->resize(40, 40);
+  EXPECT_EQ(histogram->toolTip(), "Double click to view/edit histogram");
+  EXPECT_EQ(histogram->GetIconImage(), "THistogram");
+  EXPECT_EQ(histogram->GetImageSize(), QSize(24, 24));
+  EXPECT_EQ(histogram->GetCaptionPos(), TIconControl::cpRight);
+  QTest::mouseDClick(histogram.get(), Qt::LeftButton);
+  const QPointer<TBinEditor> editor = histogram->findChild<TBinEditor*>();
+  ASSERT_TRUE(editor);
+  EXPECT_TRUE(editor->isVisible());
+  QTest::mouseDClick(histogram.get(), Qt::LeftButton);
+  EXPECT_EQ(histogram->findChildren<TBinEditor*>().size(), 1);
+  histogram.reset();
+  EXPECT_FALSE(editor);
+}
+
+}  // namespace

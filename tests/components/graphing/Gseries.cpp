@@ -1,0 +1,430 @@
+#include "components/graphing/Gseries.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <algorithm>
+#include <limits>
+
+#include "tests/components/graphing/Panelfixture.h"
+
+namespace {
+
+TEST(SeriesStyle, ReportsRealChangesUnlessAnUpdateIsOpen) {
+  TSeriesStyle style;
+  QSignalSpy changes(&style, &TSeriesStyle::OnChange);
+  style.SetLineColor(TColor::Blue());  // the default
+  style.SetLineWeight(0);              // refused
+  style.SetLineStyle(static_cast<TSeriesStyle::TPenStyle>(6));
+  style.SetPointStyle(static_cast<TSeriesStyle::TPointStyle>(-1));
+  EXPECT_EQ(changes.count(), 0);
+  style.SetPointStyle(TSeriesStyle::psCross);
+  EXPECT_EQ(changes.count(), 1);
+  style.BeginUpdate();
+  style.SetLineWeight(3);
+  style.SetPointColor(TColor::Green());
+  EXPECT_EQ(changes.count(), 1);
+  style.EndUpdate();
+  EXPECT_EQ(changes.count(), 2);
+}
+
+TEST(SeriesStyle, HasTheDefaultsOfANewSeries) {
+  const TSeriesStyle style;
+  EXPECT_EQ(style.GetLineColor().Value(), 0xff0000);  // blue is the third byte
+  EXPECT_EQ(style.GetFillColor().Value(), 0x00ffff);
+  EXPECT_EQ(style.GetLineStyle(), 0);
+  EXPECT_EQ(style.GetLineWeight(), 1);
+  EXPECT_EQ(style.GetPointStyle(), 1);
+  EXPECT_EQ(style.GetPointColor().Value(), 0);
+}
+
+TEST(SeriesStyle, EveryPropertyCountsAndIsCopied) {
+  const std::function<void(TSeriesStyle&)> changes[] = {
+      [](TSeriesStyle& s) { s.SetLineColor(TColor::Green()); },
+      [](TSeriesStyle& s) { s.SetFillColor(TColor::None()); },
+      [](TSeriesStyle& s) { s.SetLineStyle(TSeriesStyle::psClear); },
+      [](TSeriesStyle& s) { s.SetLineWeight(4); },
+      [](TSeriesStyle& s) { s.SetPointColor(TColor::Yellow()); },
+      [](TSeriesStyle& s) { s.SetPointStyle(TSeriesStyle::psYBar); },
+  };
+  for (const auto& change : changes) {
+    TSeriesStyle style;
+    TSeriesStyle copy;
+    change(style);
+    EXPECT_FALSE(style.SameAs(&copy));
+    copy.Assign(&style);
+    EXPECT_TRUE(style.SameAs(&copy));
+  }
+}
+
+TEST(SeriesStyle, IsPublishedInOrder) {
+  const QMetaObject& meta = TSeriesStyle::staticMetaObject;
+  QStringList names;
+  for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+    names << QLatin1String(meta.property(i).name());
+  }
+  EXPECT_EQ(names.join(QLatin1Char(' ')),
+            QStringLiteral("LineColor FillColor LineStyle LineWeight PointColor PointStyle"));
+}
+
+/// The marker box in a picture: the pixels that are not white.
+QRect Box(const QImage& image) {
+  QRect box;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      if (image.pixelColor(x, y) != QColor(Qt::white)) box |= QRect(x, y, 1, 1);
+    }
+  }
+  return box;
+}
+
+TEST(Series, EveryPointHasItsMarkerTheFirstAndAnOnlyOneToo) {
+  for (const auto style :
+       {TSeriesStyle::psCircle, TSeriesStyle::psRectangle, TSeriesStyle::psCross}) {
+    TPanelFixture f;
+    TSeries* series = f.AddCurve({{2.0, 5.0}});
+    series->GetStyle()->SetPointStyle(style);
+    // 3 pixels around (40, 110).
+    EXPECT_EQ(Box(f.Picture()), QRect(37, 107, 7, 7));
+    series->GetStyle()->SetLineStyle(TSeriesStyle::psClear);
+    series->DataSource = f.AddCurve({{2.0, 5.0}, {6.0, 5.0}})->DataSource;
+    f.panel.DeleteSeries(1);
+    EXPECT_EQ(Box(f.Picture()), QRect(37, 107, 47, 7));
+  }
+}
+
+TEST(Series, MarkersHaveTheirOutlineAndFill) {
+  TPanelFixture f;
+  TSeries* series = f.AddCurve({{2.0, 5.0}, {6.0, 5.0}});
+  TSeriesStyle& style = *series->GetStyle();
+  style.SetLineStyle(TSeriesStyle::psClear);
+  style.SetPointStyle(TSeriesStyle::psRectangle);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 2 * 24);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::yellow), 2 * 25);
+  style.SetFillColor(TColor::None());
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 2 * 24);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::white), 150 * 230 - 2 * 24);
+  style.SetPointStyle(TSeriesStyle::psCross);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::black), 2 * 13);
+}
+
+TEST(Series, EachLineCrossesTheMarkerBeforeIt) {
+  TPanelFixture f;
+  TSeries* series = f.AddCurve({{0.0, 5.0}, {5.0, 5.0}, {10.0, 5.0}});
+  series->GetStyle()->SetPointStyle(TSeriesStyle::psRectangle);
+  const QImage image = f.Picture();
+  // The marker at (70, 110) covers the line that led to it and is crossed by the next.
+  EXPECT_EQ(image.pixelColor(68, 110), QColor(Qt::yellow));
+  EXPECT_EQ(image.pixelColor(72, 110), QColor(Qt::blue));
+}
+
+TEST(Series, BarsReachFromThePointToTheAxis) {
+  TPanelFixture f;
+  TSeries* series = f.AddCurve({{3.0, 5.0}}, {2.0, 0.0});
+  TSeriesStyle& style = *series->GetStyle();
+  style.SetLineStyle(TSeriesStyle::psClear);
+  style.SetPointStyle(TSeriesStyle::psXBar);
+  // X 1 to 3 is 30 to 50, Y 5 is 110, the axis 210.
+  EXPECT_EQ(Box(f.Picture()), QRect(QPoint(30, 110), QPoint(50, 210)));
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::yellow), 19 * 99);
+
+  series->DataSource = f.AddCurve({{3.0, 5.0}}, {0.0, 2.0})->DataSource;
+  f.panel.DeleteSeries(1);
+  EXPECT_EQ(Box(f.Picture()), QRect(QPoint(50, 110), QPoint(50, 210))) << "a line without width";
+  style.SetPointStyle(TSeriesStyle::psYBar);
+  // Y 3 to 5 is 150 to 110, X 3 is 50, the axis 20.
+  EXPECT_EQ(Box(f.Picture()), QRect(QPoint(20, 110), QPoint(50, 150)));
+}
+
+TEST(Series, NothingIsDrawnWithClearLinesAndNoPoints) {
+  TPanelFixture f;
+  TSeries* series = f.AddCurve({{0.0, 0.0}, {10.0, 10.0}});
+  EXPECT_FALSE(Box(f.Picture()).isEmpty());
+  series->GetStyle()->SetLineStyle(TSeriesStyle::psClear);
+  EXPECT_TRUE(Box(f.Picture()).isEmpty());
+}
+
+TEST(Series, DashesLeaveGapsAndRunOnOverThePoints) {
+  for (const auto pointStyle : {TSeriesStyle::psNone, TSeriesStyle::psXBar}) {
+    TPanelFixture f;
+    std::vector<TCoordinate> points;
+    for (int i = 0; i <= 100; ++i) points.push_back({0.1 * i, 5.0});  // a point in every pixel
+    TSeries* series = f.AddCurve(points);
+    series->GetStyle()->SetLineStyle(TSeriesStyle::psDash);
+    series->GetStyle()->SetPointStyle(pointStyle);
+    series->GetStyle()->SetPointColor(TColor::None());
+    series->GetStyle()->SetFillColor(TColor::None());
+    const int drawn = CountPixels(f.Picture(), Qt::blue);
+    EXPECT_GT(drawn, 50);
+    EXPECT_LT(drawn, 90);
+  }
+}
+
+TEST(Series, PointsThatAreNotFiniteOrFarAwayAreHarmlessInEveryStyle) {
+  constexpr double kHuge = std::numeric_limits<double>::max();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  const double values[] = {0.0, 5.0, -1.0e9, 1.0e15, kHuge, -kHuge, kInfinity, -kInfinity, kNan};
+  std::vector<TCoordinate> points;
+  for (const double x : values) {
+    for (const double y : values) points.push_back({x, y});
+  }
+  for (const bool isLog : {false, true}) {
+    for (int pointStyle = TSeriesStyle::psNone; pointStyle <= TSeriesStyle::psYBar; ++pointStyle) {
+      for (int lineStyle = TSeriesStyle::psSolid; lineStyle <= TSeriesStyle::psClear; ++lineStyle) {
+        TPanelFixture f(isLog);
+        TSeriesStyle& style = *f.AddCurve(points, {kHuge, kNan})->GetStyle();
+        style.SetPointStyle(static_cast<TSeriesStyle::TPointStyle>(pointStyle));
+        style.SetLineStyle(static_cast<TSeriesStyle::TPenStyle>(lineStyle));
+        style.SetLineWeight(1 + lineStyle);
+        f.Picture();
+        f.panel.UpdateRangeX();
+        f.panel.UpdateRangeY();
+        EXPECT_TRUE(std::isfinite(f.panel.RangeX().GetMax()));
+      }
+    }
+  }
+}
+
+TEST(Series, ABlockSourceDrawsWhatTheSameSourcePointByPointDraws) {
+  std::vector<TCoordinate> points;
+  for (int i = 0; i < 1000; ++i) points.push_back({0.01 * i, 5.0 + 4.0 * std::sin(0.1 * i)});
+  TPanelFixture byPoint;
+  byPoint.AddCurve(points);
+  TPanelFixture byBlock;
+  TSeries* series = byBlock.AddCurve(points);
+  int calls = 0;
+  series->BlockSource = [&](int index, std::span<TCoordinate> out) {
+    ++calls;
+    const auto first = static_cast<std::size_t>(index);
+    const std::size_t count = std::min({out.size(), points.size() - first, std::size_t{100}});
+    std::copy_n(points.begin() + index, count, out.begin());
+    return static_cast<int>(count);
+  };
+  EXPECT_EQ(byBlock.Picture(), byPoint.Picture());
+  EXPECT_EQ(calls, 11);
+}
+
+TEST(Series, ABlockSourceThatClaimsTooMuchIsCutToItsBlock) {
+  TPanelFixture f;
+  TSeries* series = f.AddCurve({{0.0, 0.0}});
+  series->BlockSource = [](int index, std::span<TCoordinate> points) {
+    for (TCoordinate& point : points) point = {1.0, 1.0};
+    return index == 0 ? 1'000'000 : 0;
+  };
+  f.Picture();
+}
+
+TEST(ArraySeries, HoldsAFixedNumberOfPoints) {
+  TPanelFixture f;
+  auto* series = f.panel.AddSeries(std::make_unique<TArraySeries>(3));
+  series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+  series->SetPoint(0, {0.0, 5.0});
+  series->SetPoint(1, {4.0, 5.0});
+  series->SetPoint(2, {4.0, 7.0});
+  series->SetPoint(3, {9.0, 9.0});
+  series->SetPoint(-1, {9.0, 9.0});
+  EXPECT_EQ(series->PointCount(), 3);
+  EXPECT_EQ(series->GetPoint(3), TCoordinate());
+  EXPECT_EQ(Box(f.Picture()), QRect(QPoint(20, 70), QPoint(60, 110)));
+  series->UpdateRangeX();
+  series->UpdateRangeY();
+  EXPECT_EQ(series->RangeX().GetMax(), 4.0);
+  EXPECT_EQ(series->RangeY().GetMin(), 5.0);
+  EXPECT_EQ(TArraySeries(-5).PointCount(), 0);
+}
+
+TEST(SliderSeries, DrawsACrossAndItsGridLines) {
+  TPanelFixture f;
+  auto* slider = f.panel.AddSeries(std::make_unique<TSliderSeries>());
+  slider->SetSliderPos({70, 110});
+  EXPECT_NEAR(slider->GetPositionX(), 5.0, 1e-12);
+  EXPECT_NEAR(slider->GetPositionY(), 5.0, 1e-12);
+  EXPECT_EQ(Box(f.Picture()), QRect(63, 103, 15, 15));
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::red), 29);
+  // A dotted line may end in a gap.
+  slider->SetShowGridX(true);
+  EXPECT_TRUE(Box(f.Picture()).contains(QRect(63, 10, 15, 198)));
+  EXPECT_EQ(Box(f.Picture()).width(), 15);
+  slider->SetShowGridY(true);
+  EXPECT_TRUE(Box(f.Picture()).contains(QRect(20, 10, 98, 198)));
+  slider->SetActive(false);
+  EXPECT_EQ(CountPixels(f.Picture(), Qt::red), 0);
+}
+
+TEST(SliderSeries, APositionThatIsNotFiniteIsIgnored) {
+  TSliderSeries slider;
+  slider.SetPosition({1.0, 2.0});
+  QSignalSpy changes(&slider, &TSliderSeries::OnChange);
+  slider.SetPositionX(std::numeric_limits<double>::quiet_NaN());
+  slider.SetPositionY(std::numeric_limits<double>::infinity());
+  slider.SetSliderPos({5, 5});  // without a panel
+  EXPECT_EQ(slider.GetPosition(), (TCoordinate{1.0, 2.0}));
+  EXPECT_EQ(changes.count(), 0);
+}
+
+// The list
+
+TEST(SeriesList, ABorrowedSeriesBelongsToItsOwnListAndLeavesWithIt) {
+  TPanelFixture f;
+  auto owner = std::make_unique<TSeriesList>();
+  auto* series = owner->Add(std::make_unique<TSeries>());
+  f.panel.AddSeries(*owner);
+  f.panel.AddSeries(*owner);
+  EXPECT_EQ(f.panel.GetSeriesList().Count(), 1);
+  EXPECT_FALSE(f.panel.GetSeriesList().IsOwner(0));
+  EXPECT_EQ(series->Panel(), &f.panel);
+  f.panel.DeleteSeries(0);
+  EXPECT_EQ(series->Panel(), nullptr);
+  EXPECT_EQ(owner->Count(), 1);
+  f.panel.AddSeries(*owner);
+  owner.reset();
+  EXPECT_EQ(f.panel.GetSeriesList().Count(), 0);
+}
+
+TEST(SeriesList, APanelThatGoesFirstLeavesBorrowedSeriesAlone) {
+  TSeriesList owner;
+  auto* series = owner.Add(std::make_unique<TSeries>());
+  {
+    TPanelFixture f;
+    f.panel.AddSeries(owner);
+  }
+  EXPECT_EQ(series->Panel(), nullptr);
+  series->SetVisible(false);
+  EXPECT_EQ(owner.Count(), 1);
+}
+
+TEST(SeriesList, ASeriesShownElsewhereMoves) {
+  TSeriesList owner;
+  owner.Add(std::make_unique<TSeries>());
+  TPanelFixture first;
+  TPanelFixture second;
+  first.panel.AddSeries(owner);
+  second.panel.AddSeries(owner);
+  EXPECT_EQ(first.panel.GetSeriesList().Count(), 0);
+  EXPECT_EQ(owner.Get(0)->Panel(), &second.panel);
+}
+
+TEST(SeriesList, ThePanelShowsOnlyWhatItsLinkStillHas) {
+  TSeriesList owner;
+  TSeries* series = owner.Add(std::make_unique<TSeries>());
+  TPanelFixture f;
+  f.panel.AddSeries(owner);
+  const auto taken = owner.Remove(series);
+  EXPECT_EQ(f.panel.GetSeriesList().Count(), 0);
+  EXPECT_EQ(series->Panel(), nullptr);
+}
+
+TEST(SeriesList, APanelDoesNotLendItsSeries) {
+  TPanelFixture first;
+  TPanelFixture second;
+  TSeries* series = first.AddCurve({});
+  second.panel.AddSeries(first.panel.GetSeriesList());
+  EXPECT_EQ(second.panel.GetSeriesList().Count(), 0);
+  EXPECT_EQ(series->Panel(), &first.panel);
+}
+
+/// A list with one series of each class, none of them in its initial state.
+void Fill(TSeriesList& list) {
+  auto* series = list.Add(std::make_unique<TSeries>());
+  series->SetLabel(QStringLiteral("Accel \"x\" \u00b5"));
+  series->SetVisible(false);
+  series->GetStyle()->SetFillColor(TColor::None());
+  series->GetStyle()->SetLineStyle(TSeriesStyle::psDashDot);
+  series->GetStyle()->SetPointStyle(TSeriesStyle::psYBar);
+  series->GetStyle()->SetLineWeight(7);
+  auto* array = list.Add(std::make_unique<TArraySeries>(2));
+  array->SetPoint(0, {0.1, -1.0e300});
+  array->SetPoint(1, {1.0 / 3.0, 5.0e-324});
+  auto* slider = list.Add(std::make_unique<TSliderSeries>());
+  slider->SetPosition({0.1, 43000.123456789});
+  slider->SetShowGridY(true);
+  slider->SetActive(false);
+}
+
+TEST(SeriesList, WritingAndReadingGivesTheSameSeries) {
+  TSeriesList list;
+  Fill(list);
+  const QString text = list.WriteProperties();
+  TSeriesList read;
+  read.Add(std::make_unique<TSeries>());
+  QString error;
+  ASSERT_TRUE(read.ReadProperties(text, &error)) << error.toStdString();
+  EXPECT_TRUE(read.SameAs(&list));
+  EXPECT_EQ(read.WriteProperties(), text);
+}
+
+TEST(SeriesList, APanelKeepsItsOwnSeriesOnly) {
+  TSeriesList link;
+  link.Add(std::make_unique<TSeries>())->SetLabel(QStringLiteral("linked"));
+  TPanelFixture f;
+  f.panel.AddSeries(link);
+  f.panel.AddSeries(std::make_unique<TSliderSeries>())->SetLabel(QStringLiteral("own"));
+  const QString text = f.panel.GetSeriesData();
+  EXPECT_FALSE(text.contains(QStringLiteral("linked")));
+
+  TPanelFixture other;
+  other.panel.AddSeries(link);
+  other.panel.SetSeriesData(text);
+  ASSERT_EQ(other.panel.GetSeriesList().Count(), 2);
+  EXPECT_EQ(other.panel.GetSeriesList().Get(0)->GetLabel(), QStringLiteral("own"));
+  EXPECT_EQ(other.panel.GetSeriesList().Get(0)->Panel(), &other.panel);
+  EXPECT_EQ(other.panel.GetSeriesList().Get(1)->GetLabel(), QStringLiteral("linked"));
+}
+
+TEST(SeriesList, ADamagedTextIsRefusedWithAReasonAndChangesNothing) {
+  const struct {
+    const char* text;
+    const char* reason;
+  } cases[] = {
+      {"", "Character 0: illegal value"},
+      {"{}", "The text is no list of series"},
+      {"[7]", "Series 1: unknown class \"\""},
+      {R"([{"Class":"TSeries"},{"Class":"TWidget"}])", "Series 2: unknown class \"TWidget\""},
+      {R"([{"Class":"TSeries","Colour":1}])", "Series 1: There is no property TSeries.Colour"},
+      {R"([{"Class":"TSeries","objectName":"x"}])",
+       "Series 1: There is no property TSeries.objectName"},
+      {R"([{"Class":"TSeries","Visible":1}])",
+       "Series 1: TSeries.Visible has a value of another kind"},
+      {R"([{"Class":"TSeries","Style":3}])", "Series 1: TSeries.Style is no record"},
+      {R"([{"Class":"TSeries","Style":{"LineWeight":0}}])",
+       "Series 1: TSeriesStyle.LineWeight does not take its value"},
+      {R"([{"Class":"TSeries","Style":{"LineWeight":1e30}}])",
+       "Series 1: TSeriesStyle.LineWeight has a value of another kind"},
+      {R"([{"Class":"TSeries","Style":{"PointStyle":"psStar"}}])",
+       "Series 1: TSeriesStyle.PointStyle has a value of another kind"},
+      {R"([{"Class":"TSliderSeries","PositionX":null}])",
+       "Series 1: TSliderSeries.PositionX has a value of another kind"},
+      {R"([{"Class":"TArraySeries"}])",
+       "Series 1: TArraySeries.Points is no list of at most 16777216 points"},
+      {R"([{"Class":"TArraySeries","Points":[[1,2],[3]]}])",
+       "Series 1: TArraySeries.Points[1] is no pair of numbers"},
+  };
+  TSeriesList list;
+  Fill(list);
+  const QString before = list.WriteProperties();
+  QSignalSpy changes(&list, &TSeriesList::OnChange);
+  for (const auto& c : cases) {
+    QString error;
+    EXPECT_FALSE(list.ReadProperties(QString::fromUtf8(c.text), &error)) << c.text;
+    EXPECT_EQ(error.toStdString(), c.reason);
+  }
+  for (int length = 0; length < before.size(); ++length) {
+    EXPECT_FALSE(list.ReadProperties(before.left(length))) << length;
+  }
+  EXPECT_EQ(list.WriteProperties(), before);
+  EXPECT_EQ(changes.count(), 0);
+}
+
+TEST(SeriesList, AssigningCopiesTheOwnedSeriesWithTheirSources) {
+  TPanelFixture f;
+  f.AddCurve({{0.0, 0.0}, {10.0, 10.0}})->SetLabel(QStringLiteral("diagonal"));
+  Fill(f.panel.GetSeriesList());
+  f.panel.SetFillColor(TColor::Yellow());
+  TPanelFixture copy;
+  copy.panel.Assign(&f.panel);
+  EXPECT_TRUE(copy.panel.SameAs(&f.panel));
+  EXPECT_EQ(copy.Picture(), f.Picture());
+}
+
+}  // namespace

@@ -1,0 +1,65 @@
+#include "components/graphing/Publishedrecord.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+
+#include "components/graphing/editors/Propertyform.h"
+
+namespace {
+
+class TMarked : public TPersistent {
+  Q_OBJECT
+
+ public:
+  enum TMark { maMean = 1, maSpread = 2, maExtremes = 4 };
+  Q_DECLARE_FLAGS(TMarks, TMark)
+  Q_FLAG(TMarks)
+  Q_PROPERTY(TMarks Marks READ GetMarks WRITE SetMarks)
+
+  TMarks GetMarks() const { return marks; }
+  void SetMarks(TMarks value) { marks = value; }
+
+  TMarks marks = {maMean, maExtremes};
+};
+
+TEST(PublishedRecord, KeepsASetByTheNamesOfItsMembers) {
+  TMarked object;
+  EXPECT_EQ(WritePublished(object), (QJsonObject{{"Marks", "maMean|maExtremes"}}));
+  const struct {
+    QJsonValue written;
+    bool isRead;
+    int marks;
+  } cases[] = {
+      {"maSpread|maExtremes", true, 6},
+      {"", true, 0},
+      {"maSpread|maRed", false, 5},
+      {6, false, 5},
+  };
+  for (const auto& c : cases) {
+    TMarked read;
+    QString error;
+    EXPECT_EQ(ReadPublished({{"Marks", c.written}}, read, &error), c.isRead);
+    EXPECT_EQ(static_cast<int>(read.marks), c.marks);
+    EXPECT_EQ(error, c.isRead ? "" : "TMarked.Marks has a value of another kind");
+  }
+}
+
+TEST(PropertyForm, EditsASetMemberByMember) {
+  TMarked object;
+  TPropertyForm form(object);
+  auto* spread = form.findChild<QCheckBox*>("maSpread");
+  auto* mean = form.findChild<QCheckBox*>("maMean");
+  ASSERT_TRUE(spread && mean);
+  EXPECT_TRUE(mean->isChecked());
+  EXPECT_FALSE(spread->isChecked());
+  mean->click();
+  spread->click();
+  EXPECT_EQ(object.marks, TMarked::TMarks({TMarked::maSpread, TMarked::maExtremes}));
+  form.Revert();
+  EXPECT_EQ(object.marks, TMarked::TMarks({TMarked::maMean, TMarked::maExtremes}));
+}
+
+}  // namespace
+
+#include "Publishedrecord.moc"

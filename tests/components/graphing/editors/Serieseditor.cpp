@@ -1,0 +1,145 @@
+#include "components/graphing/editors/Serieseditor.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QStackedWidget>
+#include <QTest>
+#include <QTimer>
+
+#include "components/graphing/Graph.h"
+#include "components/graphing/editors/Pickers.h"
+
+namespace {
+
+class SeriesEditor : public testing::Test {
+ protected:
+  SeriesEditor() {
+    curve = list.Add(std::make_unique<TSeries>());
+    curve->SetLabel(QStringLiteral("Curve"));
+    slider = list.Add(std::make_unique<TSliderSeries>());
+    editor = std::make_unique<TSeriesEditor>(list);
+  }
+
+  /// The editor of a property on the page of a series.
+  template <class T>
+  T& Find(int page, const char* property) {
+    T* widget = editor->findChild<QStackedWidget*>()->widget(page)->findChild<T*>(property);
+    if (!widget) throw std::runtime_error(property);
+    return *widget;
+  }
+  void Push(QDialogButtonBox::StandardButton button) {
+    editor->findChild<QDialogButtonBox*>()->button(button)->click();
+  }
+  static void Enter(QLineEdit& line, const char* text) {
+    line.selectAll();
+    QTest::keyClicks(&line, QLatin1String(text));
+    QTest::keyClick(&line, Qt::Key_Return);
+  }
+
+  TSeriesList list;
+  TSeries* curve;
+  TSliderSeries* slider;
+  std::unique_ptr<TSeriesEditor> editor;
+};
+
+TEST_F(SeriesEditor, ChangesEveryPublishedPropertyAtOnce) {
+  Enter(Find<QLineEdit>(0, "Label"), "Velocity");
+  EXPECT_EQ(curve->GetLabel(), QStringLiteral("Velocity"));
+  EXPECT_EQ(editor->findChild<QListWidget*>("Names")->item(0)->text(), QStringLiteral("Velocity"));
+  Find<QCheckBox>(0, "Visible").click();
+  EXPECT_FALSE(curve->GetVisible());
+  Find<QSpinBox>(0, "LineWeight").setValue(5);
+  EXPECT_EQ(curve->GetStyle()->GetLineWeight(), 5);
+  Find<QComboBox>(0, "LineStyle").setCurrentText(QStringLiteral("Dash dot"));
+  EXPECT_EQ(curve->GetStyle()->GetLineStyle(), TSeriesStyle::psDashDot);
+  Find<QComboBox>(0, "PointStyle").setCurrentText(QStringLiteral("XBar"));
+  EXPECT_EQ(curve->GetStyle()->GetPointStyle(), TSeriesStyle::psXBar);
+  for (const char* color : {"LineColor", "FillColor", "PointColor"}) {
+    emit Find<TColorPicker>(0, color).OnPick(TColor::Green());
+    EXPECT_EQ(curve->GetStyle()->property(color).value<TColor>(), TColor::Green()) << color;
+  }
+  Enter(Find<QLineEdit>(1, "PositionX"), "2.5");
+  Find<QCheckBox>(1, "ShowGridX").click();
+  EXPECT_EQ(slider->GetPositionX(), 2.5);
+  EXPECT_TRUE(slider->GetShowGridX());
+}
+
+TEST_F(SeriesEditor, ShowsWhatTheSeriesMakesOfAnEdit) {
+  Find<QSpinBox>(0, "LineWeight").setValue(-3);
+  EXPECT_EQ(Find<QSpinBox>(0, "LineWeight").value(), 1);
+  Enter(Find<QLineEdit>(1, "PositionX"), "far");
+  EXPECT_EQ(Find<QLineEdit>(1, "PositionX").text(), QStringLiteral("0"));
+  slider->SetPosition({7.25, 0.0});
+  EXPECT_EQ(Find<QLineEdit>(1, "PositionX").text(), QStringLiteral("7.25"));
+  curve->GetStyle()->SetLineWeight(4);
+  EXPECT_EQ(Find<QSpinBox>(0, "LineWeight").value(), 4);
+}
+
+TEST_F(SeriesEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
+  Find<QSpinBox>(0, "LineWeight").setValue(2);
+  Push(QDialogButtonBox::Apply);
+  Find<QSpinBox>(0, "LineWeight").setValue(3);
+  Find<QSpinBox>(0, "LineWeight").setValue(4);
+  Find<QComboBox>(0, "PointStyle").setCurrentText(QStringLiteral("Cross"));
+  slider->SetPosition({1.0, 1.0});  // not by the dialog: stays
+  Push(QDialogButtonBox::Cancel);
+  EXPECT_EQ(curve->GetStyle()->GetLineWeight(), 2);
+  EXPECT_EQ(curve->GetStyle()->GetPointStyle(), TSeriesStyle::psCircle);
+  EXPECT_EQ(slider->GetPositionX(), 1.0);
+  EXPECT_EQ(editor->result(), QDialog::Rejected);
+}
+
+TEST_F(SeriesEditor, CancelDropsATextThatIsBeingTyped) {
+  editor->show();
+  editor->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(editor.get()));
+  auto& label = Find<QLineEdit>(0, "Label");
+  label.setFocus();
+  QTest::keyClicks(&label, QStringLiteral("half"));
+  QTest::keyClick(&label, Qt::Key_Escape);
+  EXPECT_FALSE(editor->isVisible());
+  EXPECT_EQ(curve->GetLabel(), QStringLiteral("Curve"));
+}
+
+TEST_F(SeriesEditor, OkKeepsTheEdits) {
+  Find<QSpinBox>(0, "LineWeight").setValue(3);
+  Push(QDialogButtonBox::Ok);
+  EXPECT_EQ(curve->GetStyle()->GetLineWeight(), 3);
+  EXPECT_EQ(editor->result(), QDialog::Accepted);
+}
+
+TEST_F(SeriesEditor, ASeriesThatGoesMeanwhileIsLeftAlone) {
+  Find<QSpinBox>(0, "LineWeight").setValue(3);
+  list.Delete(0);
+  EXPECT_FALSE(Find<QSpinBox>(0, "LineWeight").isEnabled());
+  Find<QSpinBox>(0, "LineWeight").setValue(9);
+  Push(QDialogButtonBox::Cancel);
+  EXPECT_EQ(list.Count(), 1);
+}
+
+TEST(SeriesList, ADoubleClickOnThePlotOpensTheEditorOfTheGraph) {
+  TKorvalGraph graph;
+  graph.resize(300, 200);
+  TSeries* series = graph.GetDataPanel()->AddSeries(std::make_unique<TSeries>());
+  graph.show();
+  bool seen = false;
+  QTimer::singleShot(0, [&] {
+    auto* editor = qobject_cast<TSeriesEditor*>(QApplication::activeModalWidget());
+    ASSERT_TRUE(editor);
+    seen = true;
+    editor->findChild<QSpinBox*>("LineWeight")->setValue(6);
+    editor->accept();
+  });
+  QTest::mouseDClick(&graph, Qt::LeftButton, {}, graph.PlotRect().center());
+  EXPECT_TRUE(seen);
+  EXPECT_EQ(series->GetStyle()->GetLineWeight(), 6);
+}
+
+}  // namespace

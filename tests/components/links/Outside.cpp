@@ -1,0 +1,303 @@
+#include "components/links/Outside.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <functional>
+
+#include "components/channels/Channelset.h"
+#include "components/channels/Statsstorage.h"
+#include "components/channels/Variable.h"
+#include "components/comms/Qlxmaster.h"
+#include "components/comms/Qlxxml.h"
+#include "components/controls/Hyperlink.h"
+#include "components/sources/Datalogger.h"
+#include "model/Timer.h"
+#include "tests/components/panels/Panelforms.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A folder "panel" with a form in it, beside it a folder "outside", and a server.
+class Outside : public testing::Test {
+ protected:
+  Outside() {
+    for (const char* name : {"panel", "outside"}) QDir(TestFolder()).mkdir(name);
+    WriteTestFile("outside/x", "kept");
+    EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
+  }
+
+  void Load(const QString& widgets) {
+    WriteTestFile("panel/p.ui", FormOf(widgets).toUtf8());
+    faults.clear();
+    panel = TPanel::Load(In("panel/p.ui"), &faults);
+    ASSERT_TRUE(panel);
+  }
+  static QString In(const QString& name) { return TestFolder() + '/' + name; }
+  static QString Property(const QString& name, const QString& kind, const QString& value) {
+    return QStringLiteral("<property name=\"%1\" stdset=\"0\"><%2>%3</%2></property>\n")
+        .arg(name, kind, value);
+  }
+  static QString Text(const QString& name, const QString& value) {
+    return Property(name, "string", value);
+  }
+  static QString On(const QString& name) { return Property(name, "bool", "true"); }
+  static QString Widget(const QString& name, const QString& properties) {
+    return QStringLiteral("<widget class=\"%1\" name=\"it\">\n%2</widget>\n").arg(name, properties);
+  }
+  template <class T>
+  T* It() const {
+    return panel->Root()->findChild<T*>("it");
+  }
+  QStringList WishTexts() const {
+    QStringList texts;
+    for (const TWish& wish : panel->Wishes()) texts << wish.Text;
+    return texts;
+  }
+  /// All files with what they hold.
+  static QStringList Files() {
+    QStringList files;
+    QDirIterator all(TestFolder(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+      QFile file(all.next());
+      EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+      files << file.fileName() + ": " + QString::fromUtf8(file.readAll());
+    }
+    files.sort();
+    return files;
+  }
+  static bool WaitFor(const std::function<bool()>& condition) {
+    constexpr int kLongest = 10'000;
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition() && clock.elapsed() < kLongest) {
+      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return condition();
+  }
+  static void LetTimePass() {
+    for (int i = 0; i < 100; ++i) {
+      if (TTimerServer* ticks = TTimerServer::Instance()) ticks->Timer();
+      QCoreApplication::processEvents();
+    }
+  }
+
+  QTcpServer server;
+  QStringList faults;
+  std::unique_ptr<TPanel> panel;
+};
+
+TEST_F(Outside, ANameIsShownSoThatNothingHidesInIt) {
+  const struct {
+    QString name;
+    QString shown;
+  } cases[] = {
+      {"log/pump.csv", "log/pump.csv"},
+      {"my log.csv", "\"my log.csv\""},
+      {QString::fromUtf8("Prüfstand.csv"), QString::fromUtf8("Prüfstand.csv")},
+      {"a\nconnect to b", "\"a\\u{a}connect to b\""},
+      {QString::fromUtf8("x\u202Evsc.exe"), "x\\u{202e}vsc.exe"},
+      {QString::fromUtf8("a\u00A0b\u200B"), "a\\u{a0}b\\u{200b}"},
+      {QString("a").repeated(500) + QString("z").repeated(80),
+       QString("a").repeated(120) + "..." + QString("z").repeated(80)},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ShownName(c.name), c.shown);
+}
+
+TEST_F(Outside, LinksAreFollowedEvenToWhatIsNotThere) {
+  ASSERT_TRUE(QFile::link(In("outside"), In("panel/out")));
+  ASSERT_TRUE(QFile::link(In("outside/new"), In("panel/dangling")));
+  ASSERT_TRUE(QFile::link(In("panel/loop"), In("panel/loop")));
+  EXPECT_EQ(RealPath(In("panel/out/x")), In("outside/x"));
+  EXPECT_EQ(RealPath(In("panel/out/made/later")), In("outside/made/later"));
+  EXPECT_EQ(RealPath(In("panel/dangling")), In("outside/new"));
+  EXPECT_EQ(RealPath(In("panel/out/../panel/y")), In("panel/y"));
+  EXPECT_NE(RealPath(In("panel/loop")), "");
+  EXPECT_TRUE(IsBelow("/a/b", "/a"));
+  EXPECT_FALSE(IsBelow("/ab", "/a"));
+  EXPECT_TRUE(IsBelow("/a", "/"));
+}
+
+/// Each class with all that it has switched on, and every name leading outside.
+TEST_F(Outside, AtRestNoClassReachesOutsideOrForgetsWhatItWants) {
+  ASSERT_TRUE(qputenv("VELMORA_COM1", In("outside/x").toLocal8Bit()));
+  static const QRegularExpression place("(File|Files|FileName|Dir|Folder|Path|URL|Address|Host)$");
+  for (const TComponentClass& component : ComponentClasses()) {
+    SCOPED_TRACE(component.Name.toStdString());
+    const std::unique_ptr<QWidget> fresh(component.Make(nullptr));
+    QString properties;
+    QStringList places;
+    ForEachStored(*fresh, [&](const TPublished& published) {
+      const int type = published.Property.typeId();
+      const bool leads = place.match(published.Path).hasMatch();
+      const QString value = published.Path.endsWith("Address") || published.Path.endsWith("Host")
+                                ? QString("127.0.0.1")
+                                : In("outside/x");
+      if (type == QMetaType::Bool) properties += On(published.Path);
+      if (leads && type == QMetaType::QString) properties += Text(published.Path, value);
+      if (leads && type == QMetaType::QStringList) {
+        properties += Property(published.Path, "stringlist", "<string>" + value + "</string>");
+      }
+      if (leads) places << value;
+      if (published.Path.endsWith("Port")) {
+        properties += Property(published.Path, "number", QString::number(server.serverPort()));
+      }
+    });
+    Load(Widget(component.Name, properties) + "<widget class=\"TVariable\" name=\"v\">" +
+         Property("ClientControls.Components", "stringlist", "<string>it</string>") + "</widget>");
+    const QStringList before = Files();
+    const std::string settings = panel->Settings().toStdString();
+    EXPECT_TRUE(panel->IsAtRest());
+    for (const QString& one : places) {
+      EXPECT_THAT(WishTexts().join('\n').toStdString(), testing::HasSubstr(one.toStdString()));
+    }
+    auto* it = It<QWidget>();
+    const auto switches = {"Active", "Logging", "AutoConnect"};
+    for (const char* name : switches) {
+      if (it->metaObject()->indexOfProperty(name) >= 0) it->setProperty(name, true);
+    }
+    QTest::mouseClick(it, Qt::LeftButton);
+    QTest::mouseClick(it, Qt::LeftButton);
+    for (int i = 0; i < 3; ++i) panel->Root()->findChild<TVariable*>("v")->SetValue(i);
+    LetTimePass();
+    EXPECT_FALSE(server.hasPendingConnections());
+    EXPECT_EQ(Files(), before);
+    EXPECT_EQ(panel->Settings().toStdString(), settings);
+    // What the form has switched on is still to be done, and saved.
+    for (const char* name : switches) {
+      EXPECT_TRUE(places.empty() || it->property(name) != QVariant(false)) << name;
+    }
+    TakeMessages();
+  }
+  qunsetenv("VELMORA_COM1");
+}
+
+TEST_F(Outside, StartedComponentsDoWhatTheirPropertiesSay) {
+  WriteTestFile("panel/record.log", "earlier\n");
+  Load(Widget("TQLXXMLClient",
+              On("Active") + On("Logging") + Text("LogFile", "record.log") +
+                  Text("Socket.Host", "127.0.0.1") +
+                  Property("Socket.Port", "number", QString::number(server.serverPort()))) +
+       "<widget class=\"TVariable\" name=\"v\"/><widget class=\"TDataLogger\" name=\"logger\">" +
+       On("Active") + Text("FileName", "log/../pump.csv") + Text("Separator", ";") +
+       Property("Controls.Components", "stringlist", "<string>v</string>") + "</widget>");
+  EXPECT_THAT(faults, IsEmpty());
+  EXPECT_THAT(WishTexts(),
+              ElementsAre(QString("write record.log beside the panel"),
+                          QString("connect to 127.0.0.1 port %1").arg(server.serverPort()),
+                          QString("write pump.csv beside the panel")));
+  auto* logger = panel->Root()->findChild<TDataLogger*>("logger");
+  auto* variable = panel->Root()->findChild<TVariable*>("v");
+  variable->SetValue(1.0);
+  EXPECT_FALSE(QFile::exists(In("panel/pump.csv")));
+  panel->Start();
+  ASSERT_TRUE(server.waitForNewConnection(5000));
+  QTcpSocket& peer = *server.nextPendingConnection();
+  ASSERT_TRUE(WaitFor([this] { return It<TQLXXMLClient>()->GetActive(); }));
+  // What was recorded before is continued.
+  peer.write("<data/>");
+  EXPECT_TRUE(WaitFor([] { return QFileInfo(In("panel/record.log")).size() == 15; }));
+  // Below the folder, whatever the way there; the folder "log" is not made for it.
+  QDir(In("panel")).mkdir("log");
+  variable->SetValue(2.0);
+  EXPECT_THAT(logger->GetStatusText().toStdString(), testing::StartsWith("Writing "));
+  EXPECT_TRUE(QFile::exists(In("panel/pump.csv")));
+}
+
+TEST_F(Outside, OtherPlacesAreWrittenOnlyIfTheListNamedThem) {
+  ASSERT_TRUE(QFile::link(In("outside"), In("panel/link")));
+  double value = 0.0;
+  const auto log = [&] { panel->Root()->findChild<TVariable*>("v")->SetValue(++value); };
+  const QString variable =
+      "<widget class=\"TVariable\" name=\"v\"/><widget class=\"TDataLogger\" name=\"it\">" +
+      On("Active") + Property("Controls.Components", "stringlist", "<string>v</string>");
+  for (const char* name : {"../outside/a.csv", "link/a.csv"}) {
+    Load(variable + Text("FileName", name) + "</widget>");
+    EXPECT_THAT(WishTexts(), ElementsAre("write " + In("outside/a.csv")));
+    panel->Start();
+    log();
+    EXPECT_TRUE(QFile::remove(In("outside/a.csv"))) << name;
+  }
+  // A name that comes later was in no list.
+  auto* logger = It<TDataLogger>();
+  logger->SetActive(false);
+  logger->SetFileName("../outside/b.csv");
+  logger->SetActive(true);
+  log();
+  EXPECT_EQ(logger->GetStatusText(), "Cannot write " + In("panel/../outside/b.csv") +
+                                         ": it lies outside the folder of the panel; "
+                                         "1 row is missing");
+  // Nor does a link that is laid later lead out.
+  Load(variable + Text("FileName", "c.csv") + "</widget>");
+  EXPECT_THAT(WishTexts(), ElementsAre(QString("write c.csv beside the panel")));
+  panel->Start();
+  ASSERT_TRUE(QFile::link(In("outside/x"), In("panel/c.csv")));
+  log();
+  EXPECT_EQ(QFileInfo(In("outside/x")).size(), 4);
+  EXPECT_FALSE(QFile::exists(In("outside/b.csv")));
+}
+
+TEST_F(Outside, AStorageWritesBesideThePanelUnlessItsFolderWasNamed) {
+  Load(Widget("TStatsStorage", On("Active")));
+  EXPECT_THAT(WishTexts(), ElementsAre(QString("write files into the folder of the panel")));
+  const auto store = [this] {
+    TChannelSource source;
+    TChannelSet* set = source.GetSets()->Add();
+    set->SetStorage(It<TStatsStorage>());
+    It<TStatsStorage>()->SetSaveInterval(0);
+    for (int i = 0; i < 100; ++i) {
+      const double row[] = {45000.0 + i, 1.0 * i};
+      set->SetRow(row, 0, 2);
+    }
+  };
+  store();
+  EXPECT_THAT(QDir(In("panel")).entryList(QDir::Files), ElementsAre(QString("p.ui")));
+  panel->Start();
+  store();
+  EXPECT_GT(QDir(In("panel")).entryList(QDir::Files).size(), 1);
+  const qsizetype outside = QDir(In("outside")).entryList(QDir::Files).size();
+  It<TStatsStorage>()->SetRootDir("../outside");
+  store();
+  EXPECT_EQ(QDir(In("outside")).entryList(QDir::Files).size(), outside);
+}
+
+TEST_F(Outside, APortAtRestAsksForNoDriver) {
+  QWidget form;
+  BeginForm(form, TestFolder());
+  int drivers = 0;
+  auto* client = new TQLXMasterClient(&form, [&] {
+    ++drivers;
+    return MakeSystemDriver();
+  });
+  client->GetPort()->Open();
+  client->GetPort()->SetAutoRun(true);
+  EXPECT_EQ(client->GetPort()->TryDevice(*client->GetPort()),
+            "Cannot open COM1: the panel has not been started.");
+  EXPECT_EQ(drivers, 0);
+}
+
+TEST_F(Outside, ALinkAtRestOpensNothingAndAFileOnlyIfItWasNamed) {
+  Load(Widget("THyperlink", Text("URL", "x.pdf")));
+  WriteTestFile("panel/x.pdf", "");
+  EXPECT_THAT(WishTexts(),
+              ElementsAre(QString("open x.pdf beside the panel when its link is clicked")));
+  It<THyperlink>()->Open();
+  panel->Start();
+  WriteTestFile("panel/y.pdf", "");
+  It<THyperlink>()->SetURL("y.pdf");
+  It<THyperlink>()->Open();
+  EXPECT_THAT(TakeMessages(),
+              ElementsAre(QString("Cannot open x.pdf: the panel has not been started"),
+                          QString("Cannot open y.pdf: nobody was asked about it")));
+}
+
+}  // namespace

@@ -1,0 +1,422 @@
+#include "components/panels/Panelwindow.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTimer>
+#include <filesystem>
+
+#include "components/channels/Datachannel.h"
+#include "components/channels/Variable.h"
+#include "components/graphing/Graph.h"
+#include "tests/components/panels/Panelforms.h"
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using TAnswer = TPanelWindow::TAnswer;
+
+/// The window of a panel with a channel and a graph, and how often it asks what to do.
+struct TOpenPanel {
+  TOpenPanel()
+      : file(WriteTestFile("panel.ui", FormOf("<widget class=\"TDataChannel\" name=\"c\"/>\n"
+                                              "<widget class=\"TVariable\" name=\"v\"/>\n"
+                                              "<widget class=\"TKorvalGraph\" name=\"g\"/>\n")
+                                           .toUtf8())),
+        window(OpenPanel(file)) {
+    window.Ask = [this](const QString& question, const QList<TAnswer>& answers) {
+      questions.append(question);
+      EXPECT_TRUE(answers.contains(answer));
+      return answer;
+    };
+    window.show();
+  }
+
+  template <class T>
+  T* Find(const char* name) {
+    return window.Panel().Root()->findChild<T*>(name);
+  }
+  std::unique_ptr<TPanel> Reread() const { return TPanel::Load(file, nullptr); }
+
+  const QString file;
+  TPanelWindow window;
+  TAnswer answer = TAnswer::Cancel;
+  QStringList questions;
+};
+
+QAction* MenuItem(const TPanelWindow& window, const QString& text) {
+  for (QAction* action : window.menuBar()->actions()[0]->menu()->actions()) {
+    if (action->text().remove('&') == text) return action;
+  }
+  return nullptr;
+}
+
+TEST(Panelwindow, ItsMenuSavesSettingsAndSamples) {
+  TOpenPanel open;
+  auto* channel = open.Find<TDataChannel>("c");
+  channel->SetScaleFactor(2.5);
+  channel->SetTimeAndValue(1.0, 4.0);
+  MenuItem(open.window, "Save")->trigger();
+  const auto again = open.Reread();
+  const auto* saved = again->Root()->findChild<TDataChannel*>("c");
+  EXPECT_EQ(saved->GetScaleFactor(), 2.5);
+  ASSERT_EQ(saved->GetData()->Count(), 1);
+  EXPECT_EQ(saved->GetData()->GetValues(0, TFloatList::kValue), 10.0);
+  EXPECT_TRUE(open.window.close());
+  EXPECT_THAT(open.questions, ElementsAre());
+}
+
+TEST(Panelwindow, AsksOnlyAboutSettingsAndKeepsToTheAnswer) {
+  const struct {
+    TAnswer answer;
+    bool closes;
+    double saved;
+  } cases[] = {
+      {TAnswer::Cancel, false, 1.0}, {TAnswer::Discard, true, 1.0}, {TAnswer::Save, true, 3.0}};
+  for (const auto& c : cases) {
+    TOpenPanel open;
+    open.answer = c.answer;
+    // Values come by themselves.
+    open.Find<TDataChannel>("c")->SetValue(7.0);
+    open.Find<TVariable>("v")->SetValue(8.0);
+    EXPECT_TRUE(open.window.close());
+    EXPECT_THAT(open.questions, ElementsAre());
+
+    open.window.show();
+    open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+    EXPECT_EQ(open.window.close(), c.closes);
+    EXPECT_THAT(open.questions,
+                ElementsAre("Settings of " + open.file + " have been changed. Save them?"));
+    EXPECT_EQ(open.Reread()->Root()->findChild<TDataChannel*>("c")->GetScaleFactor(), c.saved);
+  }
+}
+
+TEST(Panelwindow, SavesChangedSettingsWithTheSession) {
+  TOpenPanel open;
+  const QDateTime before = QFileInfo(open.file).lastModified();
+  EndSession();
+  EXPECT_EQ(QFileInfo(open.file).lastModified(), before);
+  open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+  EndSession();
+  EXPECT_EQ(open.Reread()->Root()->findChild<TDataChannel*>("c")->GetScaleFactor(), 3.0);
+  EXPECT_TRUE(open.window.close());
+  EXPECT_THAT(open.questions, ElementsAre());
+}
+
+TEST(Panelwindow, AFailureToWriteIsSaidAndLosesNothing) {
+  TOpenPanel open;
+  open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+  open.answer = TAnswer::Save;
+  // A folder of that name lets no file take its place.
+  ASSERT_TRUE(QFile::rename(open.file, open.file + ".old"));
+  ASSERT_TRUE(QDir().mkdir(open.file));
+  EXPECT_FALSE(open.window.close());
+  EXPECT_TRUE(open.window.isVisible());
+  const QStringList messages = TakeMessages();
+  ASSERT_EQ(messages.size(), 1);
+  EXPECT_THAT(messages[0].toStdString(), StartsWith(("Cannot write " + open.file).toStdString()));
+  EXPECT_EQ(open.Find<TDataChannel>("c")->GetScaleFactor(), 3.0);
+  EXPECT_THAT(QDir(TestFolder()).entryList(QDir::Files), ElementsAre(QString("panel.ui.old")));
+  // Once there is room, the same panel is written.
+  ASSERT_TRUE(QDir().rmdir(open.file));
+  EXPECT_TRUE(open.window.close());
+  EXPECT_EQ(open.Reread()->Root()->findChild<TDataChannel*>("c")->GetScaleFactor(), 3.0);
+}
+
+TEST(Panelwindow, ReloadBringsTheFileBackAndKeepsThePanelIfThatIsSpoilt) {
+  TOpenPanel open;
+  open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+  open.window.Reload();
+  EXPECT_EQ(open.Find<TDataChannel>("c")->GetScaleFactor(), 3.0);
+  open.answer = TAnswer::Reload;
+  open.window.Reload();
+  EXPECT_EQ(open.Find<TDataChannel>("c")->GetScaleFactor(), 1.0);
+  // Nothing would go.
+  open.window.Reload();
+  EXPECT_THAT(open.questions, testing::SizeIs(2));
+  open.Find<TDataChannel>("c")->SetValue(4.0);
+  open.window.Reload();
+  EXPECT_THAT(open.questions, testing::SizeIs(3));
+  open.Find<TDataChannel>("c")->SetScaleFactor(4.0);
+  WriteTestFile("panel.ui", "<ui>");
+  open.window.Reload();
+  EXPECT_EQ(TakeMessages().size(), 1);
+  EXPECT_EQ(open.Find<TDataChannel>("c")->GetScaleFactor(), 4.0);
+}
+
+TEST(Panelwindow, ShowsComponentsWithoutAFaceOnRequest) {
+  TOpenPanel open;
+  auto* channel = open.Find<TDataChannel>("c");
+  EXPECT_FALSE(channel->isVisible());
+  EXPECT_TRUE(open.Find<TKorvalGraph>("g")->isVisible());
+  MenuItem(open.window, "Show components")->trigger();
+  EXPECT_TRUE(channel->isVisible());
+  MenuItem(open.window, "Show components")->trigger();
+  EXPECT_FALSE(channel->isVisible());
+}
+
+/// Else closing any panel that has run would ask.
+TEST(Panelwindow, RunningChangesNoSettingOfAnyClass) {
+  for (const TComponentClass& component : ComponentClasses()) {
+    SCOPED_TRACE(component.Name.toStdString());
+    const auto panel = LoadForm(
+        QStringLiteral("<widget class=\"%1\" name=\"it\"/>\n"
+                       "<widget class=\"TKorvalGraph\" name=\"plot\"/>\n"
+                       "<widget class=\"TDataChannel\" name=\"source\">\n"
+                       " <property name=\"ClientControls.Components\"><stringlist><string>it"
+                       "</string></stringlist></property>\n"
+                       " <property name=\"GraphLink.Graph\"><string>plot</string></property>\n"
+                       "</widget>\n")
+            .arg(component.Name),
+        nullptr);
+    ASSERT_TRUE(panel);
+    const std::string before = panel->Settings().toStdString();
+    auto* source = panel->Root()->findChild<TDataChannel*>("source");
+    for (int i = 0; i < 300; ++i) source->SetTimeAndValue(i, i % 7 * 1000.0);
+    panel->Root()->grab();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->Settings().toStdString(), before);
+  }
+}
+
+TEST(Panelwindow, SaysWhyAPictureCannotBeWritten) {
+  const QString file =
+      WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
+  const QString picture = TestFolder() + "/none/p.png";
+  EXPECT_FALSE(RunPanel(file, {0.0, picture, {}, {}}));
+  EXPECT_EQ(TakeMessages().join('\n').toStdString(),
+            ("Cannot write " + picture + ": No such file or directory").toStdString());
+  EXPECT_TRUE(RunPanel(file, {0.0, TestFolder() + "/p.png", {}, {}}));
+  // An earlier picture is not written over, but replaced.
+  const std::filesystem::path earlier(WriteTestFile("q.png", "earlier").toStdString());
+  const std::string kept = TestFolder().toStdString() + "/kept";
+  std::filesystem::create_hard_link(earlier, kept);
+  EXPECT_TRUE(RunPanel(file, {0.0, TestFolder() + "/q.png", {}, {}}));
+  EXPECT_EQ(std::filesystem::file_size(kept), 7u);
+  EXPECT_FALSE(QImage(TestFolder() + "/q.png").isNull());
+}
+
+TEST(Panelwindow, APanelLargerThanTheScreenScrolls) {
+  const QString file = WriteTestFile(
+      "large.ui", FormOf("<property name=\"geometry\"><rect><x>0</x><y>0</y><width>9000</width>"
+                         "<height>8000</height></rect></property>\n")
+                      .toUtf8());
+  TPanelWindow window(OpenPanel(file));
+  window.show();
+  EXPECT_LE(window.width(), window.screen()->availableSize().width());
+  EXPECT_EQ(window.Panel().Root()->size(), QSize(9000, 8000));
+}
+
+/// A window of a panel whose logger is switched on.
+struct TWantingPanel {
+  explicit TWantingPanel(const QString& name = "panel.ui", bool trusted = false)
+      : window(OpenPanel(TestFolder() + '/' + name, trusted), trusted) {
+    window.show();
+  }
+  static void Write(const QString& log) {
+    WriteTestFile("panel.ui",
+                  FormOf("<widget class=\"TVariable\" name=\"v\"/>\n"
+                         "<widget class=\"TDataLogger\" name=\"l\">\n"
+                         "<property name=\"Active\"><bool>true</bool></property>\n"
+                         "<property name=\"FileName\"><string>" +
+                         log +
+                         "</string></property>\n<property name=\"Controls.Components\">"
+                         "<stringlist><string>v</string></stringlist></property>\n</widget>\n")
+                      .toUtf8());
+  }
+  TWishBar* Bar() const { return window.findChild<TWishBar*>(); }
+  QPushButton* Button(const QString& text) const {
+    for (auto* button : Bar()->findChildren<QPushButton*>()) {
+      if (button->text() == text) return button;
+    }
+    return nullptr;
+  }
+  /// Whether a value gets into the log.
+  bool Logs(const QString& log) const {
+    window.Panel().Root()->findChild<TVariable*>("v")->SetValue(1.0);
+    return QFile::exists(TestFolder() + '/' + log);
+  }
+
+  TPanelWindow window;
+};
+
+TEST(Panelwindow, APanelThatWantsSomethingAsksUntilItIsAllowed) {
+  TWantingPanel::Write("log.txt");
+  {
+    TWantingPanel open;
+    ASSERT_TRUE(open.Bar());
+    EXPECT_THAT(open.window.windowTitle().toStdString(), HasSubstr("(at rest)"));
+    EXPECT_EQ(open.Bar()->findChild<QPlainTextEdit*>()->toPlainText(),
+              QString::fromUtf8("\u2022 write log.txt beside the panel"));
+    EXPECT_FALSE(open.Logs("log.txt"));
+    open.Button("Leave off")->click();
+    EXPECT_FALSE(open.Logs("log.txt"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(open.Bar());
+    MenuItem(open.window, "Start...")->trigger();
+    ASSERT_TRUE(open.Bar());
+    open.Button("Start")->click();
+    EXPECT_TRUE(open.Logs("log.txt"));
+    EXPECT_THAT(open.window.windowTitle().toStdString(), testing::Not(HasSubstr("(at rest)")));
+    // The same again in this window needs no answer, in another it does.
+    open.window.Ask = [](const QString&, const QList<TAnswer>&) { return TAnswer::Reload; };
+    open.window.Reload();
+    EXPECT_FALSE(open.window.Panel().IsAtRest());
+  }
+  {
+    TWantingPanel open;
+    ASSERT_TRUE(open.Bar());
+    open.Button("Always for this file")->click();
+    EXPECT_FALSE(open.window.Panel().IsAtRest());
+    // What the program itself saves stays allowed.
+    open.window.Panel().Root()->findChild<TVariable*>("v")->SetValue(7.0);
+    open.window.Save();
+  }
+  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  TWantingPanel::Write("log2.txt");
+  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+  EXPECT_FALSE(TWantingPanel("panel.ui", true).window.Panel().IsAtRest());
+  TWantingPanel().Button("Always in this folder")->click();
+  TWantingPanel::Write("log3.txt");
+  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+}
+
+TEST(Panelwindow, AnswersAreForTheFileThatWasShownAndForThePlacesItLedTo) {
+  ASSERT_TRUE(QDir(TestFolder()).mkdir("log"));
+  TWantingPanel::Write("log/a.txt");
+  TWantingPanel open;
+  TWantingPanel::Write("../b.txt");  // while the question stands
+  open.Button("Always for this file")->click();
+  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+  TWantingPanel::Write("log/a.txt");
+  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  ASSERT_TRUE(QDir(TestFolder()).rmdir("log"));
+  ASSERT_TRUE(QFile::link("/", TestFolder() + "/log"));
+  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+}
+
+TEST(Panelwindow, WithoutADisplayAPanelAsksByEndingWithTheList) {
+  TWantingPanel::Write("log.txt");
+  const QString file = TestFolder() + "/panel.ui";
+  const QString picture = TestFolder() + "/p.png";
+  EXPECT_FALSE(RunPanel(file, {0.0, picture, {}, {}}));
+  EXPECT_THAT(TakeMessages(),
+              ElementsAre(file + " has not been allowed to do what it wants; --trust allows it:\n"
+                                 "  write log.txt beside the panel"));
+  EXPECT_FALSE(QFile::exists(picture));
+  TPanelRun run{0.0, picture, {}, {}};
+  run.IsTrusted = true;
+  EXPECT_TRUE(RunPanel(file, run));
+  EXPECT_TRUE(QFile::exists(picture));
+}
+
+TEST(Panelwindow, SavingOverAnotherProgramsChangesAsks) {
+  TOpenPanel open;
+  const auto change = [&] {
+    QFile file(open.file);
+    EXPECT_TRUE(file.open(QIODevice::Append));
+    file.write("<!-- another -->\n");
+  };
+  const auto isChanged = [&] {
+    QFile file(open.file);
+    return file.open(QIODevice::ReadOnly) && file.readAll().contains("<!-- another -->");
+  };
+  open.Find<TDataChannel>("c")->SetScaleFactor(3.0);
+  change();
+  open.window.Save();
+  EXPECT_THAT(open.questions,
+              ElementsAre("Another program has changed " + open.file + " since it was read."));
+  EXPECT_TRUE(isChanged());
+  open.answer = TAnswer::SaveAs;
+  open.window.AskFileName = [] { return TestFolder() + "/copy.ui"; };
+  open.window.Save();
+  EXPECT_TRUE(isChanged());
+  EXPECT_TRUE(QFile::exists(TestFolder() + "/copy.ui"));
+  // From now on it is the copy that is saved.
+  EXPECT_EQ(open.window.Panel().FileName(), TestFolder() + "/copy.ui");
+  WriteTestFile("copy.ui", FormOf("<widget class=\"TDataChannel\" name=\"c\"/>\n").toUtf8());
+  open.answer = TAnswer::Overwrite;
+  open.window.Save();
+  EXPECT_EQ(TPanel::Load(TestFolder() + "/copy.ui", nullptr)->Components().size(), 3u);
+  WriteTestFile("copy.ui", FormOf("<widget class=\"TDataChannel\" name=\"c\"/>\n").toUtf8());
+  open.answer = TAnswer::Reload;
+  open.window.Save();
+  EXPECT_EQ(open.window.Panel().Components().size(), 1u);
+  EXPECT_THAT(TakeMessages(), IsEmpty());
+}
+
+TEST(Panelwindow, WithoutADisplayAnotherProgramsChangesAreKeptUnlessForced) {
+  const QString file =
+      WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
+  for (const bool force : {false, true}) {
+    // Another program writes while the panel runs.
+    QTimer::singleShot(0, [] { WriteTestFile("p.ui", "<other/>"); });
+    TPanelRun run{0.05, {}, file, {}};
+    run.Overwrites = force;
+    EXPECT_EQ(RunPanel(file, run), force);
+    EXPECT_EQ(TakeMessages().size(), force ? 0 : 1);
+    EXPECT_EQ(TPanel::Load(file, nullptr) != nullptr, force);
+    WriteTestFile("p.ui", FormOf("<widget class=\"TVariable\" name=\"v\"/>\n").toUtf8());
+  }
+}
+
+/// Every property that names a file, and a picture of the toolkit's.
+TEST(Panelwindow, FilesMeanTheSameWhenThePanelIsSavedInAnotherFolder) {
+  for (const char* folder : {"a", "b", "b/c"}) ASSERT_TRUE(QDir(TestFolder()).mkdir(folder));
+  const QPixmap picture = [] {
+    QPixmap result(4, 4);
+    result.fill(Qt::red);
+    return result;
+  }();
+  ASSERT_TRUE(picture.save(TestFolder() + "/a/dot.png"));
+  WriteTestFile("a/x.txt", "1\n");
+  QString widgets =
+      "<widget class=\"QLabel\" name=\"label\"><property name=\"pixmap\"><pixmap>dot.png</pixmap>"
+      "</property><property name=\"styleSheet\"><string>QLabel { background: "
+      "url(&quot;dot.png&quot;) }</string></property></widget>\n"
+      "<widget class=\"QPushButton\" name=\"button\"><property name=\"icon\"><iconset>"
+      "<normaloff>dot.png</normaloff>dot.png</iconset></property></widget>\n";
+  static const QRegularExpression names("(File|Files|FileName|Dir|Folder|Path|URL)$");
+  QStringList paths;
+  for (const TComponentClass& component : ComponentClasses()) {
+    QString properties;
+    const std::unique_ptr<QWidget> fresh(component.Make(nullptr));
+    ForEachStored(*fresh, [&](const TPublished& published) {
+      if (!names.match(published.Path).hasMatch()) return;
+      const int type = published.Property.typeId();
+      const QString name = QStringLiteral("<string>x.txt</string>");
+      if (type != QMetaType::QString && type != QMetaType::QStringList) return;
+      paths << component.Name + ' ' + published.Path;
+      properties +=
+          QStringLiteral("<property name=\"%1\">%2</property>")
+              .arg(published.Path,
+                   type == QMetaType::QString ? name : "<stringlist>" + name + "</stringlist>");
+    });
+    widgets += QStringLiteral("<widget class=\"%1\" name=\"it%1\">%2</widget>\n")
+                   .arg(component.Name, properties);
+  }
+  EXPECT_GE(paths.size(), 9) << paths.join('\n').toStdString();
+  const auto first = TPanel::Load(WriteTestFile("a/p.ui", FormOf(widgets).toUtf8()), nullptr);
+  QString error;
+  ASSERT_TRUE(first->Save(TestFolder() + "/b/c/p.ui", &error));
+  QFile saved(TestFolder() + "/b/c/p.ui");
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  const QString text = QString::fromUtf8(saved.readAll());
+  EXPECT_EQ(text.count("<string>../../a/x.txt</string>"), paths.size());
+  EXPECT_EQ(text.count("../../a/dot.png"), 4);
+  // Back again it is what it was.
+  ASSERT_TRUE(first->Save(TestFolder() + "/a/p.ui", &error));
+  QFile back(TestFolder() + "/a/p.ui");
+  ASSERT_TRUE(back.open(QIODevice::ReadOnly));
+  EXPECT_EQ(QString::fromUtf8(back.readAll()).count("<string>x.txt</string>"), paths.size());
+}
+
+}  // namespace

@@ -1,0 +1,369 @@
+#include "components/sources/Dataprovider.h"
+
+#include <gmock/gmock.h>
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QWidget>
+#include <cmath>
+
+#include "components/sources/Simulator.h"
+#include "components/sources/Stringreader.h"
+#include "tests/components/sources/Providerfixture.h"
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::SizeIs;
+using TValues = std::vector<double>;
+
+TEST(TStringReader, DeliversItsNumbersAndStops) {
+  TStringReader reader;
+  TRecorder client;
+  reader.GetClientControls()->Add(&client);
+  reader.SetDataStrings({"1 2 3"});
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(client.given, ElementsAre(1, 2, 3));
+  EXPECT_EQ(reader.GetErrorText(), QString());
+  ASSERT_TRUE(RunToStop(reader));  // from the beginning
+  EXPECT_THAT(client.given, ElementsAre(1, 2, 3, 1, 2, 3));
+}
+
+TEST(TStringReader, DealsValuesInTurn) {
+  for (const std::size_t count : {0, 1, 2, 3}) {
+    TStringReader reader;
+    std::vector<TRecorder> clients(count);
+    for (TRecorder& client : clients) reader.GetClientControls()->Add(&client);
+    reader.SetDataStrings({"0 1 2 3", "4", "5 6 7 8 9 10"});
+    ASSERT_TRUE(RunToStop(reader));
+    TValues expected[3];
+    for (int value = 0; count && value <= 10; ++value) {
+      expected[static_cast<std::size_t>(value) % count].push_back(value);
+    }
+    for (std::size_t i = 0; i < count; ++i) EXPECT_EQ(clients[i].given, expected[i]);
+  }
+}
+
+TEST(TStringReader, BeginsARoundOfClientsWithEachChunk) {
+  TStringReader reader;
+  TRecorder clients[2];
+  for (TRecorder& client : clients) reader.GetClientControls()->Add(&client);
+  reader.SetDataStrings({"1 2 3"});
+  reader.SetReadMode(TCustomDataProvider::rmReadPage);
+  reader.SetPageSize(6);
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(clients[0].given, ElementsAre(1, 3, 1, 3));
+  EXPECT_THAT(clients[1].given, ElementsAre(2, 2));
+}
+
+TEST(TStringReader, StopsAfterEachPageAndGoesOnBehindIt) {
+  for (const int pageSize : {1, 7, 100, 5000}) {
+    SCOPED_TRACE(pageSize);
+    TStringReader reader;
+    TRecorder client;
+    reader.GetClientControls()->Add(&client);
+    QStringList lines;
+    for (int i = 0; i < 3 * pageSize + 1; ++i) lines << QString::number(i);
+    reader.SetDataStrings(lines);
+    reader.SetReadMode(TCustomDataProvider::rmReadPage);
+    reader.SetPageSize(pageSize);
+    bool active = true;
+    client.OnGiven = [&](double value) {
+      active = reader.GetActive();
+      // The last value of a page is delivered when the provider has stopped already.
+      EXPECT_EQ(active, static_cast<int>(value) % pageSize != pageSize - 1);
+    };
+    for (std::size_t page = 1; page <= 3; ++page) {
+      ASSERT_TRUE(RunToStop(reader));
+      EXPECT_THAT(client.given, SizeIs(page * static_cast<std::size_t>(pageSize)));
+    }
+    for (std::size_t i = 0; i < client.given.size(); ++i) ASSERT_EQ(client.given[i], i);
+  }
+}
+
+TEST(TStringReader, StopsAtAWordThatIsNoNumberAndGoesOnBehindIt) {
+  TStringReader reader;
+  reader.setObjectName("Numbers");
+  TRecorder client;
+  reader.GetClientControls()->Add(&client);
+  reader.SetDataStrings({"1 2", "33 1E+ 4"});
+  QSignalSpy errors(&reader, &TThreadProvider::OnError);
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(client.given, ElementsAre(1, 2, 33));
+  const QString text = R"(Cannot read the text of Numbers: "1E+" at byte 7 is no number)";
+  EXPECT_EQ(reader.GetErrorText(), text);
+  ASSERT_EQ(errors.count(), 1);
+  EXPECT_EQ(errors[0][1].toString(), text);
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(client.given, ElementsAre(1, 2, 33, 4));
+  EXPECT_EQ(reader.GetErrorText(), QString());
+}
+
+TEST(TStringReader, DoesNotGoInACircleWithoutNumbers) {
+  for (const auto mode : {TCustomDataProvider::rmContinuous, TCustomDataProvider::rmReadPage}) {
+    for (const QStringList& lines : {QStringList(), QStringList{"", "header", "7<tag>"}}) {
+      TStringReader reader;
+      reader.SetReadMode(mode);
+      reader.SetDataStrings(lines);
+      ASSERT_TRUE(RunToStop(reader));
+      EXPECT_EQ(reader.GetErrorText(), "Cannot go on reading: there is no number in the text");
+    }
+  }
+}
+
+TEST(TStringReader, TakesOtherTextAtOnce) {
+  TStringReader reader;
+  TRecorder client;
+  reader.GetClientControls()->Add(&client);
+  reader.SetDataStrings({"1 2 3 4 5"});
+  client.OnGiven = [&](double value) {
+    if (value == 2) reader.SetDataStrings({"6", "7"});
+  };
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(client.given, ElementsAre(1, 2, 6, 7));
+}
+
+TEST(TCustomDataProvider, StartsWhenItsFormIsComplete) {
+  QWidget form;
+  auto* client = new TDataControl(&form);
+  client->setObjectName("Client");
+  auto* reader = new TStringReader(&form);
+  reader->BeginLoading();
+  reader->SetActive(true);
+  reader->SetDataStrings({"5"});
+  reader->SetStreamPosition(0);
+  reader->GetClientControls()->SetNames({"Client"});
+  EXPECT_FALSE(reader->GetActive());
+  reader->Loaded();
+  EXPECT_TRUE(reader->GetActive());
+  ASSERT_TRUE(RunUntil([&] { return !reader->GetActive(); }));
+  EXPECT_EQ(client->GetValue(), 5.0);
+}
+
+TEST(TCustomDataProvider, BeginsAgainWithOtherClients) {
+  TStringReader reader;
+  TRecorder first, second;
+  reader.GetClientControls()->Add(&first);
+  reader.SetDataStrings({"1 2 3"});
+  reader.SetReadMode(TCustomDataProvider::rmReadPage);
+  reader.SetPageSize(2);
+  ASSERT_TRUE(RunToStop(reader));
+  TKorvalCompList other(nullptr, &TDataControl::staticMetaObject);
+  other.Add(&second);
+  reader.SetClientControls(&other);
+  EXPECT_FALSE(reader.GetActive());
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(first.given, ElementsAre(1, 2));
+  EXPECT_THAT(second.given, ElementsAre(1, 2));
+}
+
+TEST(TThreadProvider, DeliversNothingAfterItIsSwitchedOffByAClient) {
+  TStringReader reader;
+  TRecorder client;
+  reader.GetClientControls()->Add(&client);
+  QString line;
+  for (int i = 0; i < 1000; ++i) line += QString::number(i) + ' ';
+  reader.SetDataStrings({line});
+  client.OnGiven = [&](double value) {
+    if (static_cast<int>(value) % 37 == 36) reader.SetActive(false);
+  };
+  for (std::size_t stops = 1; stops <= 27; ++stops) {
+    ASSERT_TRUE(RunToStop(reader));
+    EXPECT_THAT(client.given, SizeIs(stops * 37));
+    // Nothing comes while the loop runs on.
+    for (int turn = 0; turn < 5; ++turn) QCoreApplication::processEvents();
+    ASSERT_THAT(client.given, SizeIs(stops * 37));
+  }
+  for (std::size_t i = 0; i < client.given.size(); ++i) ASSERT_EQ(client.given[i], i);
+}
+
+TEST(TThreadProvider, MayBeDestroyedByAClientOrAListener) {
+  for (const bool byClient : {true, false}) {
+    auto* simulator = new TSignalSimulator;
+    QPointer<TSignalSimulator> alive(simulator);
+    TRecorder client;
+    simulator->GetClientControls()->Add(&client);
+    simulator->SetReadMode(TCustomDataProvider::rmReadPage);
+    simulator->SetPageSize(10);
+    if (byClient) {
+      client.OnGiven = [&](double) {
+        if (client.given.size() == 10) delete simulator;
+      };
+    } else {
+      QObject::connect(simulator, &TStateControl::OnActiveChanged, &client, [&] {
+        if (!simulator->GetActive()) delete simulator;
+      });
+    }
+    simulator->SetActive(true);
+    ASSERT_TRUE(RunUntil([&] { return !alive; }));
+    EXPECT_THAT(client.given, SizeIs(10));
+  }
+}
+
+TEST(TThreadProvider, StopsWithTheTextOfAnExceptionOfAClient) {
+  TStringReader reader;
+  TRecorder client;
+  reader.GetClientControls()->Add(&client);
+  reader.SetDataStrings({"1 2 3"});
+  client.OnGiven = [](double value) {
+    if (value == 2) throw std::runtime_error("no room");
+  };
+  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_EQ(reader.GetErrorText(), "no room");
+  EXPECT_THAT(client.given, ElementsAre(1, 2));
+}
+
+/// Counts what it paints.
+struct TPainted : QWidget {
+  void paintEvent(QPaintEvent*) override { ++paints; }
+  int paints = 0;
+};
+
+TEST(TThreadProvider, LeavesTurnsToTheWindowWhenItRunsFlatOut) {
+  TSignalSimulator simulator;
+  TRecorder client;
+  simulator.GetClientControls()->Add(&client);
+  TPainted window;
+  window.show();
+  simulator.SetActive(true);
+  ASSERT_TRUE(RunUntil([&] { return client.given.size() > 10'000 && window.paints > 0; }));
+  for (int round = 1; round <= 20; ++round) {
+    int timeouts = 0;
+    QTimer::singleShot(0, &window, [&] { ++timeouts; });
+    const int before = window.paints;
+    window.update();
+    int turns = 0;
+    for (; turns < 10 && (timeouts == 0 || window.paints == before); ++turns) {
+      QCoreApplication::processEvents();
+    }
+    EXPECT_LT(turns, 10) << "the timer or the repaint waits behind the values";
+  }
+}
+
+TEST(TThreadProvider, GivesASlowClientOneValueInATurn) {
+  TSignalSimulator simulator;
+  TRecorder client;
+  simulator.GetClientControls()->Add(&client);
+  client.OnGiven = [](double) {
+    const QDeadlineTimer busy(5);
+    while (!busy.hasExpired()) continue;
+  };
+  simulator.SetActive(true);
+  int turns = 0;
+  ASSERT_TRUE(RunUntil([&] {
+    ++turns;
+    return client.given.size() >= 10;
+  }));
+  EXPECT_GE(turns, 10);
+}
+
+// TSignalSimulator
+
+/// `count` values of each client.
+std::vector<TRecorder> Simulate(TSignalSimulator& simulator, std::size_t clients, int count) {
+  std::vector<TRecorder> recorders(clients);
+  for (TRecorder& recorder : recorders) simulator.GetClientControls()->Add(&recorder);
+  simulator.SetReadMode(TCustomDataProvider::rmReadPage);
+  simulator.SetPageSize(count * static_cast<int>(clients));
+  EXPECT_TRUE(RunToStop(simulator));
+  return recorders;
+}
+
+TEST(TSignalSimulator, NeverGivesMoreValuesThanItsRateAllows) {
+  TSignalSimulator simulator;
+  TRecorder recorder;
+  simulator.GetClientControls()->Add(&recorder);
+  simulator.SetRate(400.0);
+  for (const double ignored : {-1.0, std::nan(""), HUGE_VAL}) simulator.SetRate(ignored);
+  EXPECT_EQ(simulator.GetRate(), 400.0);
+  QElapsedTimer clock;
+  clock.start();
+  simulator.SetActive(true);
+  ASSERT_TRUE(RunUntil([&] { return recorder.given.size() >= 100; }));
+  // The first comes at once, each other one a four hundredth of a second after the one before.
+  EXPECT_GE(static_cast<double>(clock.nsecsElapsed()) / 1e9 * 400.0 + 1.0,
+            static_cast<double>(recorder.given.size()));
+}
+
+TEST(TSignalSimulator, GivesEachClientTheSameSampleOfTheSine) {
+  for (const std::size_t clients : {1, 2, 3}) {
+    TSignalSimulator simulator;
+    simulator.SetFunction(TSignalSimulator::sfSinusoid);
+    simulator.SetAverage(10.0);
+    simulator.SetAmplitude(4.0);
+    const auto recorders = Simulate(simulator, clients, 5000);
+    const TValues& first = recorders[0].given;
+    ASSERT_THAT(first, SizeIs(5000));
+    for (const TRecorder& other : recorders) EXPECT_EQ(other.given, first);
+    for (std::size_t i = 30; i < first.size(); ++i) ASSERT_EQ(first[i], first[i - 30]);
+    EXPECT_EQ(first[0], 10.0);
+    EXPECT_NEAR(first[5], 10.0 + 4.0 * std::sqrt(0.75), 1e-12);  // a sixth of a period
+    EXPECT_NEAR(first[15], 10.0, 1e-12);
+    EXPECT_NEAR(first[20], 10.0 - 4.0 * std::sqrt(0.75), 1e-12);
+  }
+}
+
+TEST(TSignalSimulator, GoesOnWithTheSineWhereItStopped) {
+  TSignalSimulator simulator;
+  simulator.SetFunction(TSignalSimulator::sfSinusoid);
+  TRecorder clients[2];
+  for (TRecorder& client : clients) simulator.GetClientControls()->Add(&client);
+  simulator.SetReadMode(TCustomDataProvider::rmReadPage);
+  simulator.SetPageSize(7);  // in the middle of a round
+  for (int page = 0; page < 40; ++page) ASSERT_TRUE(RunToStop(simulator));
+  EXPECT_EQ(clients[0].given, clients[1].given);
+  for (std::size_t i = 30; i < 140; ++i) ASSERT_EQ(clients[0].given[i], clients[0].given[i - 30]);
+}
+
+TEST(TSignalSimulator, FollowsItsDistributions) {
+  constexpr int kCount = 20'000;
+  const struct {
+    TSignalSimulator::TSimFuncType function;
+    double deviation, bound;  // of the amplitude
+  } cases[] = {{TSignalSimulator::sfConstant, 0.0, 0.0},
+               {TSignalSimulator::sfNormalDistribution, 1.0, 7.0},
+               {TSignalSimulator::sfRandom, 1.0 / std::sqrt(3.0), 1.0}};
+  for (const auto& c : cases) {
+    TSignalSimulator simulator;
+    simulator.SetFunction(c.function);
+    simulator.SetAverage(50.0);
+    simulator.SetAmplitude(2.0);
+    const auto recorders = Simulate(simulator, 1, kCount);
+    double sum = 0.0, squares = 0.0, most = 0.0;
+    for (const double value : recorders[0].given) {
+      sum += value;
+      squares += (value - 50.0) * (value - 50.0);
+      most = std::max(most, std::abs(value - 50.0));
+    }
+    // Five standard errors.
+    EXPECT_NEAR(sum / kCount, 50.0, 5.0 * 2.0 * c.deviation / std::sqrt(kCount));
+    EXPECT_NEAR(std::sqrt(squares / kCount), 2.0 * c.deviation, 0.05 * 2.0 * c.deviation);
+    EXPECT_LE(most, 2.0 * c.bound);
+    EXPECT_GE(most, 2.0 * c.deviation);
+  }
+}
+
+TEST(TSignalSimulator, FollowsAChangeWithTheNextValue) {
+  TSignalSimulator simulator;
+  TRecorder client, other;
+  simulator.GetClientControls()->Add(&client);
+  simulator.SetFunction(TSignalSimulator::sfConstant);
+  simulator.SetReadMode(TCustomDataProvider::rmReadPage);
+  simulator.SetPageSize(1000);
+  client.OnGiven = [&](double) { simulator.SetAverage(static_cast<double>(client.given.size())); };
+  ASSERT_TRUE(RunToStop(simulator));
+  for (std::size_t i = 0; i < 1000; ++i) ASSERT_EQ(client.given[i], i);
+  simulator.SetAverage(std::nan(""));
+  simulator.SetAmplitude(INFINITY);
+  EXPECT_EQ(simulator.GetAverage(), 1000.0);
+  EXPECT_EQ(simulator.GetAmplitude(), 1.0);
+}
+
+TEST(TSignalSimulator, IsNotInStepWithAnother) {
+  TSignalSimulator one, two;
+  const auto a = Simulate(one, 1, 10), b = Simulate(two, 1, 10);
+  EXPECT_NE(a[0].given, b[0].given);
+}
+
+}  // namespace

@@ -1,0 +1,518 @@
+#include "components/sources/Fourier.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <numbers>
+#include <span>
+
+#include "components/graphing/Graph.h"
+#include "tests/signals/Directsums.h"
+
+namespace {
+
+using testing::DoubleNear;
+using testing::Each;
+using testing::ElementsAre;
+
+constexpr double kPi = std::numbers::pi;
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(TFFT, RoundsTheSampleCountToArrays) {
+  const struct {
+    int count, samples, length, bits;
+  } cases[] = {
+      {10, 32, 32, 5},    {-1, 32, 32, 5},        {33, 33, 64, 6},        {100, 100, 128, 7},
+      {128, 128, 128, 7}, {1025, 1025, 2048, 11}, {5000, 4096, 4096, 12}, {INT_MAX, 4096, 4096, 12},
+  };
+  for (const auto& c : cases) {
+    TFFT fft;
+    EXPECT_EQ(fft.GetSampleCount(), 128);
+    fft.SetSampleCount(c.count);
+    EXPECT_EQ(fft.GetSampleCount(), c.samples);
+    EXPECT_EQ(fft.ArrayLength(), c.length);
+    EXPECT_EQ(fft.NumOfBits(), c.bits);
+    EXPECT_EQ(fft.OutputReal().size(), static_cast<std::size_t>(c.length));
+    EXPECT_EQ(fft.ReverseBits(1), c.length / 2);
+    EXPECT_EQ(fft.ReverseBits(6), c.length / 8 * 3);
+  }
+}
+
+TEST(TFFT, TransformsAnImpulseToOneTurnPerLength) {
+  TFFT fft;
+  fft.SetSampleCount(32);
+  int transforms = 0;
+  fft.OnTransform = [&](TFFT& sender) {
+    EXPECT_EQ(&sender, &fft);
+    ++transforms;
+  };
+  const auto block = [&](int impulse) {
+    for (int n = 0; n < 32; ++n) fft.AddValue(n == impulse ? 1.0 : 0.0);
+  };
+  block(0);
+  EXPECT_THAT(fft.OutputReal(), Each(DoubleNear(1.0, 1e-15)));
+  EXPECT_THAT(fft.OutputImag(), Each(DoubleNear(0.0, 1e-15)));
+  block(1);
+  const double diagonal = std::sqrt(0.5);
+  const struct {
+    std::size_t bin;
+    double real, imag;
+  } cases[] = {
+      {0, 1.0, 0.0}, {4, diagonal, diagonal}, {8, 0.0, 1.0}, {16, -1.0, 0.0}, {24, 0.0, -1.0}};
+  for (const auto& c : cases) {
+    EXPECT_NEAR(fft.OutputReal()[c.bin], c.real, 1e-14) << c.bin;
+    EXPECT_NEAR(fft.OutputImag()[c.bin], c.imag, 1e-14) << c.bin;
+  }
+  EXPECT_EQ(transforms, 2);
+  fft.Reset();
+  for (int n = 0; n < 31; ++n) fft.AddValue(1.0);
+  EXPECT_EQ(transforms, 2);
+}
+
+/// A channel whose bins are 1 Hz apart, up to `pointCount` / 2 Hz.
+struct TFixture {
+  explicit TFixture(int pointCount = 128) {
+    channel.SetPointCount(pointCount);
+    channel.SetSampleRate(pointCount);
+    channel.SetUpperFilter(pointCount);
+  }
+
+  /// One block of amplitude x sin(2 pi frequency t + phase).
+  void AddSine(double amplitude, double frequency, double phase = 0.0) {
+    for (int n = 0; n < channel.GetPointCount(); ++n) {
+      channel.SetValue(amplitude *
+                       std::sin(2.0 * kPi * frequency * n / channel.GetPointCount() + phase));
+    }
+  }
+  void AddBlock(const TColumn& values) {
+    for (const double value : values) channel.SetValue(value);
+  }
+
+  double At(int bin, TFFTChannel::TFFTOutput column) {
+    return channel.GetData()->GetValues(bin, column);
+  }
+  /// The curve, as its points come one by one.
+  std::vector<TCoordinate> Curve(TFFTChannel::TFFTOutput output) {
+    channel.SetOutput(output);
+    std::vector<TCoordinate> points;
+    TCoordinate point;
+    TCoordinate extent;
+    int index = 0;
+    while (channel.ProvideGraphData(index, point, extent)) {
+      points.push_back(point);
+      const double width = output == TFFTChannel::fftInverse ? 1.0 : channel.BinWidth();
+      EXPECT_EQ(extent, (TCoordinate{width, width}));
+      EXPECT_EQ(index, static_cast<int>(points.size()));
+    }
+    return points;
+  }
+
+  TFFTChannel channel;
+};
+
+TEST(TFFTChannel, BeginsWithItsDefaults) {
+  TFFTChannel channel;
+  EXPECT_EQ(channel.GetPointCount(), 128);
+  EXPECT_EQ(channel.GetSampleRate(), 100.0);
+  EXPECT_EQ(channel.GetOutput(), TFFTChannel::fftPower);
+  EXPECT_EQ(channel.GetCumulCount(), 0);
+  EXPECT_EQ(channel.GetLowerFilter(), 0.0);
+  EXPECT_EQ(channel.GetUpperFilter(), 50.0);
+  EXPECT_EQ(channel.GetCaptionPos(), TIconControl::cpRight);
+  EXPECT_EQ(channel.GetImageSize(), QSize(24, 24));
+  EXPECT_EQ(channel.GetData()->ColCount(), 6);
+  const auto* series = qobject_cast<TSeries*>(channel.GetGraphLink()->GetSeriesList().Get(0));
+  ASSERT_TRUE(series);
+  EXPECT_EQ(series->GetStyle()->GetLineStyle(), TSeriesStyle::psSolid);
+  EXPECT_EQ(series->GetStyle()->GetPointColor().Value(), 16711680);
+  EXPECT_EQ(series->GetStyle()->GetFillColor().Value(), 16711680);
+
+  const QMetaObject& meta = TFFTChannel::staticMetaObject;
+  QStringList names;
+  for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+    names << meta.property(i).name();
+  }
+  EXPECT_EQ(names.join(' ').toStdString(),
+            "GraphLink Data PointCount SampleRate Output CumulCount LowerFilter UpperFilter "
+            "ResetFFT UpperFilterSet");
+}
+
+TEST(TFFTChannel, ShowsASineInItsBinAlone) {
+  // Amplitude 2 at 5 Hz: half of it in the bin, the other half mirrored above 64 Hz.
+  const struct {
+    double phase, real, imag, angle;
+  } cases[] = {
+      {0.0, 0.0, 1.0, kPi / 2.0},    // a sine
+      {kPi / 2.0, 1.0, 0.0, 0.0},    // a cosine
+      {kPi, 0.0, -1.0, -kPi / 2.0},  // a sine upside down
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.phase);
+    TFixture fixture;
+    fixture.AddSine(2.0, 5.0, c.phase);
+    for (int bin = 0; bin < 128; ++bin) {
+      EXPECT_EQ(fixture.At(bin, TFFTChannel::fftFrequency), bin);
+      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftPower), bin == 5 ? 1.0 : 0.0, 1e-12);
+      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftReAmplitude), bin == 5 ? c.real : 0.0, 1e-12);
+      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftImAmplitude), bin == 5 ? c.imag : 0.0, 1e-12);
+    }
+    EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPhase), c.angle, 1e-12);
+  }
+}
+
+TEST(TFFTChannel, SpreadsASineBetweenBinsAndKeepsItsPower) {
+  TFixture fixture;
+  fixture.AddSine(1.0, 20.5);
+  // Midway the amplitude is 2 / pi of that in a bin.
+  EXPECT_NEAR(fixture.At(20, TFFTChannel::fftPower), 1.0 / (kPi * kPi), 2e-3);
+  EXPECT_NEAR(fixture.At(21, TFFTChannel::fftPower), 1.0 / (kPi * kPi), 2e-3);
+  // Both halves of the spectrum: all of the mean square but the constant's and 64 Hz' shares.
+  double power = 0.0;
+  for (int bin = 0; bin < 128; ++bin) power += 2.0 * fixture.At(bin, TFFTChannel::fftPower);
+  EXPECT_NEAR(power, 0.5, 1e-3);
+}
+
+TEST(TFFTChannel, AveragesItsBlocks) {
+  TFixture fixture;
+  for (const double amplitude : {2.0, 4.0, 6.0}) fixture.AddSine(amplitude, 5.0, kPi / 4.0);
+  EXPECT_EQ(fixture.channel.GetCumulCount(), 3);
+  EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPower), 1.0 + 4.0 + 9.0, 1e-11);
+  const double diagonal = 2.0 * std::sqrt(0.5);
+  const struct {
+    TFFTChannel::TFFTOutput output;
+    double y;
+  } cases[] = {
+      {TFFTChannel::fftFrequency, 5.0 / 3.0},  // as every column
+      {TFFTChannel::fftPower, 14.0 / 3.0},     {TFFTChannel::fftPhase, kPi / 4.0},
+      {TFFTChannel::fftReAmplitude, diagonal}, {TFFTChannel::fftImAmplitude, diagonal},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.output);
+    const std::vector<TCoordinate> curve = fixture.Curve(c.output);
+    ASSERT_EQ(curve.size(), 64u);
+    EXPECT_EQ(curve[5].X, 5.0);
+    EXPECT_NEAR(curve[5].Y, c.y, 1e-11);
+    EXPECT_EQ(curve[63].X, 63.0);
+  }
+}
+
+TEST(TFFTChannel, TakesTheBandBackToValues) {
+  TFixture fixture;
+  fixture.channel.SetUpperFilter(10.0);
+  fixture.channel.SetLowerFilter(2.0);
+  const auto mix = [](double t, double slow, double middle, double fast) {
+    return slow * std::sin(2.0 * kPi * 2.0 * t) + middle * std::sin(2.0 * kPi * 10.0 * t) +
+           fast * std::sin(2.0 * kPi * 11.0 * t);
+  };
+  // The band reaches from above 2 Hz to 10 Hz itself; the means are 3 in it and 5 outside.
+  for (const double shift : {-1.0, 1.0}) {
+    TColumn block;
+    for (int n = 0; n < 128; ++n) block.push_back(mix(n / 128.0, 5.0, 3.0 + shift, 5.0));
+    fixture.AddBlock(block);
+  }
+  const std::vector<TCoordinate> curve = fixture.Curve(TFFTChannel::fftInverse);
+  ASSERT_EQ(curve.size(), 128u);
+  for (int n = 0; n < 128; ++n) {
+    const TCoordinate& point = curve[static_cast<std::size_t>(n)];
+    EXPECT_EQ(point.X, n);
+    // Without the mirror image half the amplitude is left.
+    EXPECT_NEAR(point.Y, 0.5 * mix(n / 128.0, 0.0, 3.0, 0.0), 1e-11);
+  }
+  EXPECT_EQ(fixture.At(2, TFFTChannel::fftPower), 0.0);
+  EXPECT_EQ(fixture.At(11, TFFTChannel::fftPower), 0.0);
+}
+
+TEST(TFFTChannel, FillsABlockUpWithZerosToAPowerOfTwo) {
+  TFixture fixture(100);
+  EXPECT_EQ(fixture.channel.GetData()->Count(), 100);
+  EXPECT_EQ(fixture.At(99, TFFTChannel::fftFrequency), 99.0);
+  const TColumn values = RandomValues(100, 5);
+  const auto sums = DirectSums(values, TColumn(100), 128);
+  // The inverse after each block leaves nothing in the next one.
+  for (int blocks = 1; blocks <= 3; ++blocks) {
+    fixture.AddBlock(values);
+    for (int bin = 1; bin < 50; ++bin) {
+      const auto sum = static_cast<double>(blocks) * sums[static_cast<std::size_t>(bin)] / 100.0;
+      ASSERT_NEAR(fixture.At(bin, TFFTChannel::fftReAmplitude), sum.real(), 1e-11) << bin;
+      ASSERT_NEAR(fixture.At(bin, TFFTChannel::fftImAmplitude), sum.imag(), 1e-11) << bin;
+    }
+  }
+  EXPECT_EQ(fixture.Curve(TFFTChannel::fftPower).size(), 50u);
+  EXPECT_EQ(fixture.Curve(TFFTChannel::fftInverse).size(), 100u);
+}
+
+TEST(TFFTChannel, TakesOnlyBandsAndRates) {
+  const struct {
+    void (TFFTChannel::*set)(double);
+    double value, rate, lower, upper;
+    bool starts;
+  } cases[] = {
+      {&TFFTChannel::SetUpperFilter, 30.0, 100.0, 10.0, 30.0, true},
+      {&TFFTChannel::SetUpperFilter, 60.0, 100.0, 10.0, 50.0, true},
+      {&TFFTChannel::SetUpperFilter, kInfinity, 100.0, 10.0, 50.0, true},
+      {&TFFTChannel::SetUpperFilter, 40.0, 100.0, 10.0, 40.0, false},  // there already
+      {&TFFTChannel::SetUpperFilter, 10.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetUpperFilter, -1.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetUpperFilter, kNan, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetLowerFilter, 0.0, 100.0, 0.0, 40.0, true},
+      {&TFFTChannel::SetLowerFilter, 39.0, 100.0, 39.0, 40.0, true},
+      {&TFFTChannel::SetLowerFilter, 10.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetLowerFilter, 40.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetLowerFilter, -1.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetLowerFilter, kNan, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetSampleRate, 200.0, 200.0, 10.0, 40.0, true},
+      {&TFFTChannel::SetSampleRate, 100.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetSampleRate, 0.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetSampleRate, -5.0, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetSampleRate, kNan, 100.0, 10.0, 40.0, false},
+      {&TFFTChannel::SetSampleRate, kInfinity, 100.0, 10.0, 40.0, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << &c - cases << ": " << c.value);
+    TFixture fixture;
+    fixture.channel.SetSampleRate(100.0);
+    fixture.channel.SetUpperFilter(40.0);
+    fixture.channel.SetLowerFilter(10.0);
+    fixture.AddSine(1.0, 20.0);
+    (fixture.channel.*c.set)(c.value);
+    EXPECT_EQ(fixture.channel.GetSampleRate(), c.rate);
+    EXPECT_EQ(fixture.channel.GetLowerFilter(), c.lower);
+    EXPECT_EQ(fixture.channel.GetUpperFilter(), c.upper);
+    EXPECT_EQ(fixture.channel.GetCumulCount(), c.starts ? 0 : 1);
+    EXPECT_EQ(fixture.At(20, TFFTChannel::fftPower) == 0.0, c.starts);
+    EXPECT_EQ(fixture.At(96, TFFTChannel::fftFrequency), 0.75 * c.rate);
+    EXPECT_EQ(fixture.channel.BinWidth(), c.rate / 128.0);
+  }
+}
+
+TEST(TFFTChannel, LosesAPartlyFilledBlockWithItsLengthOnly) {
+  TFixture fixture;
+  const TColumn half(64, 1.0);
+  fixture.AddBlock(half);
+  fixture.channel.GetResetFFT()->SetClick(true);
+  fixture.channel.SetSampleRate(200.0);
+  fixture.channel.SetPointCount(128);
+  fixture.AddBlock(half);
+  EXPECT_EQ(fixture.channel.GetCumulCount(), 1);
+  fixture.AddBlock(half);
+  fixture.channel.SetPointCount(64);
+  EXPECT_EQ(fixture.channel.GetCumulCount(), 0);
+  EXPECT_EQ(fixture.channel.GetData()->Count(), 64);
+  EXPECT_EQ(fixture.At(32, TFFTChannel::fftFrequency), 100.0);
+  fixture.AddBlock(TColumn(63, 1.0));
+  EXPECT_EQ(fixture.channel.GetCumulCount(), 0);
+  fixture.channel.SetValue(1.0);
+  EXPECT_EQ(fixture.channel.GetCumulCount(), 1);
+}
+
+TEST(TFFTChannel, LeavesABlockOutThatHasNoSpectrum) {
+  for (const double bad :
+       {kNan, kInfinity, -kInfinity, 1e300, std::numeric_limits<double>::max()}) {
+    SCOPED_TRACE(bad);
+    TFixture fixture;
+    fixture.AddSine(2.0, 5.0);
+    TColumn block(128, 1.0);
+    block[64] = bad;
+    fixture.AddBlock(block);
+    EXPECT_EQ(fixture.channel.GetCumulCount(), 1);
+    fixture.AddSine(2.0, 5.0);
+    EXPECT_EQ(fixture.channel.GetCumulCount(), 2);
+    EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPower), 2.0, 1e-11);
+    EXPECT_NEAR(fixture.Curve(TFFTChannel::fftInverse)[32].Y, std::sin(2.5 * kPi), 1e-11);
+  }
+}
+
+TEST(TFFTChannel, HasAPhaseForTheFaintestLines) {
+  // Squares of these lose their last digits, so that a part of a line can be longer than the line.
+  for (const double faint : {1e-150, 1e-155, 1e-160, 1.1e-160, 1e-161, 1e-162, 1e-170, 1e-310}) {
+    TFixture fixture(4096);
+    TColumn block(4096);
+    block[1] = faint;
+    fixture.AddBlock(block);
+    for (int bin = 0; bin < 2048; ++bin) {
+      const double phase = fixture.At(bin, TFFTChannel::fftPhase);
+      ASSERT_TRUE(phase >= -kPi && phase <= kPi) << faint << ' ' << bin << ' ' << phase;
+    }
+  }
+}
+
+TEST(TFFTChannel, GivesEveryBlockToItsGraphOnce) {
+  TKorvalGraph graph;
+  TFixture fixture;
+  fixture.channel.GetGraphLink()->SetGraph(&graph);
+  auto* series = static_cast<TSeries*>(fixture.channel.GetGraphLink()->GetSeriesList().Get(0));
+  QSignalSpy updates(fixture.channel.GetGraphLink(), &TGraphLink::OnUpdate);
+  fixture.AddSine(2.0, 5.0);
+  fixture.AddSine(2.0, 5.0);
+  EXPECT_EQ(updates.count(), 2);
+  EXPECT_NEAR(series->RangeY().GetMax(), 1.0, 1e-11);
+  EXPECT_EQ(series->RangeX().GetMax(), 63.0);
+  fixture.channel.SetOutput(TFFTChannel::fftInverse);
+  EXPECT_NEAR(series->RangeY().GetMax(), 1.0, 1e-2);
+  EXPECT_NEAR(series->RangeY().GetMin(), -1.0, 1e-2);
+  EXPECT_EQ(series->RangeX().GetMax(), 127.0);
+  fixture.channel.Reset();
+  EXPECT_EQ(series->RangeY().GetMax(), 0.0);
+
+  // The points in blocks are the points one by one.
+  fixture.AddSine(1.0, 3.0, 1.0);
+  for (const auto output : {TFFTChannel::fftPower, TFFTChannel::fftInverse}) {
+    const std::vector<TCoordinate> curve = fixture.Curve(output);
+    std::vector<TCoordinate> points(200);
+    const auto count = series->BlockSource(0, points);
+    points.resize(static_cast<std::size_t>(count));
+    EXPECT_EQ(points, curve);
+    EXPECT_EQ(series->BlockSource(count, points), 0);
+    EXPECT_EQ(series->BlockSource(-1, points), 0);
+  }
+}
+
+TEST(TFFTChannel, ReadsItsSumsAndItsBandFromAForm) {
+  TFixture saved(64);
+  saved.channel.SetSampleRate(1000.0);
+  saved.channel.SetUpperFilter(400.0);
+  saved.channel.SetLowerFilter(100.0);
+  saved.AddSine(2.0, 10.0);
+  saved.AddSine(2.0, 10.0);
+  saved.channel.SetOutput(TFFTChannel::fftPhase);
+
+  TFFTChannel loaded;
+  loaded.BeginLoading();
+  const QMetaObject& meta = TFFTChannel::staticMetaObject;
+  loaded.GetData()->SetDataValues(saved.channel.GetData()->WriteProperties());
+  for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
+    const QMetaProperty property = meta.property(i);
+    if (property.metaType().flags() & QMetaType::PointerToQObject) continue;
+    EXPECT_TRUE(property.write(&loaded, property.read(&saved.channel))) << property.name();
+  }
+  loaded.Loaded();
+  EXPECT_TRUE(loaded.GetData()->SameAs(saved.channel.GetData()));
+  EXPECT_EQ(loaded.GetPointCount(), 64);
+  EXPECT_EQ(loaded.GetSampleRate(), 1000.0);
+  EXPECT_EQ(loaded.GetOutput(), TFFTChannel::fftPhase);
+  EXPECT_EQ(loaded.GetCumulCount(), 2);
+  EXPECT_EQ(loaded.GetLowerFilter(), 100.0);
+  EXPECT_EQ(loaded.GetUpperFilter(), 400.0);
+  loaded.SetCumulCount(7);
+  EXPECT_EQ(loaded.GetCumulCount(), 2);
+}
+
+TEST(TFFTChannel, LetsTheUpperFilterFollowTheSampleRateUntilItIsSet) {
+  const auto reload = [](TFFTChannel& saved, TFFTChannel& loaded) {
+    TFFTChannel fresh;  // a form keeps what differs from a new one
+    loaded.BeginLoading();
+    for (const char* name : {"SampleRate", "UpperFilter", "UpperFilterSet"}) {
+      const QVariant value = saved.property(name);
+      if (value != fresh.property(name)) loaded.setProperty(name, value);
+    }
+    loaded.Loaded();
+  };
+  const struct {
+    double rate;
+    double set;  // 0: nobody sets it
+    double upper, afterwards;
+  } cases[] = {{1000, 0, 500, 2000},  {20, 0, 10, 2000}, {1000, 50, 50, 50},
+               {1000, 500, 500, 500}, {20, 10, 10, 10},  {1000, 200, 200, 200}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.set);
+    TFFTChannel channel;
+    channel.SetSampleRate(c.rate);
+    if (c.set > 0.0) channel.SetUpperFilter(c.set);
+    TFFTChannel loaded;
+    reload(channel, loaded);
+    for (TFFTChannel* each : {&channel, &loaded}) {
+      EXPECT_EQ(each->GetUpperFilter(), c.upper);
+      each->SetSampleRate(4000.0);
+      EXPECT_EQ(each->GetUpperFilter(), c.afterwards);
+    }
+    loaded.SetUpperFilterSet(false);
+    EXPECT_EQ(loaded.GetUpperFilter(), 2000.0);
+  }
+  // Older forms say nothing but the bound, and half of the rate where nobody has set it.
+  for (const double upper : {200.0, 500.0}) {
+    TFFTChannel older;
+    older.BeginLoading();
+    older.SetUpperFilter(upper);
+    older.SetSampleRate(1000.0);
+    older.Loaded();
+    EXPECT_EQ(older.GetUpperFilter(), upper);
+    older.SetSampleRate(4000.0);
+    EXPECT_EQ(older.GetUpperFilter(), upper == 500.0 ? 2000.0 : upper);
+  }
+}
+
+TEST(TFFTChannel, LosesNoRowsToSettingsThatAFormGivesLater) {
+  TFixture saved(256);
+  saved.AddSine(2.0, 10.0);
+  const char* names[] = {"PointCount", "SampleRate", "UpperFilter"};
+  for (const bool backwards : {false, true}) {
+    TFFTChannel loaded;
+    loaded.BeginLoading();
+    loaded.GetData()->SetDataValues(saved.channel.GetData()->WriteProperties());
+    if (backwards) std::ranges::reverse(names);
+    for (const char* name : names) loaded.setProperty(name, saved.channel.property(name));
+    loaded.Loaded();
+    EXPECT_TRUE(loaded.GetData()->SameAs(saved.channel.GetData()));
+  }
+}
+
+TEST(TFFTChannel, MendsANonsensicalForm) {
+  TFFTChannel channel;
+  channel.BeginLoading();
+  channel.GetData()->SetDataValues("1 2 3 4 5 6\n7 8 9 10 11 12\n");
+  channel.SetCumulCount(-1);
+  channel.SetCumulCount(INT_MAX);
+  channel.SetLowerFilter(90.0);
+  channel.SetUpperFilter(1e300);
+  channel.SetOutput(static_cast<TFFTChannel::TFFTOutput>(6));
+  channel.Loaded();
+  EXPECT_EQ(channel.GetData()->Count(), 128);
+  EXPECT_EQ(channel.GetData()->GetValues(1, TFFTChannel::fftFrequency), 100.0 / 128.0);
+  EXPECT_EQ(channel.GetLowerFilter(), 0.0);
+  EXPECT_EQ(channel.GetUpperFilter(), 50.0);
+  EXPECT_EQ(channel.GetOutput(), TFFTChannel::fftPower);
+  // The count of blocks does not run over.
+  for (int n = 0; n < 256; ++n) channel.SetValue(n);
+  EXPECT_EQ(channel.GetCumulCount(), INT_MAX);
+
+  // Rows that somebody takes out of the data come back.
+  channel.Reset();
+  channel.GetData()->Clear();
+  int index = 0;
+  TCoordinate point;
+  TCoordinate extent;
+  EXPECT_FALSE(channel.ProvideGraphData(index, point, extent));
+  for (int n = 0; n < 128; ++n) channel.SetValue(n);
+  EXPECT_EQ(channel.GetData()->Count(), 128);
+  EXPECT_EQ(channel.GetCumulCount(), 1);
+}
+
+TEST(TFFTChannel, MayBeDestroyedAndResizedByWhomItTells) {
+  auto told = std::make_unique<TFFTChannel>();
+  TValueLink link([&](double value) {
+    if (value == 127.0) told.reset();
+  });
+  told->AddLink(&link, false);
+  for (int n = 0; n < 128; ++n) told->SetValue(n);
+  EXPECT_FALSE(told);
+
+  auto drawn = std::make_unique<TFFTChannel>();
+  QObject::connect(drawn->GetGraphLink(), &TGraphLink::OnUpdate, drawn.get(), [&] {
+    if (drawn->GetPointCount() == 32) {
+      drawn.reset();
+    } else {
+      drawn->SetPointCount(32);
+    }
+  });
+  for (int n = 0; n < 128; ++n) drawn->SetValue(n);
+  EXPECT_EQ(drawn->GetCumulCount(), 0);
+  for (int n = 0; n < 32; ++n) drawn->SetValue(n);
+  EXPECT_FALSE(drawn);
+}
+
+}  // namespace

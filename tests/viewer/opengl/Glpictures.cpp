@@ -1,0 +1,296 @@
+#include <gtest/gtest.h>
+#include <qopengl.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "tests/support/Pictures.h"
+#include "tests/support/Testsupport.h"
+#include "tests/viewer/opengl/Glreference.h"
+#include "viewer/opengl/Offscreengl.h"
+#include "viewer/opengl/Picture.h"
+
+namespace {
+
+using TMethod = TSceneRenderer::TMethod;
+
+constexpr QSize kSize(640, 480);
+
+TElement* Join(TModel& model, std::uint8_t type, std::initializer_list<std::int32_t> nodes) {
+  TElement* element = model.Elements.Emplace(type, static_cast<std::int32_t>(nodes.size()));
+  std::copy(nodes.begin(), nodes.end(), element->Nodes().begin());
+  return element;
+}
+
+/// One of everything that can be drawn, in all directions; the nodes move.
+void MakeMixedModel(TModel& model, TDataNodeList& moving) {
+  const TVertex places[] = {{-1.5, -1.0, 0.0}, {-1.5, 0.5, 0.0},  {-0.5, 0.5, 0.0},
+                            {-0.5, -1.0, 0.0}, {-1.5, -1.0, 1.0}, {-1.5, 0.5, -1.0},
+                            {0.3, -1.1, 0.2},  {1.5, -0.5, -0.4}, {0.5, 0.9, 0.3},
+                            {1.6, 0.9, 0.3},   {0.5, 0.2, -0.5},  {1.2, 0.2, 0.8}};
+  std::int32_t id = 0;
+  for (const TVertex& place : places) model.Nodes.Emplace(++id, place);
+  for (const TNode* node : model.Nodes) {
+    TNode* copy = moving.Emplace(node->ID, 0.2, -0.1, 0.3);
+    copy->Angles = {0.1 * node->ID, 0.5 * node->ID, 1.1 * node->ID};
+    copy->Link = node;
+  }
+  Join(model, TElement::kFace, {0, 3, 2, 1})->Color = TColor::FromRgb(60, 120, 255);
+  Join(model, TElement::kFace, {6, 7, 9})->Color = TColor::FromRgb(255, 120, 60);
+  Join(model, TElement::kFace, {6, 10, 11})->Color = TColor::FromRgb(120, 60, 255);
+  Join(model, TElement::kBar, {0, 4});  // straight up
+  Join(model, TElement::kBar, {1, 5});  // straight down
+  Join(model, TElement::kBar, {2, 3});  // no way along x, down y
+  Join(model, TElement::kBar, {7, 6});  // back along x
+  Join(model, TElement::kBar, {8, 10});
+  TElement* tube = Join(model, TElement::kBar, {8, 9});
+  tube->Radius = 0.12;
+  tube->Color = TColor::FromRgb(200, 200, 0);
+  TElement* roll = Join(model, TElement::kRoll, {10, 11});
+  roll->Radius = 0.3;
+  roll->RollParam1 = 0.1;
+  roll->RollParam2 = 0.2;
+  TElement* ball = Join(model, 9, {7});
+  ball->Radius = 0.25;
+  ball->Color = TColor::FromRgb(255, 0, 255);
+  Join(model, 4, {5, 6});
+
+  moving.Elements = &model.Elements;
+  moving.NodeColor = TColor::Green();
+  moving.ElementColor = TColor::White();
+  moving.EdgeColor = TColor::FromRgb(255, 255, 0);
+  moving.NodeRadius = 0.09;
+  moving.ElementRadius = 0.05;
+  moving.DrawScale = 0.7;
+  moving.Phase = 0.4;
+  moving.SetVisible(true);
+}
+
+/// A picture in memory and the view it is seen in.
+class GlPictures : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!gl_.Create(kSize)) GTEST_SKIP() << gl_.Error().toStdString();
+    view_.ModelSize = 2.0;
+    view_.ScaleViewPort(kSize.width(), kSize.height());
+  }
+
+  QImage Draw(TMethod method) {
+    return gl_.Render([this, method] {
+      TSceneRenderer renderer;
+      renderer.Init(gl_.Resolver(), method);
+      EXPECT_EQ(renderer.Method(), method);
+      glEnable(GL_DEPTH_TEST);
+      BeginPicture(view_, kSize, Qt::black);
+      TScene scene;
+      scene.Begin(view_.ToViewer());
+      scene.AddList(list_);
+      renderer.Draw(scene, view_.PixelsPerUnit(kSize.width(), kSize.height()));
+      EndPicture();
+      EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    });
+  }
+  QImage DrawByPlainCalls() {
+    return gl_.Render([this] {
+      glMatrixMode(GL_MODELVIEW);
+      glLoadIdentity();
+      SetReferenceLights();
+      glEnable(GL_DEPTH_TEST);
+      BeginPicture(view_, kSize, Qt::black);
+      DrawReference(list_);
+      EndPicture();
+    });
+  }
+
+  TOffscreenGl gl_;
+  TViewTransform view_;
+  TModel model_;
+  TDataNodeList list_{&model_, false};
+};
+
+TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
+  MakeMixedModel(model_, list_);
+  const struct {
+    const char* name;
+    TVertex rotation;
+    TNodeShape shape;
+    double zoom;
+  } cases[] = {{"oblique", {30, -45, 0}, TNodeShape::Sphere, 1.0},
+               {"front", {0, 0, 0}, TNodeShape::Sphere, 0.9},
+               {"cubes", {-60, 130, 0}, TNodeShape::Cube, 1.0},
+               {"mirrored", {20, 200, 0}, TNodeShape::Sphere, -1.0},
+               {"close", {30, -45, 0}, TNodeShape::Sphere, 0.2}};
+  for (const auto& c : cases) {
+    view_.Rotation = c.rotation;
+    view_.Zoom = c.zoom;
+    list_.NodeShape = c.shape;
+    const QImage expected = DrawByPlainCalls();
+    ExpectSamePicture(Draw(TMethod::Batches), expected, std::string(c.name) + "-batches");
+    ExpectSamePicture(Draw(TMethod::Shaders), expected, std::string(c.name) + "-shaders");
+  }
+}
+
+/// The light stands 11 units from the origin, so a model of some size has it in its midst.
+TEST_F(GlPictures, LightStandsInsideALargeModel) {
+  MakeMixedModel(model_, list_);
+  for (TNode* node : model_.Nodes) node->Position = 10.0 * node->Position;
+  list_.NodesChanged();
+  for (TElement* element : model_.Elements) {
+    element->Radius *= 10.0;
+    element->RollParam1 *= 10.0;
+  }
+  list_.NodesChanged();
+  list_.DrawScale *= 10.0;
+  list_.NodeRadius *= 10.0;
+  list_.ElementRadius *= 10.0;
+  view_.ModelSize *= 10.0;
+  const QImage expected = DrawByPlainCalls();
+  ExpectSamePicture(Draw(TMethod::Batches), expected, "large-batches");
+  ExpectSamePicture(Draw(TMethod::Shaders), expected, "large-shaders");
+}
+
+TEST_F(GlPictures, SphereCutByTheViewVolumeIsCutAlike) {
+  // Nodes on the near, far, left and right sides of the view volume.
+  for (const TVertex& p : {TVertex{0, 0, 1.95}, {0.5, 0, -2.05}, {-2.65, 0, 0}, {2.7, 1.9, 0}}) {
+    list_.Emplace(1, p);
+  }
+  list_.NodeRadius = 0.2;
+  list_.NodeColor = TColor::White();
+  list_.ShowNodes = true;
+  view_.Rotation = {};
+  const QImage expected = DrawByPlainCalls();
+  ASSERT_GT(CountOther(expected, Qt::black), 500);
+  ExpectSamePicture(Draw(TMethod::Batches), expected, "cut-batches");
+  ExpectSamePicture(Draw(TMethod::Shaders), expected, "cut-shaders");
+}
+
+TEST_F(GlPictures, NodeIsADiscOfItsRadius) {
+  list_.Emplace(1, 0.0, 0.0, 0.0);
+  list_.ShowNodes = true;
+  for (const double pixels : {3.0, 10.0, 40.0, 100.0}) {
+    SCOPED_TRACE(pixels);
+    list_.NodeRadius = pixels / (kSize.height() / 4.0);
+    for (const TMethod method : {TMethod::Batches, TMethod::Shaders}) {
+      // Pixels that the rim crosses count too: about 2 pi r of them, half inside.
+      const double inside = std::numbers::pi * pixels * pixels;
+      const int lit = CountOther(Draw(method), Qt::black);
+      EXPECT_GT(lit, 0.93 * inside);
+      EXPECT_LT(lit, 1.03 * inside + 2.0 * std::numbers::pi * pixels);
+    }
+  }
+}
+
+TEST_F(GlPictures, CollapsedViewShowsTheBackgroundAlone) {
+  MakeMixedModel(model_, list_);
+  TMeasuredData data;
+  data.Shown.Refer(&list_);
+  model_.Loaded = true;
+  for (const double zoom : {0.0, std::nan("")}) {
+    view_.Zoom = zoom;
+    const QImage image = gl_.Render([&] {
+      TPicture picture;
+      picture.Init(gl_.Resolver());
+      BeginPicture(view_, kSize, Qt::darkCyan);
+      picture.Paint(view_, kSize, 1.0, model_, data, TScaleType::Absolute, false);
+      EndPicture();
+      EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    });
+    EXPECT_EQ(CountOther(image, Qt::darkCyan), 0);
+  }
+}
+
+TEST_F(GlPictures, TextStandsInTheTopLeftCornerAndLeavesTheSceneAlone) {
+  TPicture picture;
+  picture.Overlay.SetLines({"F = 12.5"});
+  picture.Overlay.SetColor(Qt::red);
+  TMeasuredData data;
+  const QImage image = gl_.Render([&] {
+    picture.Init(gl_.Resolver());
+    for (int frame = 0; frame < 2; ++frame) {
+      BeginPicture(view_, kSize, Qt::black);
+      picture.Paint(view_, kSize, 1.0, model_, data, TScaleType::Absolute, false);
+      EndPicture();
+    }
+    EXPECT_TRUE(glIsEnabled(GL_LIGHTING) && glIsEnabled(GL_CULL_FACE));
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+  });
+  EXPECT_GT(CountOther(image, Qt::black), 30);
+  EXPECT_EQ(CountOther(image.copy(0, 40, 640, 440), Qt::black), 0);
+  EXPECT_EQ(CountOther(image.copy(200, 0, 440, 480), Qt::black), 0);
+}
+
+double Luminance(const QColor& color) {
+  const auto part = [](double c) {
+    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+}
+
+/// How often a pixel of this colour and one next to it but one make a contrast of at least 3 to 1.
+int CountSharpEdges(const QImage& image, const QColor& color) {
+  int edges = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 2; x < image.width(); ++x) {
+      const QColor a = image.pixelColor(x - 2, y), b = image.pixelColor(x, y);
+      const auto [dark, light] = std::minmax({Luminance(a), Luminance(b)});
+      edges += (a == color || b == color) && (light + 0.05) / (dark + 0.05) >= 3.0;
+    }
+  }
+  return edges;
+}
+
+TEST_F(GlPictures, NamesAreLegibleOnEveryBackground) {
+  const QColor colors[] = {Qt::white, Qt::black, QColor(128, 128, 128),
+                           Qt::red,   Qt::blue,  Qt::yellow};
+  for (const int ratio : {1, 2}) {
+    for (const QColor& back : colors) {
+      for (const QColor& font : colors) {
+        const QImage image = gl_.Render([&] {
+          TPicture picture;
+          picture.Init(gl_.Resolver());
+          picture.Overlay.SetLines({"F = 12.5"});
+          picture.Overlay.SetColor(font);
+          BeginPicture(view_, kSize, back);
+          picture.Paint(view_, kSize, ratio, model_, {}, TScaleType::Absolute, false);
+          EndPicture();
+        });
+        const QImage corner = image.copy(0, 0, 100 * ratio, 30 * ratio);
+        EXPECT_GT(CountSharpEdges(corner, font), 20 * ratio)
+            << ratio << ": " << font.name().toStdString() << " on " << back.name().toStdString();
+      }
+    }
+  }
+}
+
+TEST(GlOffscreen, WorksWithoutTheWindowSystemToo) {
+  QString error;
+  const auto context = MakeEglContext({64, 32}, error);
+  if (!context) GTEST_SKIP() << error.toStdString();
+  ASSERT_TRUE(context->MakeCurrent());
+  TModel model;
+  model.Nodes.Emplace(1, 0.0, 0.5, 0.0);
+  model.Nodes.NodeRadius = 0.2;
+  model.Nodes.ShowNodes = true;
+  model.Loaded = true;
+  TViewTransform view;
+  view.Rotation = {};
+  TPicture picture;
+  picture.Init(context->Resolver());
+  BeginPicture(view, {64, 32}, Qt::black);
+  picture.Paint(view, {64, 32}, 1.0, model, {}, TScaleType::Absolute, true);
+  EndPicture();
+  const QImage image = context->Read();
+  context->DoneCurrent();
+  ASSERT_EQ(image.size(), QSize(64, 32));
+  EXPECT_GT(image.pixelColor(32, 8).blue(), 100);  // the node, above the middle
+  EXPECT_EQ(image.pixelColor(32, 24), QColor(Qt::black));
+}
+
+TEST(GlOffscreen, RefusesSizesThatNoPictureHas) {
+  TOffscreenGl gl;
+  EXPECT_FALSE(gl.Create({0, 100}));
+  EXPECT_FALSE(gl.Create({100, 1000000}));
+  EXPECT_EQ(gl.Error(), "a picture of 100 x 1000000 pixels cannot be made");
+}
+
+}  // namespace

@@ -1,0 +1,444 @@
+#include "viewer/scene/Scene.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "viewer/opengl/Stamps.h"
+#include "viewer/scene/Viewtransform.h"
+
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+const double kHalf = std::sqrt(0.5);
+
+testing::AssertionResult Near(const TPoint& actual, const TVertex& expected) {
+  const double off = Length({actual.x - expected.x, actual.y - expected.y, actual.z - expected.z});
+  if (off < 1e-6) return testing::AssertionSuccess();
+  return testing::AssertionFailure()
+         << actual.x << ", " << actual.y << ", " << actual.z << " is " << off << " away from "
+         << expected.x << ", " << expected.y << ", " << expected.z;
+}
+
+/// A model whose own list shows its elements, and a scene of that list.
+struct TSceneTest : testing::Test {
+  TSceneTest() {
+    model.Nodes.ShowElements = true;
+    model.Nodes.ElementRadius = 0.5;
+    model.Nodes.NodeRadius = 1.0;
+    model.Nodes.ElementColor = TColor::White();
+  }
+
+  TElement* Join(std::uint8_t type, std::initializer_list<TVertex> places) {
+    TElement* element = model.Elements.Emplace(type, static_cast<std::int32_t>(places.size()));
+    std::size_t i = 0;
+    for (const TVertex& place : places) {
+      element->Nodes()[i++] = static_cast<std::int32_t>(model.Nodes.Count());
+      model.Nodes.Emplace(1, place);
+    }
+    return element;
+  }
+  void Build(const TVertex& toViewer = {0.0, 0.0, 1.0}) {
+    scene.Begin(toViewer);
+    scene.AddList(model.Nodes);
+  }
+  std::size_t Size() const {
+    return scene.Spheres().size() + scene.Cubes().size() + scene.Prisms().size() +
+           scene.Cylinders().vertices.size() + scene.Faces().vertices.size() +
+           scene.Outlines().size();
+  }
+
+  TModel model;
+  TScene scene;
+};
+
+TEST(TCylinderFrame, TiltsTheAxesOfACylinderAlongZOntoItsDirection) {
+  const double s = kHalf, e = 0.25 * std::sqrt(2.0);  // 0.5 sin 45 degrees
+  const struct {
+    TVertex along, right, up;
+  } cases[] = {
+      {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+      {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},  // 180 degrees about the y axis
+      {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+      {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
+      {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},
+      {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+      // 45 degrees about (-s, s, 0).
+      {{0.5, 0.5, s}, {0.5 + e, e - 0.5, -0.5}, {e - 0.5, 0.5 + e, -0.5}},
+      // 135 degrees about (s, s, 0).
+      {{0.5, -0.5, -s}, {0.5 - e, 0.5 + e, -0.5}, {0.5 + e, 0.5 - e, 0.5}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.along.x << ' ' << c.along.y << ' ' << c.along.z);
+    const auto end = [&](double length) {
+      return TPoint{float(length * c.along.x), float(length * c.along.y),
+                    float(length * c.along.z)};
+    };
+    const TCylinderFrame frame({}, end(3.0));
+    EXPECT_NEAR(frame.length, 3.0, 1e-6);
+    EXPECT_TRUE(Near(frame.along, c.along));
+    EXPECT_TRUE(Near(frame.right, c.right));
+    EXPECT_TRUE(Near(frame.up, c.up));
+  }
+  EXPECT_EQ(TCylinderFrame({1, 2, 3}, {1, 2, 3}).length, 0.0);
+}
+
+TEST_F(TSceneTest, BarWithTheListsRadiusShowsThreeEdgesOfItsPrism) {
+  model.Nodes.ShowNodes = true;  // hides the caps
+  Join(TElement::kBar, {{0, 0, 0}, {0, 0, 4}});
+  Build({0.8, 0.6, 0.0});
+  ASSERT_EQ(scene.Prisms().size(), kPrismVertices);
+  ASSERT_TRUE(scene.Cylinders().indices.empty());
+  // Edges at y 0.5, x 0.5 and y -0.5; the middle one is the nearest.
+  const TVertex corners[] = {{0, 0.5, 0}, {0, 0.5, 4},  {0.5, 0, 0},
+                             {0.5, 0, 4}, {0, -0.5, 0}, {0, -0.5, 4}};
+  for (std::size_t i = 0; i < kPrismVertices; ++i) {
+    EXPECT_TRUE(Near(scene.Prisms()[i].position, corners[i])) << i;
+    EXPECT_EQ(scene.Prisms()[i].color, TRgba(TColor::White()));
+  }
+  EXPECT_EQ(scene.Prisms()[2].normal.x, 127);
+  EXPECT_EQ(scene.Prisms()[4].normal.y, -127);
+}
+
+/// The prism's triangles face the viewer whatever the directions of bar and view.
+TEST_F(TSceneTest, EveryTriangleFacesTheViewer) {
+  model.Nodes.ShowNodes = true;
+  model.Nodes.NodeRadius = 0.5;
+  std::vector<TVertex> directions;
+  for (int i = 0; i < 200; ++i) {
+    directions.push_back({std::sin(i * 1.7), std::sin(i * 2.9 + 1.0), std::sin(i * 0.7 + 2.0)});
+    directions.back() = directions.back() / Length(directions.back());
+  }
+  for (std::size_t i = 0; i < directions.size(); ++i) {
+    Join(TElement::kBar, {{}, 3.0 * directions[i]})->Radius = i % 2 ? 0.2 : 0.0;
+  }
+  for (const TVertex& viewer : {directions[3], directions[50], directions[121]}) {
+    Build(viewer);
+    std::vector<TPoint> corners;
+    for (std::size_t first = 0; first < scene.Prisms().size(); first += kPrismVertices) {
+      for (const auto index : kPrismIndices) {
+        corners.push_back(scene.Prisms()[first + index].position);
+      }
+    }
+    for (const auto index : scene.Cylinders().indices) {
+      corners.push_back(scene.Cylinders().vertices[index].position);
+    }
+    ASSERT_GE(corners.size(), 3u * (100 * 4 + 100 * 18));
+    for (std::size_t i = 0; i < corners.size(); i += 3) {
+      const TPoint u = corners[i + 1] - corners[i], v = corners[i + 2] - corners[i];
+      const TPoint normal = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+      ASSERT_GT(Dot(normal, scene.ToViewer()), -1e-5f) << i;
+    }
+  }
+}
+
+TEST_F(TSceneTest, RollIsABodyBetweenTwoShafts) {
+  TElement* roll = Join(TElement::kRoll, {{0, 0, 0}, {0, 0, 4}});
+  roll->Radius = 1.0;
+  roll->RollParam1 = 0.25;
+  roll->RollParam2 = 0.25;
+  Build({1, 0, 0});
+  std::vector<float> shaft, body;
+  for (const TMeshVertex& vertex : scene.Cylinders().vertices) {
+    const float radius = std::hypot(vertex.position.x, vertex.position.y);
+    ASSERT_NEAR(radius, radius < 0.5f ? 0.25f : 1.0f, 1e-6f);
+    (radius < 0.5f ? shaft : body).push_back(vertex.position.z);
+  }
+  EXPECT_THAT(shaft, testing::Each(testing::AnyOf(0.0f, 1.0f, 3.0f, 4.0f)));
+  EXPECT_THAT(body, testing::Each(testing::AnyOf(1.0f, 3.0f)));
+  // The half that faces the viewer: 5 of 10 sides per shaft, 10 of 20 of the body.
+  EXPECT_EQ(scene.Cylinders().indices.size(), 6u * (5 + 5 + 10));
+}
+
+TEST_F(TSceneTest, LeavesOutWhatCannotBeDrawn) {
+  const struct {
+    const char* why;
+    std::function<void(TSceneTest&)> add;
+  } cases[] = {{"a bar with three nodes",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
+                }},
+               {"a face with two nodes",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}});
+                }},
+               {"a bar without length",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{1, 2, 3}, {1, 2, 3}});
+                }},
+               {"a tube without length",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{1, 2, 3}, {1, 2, 3}})->Radius = 1.0;
+                }},
+               {"a tube of negative radius",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{0, 0, 0}, {1, 0, 0}})->Radius = -1.0;
+                }},
+               {"an index below the list",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{0, 0, 0}, {1, 0, 0}})->Nodes()[0] = -1;
+                }},
+               {"an index beyond the list",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kFace, {{}, {1, 0, 0}, {0, 1, 0}})->Nodes()[2] = 3;
+                }},
+               {"a point with a stray second index",
+                [](TSceneTest& t) {
+                  t.Join(7, {{0, 0, 0}, {1, 0, 0}})->Nodes()[1] = 2;
+                }},
+               {"a bar from nowhere",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{kNan, 0, 0}, {}});
+                }},
+               {"a face at infinity",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kFace, {{}, {kInfinity, 0, 0}, {0, 1, 0}});
+                }},
+               {"a bar beyond all bounds",
+                [](TSceneTest& t) {
+                  t.Join(TElement::kBar, {{0, 1e300, 0}, {}});
+                }},
+               {"a roll of no shape", [](TSceneTest& t) {
+                  TElement* roll = t.Join(TElement::kRoll, {{0, 0, 0}, {1, 0, 0}});
+                  roll->Radius = 1.0;
+                  roll->RollParam2 = kNan;
+                }}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    model.Clear();
+    c.add(*this);
+    Build({0.6, 0.0, 0.8});
+    EXPECT_EQ(Size(), 0u);
+  }
+}
+
+TEST_F(TSceneTest, BarsInsideTheirNodesAreLeftOut) {
+  // Balls of radius 1 hide a bar of radius 0.6 up to a length of 2 x 0.8.
+  model.Nodes.ElementRadius = 0.6;
+  Join(TElement::kBar, {{0, 0, 0}, {1.59, 0, 0}});
+  Join(TElement::kBar, {{0, 9, 0}, {1.61, 9, 0}});
+  for (const bool shown : {true, false}) {
+    model.Nodes.ShowNodes = shown;
+    Build();
+    std::size_t bars = scene.Prisms().size() / kPrismVertices;
+    if (!shown) bars = scene.Cylinders().indices.size() / kPrismIndices.size();
+    EXPECT_EQ(bars, shown ? 1u : 2u);
+  }
+}
+
+TEST_F(TSceneTest, CapsAreLeftOutOnlyWhereNodesHideThem) {
+  // A cube of edge 1 hides a ball of radius 0.5, a sphere one of radius 1.
+  const struct {
+    TNodeShape shape;
+    double radius;
+    bool own, cap;
+  } cases[] = {{TNodeShape::Sphere, 0.99, true, false},  {TNodeShape::Sphere, 1.01, true, true},
+               {TNodeShape::Cube, 0.49, true, false},    {TNodeShape::Cube, 0.51, true, true},
+               {TNodeShape::Sphere, 0.99, false, false}, {TNodeShape::Cube, 0.51, false, true}};
+  TElement* bar = Join(TElement::kBar, {{0, 0, -4}, {0, 0, 4}});
+  model.Nodes.ShowNodes = true;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.radius << ' ' << c.own);
+    model.Nodes.NodeShape = c.shape;
+    bar->Radius = c.own ? c.radius : 0.0;
+    model.Nodes.ElementRadius = c.radius;
+    Build({0.6, 0.0, 0.8});
+    bool cap = false;
+    for (const TMeshVertex& vertex : scene.Cylinders().vertices) cap |= vertex.normal.z == 127;
+    EXPECT_EQ(cap, c.cap);
+  }
+}
+
+TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
+  model.Nodes.EdgeColor = TColor::Yellow();
+  Join(TElement::kFace, {{0, 0, 1}, {2, 0, 1}, {2, 2, 1}, {0, 2, 1}})->Color = TColor::Blue();
+  Build();
+  ASSERT_EQ(scene.Faces().vertices.size(), 4u);
+  EXPECT_THAT(scene.Faces().indices, testing::ElementsAre(0, 1, 2, 0, 2, 3));
+  EXPECT_EQ(scene.Faces().vertices[0].normal.z, 127);
+  EXPECT_EQ(scene.Faces().vertices[0].color, TRgba(TColor::Blue()));
+  ASSERT_EQ(scene.Outlines().size(), 8u);
+  EXPECT_TRUE(Near(scene.Outlines()[6].position, {0, 2, 1}));
+  EXPECT_TRUE(Near(scene.Outlines()[7].position, {0, 0, 1}));  // closed
+  EXPECT_EQ(scene.Outlines()[7].color, TRgba(TColor::Yellow()));
+}
+
+double Area(const TMesh& mesh) {
+  double area = 0.0;
+  for (std::size_t i = 0; i < mesh.indices.size(); i += 3) {
+    const TPoint a = mesh.vertices[mesh.indices[i]].position;
+    const TPoint n = Cross(mesh.vertices[mesh.indices[i + 1]].position - a,
+                           mesh.vertices[mesh.indices[i + 2]].position - a);
+    EXPECT_GE(n.z, 0.0f);  // all on one side
+    area += 0.5 * n.z;
+  }
+  return area;
+}
+
+TEST_F(TSceneTest, FacesWithDentsAreFilledWithinTheirOutline) {
+  const struct {
+    std::vector<TVertex> corners;
+    double area;
+  } cases[] = {
+      {{{0, 0, 0}, {4, 0, 0}, {4, 1, 0}, {1, 1, 0}, {1, 4, 0}, {0, 4, 0}}, 7.0},  // an L
+      {{{1, 1, 0}, {0, 4, 0}, {0, 0, 0}, {4, 0, 0}}, 4.0},                        // an arrow
+      {{{0, 0, 0}, {5, 0, 0}, {5, 3, 0}, {4, 3, 0}, {4, 1, 0}, {1, 1, 0}, {1, 3, 0}, {0, 3, 0}},
+       9.0},                                                           // a U
+      {{{0, 0, 0}, {2, 0, 0}, {4, 0, 0}, {4, 2, 0}, {0, 2, 0}}, 8.0},  // a corner on an edge
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.corners.size());
+    // From every first corner, since the fill must not depend on it.
+    for (std::size_t turn = 0; turn < c.corners.size(); ++turn) {
+      model.Clear();
+      TElement* face =
+          model.Elements.Emplace(TElement::kFace, static_cast<std::int32_t>(c.corners.size()));
+      for (std::size_t i = 0; i < c.corners.size(); ++i) {
+        model.Nodes.Emplace(1, c.corners[(i + turn) % c.corners.size()]);
+        face->Nodes()[i] = static_cast<std::int32_t>(i);
+      }
+      Build();
+      EXPECT_NEAR(Area(scene.Faces()), c.area, 1e-5);
+      EXPECT_EQ(scene.Faces().indices.size(), 3 * (c.corners.size() - 2));
+    }
+  }
+}
+
+TEST_F(TSceneTest, FacesThatCrossThemselvesOrHaveNoAreaDoNoHarm) {
+  Join(TElement::kFace, {{0, 0, 0}, {4, 0, 0}, {1, 3, 0}, {4, 4, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 0, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
+  Build();
+  EXPECT_EQ(scene.Faces().indices.size(), 6u);
+  EXPECT_EQ(scene.Outlines().size(), 2u * (4 + 4 + 3));
+}
+
+TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {
+  Join(4, {{1, 2, 3}, {0, 0, 0}});
+  Join(200, {{4, 5, 6}})->Radius = 2.0;
+  Build();
+  ASSERT_EQ(scene.Spheres().size(), 2u);
+  EXPECT_TRUE(Near(scene.Spheres()[0].center, {1, 2, 3}));
+  EXPECT_EQ(scene.Spheres()[0].size, 0.5f);
+  EXPECT_EQ(scene.Spheres()[1].size, 2.0f);
+  EXPECT_EQ(scene.Spheres()[1].color, TRgba(TColor::White()));
+}
+
+/// A model of one node with two data sets at other places, and its display list.
+struct TBuildSceneTest : testing::Test {
+  TBuildSceneTest() {
+    model.Nodes.Emplace(1, 1.0, 0.0, 0.0);
+    model.Nodes.ShowNodes = true;
+    model.Nodes.NodeRadius = 0.1;
+    model.Loaded = true;
+    model.Display.Emplace(1, 4.0, 0.0, 0.0);
+    model.Display.ShowNodes = true;
+    model.Display.NodeRadius = 0.1;
+    for (const double x : {2.0, 3.0}) {
+      auto set = std::make_unique<TDataNodeList>(&model, false);
+      set->Emplace(1, x, 0.0, 0.0);
+      set->SetVisible(true);
+      set->NodeRadius = 0.1;
+      data.Shown.Refer(data.All.Add(std::move(set)));
+    }
+  }
+  std::vector<float> Places(TScaleType type, bool showModel) {
+    TScene scene;
+    BuildScene(scene, {0, 0, 1}, model, data, type, showModel);
+    std::vector<float> places;
+    for (const TMark& mark : scene.Spheres()) places.push_back(mark.center.x);
+    return places;
+  }
+
+  TModel model;
+  TMeasuredData data;
+};
+
+TEST_F(TBuildSceneTest, DrawsTheModelThenTheSetsOrTheirSum) {
+  using testing::ElementsAre;
+  EXPECT_THAT(Places(TScaleType::Absolute, true), ElementsAre(1, 2, 3));
+  EXPECT_THAT(Places(TScaleType::Relative, false), ElementsAre(2, 3));
+  EXPECT_THAT(Places(TScaleType::Sum, true), ElementsAre(1, 4));
+  model.Loaded = false;
+  EXPECT_THAT(Places(TScaleType::Absolute, true), ElementsAre(2, 3));
+  data.Shown.Clear();
+  EXPECT_THAT(Places(TScaleType::Sum, true), ElementsAre());
+}
+
+TEST_F(TSceneTest, SecondFrameKeepsTheMemoryOfTheFirst) {
+  model.Nodes.ShowNodes = true;
+  for (int i = 0; i < 100; ++i) {
+    Join(TElement::kBar, {{3.0 * i, 0, 0}, {3.0 * i, 9, 0}});
+    Join(TElement::kBar, {{3.0 * i, 0, 0}, {3.0 * i, 9, 0}})->Radius = 0.3;
+    Join(TElement::kFace, {{}, {3.0 * i, 0, 0}, {0, 9, 0}});
+  }
+  const auto memory = [this] {
+    return std::vector<const void*>{
+        scene.Spheres().data(),           scene.Prisms().data(),
+        scene.Cylinders().indices.data(), scene.Cylinders().vertices.data(),
+        scene.Faces().vertices.data(),    scene.Outlines().data()};
+  };
+  Build();
+  const auto first = memory();
+  for (TNode* node : model.Nodes) node->Position.z += 0.1;
+  Build();
+  EXPECT_EQ(memory(), first);
+}
+
+TEST(TStamp, SphereRimCoversTheAreaOfItsCircle) {
+  for (const int sides : {6, 8, 20}) {
+    const TStamp stamp = SphereStamp({0, 0, 1}, sides);
+    double area = 0.0;  // of the triangles as the viewer sees them
+    for (std::size_t i = 0; i < stamp.indices.size(); i += 3) {
+      const TPoint a = stamp.corners[stamp.indices[i]].position;
+      const TPoint u = stamp.corners[stamp.indices[i + 1]].position - a;
+      const TPoint v = stamp.corners[stamp.indices[i + 2]].position - a;
+      EXPECT_GT(u.x * v.y - u.y * v.x, 0.0f);
+      area += 0.5 * (u.x * v.y - u.y * v.x);
+    }
+    EXPECT_NEAR(area, 3.14159265, 1e-5);
+  }
+}
+
+TEST(TStamp, SpheresGetMoreSidesAsTheyGrow) {
+  EXPECT_EQ(SphereSides(0.0), 6);
+  EXPECT_LT(SphereSides(4.0), SphereSides(40.0));
+  EXPECT_EQ(SphereSides(1e9), SphereSides(kInfinity));
+  EXPECT_LE(SphereSides(kInfinity), 128);
+}
+
+TEST(TViewTransform, AspectFollowsTheSize) {
+  TViewTransform view;
+  view.ScaleViewPort(400, 200);
+  EXPECT_EQ(view.ScaleX, 2.0);
+  EXPECT_EQ(view.ScaleY, 1.0);
+  view.ScaleViewPort(200, 400);
+  EXPECT_EQ(view.ScaleX, 1.0);
+  EXPECT_EQ(view.ScaleY, 2.0);
+  view.ScaleViewPort(300, 0);  // a hidden panel
+  EXPECT_EQ(view.ScaleY, 2.0);
+  view.ModelSize = 5.0;
+  view.Zoom = 2.0;
+  EXPECT_DOUBLE_EQ(view.PixelsPerUnit(200, 400), 10.0);
+  view.Zoom = 0.0;
+  EXPECT_EQ(view.PixelsPerUnit(200, 400), 0.0);
+}
+
+TEST(TViewTransform, TheRotatedDirectionPointsAtTheViewer) {
+  TViewTransform view;
+  const struct {
+    TVertex rotation, toViewer;
+  } cases[] = {{{0, 0, 0}, {0, 0, 1}},
+               {{0, -90, 0}, {1, 0, 0}},
+               {{90, 0, 0}, {0, 1, 0}},
+               {{30, -45, 0}, {std::sqrt(0.375), 0.5, std::sqrt(0.375)}}};
+  for (const auto& c : cases) {
+    view.Rotation = c.rotation;
+    EXPECT_LT(Length(view.ToViewer(), c.toViewer), 1e-12);
+  }
+}
+
+}  // namespace

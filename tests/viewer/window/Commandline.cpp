@@ -1,0 +1,292 @@
+#include "viewer/window/Commandline.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+
+#include "tests/support/Testsupport.h"
+
+namespace {
+
+const QByteArray kModel = "[Nodes]\n1 0 0 0\n2 3 4 0\n[Elements]\n1\n1 1 0 -1 2 1 2\n";
+const QByteArray kData = "[F = 5]\n1 0 0 1\n2 1 0 0\n[F = 8]\n1 0 0 0\n2 0 1 0\n";
+
+TCommandLine Parse(const QStringList& arguments) {
+  return ParseCommandLine(QStringList("velmora-animator") + arguments);
+}
+
+struct TRun {
+  int status;
+  QString out, err;
+};
+
+enum class TDisplay { None, Unreachable, TestsOwn };
+
+/// Runs the program itself, in the test's folder.
+TRun RunProgram(const QStringList& arguments, TDisplay display = TDisplay::None) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.remove("QT_QPA_PLATFORM");
+  environment.remove("WAYLAND_DISPLAY");
+  if (display == TDisplay::None) environment.remove("DISPLAY");
+  if (display == TDisplay::Unreachable) environment.insert("DISPLAY", ":9871");
+  // At the end of the program its OpenGL driver is unloaded, and leaks of the driver have no name
+  // by which to tell them from our own.
+  environment.insert("ASAN_OPTIONS", "detect_leaks=0");
+  QProcess process;
+  process.setProcessEnvironment(environment);
+  process.setWorkingDirectory(TestFolder());
+  process.start(BuiltFile("velmora-animator"), arguments);
+  EXPECT_TRUE(process.waitForFinished(60'000)) << process.errorString().toStdString();
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+  return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+          QString::fromUtf8(process.readAllStandardError())};
+}
+
+QStringList Pictures() {
+  return QDir(TestFolder()).entryList({"*.png", "*.bmp"}, QDir::Files, QDir::Name);
+}
+
+QImage Picture(const QString& name) { return QImage(TestFolder() + '/' + name); }
+
+int LitPixels(const QImage& image) {
+  int lit = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) lit += (image.pixel(x, y) & 0xffffff) != 0;
+  }
+  return lit;
+}
+
+}  // namespace
+
+TEST(Commandline, TakesEveryOption) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData),
+                ini = WriteTestFile("a.ini", "");
+  const TCommandLine line =
+      Parse({model, "--render", "p.png", data, "--frames", "12", "--size=640x480", "--view", "y",
+             "--scale-type", "sum", "--settings", ini, "--animate"});
+  EXPECT_EQ(line.Fault, "");
+  EXPECT_EQ(line.ModelFile, model);
+  EXPECT_EQ(line.DataFile, data);
+  EXPECT_EQ(line.SettingsFile, ini);
+  EXPECT_EQ(line.RenderFile, "p.png");
+  EXPECT_EQ(line.Frames, 12);
+  EXPECT_EQ(line.Size, QSize(640, 480));
+  EXPECT_EQ(line.Rotation, (TVertex{90, 0, 0}));
+  EXPECT_EQ(line.ScaleType, TScaleType::Sum);
+  EXPECT_TRUE(line.Animate);
+}
+
+TEST(Commandline, PutsASwappedPairRight) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
+  const struct {
+    QStringList given, taken;
+  } cases[] = {{{data, model}, {model, data}},
+               {{"none.dat", model}, {model, "none.dat"}},
+               {{model, model}, {model, model}},
+               {{data, data}, {data, data}},
+               {{data}, {data, ""}}};
+  for (const auto& c : cases) {
+    const TCommandLine line = Parse(c.given);
+    EXPECT_EQ(QStringList({line.ModelFile, line.DataFile}), c.taken)
+        << c.given.join(' ').toStdString();
+  }
+}
+
+TEST(Commandline, AnotherModelIsSeenWithoutThePanOfTheSettings) {
+  const QString model = WriteTestFile("a.mod", kModel), other = WriteTestFile("b.mod", kModel);
+  for (const QString& named : {model, other, QString()}) {
+    TSettings settings;
+    settings.ModelFile = named;
+    settings.PanPosX = settings.PanPosY = 3.0;
+    NameFiles(Parse({TestFolder() + "/./a.mod"}), settings);
+    EXPECT_EQ(settings.PanPosX, named == model ? 3.0 : 0.0) << named.toStdString();
+    EXPECT_EQ(settings.PanPosY, settings.PanPosX);
+  }
+}
+
+TEST(Commandline, SaysInOneSentenceWhatIsWrong) {
+  const QString model = WriteTestFile("a.mod", kModel),
+                binary = WriteTestFile("a.png", QByteArray("\x89PNG\0", 5)),
+                large = WriteTestFile("a.ini", QByteArray((1 << 20) + 1, ';'));
+  const struct {
+    QStringList arguments;
+    QString fault;
+  } cases[] = {
+      {{"none.mod", "--render", "a.png"}, "Cannot read none.mod: there is no such file."},
+      {{model, "none.dat", "--render", "a.png"}, "Cannot read none.dat: there is no such file."},
+      {{"none.mod", "none.dat"}, ""},  // the window opens and says so
+      {{"--settings", "none.ini"}, "Cannot read none.ini: there is no such file."},
+      {{"--settings", "/dev/zero"}, "Cannot read /dev/zero: it is not a regular file."},
+      {{"--settings", binary}, "Cannot read " + binary + ": it is not a text file."},
+      {{"--settings", large}, "Cannot read " + large + ": it is larger than 1 MiB."},
+      {{"a", "b", "c"}, "There are 3 file names; a model file and a data file are enough."},
+      {{"--view", "w"}, "--view is x, y, z or 3d, not \"w\"."},
+      {{"--scale-type", "7"}, "--scale-type is absolute, relative or sum, not \"7\"."},
+      {{"--render", "a"}, "--render needs the name of a picture such as picture.png, not \"a\"."},
+      {{"--render", "a.png", "--frames", "0"}, "--frames is a number from 1 to 100000, not \"0\"."},
+      {{"--render", "a.png", "--frames", "1e3"},
+       "--frames is a number from 1 to 100000, not \"1e3\"."},
+      {{"--render", "a.png", "--size", "640"},
+       "--size is a width and a height such as 1280x800, not \"640\"."},
+      {{"--render", "a.png", "--size", "0x480"},
+       "--size is a width and a height such as 1280x800, not \"0x480\"."},
+      {{"--trust"}, "--trust is of use with --panel alone."},
+      {{"--force"}, "--force is of use with --save alone."},
+      {{"--frames", "3"}, "--frames is of use with --render alone."},
+      {{"--nonsense"}, "Unknown option 'nonsense'."},
+      {{"--view"}, "Missing value after '--view'."},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Parse(c.arguments).Fault, c.fault) << c.arguments.join(' ').toStdString();
+  }
+}
+
+TEST(Commandline, OverridesTheSettings) {
+  const QString model = WriteTestFile("a.mod", kModel);
+  const QString ini = WriteTestFile(
+      "a.ini",
+      "[General]\nModelFile=bare.mod\nDataFile=/there/b.dat\nScaleType=2\nRotX=11\nRotY=12\n");
+  const TSettings plain = SettingsOf(Parse({"--settings", ini}), "/opt/v/velmora-animator");
+  EXPECT_EQ(plain.ModelFile, "/opt/v/bare.mod");
+  EXPECT_EQ(plain.DataFile, "/there/b.dat");
+  EXPECT_EQ(plain.ScaleType, 2);
+  EXPECT_EQ(plain.RotX, 11);
+  EXPECT_FALSE(plain.AnimationOn);
+  const TCommandLine line =
+      Parse({"--settings", ini, model, "--view", "x", "--scale-type", "relative", "--animate"});
+  TSettings other = SettingsOf(line, "/opt/v/velmora-animator");
+  NameFiles(line, other);
+  EXPECT_EQ(other.ModelFile, model);
+  EXPECT_EQ(other.DataFile, "");  // the data of another model are of no use
+  EXPECT_EQ(other.ScaleType, 1);
+  EXPECT_EQ(other.RotX, 0);
+  EXPECT_EQ(other.RotY, -90);
+  EXPECT_TRUE(other.AnimationOn);
+}
+
+TEST(Commandline, HelpAndVersionNeedNoDisplay) {
+  const TRun help = RunProgram({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_TRUE(help.out.contains("[MODEL [DATA]]")) << help.out.toStdString();
+  EXPECT_TRUE(help.out.contains("--scale-type"));
+  EXPECT_EQ(help.err, "");
+  const TRun version = RunProgram({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out, "Velmora Animator 2.2\n");
+}
+
+TEST(Commandline, BadArgumentsEndWithStatusOneAndOneSentence) {
+  const TRun run = RunProgram({"--view", "w"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "--view is x, y, z or 3d, not \"w\".\n");
+  EXPECT_EQ(run.out, "");
+}
+
+TEST(Commandline, AWindowWithoutADisplayEndsWithOneSentence) {
+  for (const TDisplay display : {TDisplay::None, TDisplay::Unreachable}) {
+    const TRun run = RunProgram({}, display);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err,
+              "Cannot open a window: there is no display; --render writes pictures without one.\n");
+  }
+}
+
+TEST(GlCommandline, RendersWithAndWithoutADisplay) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
+  for (const TDisplay display : {TDisplay::None, TDisplay::Unreachable, TDisplay::TestsOwn}) {
+    const TRun run = RunProgram({model, data, "--render", "p.png", "--size", "320x200"}, display);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(Pictures(), QStringList("p.png"));
+    EXPECT_EQ(Picture("p.png").size(), QSize(320, 200));
+    EXPECT_GT(LitPixels(Picture("p.png")), 200);
+    QFile::remove(TestFolder() + "/p.png");
+  }
+}
+
+TEST(GlCommandline, WritesTheFramesOfACycle) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
+  for (const char* type : {"absolute", "relative", "sum"}) {
+    SCOPED_TRACE(type);
+    const TRun run = RunProgram({model, data, "--render", "p.png", "--size", "200x150", "--frames",
+                                 "11", "--scale-type", type, "--view", "z"});
+    ASSERT_EQ(run.status, 0) << run.err.toStdString();
+    ASSERT_EQ(Pictures().size(), 11);
+    EXPECT_EQ(Pictures().first(), "p-001.png");
+    EXPECT_EQ(Pictures().last(), "p-011.png");
+    EXPECT_NE(Picture("p-001.png"), Picture("p-002.png"));
+    if (QString(type) == "sum") continue;
+    EXPECT_EQ(Picture("p-001.png"), Picture("p-011.png"));  // ten frames are a cycle
+  }
+}
+
+TEST(GlCommandline, TheSumOfOneDataSetMovesAsThatSetDoes) {
+  const QString model = WriteTestFile("a.mod", kModel);
+  const QString data = WriteTestFile("a.dat", "[F = 5]\n1 0 0 1\n2 1 0 0\n");
+  for (const char* type : {"absolute", "sum"}) {
+    const TRun run = RunProgram({model, data, "--render", QString(type) + ".png", "--frames", "4",
+                                 "--size", "200x150", "--scale-type", type});
+    ASSERT_EQ(run.status, 0) << run.err.toStdString();
+  }
+  EXPECT_EQ(Picture("sum-001.png"), Picture("absolute-001.png"));
+  EXPECT_EQ(Picture("sum-003.png"), Picture("absolute-003.png"));
+}
+
+TEST(GlCommandline, WhatIsNearHidesWhatIsFar) {
+  const QString model = WriteTestFile(
+      "a.mod",
+      "[Nodes]\n1 -1 -1 1\n2 1 -1 1\n3 1 1 1\n4 -1 1 1\n5 -1 -1 -1\n6 1 -1 -1\n7 1 1 -1\n8 -1 1 "
+      "-1\n"
+      "[Elements]\n2\n1 3 255 4 1 2 3 4\n2 3 16711680 4 5 6 7 8\n");  // red before blue
+  ASSERT_EQ(RunProgram({model, "--render", "p.png", "--size", "200x200", "--view", "z"}).status, 0);
+  const QColor middle = Picture("p.png").pixelColor(100, 100);
+  EXPECT_GT(middle.red(), 100);
+  EXPECT_EQ(middle.blue(), 0);
+}
+
+TEST(GlCommandline, FollowsTheSettingsFile) {
+  const QString model = WriteTestFile("a.mod", kModel);
+  const QString ini = WriteTestFile(
+      "a.ini", "[General]\nModelFile=" + model.toUtf8() + "\n[Colors]\nBackColor=255\n");
+  const TRun run = RunProgram({"--settings", ini, "--render", "p.bmp", "--size", "64x48"});
+  EXPECT_EQ(run.status, 0) << run.err.toStdString();
+  EXPECT_EQ(Picture("p.bmp").pixelColor(0, 0), QColor(255, 0, 0));
+}
+
+TEST(GlCommandline, WhatWasDroppedIsSaidAndThePictureIsMade) {
+  const QString model = WriteTestFile("a.mod", kModel + "\n");
+  const QString cut =
+      WriteTestFile("b.mod", "[Nodes]\n1 0 0 0\n2 1 0 0\n[Elements]\n1\n1 1 0 -1 2 1 99\n");
+  const TRun run = RunProgram({cut, "--render", "p.png", "--size", "64x48"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(run.err.startsWith("b.mod, line 6: ")) << run.err.toStdString();
+  EXPECT_EQ(run.err.count('\n'), 1);
+  EXPECT_EQ(Picture("p.png").size(), QSize(64, 48));
+}
+
+TEST(GlCommandline, WithoutAModelOrAPlaceToWriteThereIsNoPicture) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
+  const struct {
+    QStringList arguments;
+    QString error;
+  } cases[] = {
+      {{"--render", "p.png"}, "There is no model file to draw.\n"},
+      {{TestFolder(), "--render", "p.png"},
+       "Cannot read " + QFileInfo(TestFolder()).fileName() + ": it is a folder.\n"},
+      {{data, "--render", "p.png"}, "Cannot read a.dat: it is a data file, not a model file.\n"},
+      {{model, model, "--render", "p.png"},
+       "Cannot read a.mod: it is a model file, not a data file.\n"},
+      {{model, "--render", "p.png", "--size", "99999x10"},
+       "Cannot draw: a picture of 99999 x 10 pixels cannot be made.\n"},
+      {{model, "--render", "none/p.png"}, "Cannot write p.png: No such file or directory.\n"},
+  };
+  for (const auto& c : cases) {
+    const TRun run = RunProgram(c.arguments);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, c.error);
+    EXPECT_TRUE(Pictures().isEmpty());
+  }
+}

@@ -1,0 +1,244 @@
+#include "viewer/window/Commandline.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <array>
+#include <utility>
+
+#include "model/Filekind.h"
+#include "model/Oneline.h"
+#include "viewer/Animatorabout.h"
+#include "viewer/window/Savepicture.h"
+#include "viewer/window/Viewstate.h"
+
+namespace {
+
+constexpr int kMostFrames = 100'000;
+
+/// The parser with all it knows, in the order in which the help lists it.
+struct TOptions {
+  TOptions();
+
+  QCommandLineParser Parser;
+  QCommandLineOption Help{{"h", "help"}, "Show this help."};
+  QCommandLineOption Version{{"v", "version"}, "Show the version."};
+  QCommandLineOption Animate{"animate", "Start with the animation on."};
+  QCommandLineOption View{"view", "View along an axis, or the oblique 3D view.", "x|y|z|3d"};
+  QCommandLineOption ScaleType{"scale-type", "How data sets are shown together.",
+                               "absolute|relative|sum"};
+  QCommandLineOption Settings{"settings", "Settings file instead of the one beside the program.",
+                              "FILE"};
+  QCommandLineOption Render{"render", "Write the picture to FILE instead of opening a window.",
+                            "FILE.png"};
+  QCommandLineOption Frames{
+      "frames", "With --render: write N frames of the animation, FILE-001.png and on.", "N"};
+  QCommandLineOption Size{"size", "With --render: size of the picture; 1280x800 if not given.",
+                          "WxH"};
+  QCommandLineOption Panel{"panel", "Open a panel of measurement components.", "FILE.ui"};
+  QCommandLineOption After{"after", "With --panel: let it run so long before --render or --save.",
+                           "SECONDS"};
+  QCommandLineOption Save{"save", "With --panel: save it to FILE.ui instead of opening a window.",
+                          "FILE.ui"};
+  QCommandLineOption Trust{"trust", "With --panel: start it without asking."};
+  QCommandLineOption Force{
+      "force", "With --save: overwrite what another program has changed in the file meanwhile."};
+};
+
+TOptions::TOptions() {
+  Parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+  Parser.setApplicationDescription(
+      QStringLiteral("Shows a structure move with its measured vibration."));
+  Parser.addPositionalArgument("MODEL", "Model file.", "[MODEL");
+  Parser.addPositionalArgument("DATA", "Data file for the model.", "[DATA]]");
+  for (const QCommandLineOption& option :
+       {Help, Version, Animate, View, ScaleType, Settings, Render, Frames, Size, Panel, Trust,
+        After, Save, Force}) {
+    Parser.addOption(option);
+  }
+}
+
+QString NoFile(const QString& name) {
+  return QStringLiteral("Cannot read %1: there is no such file.").arg(OneLine(name));
+}
+
+/// Each of these takes one option's text and returns what is wrong with it, or nothing.
+
+QString TakeFiles(const QStringList& names, TCommandLine& line) {
+  if (names.size() > 2) {
+    return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
+        .arg(names.size());
+  }
+  const bool window = line.RenderFile.isEmpty();  // which opens all the same and tells then
+  for (const QString& name : names) {
+    if (!window && !QFileInfo::exists(name)) return NoFile(name);
+  }
+  line.ModelFile = names.value(0);
+  line.DataFile = names.value(1);
+  if (IsModelFile(line.DataFile) && !IsModelFile(line.ModelFile)) {
+    std::swap(line.ModelFile, line.DataFile);
+  }
+  return {};
+}
+
+QString TakeRender(const QString& name, TCommandLine& line) {
+  if (!IsPictureName(name)) {
+    return QStringLiteral("--render needs the name of a picture such as picture.png, not \"%1\".")
+        .arg(name);
+  }
+  line.RenderFile = name;
+  return {};
+}
+
+QString TakeView(const QString& name, TCommandLine& line) {
+  const std::array<std::pair<QString, TVertex>, 4> views = {
+      {{"x", kAlongX}, {"y", kAlongY}, {"z", kAlongZ}, {"3d", kOblique}}};
+  for (const auto& [known, rotation] : views) {
+    if (name == known) line.Rotation = rotation;
+  }
+  return line.Rotation ? QString()
+                       : QStringLiteral("--view is x, y, z or 3d, not \"%1\".").arg(name);
+}
+
+QString TakeScaleType(const QString& name, TCommandLine& line) {
+  const QStringList names = {"absolute", "relative", "sum"};
+  const auto type = names.indexOf(name);
+  if (type < 0) {
+    return QStringLiteral("--scale-type is absolute, relative or sum, not \"%1\".").arg(name);
+  }
+  line.ScaleType = static_cast<TScaleType>(type);
+  return {};
+}
+
+QString TakeFrames(const QString& text, TCommandLine& line) {
+  bool isNumber = false;
+  line.Frames = text.toInt(&isNumber);
+  if (isNumber && line.Frames >= 1 && line.Frames <= kMostFrames) return {};
+  return QStringLiteral("--frames is a number from 1 to %1, not \"%2\".")
+      .arg(kMostFrames)
+      .arg(text);
+}
+
+QString TakeSize(const QString& text, TCommandLine& line) {
+  static const QRegularExpression form(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
+  const QRegularExpressionMatch match = form.match(text);
+  line.Size = {match.captured(1).toInt(), match.captured(2).toInt()};
+  line.HasSize = true;
+  if (match.hasMatch() && !line.Size.isEmpty()) return {};
+  return QStringLiteral("--size is a width and a height such as 1280x800, not \"%1\".").arg(text);
+}
+
+QString TakeSettings(const QString& name, TCommandLine& line) {
+  line.SettingsFile = name;
+  if (!QFileInfo::exists(name)) return NoFile(name);
+  const QString why = WhyNoSettings(name);
+  return why.isEmpty() ? why : QStringLiteral("Cannot read %1: %2.").arg(OneLine(name), why);
+}
+
+QString TakePanel(const QString& name, TCommandLine& line) {
+  line.PanelFile = name;
+  return QFileInfo::exists(name) ? QString() : NoFile(name);
+}
+
+QString TakeAfter(const QString& text, TCommandLine& line) {
+  constexpr double kMostSeconds = 86'400.0;
+  bool isNumber = false;
+  line.PanelSeconds = text.toDouble(&isNumber);
+  if (isNumber && line.PanelSeconds >= 0.0 && line.PanelSeconds <= kMostSeconds) return {};
+  return QStringLiteral("--after is a number of seconds from 0 to %1, not \"%2\".")
+      .arg(kMostSeconds)
+      .arg(text);
+}
+
+QString TakeSave(const QString& name, TCommandLine& line) {
+  line.PanelSaveFile = name;
+  return {};
+}
+
+/// What makes no sense without something else, or beside it.
+QString CheckTogether(const TOptions& options, const TCommandLine& line) {
+  const auto needs = [&](const QCommandLineOption& option, const char* other, bool has) {
+    return options.Parser.isSet(option) && !has ? QStringLiteral("--%1 is of use with --%2 alone.")
+                                                      .arg(option.names().front(), other)
+                                                : QString();
+  };
+  const bool panel = !line.PanelFile.isEmpty();
+  const bool render = !line.RenderFile.isEmpty();
+  for (const QString& fault :
+       {needs(options.Frames, "render", render), needs(options.Size, "render", render),
+        needs(options.After, "panel", panel), needs(options.Save, "panel", panel),
+        needs(options.Trust, "panel", panel),
+        needs(options.Force, "save", !line.PanelSaveFile.isEmpty())}) {
+    if (!fault.isEmpty()) return fault;
+  }
+  if (!panel) return {};
+  for (const QCommandLineOption& option :
+       {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames}) {
+    if (!options.Parser.isSet(option)) continue;
+    return QStringLiteral("--%1 is of no use with --panel.").arg(option.names().front());
+  }
+  return {};
+}
+
+QString TakeOptions(const TOptions& options, TCommandLine& line) {
+  const QCommandLineParser& parser = options.Parser;
+  const std::pair<const QCommandLineOption&, QString (*)(const QString&, TCommandLine&)> takers[] =
+      {{options.Settings, TakeSettings},   {options.Render, TakeRender}, {options.View, TakeView},
+       {options.ScaleType, TakeScaleType}, {options.Frames, TakeFrames}, {options.Size, TakeSize},
+       {options.Panel, TakePanel},         {options.After, TakeAfter},   {options.Save, TakeSave}};
+  for (const auto& [option, take] : takers) {
+    if (!parser.isSet(option)) continue;
+    if (QString fault = take(parser.value(option), line); !fault.isEmpty()) return fault;
+  }
+  if (QString fault = CheckTogether(options, line); !fault.isEmpty()) return fault;
+  line.Animate = parser.isSet(options.Animate);
+  line.PanelIsTrusted = parser.isSet(options.Trust);
+  line.PanelIsForced = parser.isSet(options.Force);
+  return TakeFiles(parser.positionalArguments(), line);
+}
+
+}  // namespace
+
+TCommandLine ParseCommandLine(const QStringList& arguments) {
+  TCommandLine line;
+  TOptions options;
+  if (!options.Parser.parse(arguments)) {
+    line.Fault = options.Parser.errorText();
+  } else if (options.Parser.isSet(options.Help)) {
+    line.Answer = options.Parser.helpText();
+  } else if (options.Parser.isSet(options.Version)) {
+    line.Answer =
+        QStringLiteral("%1 %2\n").arg(QLatin1String(kProgramTitle), QLatin1String(kProgramVersion));
+  } else {
+    line.Fault = TakeOptions(options, line);
+  }
+  return line;
+}
+
+QString SettingsFileOf(const TCommandLine& commandLine, const QString& executable) {
+  return commandLine.SettingsFile.isEmpty() ? SettingsFileFor(executable)
+                                            : commandLine.SettingsFile;
+}
+
+TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable) {
+  TSettings settings = LoadSettings(SettingsFileOf(commandLine, executable));
+  const QString folder = QFileInfo(executable).path();
+  settings.ModelFile = WithFolder(settings.ModelFile, folder);
+  settings.DataFile = WithFolder(settings.DataFile, folder);
+  if (commandLine.Rotation) {
+    settings.RotX = commandLine.Rotation->x;
+    settings.RotY = commandLine.Rotation->y;
+  }
+  if (commandLine.ScaleType) settings.ScaleType = static_cast<int>(*commandLine.ScaleType);
+  if (commandLine.Animate) settings.AnimationOn = true;
+  return settings;
+}
+
+void NameFiles(const TCommandLine& commandLine, TSettings& settings) {
+  if (commandLine.ModelFile.isEmpty()) return;
+  if (!AreSameFile(commandLine.ModelFile, settings.ModelFile)) {
+    settings.PanPosX = settings.PanPosY = 0.0;
+  }
+  settings.ModelFile = commandLine.ModelFile;
+  settings.DataFile = commandLine.DataFile;
+}

@@ -1,0 +1,32 @@
+#include "viewer/window/Savepicture.h"
+
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QSaveFile>
+
+#include "model/Oneline.h"
+
+namespace {
+
+QByteArray SuffixOf(const QString& fileName) {
+  return QFileInfo(fileName).suffix().toLower().toLatin1();
+}
+
+}  // namespace
+
+QString WithPictureSuffix(const QString& fileName) {
+  if (!SuffixOf(fileName).isEmpty()) return fileName;
+  return fileName.endsWith('.') ? fileName + "bmp" : fileName + ".bmp";
+}
+
+bool IsPictureName(const QString& fileName) {
+  return QImageWriter::supportedImageFormats().contains(SuffixOf(fileName));
+}
+
+QString SavePicture(const QImage& picture, const QString& fileName) {
+  QSaveFile file(fileName);
+  QImageWriter writer(&file, IsPictureName(fileName) ? SuffixOf(fileName) : "bmp");
+  if (file.open(QIODevice::WriteOnly) && writer.write(picture) && file.commit()) return {};
+  const QString why = file.error() != QFile::NoError ? file.errorString() : writer.errorString();
+  return QStringLiteral("Cannot write %1: %2.").arg(ShownFileName(fileName), why);
+}
