@@ -4,8 +4,8 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
-"$here/scripts/setup.sh"
-(cd "$here" && cmake --preset release &&
+"$here/scripts/setup.sh" run
+(cd "$here" && cmake --preset release -DVELMORA_TESTS=OFF &&
   cmake --build --preset release --target velmora-animator package-server device-simulator)
 program=$here/build/release/velmora-animator
 

@@ -8,6 +8,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 preset=${VELMORA_PRESET:-release}
 scripts/setup.sh
 use_display
-cmake --preset "$preset"
+cmake --preset "$preset" -DVELMORA_TESTS=ON
 cmake --build --preset "$preset"
-ctest --test-dir "build/$preset" --output-on-failure --no-tests=error "$@"
+ctest --test-dir "build/$preset" -j "$(($(nproc) * 2))" --output-on-failure --no-tests=error "$@"

@@ -15,6 +15,10 @@ else()
   add_compile_options(-Wall -Wextra -Wshadow)
   # Frames are the same to the last bit on every processor.
   add_compile_options(-ffp-contract=off)
+  if(CMAKE_UNITY_BUILD)
+    # Several sources are compiled as one: each is the main file in its own right.
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
   if(VELMORA_WERROR)
     add_compile_options(-Werror)
   endif()
@@ -25,10 +29,13 @@ if(VELMORA_SANITIZE)
                       -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${VELMORA_SANITIZE})
   add_compile_definitions(VELMORA_SANITIZED)
+  if(VELMORA_SANITIZE MATCHES "(address|thread)")
+    string(TOUPPER VELMORA_SANITIZED_${CMAKE_MATCH_1} definition)
+    add_compile_definitions(${definition})
+  endif()
 endif()
 if(VELMORA_FUZZ)
-  add_compile_options(-fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all)
-  add_link_options(-fsanitize=address,undefined)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 # velmora_library(NAME [ROOM|UNIT...]): a static library of the units and of all sources below the
@@ -52,7 +59,10 @@ function(velmora_library name)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
 endfunction()
 
-# velmora_precompile(TARGET): the Qt headers that nearly every file of a widget library needs.
+# velmora_precompile(TARGET): the Qt headers that nearly every file of a widget library needs. Where
+# several sources are compiled as one they are read seldom enough.
 function(velmora_precompile name)
-  target_precompile_headers(${name} PRIVATE <QtWidgets> <vector> <string> <functional> <memory>)
+  if(NOT CMAKE_UNITY_BUILD)
+    target_precompile_headers(${name} PRIVATE <QtWidgets> <vector> <string> <functional> <memory>)
+  endif()
 endfunction()

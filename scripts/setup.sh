@@ -1,14 +1,19 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, running and testing need, where they are missing.
+# Installs the Debian packages that are missing: those that building and running the programs need,
+# and unless it is called with "run", those for tests, benchmarks and checks.
 set -euo pipefail
 
 packages=(
-  ca-certificates ccache clang clang-format clang-tidy cmake designer-qt6 fonts-liberation g++ git
-  libclang-rt-14-dev libegl-dev libfast-float-dev libgl1-mesa-dri libglu1-mesa-dev libgl-dev
-  libgmock-dev libgtest-dev libmeschach-dev libqt6opengl6-dev libqt6openglwidgets6 locales
-  ninja-build qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev qt6-tools-dev tzdata xauth
-  xvfb
+  ca-certificates cmake fonts-liberation g++ libegl-dev libfast-float-dev libgl1-mesa-dri
+  libglu1-mesa-dev libgl-dev libmeschach-dev libqt6opengl6-dev libqt6openglwidgets6 ninja-build
+  qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev qt6-tools-dev tzdata
 )
+if [ "${1:-}" != run ]; then
+  packages+=(
+    ccache clang clang-format clang-tidy designer-qt6 git libclang-rt-14-dev libgmock-dev libgtest-dev
+    locales python3 xauth xvfb
+  )
+fi
 
 missing=()
 for package in "${packages[@]}"; do

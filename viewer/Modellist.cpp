@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr int kMinSize = 158;
-constexpr QSize kFirstSize(190, 280);
+constexpr int kSmallestSide = 158;
+constexpr QSize kFirstLegend(190, 280);
 
 /// The list of data sets. It keeps the space bar, which shows or hides the current one, from the
 /// main window, where it starts the animation; the other keys are the main window's.
@@ -51,8 +51,8 @@ QListWidget* MakeLabels(QWidget* parent) {
 TModelListWnd::TModelListWnd(QWidget* parent)
     : QWidget(parent, Qt::Tool), labels_(MakeLabels(this)) {
   setWindowTitle(QStringLiteral("Legend"));
-  setMinimumSize(kMinSize, kMinSize);
-  resize(kFirstSize);
+  setMinimumSize(kSmallestSide, kSmallestSide);
+  resize(kFirstLegend);
   setAttribute(Qt::WA_ShowWithoutActivating);  // the keys stay with the main window
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

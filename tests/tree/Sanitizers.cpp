@@ -6,7 +6,7 @@
 
 // Deliberate faults: a build whose sanitizer does not catch them proves nothing.
 
-#if defined(VELMORA_SANITIZED) && defined(__SANITIZE_ADDRESS__)
+#ifdef VELMORA_SANITIZED_ADDRESS
 
 namespace {
 
@@ -30,7 +30,7 @@ TEST(Sanitizers, CatchAnOverflowOfASignedNumber) {
 
 #endif
 
-#if defined(VELMORA_SANITIZED) && defined(__SANITIZE_THREAD__)
+#ifdef VELMORA_SANITIZED_THREAD
 
 namespace {
 

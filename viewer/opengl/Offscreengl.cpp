@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kLargestSide = 16384;
+constexpr int kLargestPicture = 16384;
 
 class TWindowSystemContext : public TOffscreenContext {
  public:
@@ -64,8 +64,8 @@ bool TOffscreenGl::Create(QSize size, int smoothing) {
   context_.reset();
   size_ = size;
   // A picture so large that it can only just be drawn is sharp enough.
-  smoothing_ = qMax(size.width(), size.height()) * smoothing > kLargestSide ? 1 : smoothing;
-  if (size.isEmpty() || size.width() > kLargestSide || size.height() > kLargestSide) {
+  smoothing_ = qMax(size.width(), size.height()) * smoothing > kLargestPicture ? 1 : smoothing;
+  if (size.isEmpty() || size.width() > kLargestPicture || size.height() > kLargestSide) {
     error_ = QStringLiteral("a picture of %1 x %2 pixels cannot be made")
                  .arg(size.width())
                  .arg(size.height());

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kMostLines = 8;
+constexpr std::size_t kMostSets = 8;
 constexpr std::size_t kMostFrequencies = 6;
 constexpr int kFramesPerCycle = 10;
 
@@ -27,8 +27,8 @@ QString NameOf(const TDataNodeList& list) { return OneLine(list.Section.sliced(1
 QStringList OverlayLines(const TMeasuredData& data) {
   QStringList lines;
   for (const TDataNodeList* list : data.Shown) {
-    if (lines.size() == kMostLines) {
-      lines << QStringLiteral("and %1 more").arg(data.Shown.Count() - kMostLines);
+    if (lines.size() == kMostSets) {
+      lines << QStringLiteral("and %1 more").arg(data.Shown.Count() - kMostSets);
       break;
     }
     lines << NameOf(*list);
