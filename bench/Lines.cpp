@@ -19,8 +19,8 @@
 
 #include "bench/Linebench.h"
 #include "components/graphing/Axis.h"
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
-#include "components/graphing/Gseries.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 
 #include "bench/Bench.h"
 #include "components/comms/Qlxport.h"
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <QGuiApplication>
 
 #include "components/controls/Colorlevels.h"
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Serieslist.h"
 
 namespace {
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "components/graphing/Dataseries.h"
+
 // TCustomDataChannel
 
 TCustomDataChannel::TCustomDataChannel(QWidget* parent) : TServerDataControl(parent) {

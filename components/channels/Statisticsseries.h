@@ -1,7 +1,7 @@
 #pragma once
 
 #include "components/channels/Statistics.h"
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Graphseries.h"
 
 class TCustomGraphLink;
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "components/controls/Iconimages.h"
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 
 namespace {

@@ -6,6 +6,7 @@
 
 #include "components/channels/Statistics.h"
 #include "components/channels/Statisticsseries.h"
+#include "components/graphing/Dataseries.h"
 #include "components/links/Binlist.h"
 #include "components/links/Compclasses.h"
 #include "components/links/Linkclasses.h"

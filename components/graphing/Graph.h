@@ -10,7 +10,7 @@
 #include "components/controls/Korvaltools.h"
 #include "components/graphing/Anchoring.h"
 #include "components/graphing/Axis.h"
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Datapanel.h"
 #include "model/Color.h"
 
 /// A graph: two axes along the sides of a plot rectangle, and a data panel with the series in it.

@@ -1,6 +1,7 @@
 #include "components/links/Linkclasses.h"
 
 #include "components/graphing/Graph.h"
+#include "components/graphing/Sliderseries.h"
 
 TCustomGraphLink::TCustomGraphLink(QObject* owner)
     : TPersistent(owner), graph_(owner, &TKorvalGraph::staticMetaObject) {
@@ -51,7 +52,7 @@ void TCustomGraphLink::ShowSeries() {
 /// Of a graph that is being destroyed the panel is gone already, and its series know it.
 void TCustomGraphLink::LeaveGraph() {
   for (int i = 0; i < series_.Count(); ++i) {
-    if (TDataPanel* panel = series_.Get(i)->Panel()) panel->RemoveSeries(series_);
+    if (TSeriesPanel* panel = series_.Get(i)->Panel()) panel->RemoveSeries(series_);
   }
 }
 

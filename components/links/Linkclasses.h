@@ -5,11 +5,12 @@
 #include <memory>
 #include <utility>
 
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Serieslist.h"
 #include "components/links/Complist.h"
 #include "components/links/Propclasses.h"
 
 class TKorvalGraph;
+class TSliderSeries;
 
 /// Gives a graph the series of a data component. The link owns its series; the graph's data panel
 /// shows them while the link is attached. Either may go first. A member of its component; GUI

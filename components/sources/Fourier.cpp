@@ -5,6 +5,8 @@
 #include <climits>
 #include <cmath>
 
+#include "components/graphing/Dataseries.h"
+
 // TFFT
 
 int TFFT::GetPowOfTwo(int count) {

@@ -6,6 +6,9 @@
 #include <numbers>
 #include <utility>
 
+#include "components/graphing/Dataseries.h"
+#include "components/graphing/Sliderseries.h"
+
 namespace {
 
 using std::numbers::pi;

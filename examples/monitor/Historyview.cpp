@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "components/controls/Linkedgraph.h"
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/Graphexport.h"
 

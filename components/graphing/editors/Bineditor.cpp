@@ -14,6 +14,7 @@
 #include <cmath>
 #include <optional>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 
 namespace {

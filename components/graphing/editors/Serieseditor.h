@@ -4,7 +4,7 @@
 #include <QPointer>
 #include <vector>
 
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Serieslist.h"
 #include "components/graphing/editors/Propertyform.h"
 
 class QListWidget;

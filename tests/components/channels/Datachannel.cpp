@@ -12,6 +12,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "tests/components/sources/Providerfixture.h"
 #include "tests/support/Testsupport.h"

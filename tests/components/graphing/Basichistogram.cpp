@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/editors/Bineditor.h"
 

@@ -8,7 +8,9 @@
 #include <limits>
 #include <memory>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
+#include "components/graphing/Sliderseries.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include <numbers>
 #include <span>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "tests/signals/Directsums.h"
 

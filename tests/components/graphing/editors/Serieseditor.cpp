@@ -13,7 +13,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
+#include "components/graphing/Sliderseries.h"
 #include "components/graphing/editors/Pickers.h"
 
 namespace {

@@ -1,8 +1,11 @@
+#include "components/graphing/Serieslist.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <algorithm>
 
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Dataseries.h"
+#include "components/graphing/Sliderseries.h"
 
 namespace {
 
@@ -81,7 +84,7 @@ void TSeriesList::Leave(TCustomGraphSeries& series) {
     if (series.panel_) static_cast<void>(series.panel_->RemoveSeries(&series));
     return;
   }
-  if (panel_->selSlider_ == &series) panel_->selSlider_ = nullptr;
+  panel_->SeriesLeft(series);
   series.panel_ = nullptr;
 }
 

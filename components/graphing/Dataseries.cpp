@@ -1,4 +1,4 @@
-#include "components/graphing/Gseries.h"
+#include "components/graphing/Dataseries.h"
 
 #include <QJsonArray>
 #include <QPainter>
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-#include "components/graphing/Publishedrecord.h"
+#include "components/graphing/painting/Curvepainter.h"
 
 namespace {
 
@@ -116,57 +116,6 @@ void TakeRange(const std::vector<TCoordinate>& points, TRange& range) {
 }
 
 }  // namespace
-
-TCustomGraphSeries::~TCustomGraphSeries() {
-  if (panel_) static_cast<void>(panel_->RemoveSeries(this).release());
-}
-
-void TCustomGraphSeries::SetLabel(const QString& label) {
-  if (label_ == label) return;
-  label_ = label;
-  Changed();
-}
-
-void TCustomGraphSeries::SetVisible(bool visible) {
-  if (visible_ == visible) return;
-  visible_ = visible;
-  Changed();
-}
-
-void TCustomGraphSeries::Changed() {
-  emit OnChange(this);
-  if (panel_) emit panel_->OnRepaint(panel_);
-}
-
-void TCustomGraphSeries::WriteSeries(QJsonObject& record) const { record = WritePublished(*this); }
-
-bool TCustomGraphSeries::ReadSeries(const QJsonObject& record, QString* error) {
-  return ReadPublished(record, *this, error);
-}
-
-bool TCustomGraphSeries::Grab(QPoint) { return false; }
-bool TCustomGraphSeries::Drag(QPoint) { return false; }
-
-void TCustomGraphSeries::TakeSources(const TCustomGraphSeries& other) {
-  DataSource = other.DataSource;
-  BlockSource = other.BlockSource;
-}
-
-void TCustomGraphSeries::AssignTo(TPersistent* destination) const {
-  auto* series = qobject_cast<TCustomGraphSeries*>(destination);
-  if (!series || series == this) return;
-  series->TakeSources(*this);
-  CopyPublished(*this, *series);
-}
-
-bool TCustomGraphSeries::SameAs(const TPersistent* other) const {
-  return other && SamePublished(*this, *other);
-}
-
-TCustomDataSeries::TCustomDataSeries(std::unique_ptr<TBasicSeriesStyle> style, QObject* owner)
-    : TCustomGraphSeries(owner), style_(std::move(style)) {
-  connect(style_.get(), &TBasicSeriesStyle::OnChange, this, &TCustomDataSeries::Changed);
-}
 
 TSeries::TSeries(QObject* owner) : TCustomDataSeries(std::make_unique<TSeriesStyle>(this), owner) {}
 

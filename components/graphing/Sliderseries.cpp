@@ -1,10 +1,10 @@
+#include "components/graphing/Sliderseries.h"
+
 #include <QPainter>
 #include <QPen>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-
-#include "components/graphing/Gseries.h"
 
 namespace {
 

@@ -1,3 +1,5 @@
+#include "components/graphing/Datapanel.h"
+
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPen>
@@ -5,7 +7,7 @@
 #include <cstdlib>
 
 #include "components/graphing/Axis.h"
-#include "components/graphing/Gseries.h"
+#include "components/graphing/painting/Curvepainter.h"
 
 namespace {
 
@@ -34,9 +36,7 @@ void Collect(const TSeriesList& list, TRange& range) {
 }  // namespace
 
 TDataPanel::TDataPanel(const TAxis* horizontal, const TAxis* vertical, QObject* owner)
-    : TPersistent(owner), horizontal_(horizontal), vertical_(vertical) {
-  list_.panel_ = this;
-}
+    : TSeriesPanel(owner), horizontal_(horizontal), vertical_(vertical) {}
 
 TDataPanel::~TDataPanel() {
   // Nobody hears of it any more: the graph that would draw is going too.
@@ -62,6 +62,10 @@ void TDataPanel::SetFillColor(TColor color) {
 }
 
 void TDataPanel::SetOrigin(const QRect& rect) { rect_ = rect; }
+
+void TDataPanel::SeriesLeft(const TCustomGraphSeries& series) {
+  if (selSlider_ == &series) selSlider_ = nullptr;
+}
 
 void TDataPanel::SetSeriesData(const QString& text) {
   static_cast<void>(list_.ReadProperties(text));
