@@ -7,8 +7,8 @@
 #include <QtDesigner/QExtensionManager>
 
 #include "components/controls/Compbase.h"
+#include "components/controls/Designmode.h"
 #include "components/controls/Iconimages.h"
-#include "components/controls/Korvaltools.h"
 #include "components/panels/Registry.h"
 #include "designer/Propertysheet.h"
 

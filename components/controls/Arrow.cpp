@@ -5,7 +5,9 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 
+#include "components/controls/Designmode.h"
 #include "components/controls/Korvaltools.h"
+#include "components/controls/Sharppen.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "components/controls/Designmode.h"
 #include "components/controls/Iconimages.h"
-#include "components/controls/Korvaltools.h"
 
 namespace {
 

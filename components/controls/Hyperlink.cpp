@@ -8,7 +8,7 @@
 #include <QPointer>
 #include <QStyleOptionFocusRect>
 
-#include "components/controls/Korvaltools.h"
+#include "components/controls/Designmode.h"
 #include "components/controls/Plaintip.h"
 #include "components/controls/Textaccess.h"
 #include "components/links/Outside.h"

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include "components/controls/Designmode.h"
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
 #include "components/controls/Picturefile.h"

@@ -1,23 +1,14 @@
 #include "components/controls/Korvaltools.h"
 
-#include <QApplication>
+#include <QColor>
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QSet>
-#include <QWidget>
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 const QColor kLight(255, 255, 255);
 const QColor kDark(128, 128, 128);
-
-/// Marked objects; null stands for everything.
-QSet<const QObject*>& Designed() {
-  static QSet<const QObject*> objects;
-  return objects;
-}
 
 }  // namespace
 
@@ -55,61 +46,4 @@ void RotateText(QPainter& painter, const QPointF& point, double angleDeg, const 
   painter.rotate(-angleDeg);
   painter.drawText(QPointF(0.0, QFontMetricsF(painter.font(), painter.device()).ascent()), text);
   painter.restore();
-}
-
-TSharpPen::TSharpPen(QPainter& painter, const QColor& color, int width)
-    : toDevice_(painter.deviceTransform()), fromDevice_(toDevice_.inverted()) {
-  constexpr int kWidest = 1 << 14;
-  const double scale = std::max(std::hypot(toDevice_.m11(), toDevice_.m12()), 1.0e-3);
-  const int pixels = qMax(1, qRound(qBound(0, width, kWidest) * scale));
-  if (pixels % 2 == 1) middle_ = 0.5;
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(color, pixels / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-}
-
-QPointF TSharpPen::Map(QPoint point) const {
-  constexpr double kFar = 1 << 20;
-  const QPointF device = toDevice_.map(QPointF(point));
-  return fromDevice_.map(QPointF(qBound(-kFar, std::round(device.x()), kFar) + middle_,
-                                 qBound(-kFar, std::round(device.y()), kFar) + middle_));
-}
-
-QPolygonF TSharpPen::Map(std::span<const QPoint> points) const {
-  QPolygonF result;
-  result.reserve(static_cast<qsizetype>(points.size()));
-  for (const QPoint& point : points) result.append(Map(point));
-  return result;
-}
-
-QEvent::Type TDesignModeEvent::Kind() {
-  static const int kind = QEvent::registerEventType();
-  return static_cast<Type>(kind);
-}
-
-bool IsDesignMode(const QObject* object) {
-  const QSet<const QObject*>& designed = Designed();
-  if (designed.isEmpty()) return false;
-  for (; object; object = object->parent()) {
-    if (designed.contains(object)) return true;
-  }
-  return designed.contains(nullptr);
-}
-
-void SetDesignMode(QObject* object, bool design) {
-  if (Designed().contains(object) == design) return;
-  if (design) {
-    Designed().insert(object);
-    if (object) {
-      QObject::connect(object, &QObject::destroyed,
-                       [](const QObject* gone) { Designed().remove(gone); });
-    }
-  } else {
-    Designed().remove(object);
-  }
-  QWidgetList told = object ? object->findChildren<QWidget*>() : QApplication::allWidgets();
-  if (auto* widget = qobject_cast<QWidget*>(object)) told.prepend(widget);
-  for (QWidget* widget : told) {
-    TDesignModeEvent event;
-    QApplication::sendEvent(widget, &event);
-  }
 }

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "components/controls/Korvaltools.h"
+#include "components/controls/Sharppen.h"
 
 namespace {
 

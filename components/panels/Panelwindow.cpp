@@ -18,7 +18,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "components/controls/Korvaltools.h"
+#include "components/controls/Designmode.h"
 #include "components/panels/Trust.h"
 #include "model/Ending.h"
 #include "model/Message.h"

@@ -6,7 +6,7 @@
 #include <QVBoxLayout>
 #include <limits>
 
-#include "components/controls/Linkedgraph.h"
+#include "components/controls/Linkedcontrols.h"
 #include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/Graphexport.h"

@@ -2,7 +2,7 @@
 
 #include <QVBoxLayout>
 
-#include "components/controls/Linkedlabel.h"
+#include "components/controls/Linkedcontrols.h"
 #include "examples/monitor/Monitoredsets.h"
 #include "examples/monitor/Statuscolors.h"
 

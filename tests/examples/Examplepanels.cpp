@@ -14,7 +14,7 @@
 #include "components/comms/Qlxxml.h"
 #include "components/controls/Colorlabel.h"
 #include "components/controls/Compass.h"
-#include "components/controls/Linkedlabel.h"
+#include "components/controls/Linkedcontrols.h"
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
 #include "components/panels/Panel.h"

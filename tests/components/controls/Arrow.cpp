@@ -9,7 +9,7 @@
 #include <QTest>
 #include <climits>
 
-#include "components/controls/Korvaltools.h"
+#include "components/controls/Designmode.h"
 
 namespace {
 

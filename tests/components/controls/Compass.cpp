@@ -7,7 +7,7 @@
 #include <QTest>
 #include <limits>
 
-#include "components/controls/Korvaltools.h"
+#include "components/controls/Designmode.h"
 #include "tests/support/Testsupport.h"
 
 namespace {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <set>
 
+#include "components/controls/Designmode.h"
 #include "components/controls/Iconimages.h"
 #include "components/controls/Korvaltools.h"
 

@@ -9,8 +9,7 @@
 #include <limits>
 
 #include "components/channels/Channelset.h"
-#include "components/controls/Linkedgraph.h"
-#include "components/controls/Linkedlabel.h"
+#include "components/controls/Linkedcontrols.h"
 #include "components/graphing/Graph.h"
 #include "model/Timer.h"
 #include "tests/support/Testsupport.h"

@@ -340,3 +340,4 @@ TEST(TColorLabel, FollowsAControlInColourAndText) {
 }  // namespace
 
 #include "Textcontrols.moc"
+#include "components/controls/Designmode.h"
