@@ -9,6 +9,7 @@
 
 #include "bench/Bench.h"
 #include "components/channels/Channelset.h"
+#include "model/Datetime.h"
 
 namespace {
 
@@ -16,7 +17,6 @@ std::atomic<long> allocations = 0;
 
 constexpr int kChannels = 16;
 constexpr double kRate = 800.0;  // rows per second of the device
-constexpr double kSecondsPerDay = 86400.0;
 
 /// Time and values of rows one after the other.
 class TRows {

@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <compare>
 
+inline constexpr double kSecondsPerDay = 86400.0;
+
 /// A date and time as days since 30 December 1899, 00:00 local time; the fraction is the time of
 /// day and 1 s is 1/86400.
 class TDateTime {

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <cmath>
 
+#include "model/Datetime.h"
+
 // TDataClient
 
 void TDataClient::SetChannelSet(TChannelSet* set) {
@@ -172,7 +174,6 @@ void TChannelSet::AnalyseData() {
 }
 
 void TChannelSet::Analyse() {
-  constexpr double kSecondsPerDay = 86400.0;
   const int rows = data_.Rows();
   endTime_ = data_.At(rows - 1, 0);
   if (!(startTime_ > 0.0)) startTime_ = data_.At(0, 0);

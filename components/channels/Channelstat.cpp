@@ -79,7 +79,7 @@ bool TStatisticsOptions::SameAs(const TPersistent* other) const {
 // Ends of intervals
 
 double GetEndTime(TStatInterval interval, double time) {
-  if (interval == si1_Second) return time + 1.0 / 86400.0;
+  if (interval == si1_Second) return time + 1.0 / kSecondsPerDay;
   const double perDay = interval == si1_Minute ? 1440.0 : 24.0;
   const double passed = std::floor(time * perDay);
   // Where rounding takes a full minute for the last moment of the one before, it is the next.
@@ -109,7 +109,7 @@ double EndOf(TStatInterval interval, double time) {
 double DaysOf(TStatInterval interval) {
   switch (interval) {
     case si1_Second:
-      return 1.0 / 86400.0;
+      return 1.0 / kSecondsPerDay;
     case si1_Minute:
       return 1.0 / 1440.0;
     case si1_Hour:

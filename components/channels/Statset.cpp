@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 
+#include "model/Datetime.h"
 #include "model/Textscanner.h"
 
 namespace {
@@ -60,7 +61,7 @@ bool IsHistoryTime(double time) { return time >= kFirstDay && time < kEndDay; }
 
 namespace {
 
-constexpr double kTolerance = 0.0005 / 86400.0;
+constexpr double kTolerance = 0.0005 / kSecondsPerDay;
 
 }  // namespace
 

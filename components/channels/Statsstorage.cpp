@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr double kMoment = 0.001 / kSecondsPerDay;
 constexpr std::size_t kMaxHeaders =
     2 * std::size_t{TChannelSets::kMaxSets};  ///< remembered at a time

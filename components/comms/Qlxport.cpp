@@ -4,6 +4,7 @@
 
 #include "components/comms/Portdialog.h"
 #include "components/links/Outside.h"
+#include "model/Datetime.h"
 
 namespace {
 
@@ -246,7 +247,6 @@ void TQLXPort::RequestData() {
 }
 
 void TQLXPort::FollowClock() {
-  constexpr double kSecondsPerDay = 86400.0;
   const double change = clock_.Follow();
   if (change == 0.0) return;
   decoder_.SetMarkerTime(decoder_.MarkerTime() + change);
@@ -269,14 +269,13 @@ void TQLXPort::ReadPort() {
 
 void TQLXPort::ReadBlocks() {
   constexpr int kMostBytes = 65536;  // far more than a line carries in a tick
-  constexpr double kNanosecondsPerDay = 86400e9;
   const QPointer<TQLXPort> self(this);
   std::array<char, kBlock> block;
   for (int taken = 0, count = 0; taken < kMostBytes && connected_; taken += count) {
     count = driver_->Read(block);
     if (count == 0) return;
     const TSerialDriver::TArrival arrival = driver_->LastArrival();
-    age_ = static_cast<double>(arrival.Age) / kNanosecondsPerDay;
+    age_ = static_cast<double>(arrival.Age) / (1e9 * kSecondsPerDay);
     if (arrival.LostBefore > 0) ResumeBehind(arrival.LostBefore);
     emit OnTraffic(QByteArrayView(block.data(), count), false);
     if (self) ReadSignal(block.data(), count);

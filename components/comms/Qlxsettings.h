@@ -4,6 +4,7 @@
 #include <QString>
 
 #include "components/links/Propclasses.h"
+#include "model/Datetime.h"
 
 /// Settings of a serial line and of the measuring device behind it. They take effect when a port is
 /// opened next. A member of its owner; GUI thread only.
@@ -94,7 +95,7 @@ class TQLXSettings : public TPersistent {
   /// Three bytes: two letters and a carriage return.
   QByteArray DataRequest() const;
   /// Days from one streamed sample to the next.
-  double TimeIncrement() const { return 1.0 / (86400.0 * sampleRate_); }
+  double TimeIncrement() const { return 1.0 / (kSecondsPerDay * sampleRate_); }
 
   /// The canonical name of a port: "COM" and its number, whether the text has a "COM" before the
   /// number or not. Anything but a number from 1 to 16 counts as 1.

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cmath>
 
+#include "model/Datetime.h"
+
 std::int64_t TTimeSource::SteadyNanoseconds() {
   using std::chrono::steady_clock;
   return std::chrono::nanoseconds(steady_clock::now().time_since_epoch()).count();
@@ -16,12 +18,11 @@ void TStampClock::Start() {
 }
 
 double TStampClock::Now() const {
-  constexpr double kNanosecondsPerDay = 86400e9;
-  return startTime_ + static_cast<double>(source_.Elapsed() - start_) / kNanosecondsPerDay;
+  return startTime_ + static_cast<double>(source_.Elapsed() - start_) / (1e9 * kSecondsPerDay);
 }
 
 double TStampClock::Follow() {
-  constexpr double kJump = 2.0 / 86400.0;
+  constexpr double kJump = 2.0 / kSecondsPerDay;
   const double change = source_.Wall().Days() - Now();
   if (!(std::abs(change) > kJump)) return 0.0;
   startTime_ += change;

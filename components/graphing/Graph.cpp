@@ -15,6 +15,7 @@
 #include "components/graphing/editors/Serieseditor.h"
 #include "components/graphing/painting/Curvepainter.h"
 #include "components/graphing/painting/Plotfont.h"
+#include "model/Datetime.h"
 
 namespace {
 
@@ -33,9 +34,10 @@ QString ValueText(const TAxis& axis, double value, double nextPixel) {
   if (axis.GetScale() == TAxis::asTime) {
     TNumberFormat format;
     format.SetIsTimeFormat(true);
-    format.SetTimeFormatStr(resolution * 86400.0 < 1.0 ? QStringLiteral("yyyy-mm-dd hh:nn:ss.zzz")
-                            : resolution * 86400.0 < 60.0 ? QStringLiteral("yyyy-mm-dd hh:nn:ss")
-                                                          : QStringLiteral("yyyy-mm-dd hh:nn"));
+    format.SetTimeFormatStr(
+        resolution * kSecondsPerDay < 1.0    ? QStringLiteral("yyyy-mm-dd hh:nn:ss.zzz")
+        : resolution * kSecondsPerDay < 60.0 ? QStringLiteral("yyyy-mm-dd hh:nn:ss")
+                                             : QStringLiteral("yyyy-mm-dd hh:nn"));
     return format.FormatedValue(value);
   }
   if (!(resolution > 0.0) || !std::isfinite(value)) return QString::number(value);

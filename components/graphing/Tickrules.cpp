@@ -5,6 +5,8 @@
 #include <iterator>
 #include <limits>
 
+#include "model/Datetime.h"
+
 namespace {
 
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
@@ -15,7 +17,7 @@ constexpr double kSmallestStep = 1e-300;
 constexpr double kFirstDay = -693500.0;
 constexpr double kLastDay = 2956500.0;
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kMinute = 60.0 * kSecond;
 constexpr double kHour = 3600.0 * kSecond;
 

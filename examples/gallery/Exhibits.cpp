@@ -8,12 +8,13 @@
 
 #include "components/graphing/Dataseries.h"
 #include "components/graphing/Sliderseries.h"
+#include "model/Datetime.h"
 
 namespace {
 
 using std::numbers::pi;
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kDay = 45000.0;  // 15 March 2023
 
 constexpr TColor kBlue = TColor::FromRgb(31, 90, 180);

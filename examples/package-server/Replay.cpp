@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+#include "model/Datetime.h"
+
 namespace {
 
 /// "YYYYMMDD HHMMSSmmm" as seconds on a clock that knows no summer time.
@@ -23,7 +25,8 @@ std::optional<double> Seconds(QByteArrayView stamp) {
   const QDate date(number(0, 4), number(4, 2), number(6, 2));
   const QTime time(number(9, 2), number(11, 2), number(13, 2), number(15, 3));
   if (!isNumber || !date.isValid() || !time.isValid()) return {};
-  return static_cast<double>(date.toJulianDay()) * 86400.0 + time.msecsSinceStartOfDay() / 1000.0;
+  return static_cast<double>(date.toJulianDay()) * kSecondsPerDay +
+         time.msecsSinceStartOfDay() / 1000.0;
 }
 
 QByteArrayView Attribute(QByteArrayView tag, QByteArrayView key) {

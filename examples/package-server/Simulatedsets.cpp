@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "model/Datetime.h"
 #include "model/Timer.h"
 
 namespace {
@@ -27,7 +28,6 @@ double TSimulatedSet::Value(std::int64_t row, std::size_t channel) const {
 }
 
 TDateTime TSimulatedSet::RowTime(TDateTime start, std::int64_t row) const {
-  constexpr double kSecondsPerDay = 86400.0;
   return TDateTime(start.Days() + static_cast<double>(row) / RateHz / kSecondsPerDay);
 }
 

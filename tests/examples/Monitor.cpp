@@ -25,6 +25,7 @@
 #include "examples/monitor/Monitoredsets.h"
 #include "examples/monitor/Monitorpanel.h"
 #include "examples/monitor/Valuecard.h"
+#include "model/Datetime.h"
 #include "tests/support/Testsupport.h"
 
 #ifdef Q_OS_UNIX
@@ -122,7 +123,7 @@ TEST(MonitoredSets, SumUpWhatHistoriesHoldAndWhatIsUnderWay) {
   TChannel& speed = *weather.GetChannels()->GetItem(0);
   constexpr int kCount = 1000;
   for (int i = 0; i <= kCount; ++i) {
-    const double row[] = {45413.5 + i / 86400.0, static_cast<double>(i)};
+    const double row[] = {45413.5 + i / kSecondsPerDay, static_cast<double>(i)};
     weather.SetRow(row, 0, 2);
   }
   // A block of one row has no length before the second row, so that the first one does not count.
@@ -173,7 +174,7 @@ TEST(HistoryView, LeavesAGapWhereNothingWasMeasured) {
   TChannelSet& weather = *source.GetSets()->GetItem(kWeather);
   for (const double start : {0.0, 100.0}) {
     for (int i = 0; i < 10; ++i) {
-      const double row[] = {45413.5 + (start + 1.5 * i) / 86400.0, 8.0};
+      const double row[] = {45413.5 + (start + 1.5 * i) / kSecondsPerDay, 8.0};
       weather.SetRow(row, 0, 2);
     }
   }

@@ -14,6 +14,7 @@
 
 #include "examples/device-simulator/Devicesimulator.h"
 #include "examples/device-simulator/Pty.h"
+#include "model/Datetime.h"
 
 namespace {
 
@@ -205,7 +206,7 @@ TEST_F(SerialDevice, AWindowThatStandsStillForTenSecondsLosesNothing) {
   Tick(20);
   EXPECT_GE(rows.size(), 8000u);
   EXPECT_EQ(Gaps(Numbers()), 0);
-  EXPECT_NEAR((rows[8000][0] - rows[0][0]) * 86400.0, 10.0, 1e-5);
+  EXPECT_NEAR((rows[8000][0] - rows[0][0]) * kSecondsPerDay, 10.0, 1e-5);
 }
 
 TEST_F(SerialDevice, KnowsNoiseFromPackets) {

@@ -5,11 +5,12 @@
 #include <QSignalSpy>
 #include <thread>
 
+#include "model/Datetime.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 
 /// A source of two sets: "A" with the channels "a1", "a2", ... and "B" with "b1", "b2", ...
 struct TTwoSets {

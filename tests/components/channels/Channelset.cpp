@@ -9,11 +9,12 @@
 #include <thread>
 
 #include "components/channels/Statsstorage.h"
+#include "model/Datetime.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kStart = 45000.0;  // 15 March 2023
 
 /// Sets a row at so many seconds, the same value in each channel.

@@ -11,11 +11,12 @@
 #include <random>
 
 #include "components/channels/Matrix.h"
+#include "model/Datetime.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kHour = 1.0 / 24.0;
 
 double Day(int year, int month, int day) {

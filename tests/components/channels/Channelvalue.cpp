@@ -7,11 +7,12 @@
 #include "components/channels/Runningstatistics.h"
 #include "components/controls/Historygraph.h"
 #include "components/graphing/Graph.h"
+#include "model/Datetime.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kStart = 45000.0;
 
 TEST(TRunningStatistics, GivesEachFigureOfWhatItWasGiven) {

@@ -9,13 +9,14 @@
 #include <cmath>
 
 #include "components/panels/Panel.h"
+#include "model/Datetime.h"
 #include "model/Filesync.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 const double kDay = static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(2024, 5, 31)));
 
 /// A set of one channel, "Load" in kN, whose blocks of two rows go to a storage in the test's
@@ -304,7 +305,7 @@ TEST(TStatsStorage, WhatCameBeforeAPauseHasALineInTheFileOfItsDay) {
   TStored stored;
   stored.storage->SetSaveInterval(3600);
   stored.Block(61000, 1.0);
-  stored.Block(2 * 86400 + 100, 3.0);
+  stored.Block(2 * kSecondsPerDay + 100, 3.0);
   stored.storage->SetActive(false);
   const TStatsContent before = Content(stored.File());
   const TStatsContent after = Content(stored.File("Crane_20240602.csv"));
@@ -321,8 +322,8 @@ TEST(TStatsStorage, CountsIntervalsFromMidnight) {
   stored.Block(50001, 1.0);  // ends the first
   EXPECT_EQ(Content(stored.File()).Blocks.size(), 1u);
   stored.Block(80000, 1.0);
-  stored.Block(86400.5, 1.0);  // the second ends with the day
-  stored.Block(86400 + 49999, 1.0);
+  stored.Block(kSecondsPerDay + 0.5, 1.0);  // the second ends with the day
+  stored.Block(kSecondsPerDay + 49999, 1.0);
   EXPECT_EQ(Content(stored.File("Crane_20240601.csv")).Blocks.size(), 1u);
 }
 

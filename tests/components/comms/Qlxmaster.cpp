@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "components/comms/Qlxxml.h"
+#include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
 #include "tests/support/Testsupport.h"
 
@@ -123,7 +124,7 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
     const auto& again = recorder.Rows(static_cast<std::size_t>(set));
     ASSERT_EQ(again.size(), 2u);
     for (std::size_t i = 0; i < 2; ++i) {
-      EXPECT_NEAR(again[i][0], rows[i][0], 0.6e-3 / 86400.0);  // stamps have milliseconds
+      EXPECT_NEAR(again[i][0], rows[i][0], 0.6e-3 / kSecondsPerDay);  // stamps have milliseconds
       EXPECT_EQ(again[i][1], rows[i][1]);
       EXPECT_EQ(again[i][2], rows[i][2]);
     }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <random>
 
+#include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
 #include "tests/support/Testsupport.h"
 
@@ -207,7 +208,7 @@ TEST(TQLXPackage, ReadsTimeStamps) {
       {"20240501_120000000", 45413.5},
       {"19000101 060000000", 2.25},
       {"18991229 000000000", -1.0},
-      {"20240229 235959999", 45351.0 + 86399.999 / 86400.0},
+      {"20240229 235959999", 45351.0 + 86399.999 / kSecondsPerDay},
       {"20240501 235960000", 45414.0},  // a leap second
       {"20240501T180000", 45413.75},
       {"20240501 1800", 0.0},
@@ -247,7 +248,7 @@ TEST_F(TQLXPackageTest, MovesARecordToTheLocalClockWithItsDistances) {
       EXPECT_GE(first, before);
       EXPECT_LE(first, after);
     }
-    const auto seconds = [&](const auto& row) { return (row[0] - data[0][0]) * 86400.0; };
+    const auto seconds = [&](const auto& row) { return (row[0] - data[0][0]) * kSecondsPerDay; };
     EXPECT_NEAR(seconds(data[1]), 3.5, 1e-5);
     EXPECT_NEAR(seconds(data[2]), 30.0, 1e-5);
     EXPECT_NEAR(seconds(others[1]), 10.0, 1e-5);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "components/graphing/Publishedrecord.h"
+#include "model/Datetime.h"
 
 namespace {
 
@@ -90,7 +91,7 @@ class TQLXPortTest : public testing::Test {
   TQLXPort& port() { return *owned; }
   void Tick(int times = 1) {
     for (int i = 0; i < times; ++i) {
-      wall += 0.01 / 86400.0;
+      wall += 0.01 / kSecondsPerDay;
       elapsed += 10'000'000;
       TTimerServer::Instance()->Timer();
     }
@@ -288,7 +289,7 @@ TEST_F(TQLXPortTest, StreamedPacketsAreSpacedByTheSampleRateFromTheLastMarker) {
   const double seconds[] = {0.0, 0.02, 0.02, 0.04};  // the marker came with the second tick
   for (std::size_t i = 0; i < 4; ++i) {
     EXPECT_THAT(std::vector(rows[i].begin() + 1, rows[i].end()), ElementsAre(i + 1, 0));
-    EXPECT_NEAR((rows[i][0] - start) * 86400.0, seconds[i], 1e-5);
+    EXPECT_NEAR((rows[i][0] - start) * kSecondsPerDay, seconds[i], 1e-5);
   }
 }
 
@@ -309,7 +310,7 @@ TEST_F(TQLXPortTest, StampsFollowTheWallClockWhenItJumps) {
     rows.clear();
     Run(mode);
     QSignalSpy jumps(&port(), &TQLXPort::OnClockJump);
-    constexpr double kSecond = 1.0 / 86400.0;
+    constexpr double kSecond = 1.0 / kSecondsPerDay;
     for (const double change : {0.0, 1.5, -3600.0, 7200.0}) {
       wall += change * kSecond;
       Tick(2);
@@ -332,7 +333,7 @@ TEST_F(TQLXPortTest, BytesThatWaitedAreStampedByTheTimeTheyCame) {
     line.arrival.Age = static_cast<std::int64_t>(seconds * 1e9);
     Tick();
     port().ReadSignal("", 0);  // what waited behind the marker
-    EXPECT_NEAR((wall - rows.back()[0]) * 86400.0, seconds, 1e-4);
+    EXPECT_NEAR((wall - rows.back()[0]) * kSecondsPerDay, seconds, 1e-4);
   }
   // Behind a gap the stream is taken up where it has come to, marker or not.
   line.incoming = Packet('\xf8').left(3);
@@ -340,7 +341,7 @@ TEST_F(TQLXPortTest, BytesThatWaitedAreStampedByTheTimeTheyCame) {
   line.incoming = Packet('\xf8');
   line.arrival = {2'000'000'000, 1000};
   Tick();
-  EXPECT_NEAR((wall - rows.back()[0]) * 86400.0, 2.0, 1e-4);
+  EXPECT_NEAR((wall - rows.back()[0]) * kSecondsPerDay, 2.0, 1e-4);
   EXPECT_EQ(port().GetSkipped().Gaps, 1u);
   EXPECT_EQ(port().GetSkipped().Bytes, 1003u);
   EXPECT_FALSE(port().IsNoisy());

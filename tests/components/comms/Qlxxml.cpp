@@ -16,6 +16,7 @@
 
 #include "components/comms/Qlxwebdebug.h"
 #include "examples/package-server/Packageserver.h"
+#include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
@@ -84,7 +85,7 @@ TEST_F(TQLXXMLClientTest, GreetsTakesRowsAndTakesLeave) {
   server.Send(MastAndWeather()[1].Package(TDateTime(45413.0), 7));
   ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
   EXPECT_EQ(recorder.Rows(0).size(), 10u);
-  EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / 86400.0, 1e-9);
+  EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / kSecondsPerDay, 1e-9);
 
   client->SetActive(false);
   EXPECT_FALSE(client->GetActive());
@@ -252,7 +253,7 @@ TEST_F(TQLXXMLClientTest, TakesARecordThatTheServerPlays) {
   Connect();
   ASSERT_TRUE(WaitFor([this] { return recorder.Rows(0).size() >= 3100; }));
   EXPECT_NEAR(recorder.Rows(0)[0][0], 45413.0, 1e-9);
-  EXPECT_NEAR(recorder.Rows(0)[2999][0], 45413.0 + 29.99 / 86400.0, 1e-9);
+  EXPECT_NEAR(recorder.Rows(0)[2999][0], 45413.0 + 29.99 / kSecondsPerDay, 1e-9);
   EXPECT_NEAR(recorder.Rows(0)[3000][0], 45413.0, 1e-9);  // and once more
 }
 
@@ -416,7 +417,7 @@ TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
     // Half a minute at 100 Hz and at 1 Hz, from noon on 1 May 2024.
     EXPECT_EQ(recorder.Rows(0).size(), 3000u);
     EXPECT_EQ(recorder.Rows(1).size(), 30u);
-    EXPECT_NEAR(recorder.Rows(0).back()[0], 45413.5 + 29.99 / 86400.0, 1e-9);
+    EXPECT_NEAR(recorder.Rows(0).back()[0], 45413.5 + 29.99 / kSecondsPerDay, 1e-9);
     if (mast.empty()) mast = recorder.Rows(0);
     EXPECT_EQ(recorder.Rows(0), mast);
     EXPECT_EQ(statuses, QStringList({"File '" + client.GetFileName() + "' opened for reading",
@@ -435,7 +436,7 @@ TEST_F(TXMLFileClientTest, MovesAFileAsAWholeToTheLocalClock) {
     const auto& rows = recorder.Rows(0);
     EXPECT_GE(rows.front()[0], before);
     EXPECT_LE(rows.front()[0], TDateTime::Now().Days());
-    EXPECT_NEAR((rows.back()[0] - rows.front()[0]) * 86400.0, 29.99, 1e-5);
+    EXPECT_NEAR((rows.back()[0] - rows.front()[0]) * kSecondsPerDay, 29.99, 1e-5);
   }
 }
 

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "components/controls/Designmode.h"
+#include "model/Datetime.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
@@ -112,7 +113,8 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
   link.GetChannel()->SetItem("Direction");
   EXPECT_TRUE(link.GetEnabled());
   // A block of two rows, half a second long: time and four channels each.
-  const double rows[2][5] = {{45000.0, 30.0, 0, 0, 0}, {45000.0 + 0.5 / 86400.0, 40.0, 0, 0, 0}};
+  const double rows[2][5] = {{45000.0, 30.0, 0, 0, 0},
+                             {45000.0 + 0.5 / kSecondsPerDay, 40.0, 0, 0, 0}};
   for (const auto& row : rows) set->SetRow(row, 0, 5);
   const auto tick = [] {
     for (int i = 0; i < 10; ++i) TTimerServer::Instance()->Timer();

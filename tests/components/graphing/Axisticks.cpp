@@ -7,12 +7,13 @@
 
 #include "components/graphing/Axis.h"
 #include "components/graphing/Tickrules.h"
+#include "model/Datetime.h"
 
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 
 /// An axis that asks for `min` and `max`, as its graph's data would give them.
 void ShowRange(TAxis& axis, TAxis::TAxisScale scale, double min, double max) {

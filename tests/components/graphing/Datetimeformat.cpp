@@ -2,13 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "model/Datetime.h"
+
 namespace {
 
 /// Days of a date and a time of day; 1 January 2000 is day 36526, worked out from 30 December 1899:
 /// 2 days to 1900 and 36524 days of 100 years with 24 leap days.
 TDateTime At(int year2000Day, int hour, int minute, int second, int msec = 0) {
   const double seconds = hour * 3600 + minute * 60 + second + msec / 1000.0;
-  return TDateTime(36526 + year2000Day + seconds / 86400.0);
+  return TDateTime(36526 + year2000Day + seconds / kSecondsPerDay);
 }
 
 QString Text(const char* pattern, TDateTime time, const char* locale = "en_US") {
