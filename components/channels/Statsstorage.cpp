@@ -46,13 +46,13 @@ TStatsStorage::~TStatsStorage() { WriteAll(); }
 
 // Properties
 
-TStatsStorage::TSettings TStatsStorage::Settings() const {
+TStatsStorage::TStorageSettings TStatsStorage::Settings() const {
   const TLock lock(mutex_);
   return settings_;
 }
 
 template <class T>
-void TStatsStorage::Set(T TSettings::*field, const T& value) {
+void TStatsStorage::Set(T TStorageSettings::*field, const T& value) {
   const TLock lock(mutex_);
   settings_.*field = value;
 }
@@ -63,7 +63,7 @@ void TStatsStorage::SetLoggerName(const QString& name) {
 }
 
 void TStatsStorage::SetRootDir(const QString& folder) {
-  Set(&TSettings::rootDir, folder);
+  Set(&TStorageSettings::rootDir, folder);
   UpdatePlace();
 }
 
@@ -80,20 +80,22 @@ void TStatsStorage::UpdatePlace() {
 
 void TStatsStorage::AddWishes(TWishes& wishes) const { AddFolderWish(wishes, this, GetRootDir()); }
 
-void TStatsStorage::SetFilePrefix(const QString& prefix) { Set(&TSettings::filePrefix, prefix); }
-void TStatsStorage::SetAutoPrefix(bool on) { Set(&TSettings::autoPrefix, on); }
-void TStatsStorage::SetUseDoubleTime(bool on) { Set(&TSettings::doubleTime, on); }
+void TStatsStorage::SetFilePrefix(const QString& prefix) {
+  Set(&TStorageSettings::filePrefix, prefix);
+}
+void TStatsStorage::SetAutoPrefix(bool on) { Set(&TStorageSettings::autoPrefix, on); }
+void TStatsStorage::SetUseDoubleTime(bool on) { Set(&TStorageSettings::doubleTime, on); }
 
 void TStatsStorage::SetFileExt(const QString& extension) {
-  Set(&TSettings::fileExt, extension.startsWith('.') ? extension.mid(1) : extension);
+  Set(&TStorageSettings::fileExt, extension.startsWith('.') ? extension.mid(1) : extension);
 }
 
 void TStatsStorage::SetEndTime(double time) {
-  if (std::isfinite(time)) Set(&TSettings::endTime, time);
+  if (std::isfinite(time)) Set(&TStorageSettings::endTime, time);
 }
 
 void TStatsStorage::SetSaveInterval(int seconds) {
-  if (seconds >= 0 && seconds <= kSecondsPerDay) Set(&TSettings::saveInterval, seconds);
+  if (seconds >= 0 && seconds <= kSecondsPerDay) Set(&TStorageSettings::saveInterval, seconds);
 }
 
 void TStatsStorage::SetActive(bool active) {

@@ -81,7 +81,7 @@ class TStatsStorage : public TBlockStorage {
   void OnStatusChanged(QObject* sender);
 
  private:
-  struct TSettings {
+  struct TStorageSettings {
     QString rootDir;
     QString path;                              ///< of the folder
     std::optional<QString> place = QString();  ///< where files may be written, see WritePlace
@@ -104,9 +104,9 @@ class TStatsStorage : public TBlockStorage {
   };
   using TLock = std::lock_guard<std::mutex>;
 
-  TSettings Settings() const;
+  TStorageSettings Settings() const;
   template <class T>
-  void Set(T TSettings::*field, const T& value);
+  void Set(T TStorageSettings::*field, const T& value);
   void UpdatePlace();
   QString FileName(const TCollected& collected) const;
   void Collect(TCollected& collected, double duration);
@@ -122,7 +122,7 @@ class TStatsStorage : public TBlockStorage {
   void TellStatus(const QString& text);
 
   mutable std::mutex mutex_;
-  TSettings settings_;
+  TStorageSettings settings_;
   std::map<const TChannelSet*, TCollected> sets_;
   std::vector<TCollected> waiting_;        ///< could not be written, and no set adds to it any more
   std::map<QString, QByteArray> headers_;  ///< the last one in each file

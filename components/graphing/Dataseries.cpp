@@ -63,7 +63,7 @@ void PullBars(const TProvideGraphData& source, Visit visit) {
 }
 
 /// Widens a range by many values at once; those that are not finite do not count.
-class TBounds {
+class TExtremes {
  public:
   void Add(double value) {
     if (!std::isfinite(value)) return;
@@ -92,7 +92,7 @@ template <double TCoordinate::*kPart>
 void PullRange(const TSeries& series, TSeriesStyle::TPointStyle standing, bool isTime,
                TRange& range) {
   if (!series.DataSource) return;
-  TBounds bounds;
+  TExtremes bounds;
   if (series.GetStyle()->IsBar()) {
     const bool hasFoot = series.GetStyle()->GetPointStyle() == standing && !isTime;
     PullBars(series.DataSource, [&](const TCoordinate& point, const TCoordinate& extent) {
@@ -110,7 +110,7 @@ void PullRange(const TSeries& series, TSeriesStyle::TPointStyle standing, bool i
 
 template <double TCoordinate::*kPart>
 void TakeRange(const std::vector<TCoordinate>& points, TRange& range) {
-  TBounds bounds;
+  TExtremes bounds;
   for (const TCoordinate& point : points) bounds.Add(point.*kPart);
   bounds.Fill(range);
 }

@@ -32,7 +32,7 @@ class TFormParser {
   QString Parse();
 
  private:
-  struct TElement {
+  struct TOpenElement {
     int widget = -1;  ///< index of the widget that this element is
     QString owner{};  ///< of the properties in it
     int rows = 0;     ///< that it holds as a table
@@ -61,7 +61,7 @@ class TFormParser {
   std::vector<TFormFile::TLayout>& layouts_;
   std::vector<TFormFile::TOtherProperty>& others_;
   std::vector<TFormFile::TConnection>& connections_;
-  std::vector<TElement> open_;
+  std::vector<TOpenElement> open_;
   int items_ = 0;
   qint64 named_ = 0;  ///< widgets in the orders of depth and of the tabulator
   qint64 cells_ = 0;
@@ -227,7 +227,7 @@ void TFormParser::CheckItem() {
 /// Of the element that has just been read.
 void TFormParser::End() {
   if (open_.empty()) return;
-  const TElement element = open_.back();
+  const TOpenElement element = open_.back();
   open_.pop_back();
   if (element.widget < 0) return;
   qint64 rows = element.rows;
@@ -282,7 +282,7 @@ void TFormParser::ReadProperty(bool isAttribute) {
   }
   property.End = static_cast<qsizetype>(reader_.characterOffset());
   if (open_.empty()) return Fail(QStringLiteral("a property of nothing"));
-  const TElement& owner = open_.back();
+  const TOpenElement& owner = open_.back();
   if (isAttribute || owner.widget < 0) {
     others_.push_back({owner.owner, std::move(property)});
   } else {
@@ -370,17 +370,17 @@ QString ElementText(const QString& name, const TFormValue& value) {
 }
 
 /// A change of the text: what stands between the two places goes, the text comes.
-struct TEdit {
+struct TReplacement {
   qsizetype begin;
   qsizetype end;
   QString text;
 };
 
-QString Apply(const QString& text, std::vector<TEdit> edits) {
-  std::ranges::stable_sort(edits, {}, &TEdit::begin);
+QString Apply(const QString& text, std::vector<TReplacement> edits) {
+  std::ranges::stable_sort(edits, {}, &TReplacement::begin);
   QString result;
   qsizetype at = 0;
-  for (const TEdit& edit : edits) {
+  for (const TReplacement& edit : edits) {
     result += QStringView(text).mid(at, edit.begin - at);
     result += edit.text;
     at = edit.end;
@@ -390,8 +390,8 @@ QString Apply(const QString& text, std::vector<TEdit> edits) {
 }
 
 /// Takes an element out. The blank line that would stay behind goes too.
-template <class TElement>
-TEdit CutOut(const QString& text, const TElement& element) {
+template <class TPart>
+TReplacement CutOut(const QString& text, const TPart& element) {
   qsizetype begin = element.Begin;
   while (begin > 0 && (text[begin - 1] == ' ' || text[begin - 1] == '\t')) --begin;
   const bool wholeLine = begin > 0 && text[begin - 1] == '\n';
@@ -424,10 +424,10 @@ bool TFormFile::Parse(const QString& text, QString* error) {
 }
 
 QString TFormFile::Loadable(const TReplacements& replacements) const {
-  std::vector<TEdit> edits;
+  std::vector<TReplacement> edits;
   for (const auto& [property, text] : replacements) {
     edits.push_back(text.isEmpty() ? CutOut(text_, *property)
-                                   : TEdit{property->Begin, property->End, text});
+                                   : TReplacement{property->Begin, property->End, text});
   }
   for (const TConnection& connection : connections_) edits.push_back(CutOut(text_, connection));
   return Apply(text_, std::move(edits));
@@ -450,7 +450,7 @@ QString TFormFile::ElementWith(const TProperty& property, const QString& text,
 
 QString TFormFile::Replaced(const std::function<bool(const TWidget&, const TProperty&)>& drop,
                             const std::function<TNewProperties(const TWidget&)>& put) const {
-  std::vector<TEdit> edits;
+  std::vector<TReplacement> edits;
   for (const TWidget& widget : widgets_) {
     const QString indent = IndentOf(text_, widget.ContentBegin);
     QString added;
