@@ -63,7 +63,7 @@ void Chain(TBench& bench) {
   bench.Check(last == controls.front()->GetValue(), "the value runs through the chain");
   const double before = sum;
   controls.front()->SetValue(3.0);
-  bench.Check(sum - before == 3.0 * kControls, "every subscriber is told");
+  bench.Check(sum - before == 3.0 * kControls, "every subscriber is notified");
 }
 
 void Channel(TBench& bench, int rows, int updateInterval) {

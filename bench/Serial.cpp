@@ -1,7 +1,7 @@
 // A soak run: a simulated device in a process of its own streams 16 inputs at 800 Hz over a pseudo
 // terminal while this process draws a graph of them. No packet may be missing.
 //
-//   bench_serial [--quick] [--seconds N]      60 s unless told
+//   bench_serial [--quick] [--seconds N]      60 s by default
 
 #include <QApplication>
 #include <QProcess>

@@ -61,7 +61,7 @@ class TDesignerWidget : public QDesignerCustomWidgetInterface {
 
   QWidget* createWidget(QWidget* parent) override {
     QWidget* component = class_.Make(parent);
-    // It stores what it is told and starts nothing.
+    // It stores what is set and starts nothing.
     class_.BeginLoading(component);
     SetDesignMode(component, true);
     return component;

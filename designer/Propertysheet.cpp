@@ -194,11 +194,11 @@ void TPropertySheet::setProperty(int index, const QVariant& value) {
   if (!entry) return own_.setProperty(index, value);
   const QDesignerPropertyEditorInterface* editor = core_.propertyEditor();
   if (!editor || editor->object() != &component_) {
-    if (told_.empty()) {
+    if (taken_.empty()) {
       QMetaObject::invokeMethod(
           this, [this] { Settle(); }, Qt::QueuedConnection);
     }
-    told_.emplace_back(entry, value);
+    taken_.emplace_back(entry, value);
     return Take(*entry, value);
   }
   const int shown = property(index).typeId();
@@ -235,14 +235,14 @@ bool TPropertySheet::Stands(const TEntry& entry, const QVariant& value) {
 
 /// Some setters look at other properties: what a later property of a form has moved is set again.
 void TPropertySheet::Settle() {
-  const auto told = std::exchange(told_, {});
+  const auto taken = std::exchange(taken_, {});
   constexpr int kRounds = 2;
   for (int round = 0; round < kRounds; ++round) {
-    for (const auto& [entry, value] : told) {
+    for (const auto& [entry, value] : taken) {
       if (!Stands(*entry, value)) Take(*entry, value);
     }
   }
-  for (const auto& [entry, value] : told) KeepIfRefused(*entry, value);
+  for (const auto& [entry, value] : taken) KeepIfRefused(*entry, value);
 }
 
 /// A value that a property refuses, such as the name of a file that is not on this computer, stays

@@ -84,7 +84,7 @@ class TPropertySheet : public QObject, public QDesignerPropertySheetExtension {
   std::vector<TEntry> extras_;
   std::map<int, TEntry> ownEntries_;  ///< by their index in the component's own sheet
   /// By a form that is being read, see Settle.
-  std::vector<std::pair<const TEntry*, QVariant>> told_;
+  std::vector<std::pair<const TEntry*, QVariant>> taken_;
   std::map<const TEntry*, TRefused> refused_;
 };
 

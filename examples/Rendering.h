@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-/// To be called before the application is made: a program that is told to --render, or only asked
-/// for --help, needs no display.
+/// To be called before the application is made: a program that is called with --render, or only
+/// asked for --help, needs no display.
 inline void RenderWithoutDisplay(int argc, char** argv) {
   const bool hidden = std::any_of(argv + 1, argv + argc, [](const char* argument) {
     return std::strncmp(argument, "--render", 8) == 0 || std::strncmp(argument, "--help", 6) == 0 ||

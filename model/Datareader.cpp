@@ -118,7 +118,7 @@ bool ReadDataSet(TReading& reading, const TModelNodes& model, TDataContent& cont
   if (!goOn) return false;
   content.MaxAmplitude = LargestAmplitude(content.Nodes);
   if (content.Nodes.Empty()) return true;
-  // A record that was dropped has been told; that its node has none follows from it.
+  // A record that was dropped has been reported; that its node has none follows from it.
   if (reading.Report.Count() == faults) recorded.NoteMissing(reading, header);
   AlignNodes(content.Nodes, model.Nodes, model.Index);
   return true;

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// Tells those who keep something in memory that it is time to write it: the program is told to end
+/// Warns those who keep something in memory that it is time to write it: the program is being ended
 /// by a signal of the system, or the desktop session ends. One for the program; GUI thread only,
 /// but for IsAsked.
 class TEnding : public QObject {

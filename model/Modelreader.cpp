@@ -100,7 +100,7 @@ class TElementReader {
       : reading_(reading), scanner_(reading.Scanner), nodeList_(nodeList), content_(content) {}
 
   void Read() {
-    const std::size_t start = told_ = scanner_.Position();
+    const std::size_t start = reported_ = scanner_.Position();
     if (!scanner_.ReadInt(announced_, &outOfRange_)) {
       Note(start, [] {
         return QStringLiteral("the number of elements is missing; no elements were read");
@@ -113,7 +113,7 @@ class TElementReader {
       scanner_.SkipWhiteSpace();
       const std::size_t before = scanner_.Position();
       if (!ReadElement() && scanner_.Position() == before) break;
-      if (!Tell()) return;
+      if (!ReportProgress()) return;
     }
     NoteWrongCount();
   }
@@ -134,10 +134,10 @@ class TElementReader {
     outOfRange_ = false;
   }
 
-  /// Tells the progress. False once the user has cancelled.
-  bool Tell() {
-    const std::size_t from = std::exchange(told_, scanner_.Position());
-    return reading_.Advance(told_ - from);
+  /// Reports the progress. False once the user has cancelled.
+  bool ReportProgress() {
+    const std::size_t from = std::exchange(reported_, scanner_.Position());
+    return reading_.Advance(reported_ - from);
   }
 
   bool Int(std::int32_t& value) { return scanner_.ReadInt(value, &outOfRange_); }
@@ -194,7 +194,7 @@ class TElementReader {
     indices_.clear();
     bool all = true;
     for (std::int32_t i = 0; i < count; ++i) {
-      if (i % kTellEvery == kTellEvery - 1 && !Tell()) return false;
+      if (i % kTellEvery == kTellEvery - 1 && !ReportProgress()) return false;
       const std::size_t before = scanner_.Position();
       std::int32_t id = 0;
       if (!Int(id)) {
@@ -269,8 +269,8 @@ class TElementReader {
   const TNodeList* nodeList_;
   TModelContent& content_;
   std::int32_t announced_ = 0;
-  std::int32_t whole_ = 0;  ///< records of which every number was there
-  std::size_t told_ = 0;    ///< position up to which the progress was told
+  std::int32_t whole_ = 0;    ///< records of which every number was there
+  std::size_t reported_ = 0;  ///< position up to which the progress was reported
   bool outOfRange_ = false;
   bool missing_ = false;
   std::int32_t missingId_ = 0;

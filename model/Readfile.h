@@ -17,7 +17,7 @@ inline std::string_view View(const TFileText& text) { return {text.data(), text.
 QString WhyNotReadable(const QString& fileName);
 
 /// Reads a regular file whole, in pieces, with the progress of the reading alone in [0, 1]. False
-/// if it was cancelled or could not be read, which the report then tells. Any thread.
+/// if it was cancelled or could not be read, which the report then says. Any thread.
 [[nodiscard]] bool ReadFile(const QString& fileName, TFileText& text, TLoadReport& report,
                             const TLoadProgress& progress = {});
 

@@ -55,9 +55,9 @@ bool TReading::Advance(std::size_t characters, std::size_t nodes) {
   const std::size_t work = characters + nodes * kCharactersPerNode;
   WeighMemory(work);
   done_ += characters;
-  untold_ += work;
-  if (untold_ < kTellEvery || !progress_) return !Report.Cancelled();
-  untold_ = 0;
+  unreported_ += work;
+  if (unreported_ < kTellEvery || !progress_) return !Report.Cancelled();
+  unreported_ = 0;
   const double part = static_cast<double>(done_) / static_cast<double>(Scanner.Text().size());
   if (!progress_(std::min(part, 1.0))) Report.Cancel();
   return !Report.Cancelled();

@@ -17,7 +17,7 @@ class TReading {
   TTextScanner Scanner;
   TLoadReport& Report;
 
-  /// Tells how many characters more have been dealt with, and how many nodes were made besides:
+  /// Counts how many characters more have been dealt with, and how many nodes were made besides:
   /// they take time and memory too. What is passed in vain counts nothing. False, and noted in the
   /// report, once the user has cancelled. Throws std::bad_alloc before the system's memory runs
   /// out.
@@ -30,9 +30,9 @@ class TReading {
   void WeighMemory(std::size_t work);
 
   TLoadProgress progress_;
-  std::size_t done_ = 0;       ///< characters dealt with
-  std::size_t untold_ = 0;     ///< work since progress was told, in characters
-  std::size_t unweighed_ = 0;  ///< work since the memory was looked at, in characters
+  std::size_t done_ = 0;        ///< characters dealt with
+  std::size_t unreported_ = 0;  ///< work since progress was reported, in characters
+  std::size_t unweighed_ = 0;   ///< work since the memory was looked at, in characters
 };
 
 /// Notes at `position` that a decimal comma has cut a number.
@@ -68,13 +68,13 @@ template <class TTake>
 bool ReadNodeRecords(TReading& reading, TTake take) {
   constexpr std::size_t kTellEvery = 1 << 16;
   const int valueCount = HasAngleData(reading.Scanner) ? 6 : 3;
-  std::size_t told = reading.Scanner.Position();
+  std::size_t reported = reading.Scanner.Position();
   TNodeRecord record;
   while (ReadNodeRecord(reading, valueCount, record)) {
     take(record);
-    if (reading.Scanner.Position() - told < kTellEvery) continue;
-    if (!reading.Advance(reading.Scanner.Position() - told)) return false;
-    told = reading.Scanner.Position();
+    if (reading.Scanner.Position() - reported < kTellEvery) continue;
+    if (!reading.Advance(reading.Scanner.Position() - reported)) return false;
+    reported = reading.Scanner.Position();
   }
-  return reading.Advance(reading.Scanner.Position() - told);
+  return reading.Advance(reading.Scanner.Position() - reported);
 }

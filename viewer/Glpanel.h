@@ -118,8 +118,8 @@ class TGLPanel : public QWidget {
   std::unique_ptr<QOpenGLContext> context_;
   QString rendererName_;
   QPoint last_;  ///< mouse position of the previous move, or of the press that began a drag
-  bool contextMissed_ = false;  ///< the user has been told that there is no context
-  bool currentFailed_ = false;  ///< the user has been told that it cannot be made current
+  bool contextMissed_ = false;  ///< the user knows that there is no context
+  bool currentFailed_ = false;  ///< the user knows that it cannot be made current
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(TGLPanel::TPFDFlags)

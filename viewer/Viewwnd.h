@@ -52,7 +52,7 @@ class TViewWnd : public QMainWindow {
   bool OpenModel(const QString& fileName);
   /// Replaces the data by those of a file, likewise.
   void OpenData(const QString& fileName);
-  /// Opens a model file, a data file or one of each, told apart by their content.
+  /// Opens a model file, a data file or one of each, distinguished by their content.
   void OpenFiles(const QStringList& fileNames);
 
   const QString& ModelFile() const { return modelFile_; }  ///< empty if no model is loaded

@@ -169,7 +169,7 @@ class TChannels : public TPersistent {
   QStringList Labels() const;
 
   /// A new channel at the end, or null if the set can hold no more. The owner of the collection is
-  /// told when the channel is destroyed.
+  /// notified when the channel is destroyed.
   TChannel* Add();
   /// Takes a channel out, with its column or without; null outside the collection.
   std::unique_ptr<TChannel> Take(int index, bool withColumn);

@@ -46,7 +46,7 @@ void TChannelEnd::Clear() {
   sets_ = nullptr;
   const QPointer<TChannelEnd> alive(this);
   ChannelSet.Clear();
-  // Whoever was told may have destroyed the link or chosen another source.
+  // Whoever was notified may have destroyed the link or chosen another source.
   if (alive && !sets_) Channel.Clear();
   if (alive && !sets_ && set_) SelectedChannelSetChanged(nullptr);
 }
@@ -62,7 +62,7 @@ void TChannelEnd::SelectedChannelSetChanged(TChannelSet* set) {
   disconnect(channelsChanged_);
   set_ = set;
   const QPointer<TChannelEnd> alive(this);
-  // Whoever is told may destroy the link or choose another set.
+  // Whoever is notified may destroy the link or choose another set.
   const auto stays = [&] { return alive && set_ == set; };
   Channel.Clear();
   if (stays() && channel_) SelectedChannelChanged(nullptr);
@@ -196,7 +196,7 @@ void TCustomChannelLink::SourceChanged() {
   if (!source && !source_.GetNames().isEmpty()) return;
   const QPointer<TCustomChannelLink> alive(this);
   for (std::size_t i = 0; alive && i < ends_.size(); ++i) ends_[i]->Clear();
-  // Whoever was told may have chosen another one.
+  // Whoever was notified may have chosen another one.
   if (!alive || GetChannelSource() != source) return;
   for (const auto& end : ends_) end->SetSource(source);
   emit OnSourceChanged(this);

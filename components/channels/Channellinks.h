@@ -38,7 +38,7 @@ class TChannelEnd : public QObject {
   Q_OBJECT
 
  public:
-  /// `link` is told of the blocks of the chosen set.
+  /// `link` is notified of the blocks of the chosen set.
   explicit TChannelEnd(TCustomChannelLink& link);
 
   TStatisticsOptions Options{this};

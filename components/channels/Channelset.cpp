@@ -27,7 +27,7 @@ TChannelSet::TChannelSet(QObject* owner)
 }
 
 TChannelSet::~TChannelSet() {
-  // First of all, so that nobody finds the set there who is told of anything below.
+  // First of all, so that nobody finds the set there who is notified of anything below.
   LeaveCollection();
   BeforeDestruction();
   SetStorage(nullptr);
@@ -132,16 +132,16 @@ bool TChannelSet::StoreRow(const double* values, int first, int count) {
 void TChannelSet::BlockComplete() {
   TBlockStorage* storage = storageNow_;
   if (storage && storage->GetActive()) storage->SaveBlock(*this);
-  if (!TellClients()) return;
+  if (!NotifyClients()) return;
   const TLock lock(mutex_);
   if (currentRow_ >= data_.Rows()) currentRow_ = 0;
 }
 
 /// False if one of them has destroyed the set.
-bool TChannelSet::TellClients() {
+bool TChannelSet::NotifyClients() {
   const std::shared_ptr<TClients> clients = clients_;
   const std::lock_guard lock(clients->mutex);
-  ++clients->telling;
+  ++clients->notifying;
   const std::size_t count = clients->list.size();
   for (std::size_t i = 0; i < count && !clients->gone; ++i) {
     const TDataClient* client = clients->list[i];
@@ -150,7 +150,7 @@ bool TChannelSet::TellClients() {
       call(this);
     }
   }
-  if (--clients->telling == 0) std::erase(clients->list, nullptr);
+  if (--clients->notifying == 0) std::erase(clients->list, nullptr);
   return !clients->gone;
 }
 
@@ -163,7 +163,7 @@ void TChannelSet::Leave(TDataClient* client) {
   const std::lock_guard lock(clients_->mutex);
   std::replace(clients_->list.begin(), clients_->list.end(), client,
                static_cast<TDataClient*>(nullptr));
-  if (clients_->telling == 0) std::erase(clients_->list, nullptr);
+  if (clients_->notifying == 0) std::erase(clients_->list, nullptr);
 }
 
 // Block statistics

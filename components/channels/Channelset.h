@@ -61,7 +61,7 @@ class TBlockStorage : public TIconControl {
 
 /// Rows of several channels: takes one row after the other, converts each value, and after every
 /// Rows of them computes the statistics of the block, gives them to the channels' histories, has
-/// them saved, and tells its clients.
+/// them saved, and notifies its clients.
 ///
 /// Threads: one thread at a time may set rows, also one beside the GUI thread; everything else is
 /// the GUI thread's. Operations of this class lock against each other, so they may be used while
@@ -222,7 +222,7 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   TCalibration CalibrationOf(int column) const;
   void SetCalibrationOf(int column, const TCalibration& calibration);
   void BlockComplete();
-  bool TellClients();
+  bool NotifyClients();
   void Join(TDataClient* client);
   void Leave(TDataClient* client);
   void StorageChanged(QObject* storage, TListAction action);
@@ -256,11 +256,11 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
 
   TKorvalCompList storage_;  ///< one at most
   std::atomic<TBlockStorage*> storageNow_ = nullptr;
-  /// Outlives the set while a client that destroys it is being told.
+  /// Outlives the set while a client that destroys it is being notified.
   struct TClients {
     std::recursive_mutex mutex;
-    std::vector<TDataClient*> list;  ///< null: has left while the others were told
-    int telling = 0;
+    std::vector<TDataClient*> list;  ///< null: has left while the others were notified
+    int notifying = 0;
     bool gone = false;  ///< the set is
   };
   const std::shared_ptr<TClients> clients_ = std::make_shared<TClients>();

@@ -195,7 +195,7 @@ void TChannelSets::Replace(std::vector<std::unique_ptr<TChannelSet>> sets) {
 void TChannelSets::AssignTo(TPersistent* destination) const {
   auto* sets = qobject_cast<TChannelSets*>(destination);
   if (!sets || sets == this) return;
-  // Not until the counts are equal: whoever is told of a change may make another one.
+  // Not until the counts are equal: whoever is notified of a change may make another one.
   const QPointer<TChannelSets> alive(sets);
   for (int i = sets->Count() - Count(); alive && i > 0; --i) sets->Delete(sets->Count() - 1);
   for (int i = Count() - (alive ? sets->Count() : 0); alive && i > 0; --i) sets->Add();

@@ -37,7 +37,7 @@ class TChannelValue : public TCustomVariable {
   TContent GetContent() const { return content_; }
   void SetContent(TContent content);
 
-  /// When another channel is chosen the value is 0 until that has one; nobody is told the 0.
+  /// When another channel is chosen the value is 0 until that has one; nobody is notified of the 0.
   TOneChannelLink* GetChannelLink() { return &link_; }
   void SetChannelLink(const TOneChannelLink* link) { link_.Assign(link); }
 

@@ -94,7 +94,7 @@ void TCustomDataChannel::SetData(const TFloatList* list) {
   data_.BeginUpdate();
   data_.Assign(list);
   SetDataMaximum();
-  data_.EndUpdate(true);  // Last, for the channel may be destroyed by whom this tells.
+  data_.EndUpdate(true);  // Last, for a subscriber may destroy the channel.
 }
 
 void TCustomDataChannel::SetPipeMode(bool pipe) {
@@ -215,8 +215,8 @@ void TCustomDataChannel::AssignTo(TCustomDataChannel* destination) const {
   // Both at once: a limit that is set alone may change places with the old other one.
   destination->limitMin_ = limitMin_;
   destination->limitMax_ = limitMax_;
-  // With the rows that they are for, so that there is one change to tell of. That comes last: the
-  // destination may be destroyed by whom it tells.
+  // With the rows that they are for, so that there is one notification. That comes last: a
+  // subscriber may destroy the destination.
   destination->pointCount_ = pointCount_;
   destination->pipeMode_ = pipeMode_;
   destination->SetData(&data_);

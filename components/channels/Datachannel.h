@@ -105,7 +105,7 @@ class TCustomDataChannel : public TServerDataControl {
 
  public slots:
   /// What the three buttons do. SendDataToClients gives subscribers and clients all stored values
-  /// again; the channel then has its value back, which the clients are not told.
+  /// again; the channel then has its value back, of which the clients are not notified.
   void SendDataToClients(QObject* sender = nullptr);
   /// Moves the stored values, and by ShiftConstant those to come, so that the stored ones have the
   /// mean InitialValue. Stored values that are not finite do not count.

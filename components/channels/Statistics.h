@@ -14,7 +14,7 @@ struct TStatisticsData {
   friend bool operator==(const TStatisticsData&, const TStatisticsData&) = default;
 };
 
-/// Rows of snapshots, at most 100 until told otherwise.
+/// Rows of snapshots, at most 100 by default.
 class TStatDataList : public TDataList {
   Q_OBJECT
 

@@ -148,7 +148,7 @@ void TStatsStorage::SaveBlock(TChannelSet& set) {
   const auto found = sets_.find(&set);
   if (!settings_.place || found == sets_.end() || !set.CopyBlockStats(found->second.block)) return;
   TCollected& collected = found->second;
-  // Channels that have just come or gone are told of in a moment.
+  // Channels that have just come or gone are reported in a moment.
   if (collected.block.empty() || collected.block.size() != collected.sums.size()) return;
   const TStatSet& block = collected.block.front();
   if (!IsHistoryTime(block.Time)) return;
@@ -263,15 +263,15 @@ bool TStatsStorage::Append(const QString& fileName, const QByteArray& header,
   return true;
 }
 
-/// News go to the GUI thread, and only if they are new.
+/// A new text goes to the GUI thread.
 void TStatsStorage::SetStatus(const QString& text) {
   if (text == status_) return;
   status_ = text;
   QMetaObject::invokeMethod(
-      this, [this, text] { TellStatus(text); }, Qt::QueuedConnection);
+      this, [this, text] { PublishStatus(text); }, Qt::QueuedConnection);
 }
 
-void TStatsStorage::TellStatus(const QString& text) {
+void TStatsStorage::PublishStatus(const QString& text) {
   const QPointer<TStatsStorage> alive(this);
   if (QObject* logger = logger_.Empty() ? nullptr : logger_.Get(0)) {
     for (const char* slot : {"Log", "appendPlainText"}) {

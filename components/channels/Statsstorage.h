@@ -119,7 +119,7 @@ class TStatsStorage : public TBlockStorage {
   [[nodiscard]] bool Append(const QString& fileName, const QByteArray& header,
                             const QByteArray& line, QString& reason);
   void SetStatus(const QString& text);
-  void TellStatus(const QString& text);
+  void PublishStatus(const QString& text);
 
   mutable std::mutex mutex_;
   TStorageSettings settings_;

@@ -3,7 +3,7 @@
 /// Decides in which ticks a polled device is asked for a packet: in every one, but at most two
 /// requests are in flight, and a lost answer is given up after 21 ticks.
 ///
-/// Nothing tells one answer from another, so that a lost one keeps its place in the count as long
+/// One answer looks like another, so that a lost one keeps its place in the count as long
 /// as others come. Polling that has been held up is therefore let run empty once a second.
 class TPolling {
  public:

@@ -13,8 +13,8 @@ class TChannelSets;
 class TChannelSource;
 
 /// Base of the components that bring measured rows into the channel sets of a channel source.
-/// Trouble is told by the status text alone. GUI thread only; whoever is told of anything may
-/// destroy the client.
+/// Trouble is reported by the status text alone. GUI thread only; whoever is notified of anything
+/// may destroy the client.
 class TQLXClient : public TIconControl {
   Q_OBJECT
   Q_PROPERTY(bool AutoConnect READ GetAutoConnect WRITE SetAutoConnect)
@@ -52,8 +52,8 @@ class TQLXClient : public TIconControl {
   /// Whether everything that comes is appended, unchanged, to the log.
   bool GetLogging() const { return log_ != nullptr || loggingWhenLoaded_; }
   /// Closes the log; switched on with a LogFile, begins a new one in its place, unless it is a form
-  /// that switches it on: then an earlier one is continued. A log that cannot be written is told by
-  /// the status text, and logging is off.
+  /// that switches it on: then an earlier one is continued. A log that cannot be written is
+  /// reported by the status text, and logging is off.
   void SetLogging(bool logging);
 
   const QString& GetStatus() const { return status_; }
@@ -70,7 +70,7 @@ class TQLXClient : public TIconControl {
  signals:
   void OnActiveChanged(QObject* sender);
   void OnStatusChanged(QObject* sender);
-  /// The same news for what shows the text.
+  /// The same change, for what shows the text.
   void OnStatusText(const QString& text);
   /// A piece of text has come, of any size. Valid during the call.
   void OnReceived(QObject* sender, const QByteArray& text);

@@ -90,8 +90,8 @@ class TQLXDecoder {
   bool wide_ = true;  ///< three bytes per sample
 };
 
-/// Tells a line that brings packets from one that brings noise, in which a packet is found now and
-/// then, too: of its last few thousand bytes, more than a quarter has been skipped.
+/// Distinguishes a line that brings packets from one that brings noise, in which a packet is found
+/// now and then, too: of its last few thousand bytes, more than a quarter has been skipped.
 class TNoiseMeter {
  public:
   void Take(std::uint64_t bytes, std::uint64_t skipped) {

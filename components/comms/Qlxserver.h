@@ -24,10 +24,10 @@ class TQLXServer {
  public:
   static constexpr std::size_t kMostBytes = std::size_t{4} << 20;
 
-  /// Tells that nothing more will come, and why, in one sentence without a full stop.
+  /// Reports that nothing more will come, and why, in one sentence without a full stop.
   using TEnd = std::function<void(const QString& reason)>;
-  /// Makes the device, which tells its end. Runs on the device's thread, as all that happens to it;
-  /// there it is destroyed, too.
+  /// Makes the device, which reports its end. Runs on the device's thread, as all that happens to
+  /// it; there it is destroyed, too.
   using TMakeDevice = std::function<std::unique_ptr<QIODevice>(const TEnd& end)>;
   using TTask = std::function<void(QIODevice& device)>;
 

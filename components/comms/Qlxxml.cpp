@@ -48,7 +48,7 @@ bool TQLXXMLClient::SendCommand(const QByteArray& command) {
   return socket_.Send(command + "\r\n\r\n");
 }
 
-/// A server that is away is told of once, and not with each try.
+/// A server that is away is reported once, and not with each try.
 void TQLXXMLClient::SocketConnecting(QObject* sender) {
   Q_UNUSED(sender)
   if (failed_ && IsReconnecting()) return;

@@ -14,7 +14,7 @@ struct TTimeSource {
   std::function<std::int64_t()> Elapsed = SteadyNanoseconds;
 };
 
-/// Tells the time that rows are stamped with. It runs evenly, as a stop-watch does, so that small
+/// Gives the time that rows are stamped with. It runs evenly, as a stop-watch does, so that small
 /// corrections of the system's clock do not disturb a recording; but when that clock has jumped,
 /// because summer time has ended, a time server was found late or the machine has slept, it
 /// follows.

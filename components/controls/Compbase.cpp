@@ -79,7 +79,7 @@ void TComponentControl::UpdateVisibility() {
 
 bool TComponentControl::event(QEvent* event) {
   if (event->type() == TDesignModeEvent::Kind()) UpdateVisibility();
-  // setParent hides the widget when it has told of the new parent.
+  // setParent sends this event first, and then hides the widget.
   if (event->type() == QEvent::ParentChange) {
     QMetaObject::invokeMethod(this, &TComponentControl::UpdateVisibility, Qt::QueuedConnection);
   }

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// A link that is told of, and can be pressed.
+/// A link that is announced, and can be pressed.
 class TLinkAccess : public TTextAccess {
  public:
   explicit TLinkAccess(THyperlink* link)

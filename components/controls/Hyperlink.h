@@ -43,7 +43,7 @@ class THyperlink : public TCustomTextControl {
   void Click();
 
   /// Opens the target with the program that the system has for it. Only pages of the web, letters
-  /// and files are opened; anything else, and a failure, is told to the user.
+  /// and files are opened; anything else, and a failure, is reported to the user.
   void Open();
 
   void AddWishes(TWishes& wishes) const override;

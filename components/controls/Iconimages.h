@@ -21,5 +21,5 @@ bool HasIconImage(const QString& name);
 /// Draws a picture into the largest square in the middle of `box`. A name that ends in "Active",
 /// "Idle" or "Down" and has no picture of its own is the picture of the rest of the name with a
 /// lamp in the colour of the state. A name that nobody registered gets a tile with its first
-/// letter, so that every component can be seen and told from others. No name draws nothing.
+/// letter, so that every component can be seen and recognised. No name draws nothing.
 void DrawIconImage(QPainter& painter, const QRectF& box, const QString& name);

@@ -155,7 +155,7 @@ void TCustomImageControl::DrawFault(QPainter& painter) const {
   QTextOption option(Qt::AlignCenter);
   option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   const QRectF room = QRectF(rect()).adjusted(3, 3, -3, -3);
-  // As large as there is room for it; the tool tip tells what no room is left for.
+  // As large as there is room for it; the tool tip shows what no room is left for.
   QFont font = painter.font();
   for (const double scale : {1.0, 0.85, 0.7}) {
     font.setPointSizeF(QFontInfo(this->font()).pointSizeF() * scale);

@@ -8,8 +8,8 @@
 /// A text that shows a channel of a channel source: its label, its value, its unit and what the
 /// value is. It stands in angle brackets while no channel is linked or the linked one has delivered
 /// nothing. A time stamp is shown as a time, without a unit. A text that is too long for its place
-/// ends in dots and is told by the tool tip. A double click, and the menu of the right button,
-/// choose the channel. GUI thread only.
+/// ends in dots and is shown whole by the tool tip. A double click, and the menu of the right
+/// button, choose the channel. GUI thread only.
 class TLinkedLabel : public QLabel {
   Q_OBJECT
   Q_PROPERTY(QString Label READ GetLabel WRITE SetLabel)

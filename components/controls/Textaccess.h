@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-/// What programs for those who cannot see the screen are told of a widget that draws a text: that
+/// What programs for those who cannot see the screen get of a widget that draws a text: that
 /// text, unless the form gives it another name. GUI thread only.
 class TTextAccess : public QAccessibleWidget {
  public:

@@ -715,13 +715,13 @@ void TAxis::TakeTicks(const TTickChoice& ticks) {
 
 void TAxis::CalculateTimeTickPos() {
   const TBounds range{workingMin_, workingMax_};
-  const TTimeRung& rung = TimeRung(range);
-  TakeTicks(TimeTicks(range, rung));
+  const TTimeStep& step = TimeStep(range);
+  TakeTicks(TimeTicks(range, step));
 
   const QScopedValueRollback<bool> quiet(choosingTicks_, true);
-  label_->GetNumFormat()->SetTimeFormatStr(QLatin1String(rung.LabelPattern));
+  label_->GetNumFormat()->SetTimeFormatStr(QLatin1String(step.LabelPattern));
   timeOrigin_ = TDateTime(workingMin_);
-  timeCaptionPattern_ = QLatin1String(rung.TitlePattern);
+  timeCaptionPattern_ = QLatin1String(step.TitlePattern);
   if (timeCaptionPattern_.isEmpty()) {
     title_->SetTimeCaption(QStringLiteral("Time [years]"));
     return;
@@ -730,7 +730,7 @@ void TAxis::CalculateTimeTickPos() {
   format.SetIsTimeFormat(true);
   format.SetTimeFormatStr(timeCaptionPattern_);
   title_->SetTimeCaption(
-      (rung.StepDays < 1.0 ? QStringLiteral("Date Time : ") : QStringLiteral("Date : ")) +
+      (step.StepDays < 1.0 ? QStringLiteral("Date Time : ") : QStringLiteral("Date : ")) +
       format.FormatedValue(workingMin_));
 }
 

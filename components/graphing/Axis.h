@@ -409,5 +409,5 @@ class TAxis : public TPersistent {
   bool fixedOrigin_ = false;
   TDateTime timeOrigin_;
   QString timeCaptionPattern_;
-  bool choosingTicks_ = false;  ///< formats and captions set meanwhile are no news
+  bool choosingTicks_ = false;  ///< formats and captions set meanwhile are no changes
 };

@@ -93,7 +93,7 @@ QString SeparatorOf(const QString& pattern, QChar usual) {
   return usual;
 }
 
-/// What the locale puts around an amount, told by how it writes one of a single digit.
+/// What the locale puts around an amount, seen from how it writes one of a single digit.
 void SplitCurrency(const QLocale& locale, TFormatSettings& result) {
   const QString one = locale.toString(1);
   for (const std::size_t sign : {0u, 1u}) {

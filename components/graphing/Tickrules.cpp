@@ -26,7 +26,7 @@ constexpr const char* kMsecTitle = "dd:mm:yyyy hh:nn:ss':msec'";
 constexpr const char* kSecTitle = "dd:mm:yyyy hh:nn':sec'";
 constexpr const char* kMinuteTitle = "dd:mm:yyyy 'hour:min'";
 
-constexpr TTimeRung kLadder[] = {
+constexpr TTimeStep kTimeSteps[] = {
     {0.01 * kSecond, 0.001 * kSecond, "i", kMsecTitle},
     {0.1 * kSecond, 0.01 * kSecond, "i", kMsecTitle},
     {kSecond, 0.1 * kSecond, "i", kMsecTitle},
@@ -155,10 +155,10 @@ TTickChoice LogTicks(TBounds range) {
   return {range.Min, range.Max, decades, decades};
 }
 
-const TTimeRung& TimeRung(TBounds range) {
+const TTimeStep& TimeStep(TBounds range) {
   const double width = range.Max - range.Min - RoundingOf(range);
-  return *std::find_if(std::begin(kLadder), std::end(kLadder),
-                       [&](const TTimeRung& rung) { return width <= rung.LimitDays; });
+  return *std::find_if(std::begin(kTimeSteps), std::end(kTimeSteps),
+                       [&](const TTimeStep& step) { return width <= step.LimitDays; });
 }
 
 std::vector<const char*> TimePatterns(double step) {
@@ -171,6 +171,6 @@ std::vector<const char*> TimePatterns(double step) {
   return {"yyyy-mm", "yyyy-mm-dd", kAll};
 }
 
-TTickChoice TimeTicks(TBounds range, const TTimeRung& rung) {
-  return TicksOfStep(range, rung.StepDays);
+TTickChoice TimeTicks(TBounds range, const TTimeStep& step) {
+  return TicksOfStep(range, step.StepDays);
 }

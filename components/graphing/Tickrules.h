@@ -23,8 +23,8 @@ struct TTickChoice {
   int MinorCount = 1;
 };
 
-/// One rung of the time ladder: ranges of up to `LimitDays` get ticks every `StepDays`.
-struct TTimeRung {
+/// One step of a time axis: ranges of up to `LimitDays` get ticks every `StepDays`.
+struct TTimeStep {
   double LimitDays;
   double StepDays;
   const char* LabelPattern;  ///< date-time pattern of the tick labels
@@ -53,9 +53,9 @@ TBounds ValidTimeRange(TBounds range);
 TTickChoice LinearTicks(TBounds range);
 /// One major interval for each decade of a valid logarithmic range.
 TTickChoice LogTicks(TBounds range);
-/// The first rung of the time ladder that holds a valid time range.
-const TTimeRung& TimeRung(TBounds range);
-/// Date-time patterns that tell apart what lies `step` days apart, each more than the one before.
+/// The first step that suits a valid time range.
+const TTimeStep& TimeStep(TBounds range);
+/// Date-time patterns that distinguish what lies `step` days apart, each more than the one before.
 std::vector<const char*> TimePatterns(double step);
-/// The ticks of a rung over a valid time range; at most 101 intervals.
-TTickChoice TimeTicks(TBounds range, const TTimeRung& rung);
+/// The ticks of a step over a valid time range; at most 101 intervals.
+TTickChoice TimeTicks(TBounds range, const TTimeStep& step);

@@ -186,7 +186,7 @@ void TNumberFormat::AssignTo(TPersistent* destination) const {
   other->SetDigits(digits_);
   other->SetIsTimeFormat(isTimeFormat_);
   other->SetTimeFormatStr(timeFormatStr_);
-  // The source reports too, although it did not change: its owner is told of every copy.
+  // The source reports too, although it did not change: its owner is notified of every copy.
   auto* self = const_cast<TNumberFormat*>(this);
   emit self->OnChange(self);
 }

@@ -11,7 +11,7 @@
 /// the position of a bin is its upper edge and belongs to it: a bin holds the values in
 /// (position - Step, position]. Bins are made as values need them. GUI thread only.
 ///
-/// Changing the grid empties the list, for what was counted in other bins cannot be told apart.
+/// Changing the grid empties the list, for what was counted in other bins cannot be separated.
 class TBinList : public TPersistent {
   Q_OBJECT
   Q_PROPERTY(double Step READ GetStep WRITE SetStep)
@@ -46,7 +46,7 @@ class TBinList : public TPersistent {
 
   /// Upper edge of the bin that a value falls into, whether the list holds that bin or not. The
   /// value itself if there is no such bin: it is not finite, or so large that bins of this width
-  /// cannot be told apart.
+  /// cannot be distinguished.
   double CorrectPos(double value) const;
 
   /// Adds a weight to the bin of a value, making the bins up to there, and returns true. A value

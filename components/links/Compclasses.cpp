@@ -70,8 +70,8 @@ TLinkableControl::TRun::~TRun() {
   control_->innermost_ = outer_;
 }
 
-bool TLinkableControl::TRun::HasToBeCut(bool isNews) const {
-  if (!isNews && method_.running > kMaxRunning) return true;
+bool TLinkableControl::TRun::HasToBeCut(bool isNew) const {
+  if (!isNew && method_.running > kMaxRunning) return true;
   if (!goesRound_ && !IsTooMuch()) return false;
   Report();
   return true;
@@ -86,7 +86,7 @@ bool TLinkableControl::TRun::IsTooMuch() const {
 /// When all is over: the user's answer would hold the cascade up.
 void TLinkableControl::TRun::Report() const {
   TLinkableControl* first = cascade_.first->control_;
-  if (!first || std::exchange(first->cutIsTold_, true)) return;
+  if (!first || std::exchange(first->cutIsReported_, true)) return;
   const QString text =
       QStringLiteral(
           "The values of '%1' run in a circle, or on more roads than can be followed: "
@@ -151,9 +151,9 @@ void TLinkableControl::Forget(const TValueLink* link) {
   }
 }
 
-void TLinkableControl::CallLinks(const double& value, bool isNews) {
+void TLinkableControl::CallLinks(const double& value, bool isNew) {
   TRun run(*this, notifying_);
-  if (run.IsCut(isNews)) return;
+  if (run.IsCut(isNew)) return;
   const std::size_t count = links_.size();
   for (std::size_t i = 0; i < count; ++i) {
     const TValueLink* link = links_[i];
@@ -191,7 +191,7 @@ bool TDataControl::CanNotify() {
   return true;
 }
 
-void TDataControl::NotifyClients() { CallLinks(value_, std::exchange(isNews_, false)); }
+void TDataControl::NotifyClients() { CallLinks(value_, std::exchange(isNew_, false)); }
 
 void TDataControl::AddLink(TValueLink* link, bool notifyNow) {
   TLinkableControl::AddLink(link, notifyNow);
@@ -214,10 +214,10 @@ void TServerDataControl::SetValue(double value) { static_cast<void>(TakeValue(va
 
 bool TServerDataControl::TakeValue(double value) {
   TRun run(*this, taking_);
-  const bool isNews = IsNews(value);
+  const bool isNew = IsNew(value);
   TDataControl::SetValue(value);
   if (run.IsGone()) return false;
-  if (!run.IsCut(isNews)) GiveToClients(value, run);
+  if (!run.IsCut(isNew)) GiveToClients(value, run);
   if (run.IsGone()) return false;
   if (slider_.IsAttached()) slider_.SetSliderPos(value);
   return !run.IsGone();
@@ -285,7 +285,7 @@ void SetSingleName(TKorvalCompList& list, const QString& name) {
   list.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
 }
 
-/// The destination may be destroyed by whom it tells its new value.
+/// A subscriber to the new value may destroy the destination.
 template <class TPort>
 void CopyPort(const TPort& source, TPersistent* destination) {
   const QPointer<TPort> port = qobject_cast<TPort*>(destination);
@@ -334,7 +334,7 @@ void TInputData::Loaded() {
   Listen();
 }
 
-/// Last in its callers: who is told the value may destroy the port.
+/// Last in its callers: whoever gets the value may destroy the port.
 void TInputData::Listen() {
   TServerDataControl* control = GetDataControl();
   if (control && !control->HasLink(&link_)) control->AddLink(&link_, true);

@@ -40,9 +40,9 @@ class TValueLink {
 /// A control with subscribers. They are not owned; destroying the control calls none of them.
 ///
 /// What a value sets off, its cascade, always ends. A control that is notifying already is entered
-/// again, so that a subscriber may correct the value it was told; a value that it holds already is
-/// no news from the third time on, and goes no further. What goes in a circle, or would go on for
-/// ever, is cut, see TRun: then the controls only store what they get, and the user is told, once
+/// again, so that a subscriber may correct the value it got; a value that it holds already is
+/// not new from the third time on, and goes no further. What goes in a circle, or would go on for
+/// ever, is cut, see TRun: then the controls only store what they get, and the user is warned, once
 /// for each control that begins such a cascade.
 class TLinkableControl : public TIconControl {
   Q_OBJECT
@@ -69,7 +69,7 @@ class TLinkableControl : public TIconControl {
   };
 
   /// While the control runs one of its methods it can be destroyed by whom it calls. This stands on
-  /// the stack of such a method, notices that, and tells whether the cascade has to be cut.
+  /// the stack of such a method, notices that, and decides whether the cascade has to be cut.
   ///
   /// A value spreads through client lists, and through subscribers that pass it on. Runs of one
   /// method in one spread are repeats: as many as there are roads between two controls, which
@@ -85,15 +85,16 @@ class TLinkableControl : public TIconControl {
 
     /// The control has been destroyed: nothing of it may be touched.
     bool IsGone() const { return !control_; }
-    /// The method must call nobody: it runs in itself for the third time, with no news or within
-    /// one spread, or the cascade has too many repeats, fills the stack or takes many seconds.
-    bool IsCut(bool isNews = true) const {
+    /// The method must call nobody: it runs in itself for the third time, with no new value or
+    /// within one spread, or the cascade has too many repeats, fills the stack or takes many
+    /// seconds.
+    bool IsCut(bool isNew = true) const {
       constexpr int kFew = 256;  // runs that are never too much
       const bool isPlain = method_.running <= kMaxRunning && cascade_.runs <= kFew;
-      return !isPlain && HasToBeCut(isNews);
+      return !isPlain && HasToBeCut(isNew);
     }
 
-    /// On the stack of a subscriber that passes on what it is told.
+    /// On the stack of a subscriber that passes on what it gets.
     class TPassing;
     /// On the stack around one of many values that are given one after the other: its repeats are
     /// counted for themselves.
@@ -129,7 +130,7 @@ class TLinkableControl : public TIconControl {
 
     void BeginCascade();
     void BeginSpread();
-    bool HasToBeCut(bool isNews) const;
+    bool HasToBeCut(bool isNew) const;
     bool IsTooMuch() const;
     void Report() const;
 
@@ -149,7 +150,7 @@ class TLinkableControl : public TIconControl {
  protected:
   /// Calls each subscriber with `value` as it is at that moment, then Notified. Who subscribes
   /// meanwhile is not called, who leaves is not called any more.
-  void CallLinks(const double& value, bool isNews = false);
+  void CallLinks(const double& value, bool isNew = false);
   /// All subscribers have been called.
   virtual void Notified() {}
 
@@ -160,7 +161,7 @@ class TLinkableControl : public TIconControl {
   std::vector<TValueLink*> links_;  ///< null: left while the control was notifying
   TMethod notifying_;               ///< CallLinks
   TRun* innermost_ = nullptr;
-  bool cutIsTold_ = false;
+  bool cutIsReported_ = false;
 };
 
 class TLinkableControl::TRun::TPassing {
@@ -207,7 +208,7 @@ class TDataControl : public TLinkableControl {
 
   /// Calls each subscriber with the value, then fires OnChange.
   void NotifyClients() override;
-  /// With `notifyNow` the new subscriber is told the present value at once.
+  /// With `notifyNow` the new subscriber gets the present value at once.
   void AddLink(TValueLink* link, bool notifyNow) override;
 
   /// The value as a function, for those who pull it: a record with an address of its own that lives
@@ -224,11 +225,11 @@ class TDataControl : public TLinkableControl {
   /// Stores a value and does nothing else, for a descendant that notifies of it later or not at
   /// all.
   void HoldValue(double value) {
-    isNews_ |= IsNews(value);
+    isNew_ |= IsNew(value);
     value_ = value;
   }
   /// Whether it is another value than the present one, a NaN too.
-  bool IsNews(double value) const {
+  bool IsNew(double value) const {
     return std::bit_cast<std::uint64_t>(value) != std::bit_cast<std::uint64_t>(value_);
   }
   void Notified() override { emit OnChange(this); }
@@ -237,8 +238,8 @@ class TDataControl : public TLinkableControl {
   double value_ = 0.0;
   double time_ = 0.0;
   int interval_ = 1;
-  int counter_ = 0;      ///< values since the last notification
-  bool isNews_ = false;  ///< the subscribers have not been told the value yet
+  int counter_ = 0;     ///< values since the last notification
+  bool isNew_ = false;  ///< the subscribers have not been notified of the value yet
   std::function<double()> reader_ = [this] { return GetValue(); };
 };
 

@@ -64,7 +64,7 @@ class TKorvalCompList : public TPersistent {
   /// one is dropped.
   void GetComponentsByNames();
 
-  /// Told of each name that a list does not find; unset tells nobody. For whoever reads forms.
+  /// Called with each name that a list does not find; may be unset. For whoever reads forms.
   static inline std::function<void(QObject* owner, const QString& name)> OnUnresolved;
 
   /// Finds a name in the form that is being read, for whoever reads it: it knows them all. Unset

@@ -16,7 +16,7 @@ class TSliderSeries;
 /// shows them while the link is attached. Either may go first. A member of its component; GUI
 /// thread only.
 ///
-/// Signals may come while the component that owns the link changes: connect what only needs news.
+/// Signals may come while the component that owns the link changes: connect what is only notified.
 class TCustomGraphLink : public TPersistent {
   Q_OBJECT
 
@@ -53,7 +53,7 @@ class TCustomGraphLink : public TPersistent {
   /// Below 1 ignored.
   void SetUpdateInterval(int interval);
 
-  /// Tells of a new value: every UpdateInterval-th call is an UpdateNow.
+  /// Announces a new value: every UpdateInterval-th call is an UpdateNow.
   void Update();
   /// Fires OnUpdate, then lays the graph out and draws it anew.
   void UpdateNow();
@@ -115,7 +115,7 @@ class TSliderLink : public TCustomGraphLink {
 
   /// Asked for the value when the link is attached to a graph; may be unset.
   std::function<double()> ReadValue;
-  /// Told the value under the slider with each step of a drag; may be unset.
+  /// Gets the value under the slider with each step of a drag; may be unset.
   std::function<void(double value)> WriteValue;
 
   TSliderAxis GetSliderAxis() const { return axis_; }

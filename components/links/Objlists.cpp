@@ -177,7 +177,7 @@ void TDataList::PutValues(int row, int column, double value) {
   if (cells) cells[column] = value;
 }
 
-// News
+// Notification
 
 void TDataList::Changed() {
   if (!updating_) emit OnChange(this);

@@ -140,7 +140,7 @@ class TDataList : public TPersistent {
   int count_ = 0;
 };
 
-/// Rows of (time, value); at most 100 of them until told otherwise. Times are days since
+/// Rows of (time, value); at most 100 of them by default. Times are days since
 /// 30 December 1899.
 class TFloatList : public TDataList {
   Q_OBJECT

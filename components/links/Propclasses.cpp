@@ -16,9 +16,9 @@ void TNotifyPersistent::RemoveFreeNotification(QObject* object) {
 }
 
 void TNotifyPersistent::BeforeDestruction() {
-  // A subscriber may unsubscribe or delete another one while it is told.
-  const std::vector<QPointer<QObject>> told = subscribers_;
-  for (const QPointer<QObject>& subscriber : told) {
+  // A subscriber may unsubscribe or delete another one while it is notified.
+  const std::vector<QPointer<QObject>> notified = subscribers_;
+  for (const QPointer<QObject>& subscriber : notified) {
     if (!subscriber ||
         std::find(subscribers_.begin(), subscribers_.end(), subscriber) == subscribers_.end()) {
       continue;

@@ -56,7 +56,7 @@ class TObjectMessage : public QEvent {
   const bool Flag;  ///< true: the sender is being destroyed
 };
 
-/// A sub-object that tells its subscribers that it is being destroyed.
+/// A sub-object that notifies its subscribers when it is being destroyed.
 class TNotifyPersistent : public TPersistent {
   Q_OBJECT
 

@@ -19,7 +19,7 @@ class TFormConnections {
   /// Empty, or why it cannot be made.
   QString Connect(QObject* sender, QObject* receiver, const TFormFile::TConnection& wanted);
 
-  /// Told once of each connection that is taken out.
+  /// Called once with each connection that is taken out.
   std::function<void(const TFormFile::TConnection&)> OnCircle;
 
  private:

@@ -18,7 +18,7 @@ struct TRichText {
 };
 
 /// The name of a property whose texts are always marked up as `text` of the widget is; empty if its
-/// format is not set, and the text itself tells.
+/// format is not set, and the text itself decides.
 QString TextProperty(const TFormFile::TWidget& widget);
 /// `property`: its name says whether the text is marked up in some way; other texts are rich if the
 /// toolkit would take them for that.

@@ -22,7 +22,7 @@
 namespace {
 
 constexpr qint64 kMaxFileSize = 64 << 20;
-constexpr qsizetype kMaxFaults = 1000;  ///< told of one file
+constexpr qsizetype kMaxFaults = 1000;  ///< reported of one file
 
 QString ConnectionText(const TFormFile::TConnection& connection, const QString& what) {
   return QStringLiteral("connection from %1 to %2: %3")
@@ -469,7 +469,7 @@ std::unique_ptr<TPanel> TPanel::Load(const QString& fileName, QStringList* fault
   TOrdinaryFile file(fileName);
   QString error;
   if (!file.Open(QIODevice::ReadOnly, &error)) {
-    // The reason is told below.
+    // The reason is reported below.
   } else if (file.size() > kMaxFileSize) {
     error = QStringLiteral("it is larger than %1 MiB").arg(kMaxFileSize >> 20);
   } else {

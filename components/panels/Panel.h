@@ -22,7 +22,7 @@
 /// A panel that has been read is at rest: its components do all that stays inside it, but they
 /// connect to nothing, open no port, write no file and read none outside its folder.
 ///
-/// What is wrong in a file is told in one sentence each, "FILE:LINE: component: property: what",
+/// What is wrong in a file is said in one sentence each, "FILE:LINE: component: property: what",
 /// and the rest works: an unknown class leaves a placeholder, a property that cannot be set keeps
 /// its default, a reference to nothing is kept for the day it can be resolved, a circle of client
 /// controls is opened where it closes, and of two components with one name the first has it.

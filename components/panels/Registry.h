@@ -13,7 +13,7 @@ struct TComponentClass {
   bool IsContainer;  ///< takes other widgets
   const QMetaObject* Meta;
   QWidget* (*Make)(QWidget* parent);
-  /// Tells a new component that its form is being read, and, when all of them have their
+  /// Informs a new component that its form is being read, and, when all of them have their
   /// properties, that it is complete.
   void (*BeginLoading)(QWidget* component);
   void (*Loaded)(QWidget* component);

@@ -8,8 +8,8 @@
 
 /// Writes measured rows to text files: the time and one column per data control, a row whenever the
 /// last of its controls notifies, while it is Active. Each row is in the file at once, whole or not
-/// at all. A file that cannot be written is told by the status, and tried again with each row; the
-/// status says how many rows are missing. GUI thread only.
+/// at all. A file that cannot be written is reported by the status, and tried again with each row;
+/// the status says how many rows are missing. GUI thread only.
 ///
 /// The name of the file is made of FileName, in which %Y %m %d %H %M %S stand for the local time of
 /// the first row and %N for a number that makes the name new: "log-%Y%m%d.txt" is one file a day,

@@ -83,7 +83,7 @@ void TThreadProvider::SetActive(bool active) {
   if (active && !GetActive()) errorText_.clear();
   TCustomDataProvider::SetActive(active);
   if (!self) return;
-  // Whoever was told of the switch may have thrown it back.
+  // Whoever was notified of the switch may have thrown it back.
   if (!GetActive()) {
     thread_->Suspend();
     return;

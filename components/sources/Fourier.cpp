@@ -196,7 +196,7 @@ void TFFTChannel::UpdateData() {
   UpdateBins();
   Accumulate();
   fft_.GetInverseTransform(*this);
-  graphLink_.Update();  // Last, for the channel may be destroyed by whom this tells.
+  graphLink_.Update();  // Last, for a subscriber may destroy the channel.
 }
 
 /// Above half the sample rate there are no bins in a band, as a rule, so that its inverse has half

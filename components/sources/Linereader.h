@@ -7,7 +7,7 @@
 class QIODevice;
 
 /// Reads whole lines from places of a device. A member of its owner, on the thread of that. The
-/// device ends where it gives no more, whatever size it told. All calls answer nothing if the
+/// device ends where it gives no more, whatever size it reported. All calls answer nothing if the
 /// device fails.
 class TLineReader {
  public:

@@ -10,7 +10,7 @@ namespace {
 
 QString Bracketed(const QString& name) { return '[' + name + ']'; }
 
-/// Tells whether names stand in a text between brackets, just so: blanks count.
+/// Finds whether names stand in a text between brackets, just so: blanks count.
 class TNameSearch {
  public:
   explicit TNameSearch(const QString& text) : text_(text) {
@@ -101,7 +101,7 @@ void TMacro::UnLinkVariables() {
   }
 }
 
-/// False if whom the macro told its value destroyed it or had it compiled anew.
+/// False if a subscriber destroyed the macro or had it compiled anew.
 bool TMacro::LinkVariables() {
   const TNameSearch text(macroText_);
   std::vector<QPointer<TVariable>> named;

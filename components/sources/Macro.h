@@ -33,7 +33,7 @@ class TMacro : public TCustomVariable {
   void SetMacroText(const QString& text);
 
   /// Leaves the variables, compiles the text, subscribes to the variables that it names, each of
-  /// which tells its value at once, and takes the value of the expression.
+  /// which gives its value at once, and takes the value of the expression.
   void CompileMacro();
   /// The expression over the present values; 0 without one.
   double GetMacroValue();

@@ -158,7 +158,7 @@ TStreamProvider::TAnswer TStreamProvider::NextWork() {
   if (Thread().TakeEnd() && chunk_ && !FinishWork()) return TAnswer::Done;
   if (IsExhausted()) {
     const TAnswer answer = FillBuffer();
-    // Whoever was told of a failure may have switched the provider on again.
+    // Whoever was notified of a failure may have switched the provider on again.
     if (answer == TAnswer::Again || !self || !GetActive() || !chunk_) return answer;
   }
   Worker().SetWork(chunk_, offset_);

@@ -25,7 +25,7 @@ struct TDeviceWave {
 /// other end, bearing temperature, oil pressure.
 std::vector<TDeviceWave> MachineWaves();
 
-/// A measuring device as its serial line sees it. Works on memory; the caller tells the time, in
+/// A measuring device as its serial line sees it. Works on memory; the caller gives the time, in
 /// seconds from any start, never backwards.
 ///
 /// It takes the commands "lroff", "lron", "sloop0", "sloop1", the data requests "cr", "mr" and

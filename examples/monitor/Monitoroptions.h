@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// What the monitor is told on its command line.
+/// What the command line of the monitor says.
 struct TMonitorOptions {
   QString Device = QStringLiteral("COM1");  ///< "COM1" to "COM16", or the path of a terminal
   double DeviceRate = 100.0;  ///< packets per second that the device sends, 40 to 800 Hz

@@ -21,7 +21,7 @@ namespace {
 
 constexpr quint32 kTicks = 20;     ///< of 10 ms, between two pictures
 constexpr int kSaveInterval = 10;  ///< seconds that a line of a statistics file stands for
-constexpr int kMostNews = 500;     ///< lines
+constexpr int kMostEvents = 500;   ///< lines
 
 /// A component as a child of the panel, without its icon.
 template <class T, class... TArguments>
@@ -52,11 +52,11 @@ TMonitorPanel::TMonitorPanel(const TMonitorOptions& options, QWidget* parent)
   all->addLayout(MakeBoxes());
   all->addLayout(MakeCards());
   all->addWidget(MakeValues(), 1);
-  all->addWidget(MakeNews());
+  all->addWidget(MakeEvents());
   Report(*deviceWatch_, tr("Serial device"));
   Report(*serverWatch_, tr("Package server"));
-  connect(storageBox_, &TStorageBox::OnNews, this,
-          [this](const QString& text) { AddNews(tr("Statistics files"), text); });
+  connect(storageBox_, &TStorageBox::OnEvent, this,
+          [this](const QString& text) { AddEvent(tr("Statistics files"), text); });
   if (!options.Folder.isEmpty()) storageBox_->Start(options.Folder);
 
   ShowValues();
@@ -67,7 +67,7 @@ TMonitorPanel::TMonitorPanel(const TMonitorOptions& options, QWidget* parent)
 }
 
 TMonitorPanel::~TMonitorPanel() {
-  // Nothing that ends from now on is news.
+  // Nothing that ends from now on is shown.
   deviceWatch_->disconnect(this);
   serverWatch_->disconnect(this);
   storageBox_->disconnect(this);
@@ -168,23 +168,23 @@ QWidget* TMonitorPanel::MakeValues() {
   return both;
 }
 
-QWidget* TMonitorPanel::MakeNews() {
+QWidget* TMonitorPanel::MakeEvents() {
   constexpr int kLines = 5;
-  news_ = new QPlainTextEdit;
-  news_->setObjectName(QStringLiteral("news"));
-  news_->setReadOnly(true);
-  news_->setMaximumBlockCount(kMostNews);
-  news_->setFixedHeight((kLines + 1) * news_->fontMetrics().lineSpacing());
-  return news_;
+  events_ = new QPlainTextEdit;
+  events_->setObjectName(QStringLiteral("events"));
+  events_->setReadOnly(true);
+  events_->setMaximumBlockCount(kMostEvents);
+  events_->setFixedHeight((kLines + 1) * events_->fontMetrics().lineSpacing());
+  return events_;
 }
 
 void TMonitorPanel::Report(TSourceWatch& watch, const QString& name) {
-  connect(&watch, &TSourceWatch::OnNews, this,
-          [this, name](const QString& text) { AddNews(name, text); });
+  connect(&watch, &TSourceWatch::OnEvent, this,
+          [this, name](const QString& text) { AddEvent(name, text); });
 }
 
-void TMonitorPanel::AddNews(const QString& from, const QString& text) {
-  news_->appendPlainText(
+void TMonitorPanel::AddEvent(const QString& from, const QString& text) {
+  events_->appendPlainText(
       QStringLiteral("%1  %2: %3")
           .arg(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")), from, text));
 }

@@ -46,13 +46,13 @@ class TMonitorPanel : public QWidget {
   QLayout* MakeBoxes();
   QLayout* MakeCards();
   QWidget* MakeValues();
-  QWidget* MakeNews();
+  QWidget* MakeEvents();
   void Report(TSourceWatch& watch, const QString& name);
 
   void Tick(QObject* sender);
   bool IsLive(const TChannelSet& set) const;
   void ShowValues();
-  void AddNews(const QString& from, const QString& text);
+  void AddEvent(const QString& from, const QString& text);
 
   int silenceLimitMs_;
   TChannelSource* source_;
@@ -69,6 +69,6 @@ class TMonitorPanel : public QWidget {
   QLabel* interval_ = nullptr;  ///< of the statistics in the table
   TChannelTable* table_ = nullptr;
   THistoryView* history_ = nullptr;
-  QPlainTextEdit* news_ = nullptr;
+  QPlainTextEdit* events_ = nullptr;
   TTimerClient timer_;
 };

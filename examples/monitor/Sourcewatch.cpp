@@ -40,14 +40,14 @@ void TSourceWatch::ActiveChanged() {
     connectedMs_ = clock_.elapsed();
     rows_ = rowsSeen_ = 0;
     marks_.clear();
-    if (!reopening_) emit OnNews(tr("connected"));
+    if (!reopening_) emit OnEvent(tr("connected"));
     return;
   }
   TakeRows();
   state_ = kNotConnected;
   if (reopening_) return;
-  emit OnNews(IsWanted() ? tr("connection lost after %1 rows, trying again").arg(rows_)
-                         : tr("disconnected"));
+  emit OnEvent(IsWanted() ? tr("connection lost after %1 rows, trying again").arg(rows_)
+                          : tr("disconnected"));
 }
 
 void TSourceWatch::StatusChanged() {
@@ -57,7 +57,7 @@ void TSourceWatch::StatusChanged() {
 void TSourceWatch::SetReason(const QString& reason) {
   if (reason == reason_) return;
   reason_ = reason;
-  if (!reason.isEmpty()) emit OnNews(reason);
+  if (!reason.isEmpty()) emit OnEvent(reason);
 }
 
 void TSourceWatch::SetWanted(bool wanted) {
@@ -81,8 +81,8 @@ void TSourceWatch::Look() {
   const bool noisy = client_.IsNoisy();
   if (state_ == kReceiving && (noisy || SilentMs() > kQuietMs)) {
     state_ = kConnected;
-    emit OnNews(noisy ? tr("connected, but only noise comes any more")
-                      : tr("connected, but nothing comes any more"));
+    emit OnEvent(noisy ? tr("connected, but only noise comes any more")
+                       : tr("connected, but nothing comes any more"));
   }
 }
 
@@ -93,9 +93,9 @@ void TSourceWatch::TakeRows() {
   if (client_.IsNoisy()) return;
   if (state_ != kReceiving) {
     state_ = kReceiving;
-    emit OnNews(rowMs_ < 0
-                    ? tr("receiving rows")
-                    : tr("receiving rows again, after %1 s without").arg(Seconds(now - rowMs_)));
+    emit OnEvent(rowMs_ < 0
+                     ? tr("receiving rows")
+                     : tr("receiving rows again, after %1 s without").arg(Seconds(now - rowMs_)));
   }
   reopening_ = false;
   rowMs_ = now;

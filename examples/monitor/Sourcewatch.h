@@ -37,7 +37,7 @@ class TSourceWatch : public QObject {
 
   /// Since the last row that was more than noise, or since the connection was made.
   qint64 SilentMs() const;
-  /// Closes the client, which then connects again by itself. That is no news until it succeeds.
+  /// Closes the client, which then connects again by itself. That is no event until it succeeds.
   void Reopen();
 
   bool IsWanted() const { return client_.GetAutoConnect(); }
@@ -49,7 +49,7 @@ class TSourceWatch : public QObject {
 
  signals:
   /// Something has happened that the user wants to know.
-  void OnNews(const QString& text);
+  void OnEvent(const QString& text);
 
  private:
   struct TMark {

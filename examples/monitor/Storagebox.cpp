@@ -41,21 +41,21 @@ void TStorageBox::Start(const QString& folder) {
   failing_ = false;
   storage_.SetActive(true);
   ShowState();
-  emit OnNews(tr("storing into %1").arg(QDir(folder).absolutePath()));
+  emit OnEvent(tr("storing into %1").arg(QDir(folder).absolutePath()));
 }
 
 void TStorageBox::Stop() {
   storage_.SetActive(false);
   ShowState();
-  emit OnNews(tr("stopped"));
+  emit OnEvent(tr("stopped"));
 }
 
-/// Each set has a file of its own, and so a status every few seconds. News is only whether they can
-/// be written.
+/// Each set has a file of its own, and so a status every few seconds. An event is only whether they
+/// can be written.
 void TStorageBox::StatusChanged() {
   ShowState();
   const bool failing = storage_.GetStatus().startsWith(QStringLiteral("Cannot"));
-  if (std::exchange(failing_, failing) != failing) emit OnNews(storage_.GetStatus());
+  if (std::exchange(failing_, failing) != failing) emit OnEvent(storage_.GetStatus());
 }
 
 void TStorageBox::Toggle() {

@@ -20,7 +20,7 @@ class TStorageBox : public QGroupBox {
   void Stop();
 
  signals:
-  void OnNews(const QString& text);
+  void OnEvent(const QString& text);
 
  private:
   void Toggle();

@@ -266,8 +266,8 @@ QLayout* TValuesPanel::MakeVariables() {
   row->addWidget(expression);
   row->addWidget(bins);
   row->addStretch(1);
-  news_ = Make<QLabel>(this, "news");
-  row->addWidget(news_);
+  status_ = Make<QLabel>(this, "status");
+  row->addWidget(status_);
   return row;
 }
 
@@ -370,7 +370,7 @@ void TValuesPanel::SetState(TState state, const QString& text) {
   toggle_->setText(state == TState::kReading   ? tr("Stop")
                    : state == TState::kStopped ? tr("Continue")
                                                : tr("Start"));
-  news_->setText(text);
+  status_->setText(text);
   ShowPosition();
 }
 

@@ -95,7 +95,7 @@ class TValuesPanel : public QWidget {
   QComboBox* speedBox_ = nullptr;
   QSlider* place_ = nullptr;
   QLabel* position_ = nullptr;
-  QLabel* news_ = nullptr;
+  QLabel* status_ = nullptr;
 
   TState state_ = TState::kFresh;
   QString error_;

@@ -279,7 +279,7 @@ class Monitor : public testing::Test {
     }
     return cards;
   }
-  std::string News() { return Find<QPlainTextEdit>("news").toPlainText().toStdString(); }
+  std::string News() { return Find<QPlainTextEdit>("events").toPlainText().toStdString(); }
   TChannelTable& Table() { return Find<TChannelTable>("table"); }
   int Row(const QString& channel) {
     for (int row = 0; row < Table().rowCount(); ++row) {

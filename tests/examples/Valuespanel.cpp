@@ -82,7 +82,7 @@ class ValuesPanel : public testing::Test {
     return *child;
   }
   void Push(const char* button) { QTest::mouseClick(&Find<QPushButton>(button), Qt::LeftButton); }
-  QString News() { return Find<QLabel>("news").text(); }
+  QString News() { return Find<QLabel>("status").text(); }
 
   static void Turn() {
     TTimerServer::Instance()->Timer();

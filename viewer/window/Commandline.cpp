@@ -69,7 +69,7 @@ QString TakeFiles(const QStringList& names, TCommandLine& line) {
     return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
         .arg(names.size());
   }
-  const bool window = line.RenderFile.isEmpty();  // which opens all the same and tells then
+  const bool window = line.RenderFile.isEmpty();  // which opens all the same and says it then
   for (const QString& name : names) {
     if (!window && !QFileInfo::exists(name)) return NoFile(name);
   }

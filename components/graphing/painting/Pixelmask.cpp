@@ -212,7 +212,7 @@ void TPixelMask::PaintBlock(QPainter& painter, QRgb color, int first) {
   blockUsed_ = blockColumns_ = {};
 }
 
-/// Colours the pixels of the block's columns that are set in some words, and tells how many are.
+/// Colours the pixels of the block's columns that are set in some words, and returns how many are.
 TPixelMask::TCover TPixelMask::FillCell(const TWords& words, QRgb color) {
   const std::ptrdiff_t width = blockColumns_.last - blockColumns_.first + 1;
   bool isEmpty = true;
