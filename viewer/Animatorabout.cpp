@@ -7,6 +7,8 @@
 #include "viewer/Imagebutton.h"
 #include "viewer/window/Buttonfaces.h"
 
+const char kProgramVersion[] = VELMORA_VERSION;
+
 namespace {
 
 QLabel* AddLine(QGridLayout* layout, int row, const QString& text) {

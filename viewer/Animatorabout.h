@@ -4,7 +4,7 @@
 
 /// Name of the program as its title bar and its about box show it.
 inline constexpr char kProgramTitle[] = "Velmora Animator";
-inline constexpr char kProgramVersion[] = "2.2";
+extern const char kProgramVersion[];
 
 /// The about box: title, version, and what draws the pictures.
 class TAnimatorAbout : public QDialog {
