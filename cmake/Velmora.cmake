@@ -56,7 +56,9 @@ function(velmora_library name)
   endforeach()
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
-  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  set_target_properties(${name} PROPERTIES OUTPUT_NAME velmora_${name})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
 endfunction()
 
 # velmora_precompile(TARGET): the Qt headers that nearly every file of a widget library needs. Where
