@@ -1,10 +1,8 @@
 #include <QJsonDocument>
-#include <QPainter>
 #include <QPointer>
 #include <algorithm>
 
 #include "components/channels/Channelset.h"
-#include "components/controls/Iconimages.h"
 #include "components/graphing/Publishedrecord.h"
 
 namespace {
@@ -210,25 +208,10 @@ bool TChannelSets::SameAs(const TPersistent* other) const {
 
 // TChannelSource
 
-namespace {
-
-/// Three signals in one box.
-void DrawChannelSource(QPainter& painter) {
-  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
-  painter.setBrush(QColor(250, 251, 253));
-  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 4.0, 4.0);
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(QColor(32, 96, 200), 1.8));
-  for (const double y : {7.0, 12.0, 17.0}) {
-    painter.drawPolyline(
-        QPolygonF({{4.5, y}, {8.0, y}, {9.5, y - 2.5}, {12.0, y + 2.5}, {13.5, y}, {19.5, y}}));
-  }
-}
-
-}  // namespace
+namespace {}  // namespace
 
 TChannelSource::TChannelSource(QWidget* parent) : TIconControl(parent) {
-  SetIconImage(ProvideIconImage(QStringLiteral("ChannelSourceImage"), DrawChannelSource));
+  SetIconImage(QStringLiteral("ChannelSourceImage"));
   SetImageSize(QSize(17, 17));
 }
 

@@ -1,28 +1,9 @@
 #include "components/channels/Channelvalue.h"
 
-#include <QPainter>
 #include <algorithm>
 
-#include "components/controls/Iconimages.h"
-
-namespace {
-
-/// Three channels, one of them led out.
-void DrawTap(QPainter& painter) {
-  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
-  painter.setBrush(QColor(250, 251, 253));
-  painter.drawRoundedRect(QRectF(1.5, 3.5, 12.0, 17.0), 2.0, 2.0);
-  for (const double row : {7.5, 12.0, 16.5})
-    painter.drawLine(QPointF(4.0, row), QPointF(11.0, row));
-  painter.setPen(QPen(QColor(32, 104, 208), 2.0));
-  painter.drawLine(QPointF(11.0, 12.0), QPointF(19.0, 12.0));
-  painter.drawPolyline(QPolygonF({{17.0, 8.5}, {21.0, 12.0}, {17.0, 15.5}}));
-}
-
-}  // namespace
-
 TChannelValue::TChannelValue(QWidget* parent) : TCustomVariable(parent) {
-  SetIconImage(ProvideIconImage(QStringLiteral("TChannelValue"), DrawTap));
+  SetIconImage(QStringLiteral("TChannelValue"));
   connect(&link_, &TCustomChannelLink::OnData, this, &TChannelValue::BlockCame);
   connect(&link_, &TOneChannelLink::OnChannelChanged, this, &TChannelValue::ChannelChosen);
   connect(link_.GetOptions(), &TPersistent::OnChange, this, &TChannelValue::OptionsChanged);

@@ -1,29 +1,10 @@
 #include "components/channels/Runningstatistics.h"
 
-#include <QPainter>
 #include <algorithm>
 #include <cmath>
 
-#include "components/controls/Iconimages.h"
-
-namespace {
-
-/// A wave with the line of its mean.
-void DrawMean(QPainter& painter) {
-  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
-  painter.setBrush(QColor(250, 251, 253));
-  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 3.0, 3.0);
-  painter.setPen(QPen(QColor(32, 104, 208), 1.8));
-  painter.drawPolyline(
-      QPolygonF({{4.0, 15.0}, {7.0, 7.5}, {10.0, 13.0}, {12.5, 9.0}, {15.5, 17.0}, {20.0, 8.0}}));
-  painter.setPen(QPen(QColor(224, 150, 20), 1.6));
-  painter.drawLine(QPointF(4.0, 12.0), QPointF(20.0, 12.0));
-}
-
-}  // namespace
-
 TRunningStatistics::TRunningStatistics(QWidget* parent) : TCustomVariable(parent) {
-  SetIconImage(ProvideIconImage(QStringLiteral("TRunningStatistics"), DrawMean));
+  SetIconImage(QStringLiteral("TRunningStatistics"));
   connect(&reset_, &TClick::OnClick, this, &TRunningStatistics::ResetStatistics);
 }
 

@@ -2,12 +2,10 @@
 
 #include <QDir>
 #include <QFile>
-#include <QPainter>
 #include <QPointer>
 #include <algorithm>
 #include <cmath>
 
-#include "components/controls/Iconimages.h"
 #include "components/links/Outside.h"
 #include "model/Datetime.h"
 #include "model/Ending.h"
@@ -20,24 +18,11 @@ constexpr double kMoment = 0.001 / kSecondsPerDay;
 constexpr std::size_t kMaxHeaders =
     2 * std::size_t{TChannelSets::kMaxSets};  ///< remembered at a time
 
-/// A drum of discs.
-void DrawStorage(QPainter& painter) {
-  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
-  painter.setBrush(QColor(250, 251, 253));
-  painter.drawRect(QRectF(4.0, 5.0, 16.0, 14.0));
-  painter.drawEllipse(QRectF(4.0, 15.5, 16.0, 6.0));
-  painter.fillRect(QRectF(4.8, 5.0, 14.4, 13.5), QColor(250, 251, 253));
-  painter.setPen(QPen(QColor(32, 96, 200), 1.6));
-  for (const double y : {7.0, 11.0}) painter.drawArc(QRectF(4.0, y, 16.0, 6.0), 180 * 16, 180 * 16);
-  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
-  painter.drawEllipse(QRectF(4.0, 2.5, 16.0, 6.0));
-}
-
 }  // namespace
 
 TStatsStorage::TStatsStorage(QWidget* parent)
     : TBlockStorage(parent), logger_(this, &QObject::staticMetaObject) {
-  SetIconImage(ProvideIconImage(QStringLiteral("StatsStorageImage"), DrawStorage));
+  SetIconImage(QStringLiteral("StatsStorageImage"));
   SetImageSize(QSize(17, 17));
   connect(&TEnding::Instance(), &TEnding::OnKeep, this, &TStatsStorage::WriteAll);
 }

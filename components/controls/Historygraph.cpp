@@ -1,30 +1,12 @@
 #include "components/controls/Historygraph.h"
 
-#include <QPainter>
 #include <limits>
 
-#include "components/controls/Iconimages.h"
 #include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 
-namespace {
-
-/// A clock and what it counts.
-void DrawHistory(QPainter& painter) {
-  painter.setPen(QPen(QColor(38, 50, 72), 1.4));
-  painter.setBrush(QColor(250, 251, 253));
-  painter.drawRoundedRect(QRectF(1.5, 1.5, 21.0, 21.0), 3.0, 3.0);
-  painter.setPen(QPen(QColor(200, 60, 50), 1.2, Qt::DashLine));
-  painter.drawLine(QPointF(4.0, 7.0), QPointF(20.0, 7.0));
-  painter.setPen(QPen(QColor(32, 104, 208), 1.8));
-  painter.drawPolyline(
-      QPolygonF({{4.0, 17.0}, {8.0, 12.0}, {12.0, 15.0}, {16.0, 9.5}, {20.0, 13.0}}));
-}
-
-}  // namespace
-
 THistoryGraph::THistoryGraph(QWidget* parent) : TIconControl(parent) {
-  SetIconImage(ProvideIconImage(QStringLiteral("THistoryGraph"), DrawHistory));
+  SetIconImage(QStringLiteral("THistoryGraph"));
   auto* history = graphLink_.AddSeries(std::make_unique<TSeries>());
   history->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
   history->DataSource = [this](int& index, TCoordinate& point, TCoordinate& extent) {

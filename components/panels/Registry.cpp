@@ -25,7 +25,6 @@
 #include "components/controls/Valueedit.h"
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
-#include "components/panels/Paletteimages.h"
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
 #include "components/sources/Filereader.h"
@@ -75,7 +74,6 @@ TComponentClass Component(const char* page, const char* header) {
 }
 
 std::vector<TComponentClass> MakeClasses() {
-  RegisterPaletteImages();
   return {
       Component<TSignalSimulator>("Sources", "components/sources/Simulator.h"),
       Component<TFileReader>("Sources", "components/sources/Filereader.h"),

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QGuiApplication>
 #include <QPainter>
+#include <QPalette>
 #include <QTest>
 #include <memory>
 
@@ -143,5 +145,22 @@ TEST(Buttonfaces, AreAllThereAndAllDifferent) {
     ASSERT_EQ(face.size(), QSize(84, 72));
     for (std::size_t j = 0; j < seen.size(); ++j) EXPECT_NE(face, seen[j]) << i << " " << j;
     seen.push_back(face);
+    const QImage middle = face.copy(18, 15, 48, 42);
+    QImage blank = middle;
+    blank.fill(middle.pixelColor(0, 0));
+    EXPECT_NE(middle, blank) << i;
   }
+}
+
+TEST(Buttonfaces, TakeTheColorsOfThePalette) {
+  const QPalette before = QGuiApplication::palette();
+  QGuiApplication::setPalette(QPalette(Qt::white, Qt::black, {}, {}, {}, Qt::white, Qt::black));
+  QObject owner;
+  const TImageList* faces = MakeButtonFaces(&owner);
+  // Of the white text 4 % in the tile and 85 % in a bar, of which a disabled one keeps 30 %.
+  EXPECT_EQ(faces->Image(bfAnimForward, 1.0).toImage().pixel(8, 8), qRgb(10, 10, 10));
+  EXPECT_EQ(faces->Image(bfAnimForward, 1.0).toImage().pixel(37, 24), qRgb(217, 217, 217));
+  EXPECT_EQ(faces->Image(bfAnimForward + 3, 1.0).toImage().pixel(8, 8), qRgb(0, 0, 0));
+  EXPECT_EQ(faces->Image(bfAnimForward + 3, 1.0).toImage().pixel(37, 24), qRgb(65, 65, 65));
+  QGuiApplication::setPalette(before);
 }
