@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <cmath>
 
+#include "components/panels/Published.h"
 #include "components/sources/Simulator.h"
 #include "components/sources/Stringreader.h"
 #include "tests/components/sources/Providerfixture.h"
@@ -18,16 +19,17 @@ using testing::ElementsAre;
 using testing::SizeIs;
 using TValues = std::vector<double>;
 
+/// 0, 1, 2, ...
+void ExpectCounting(const TValues& values) {
+  for (std::size_t i = 0; i < values.size(); ++i) ASSERT_EQ(values[i], i);
+}
+
 TEST(TStringReader, DeliversItsNumbersAndStops) {
-  TStringReader reader;
-  TRecorder client;
-  reader.GetClientControls()->Add(&client);
+  TFeeding<TStringReader> reader;
   reader.SetDataStrings({"1 2 3"});
-  ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 3));
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));
   EXPECT_EQ(reader.GetErrorText(), QString());
-  ASSERT_TRUE(RunToStop(reader));  // from the beginning
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 3, 1, 2, 3));
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));  // from the beginning
 }
 
 TEST(TStringReader, DealsValuesInTurn) {
@@ -46,57 +48,46 @@ TEST(TStringReader, DealsValuesInTurn) {
 }
 
 TEST(TStringReader, BeginsARoundOfClientsWithEachChunk) {
-  TStringReader reader;
-  TRecorder clients[2];
-  for (TRecorder& client : clients) reader.GetClientControls()->Add(&client);
+  TFeeding<TStringReader> reader;
+  TRecorder second;
+  reader.GetClientControls()->Add(&second);
   reader.SetDataStrings({"1 2 3"});
-  reader.SetReadMode(TCustomDataProvider::rmReadPage);
-  reader.SetPageSize(6);
-  ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(clients[0].given, ElementsAre(1, 3, 1, 3));
-  EXPECT_THAT(clients[1].given, ElementsAre(2, 2));
+  SetPages(reader, 6);
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 3, 1, 3));
+  EXPECT_THAT(second.given, ElementsAre(2, 2));
 }
 
 TEST(TStringReader, StopsAfterEachPageAndGoesOnBehindIt) {
   for (const int pageSize : {1, 7, 100, 5000}) {
     SCOPED_TRACE(pageSize);
-    TStringReader reader;
-    TRecorder client;
-    reader.GetClientControls()->Add(&client);
+    TFeeding<TStringReader> reader;
     QStringList lines;
     for (int i = 0; i < 3 * pageSize + 1; ++i) lines << QString::number(i);
     reader.SetDataStrings(lines);
-    reader.SetReadMode(TCustomDataProvider::rmReadPage);
-    reader.SetPageSize(pageSize);
-    bool active = true;
-    client.OnGiven = [&](double value) {
-      active = reader.GetActive();
+    SetPages(reader, pageSize);
+    reader.client.OnGiven = [&](double value) {
       // The last value of a page is delivered when the provider has stopped already.
-      EXPECT_EQ(active, static_cast<int>(value) % pageSize != pageSize - 1);
+      EXPECT_EQ(reader.GetActive(), static_cast<int>(value) % pageSize != pageSize - 1);
     };
     for (std::size_t page = 1; page <= 3; ++page) {
       ASSERT_TRUE(RunToStop(reader));
-      EXPECT_THAT(client.given, SizeIs(page * static_cast<std::size_t>(pageSize)));
+      EXPECT_THAT(reader.given(), SizeIs(page * static_cast<std::size_t>(pageSize)));
     }
-    for (std::size_t i = 0; i < client.given.size(); ++i) ASSERT_EQ(client.given[i], i);
+    ExpectCounting(reader.given());
   }
 }
 
 TEST(TStringReader, StopsAtAWordThatIsNoNumberAndGoesOnBehindIt) {
-  TStringReader reader;
-  reader.setObjectName("Numbers");
-  TRecorder client;
-  reader.GetClientControls()->Add(&client);
+  TFeeding<TStringReader> reader;
+  reader.setObjectName("50%1");  // is shown as it is
   reader.SetDataStrings({"1 2", "33 1E+ 4"});
   QSignalSpy errors(&reader, &TThreadProvider::OnError);
-  ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 33));
-  const QString text = R"(Cannot read the text of Numbers: "1E+" at byte 7 is no number)";
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 33));
+  const QString text = R"(Cannot read the text of 50%1: "1E+" at byte 7 is no number)";
   EXPECT_EQ(reader.GetErrorText(), text);
   ASSERT_EQ(errors.count(), 1);
   EXPECT_EQ(errors[0][1].toString(), text);
-  ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 33, 4));
+  EXPECT_THAT(reader.Run(), ElementsAre(4));
   EXPECT_EQ(reader.GetErrorText(), QString());
 }
 
@@ -113,15 +104,12 @@ TEST(TStringReader, DoesNotGoInACircleWithoutNumbers) {
 }
 
 TEST(TStringReader, TakesOtherTextAtOnce) {
-  TStringReader reader;
-  TRecorder client;
-  reader.GetClientControls()->Add(&client);
+  TFeeding<TStringReader> reader;
   reader.SetDataStrings({"1 2 3 4 5"});
-  client.OnGiven = [&](double value) {
+  reader.client.OnGiven = [&](double value) {
     if (value == 2) reader.SetDataStrings({"6", "7"});
   };
-  ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 6, 7));
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 6, 7));
 }
 
 TEST(TCustomDataProvider, StartsWhenItsFormIsComplete) {
@@ -142,50 +130,44 @@ TEST(TCustomDataProvider, StartsWhenItsFormIsComplete) {
 }
 
 TEST(TCustomDataProvider, BeginsAgainWithOtherClients) {
-  TStringReader reader;
-  TRecorder first, second;
-  reader.GetClientControls()->Add(&first);
+  TFeeding<TStringReader> reader;
+  TRecorder second;
   reader.SetDataStrings({"1 2 3"});
-  reader.SetReadMode(TCustomDataProvider::rmReadPage);
-  reader.SetPageSize(2);
+  SetPages(reader, 2);
   ASSERT_TRUE(RunToStop(reader));
   TKorvalCompList other(nullptr, &TDataControl::staticMetaObject);
   other.Add(&second);
   reader.SetClientControls(&other);
   EXPECT_FALSE(reader.GetActive());
   ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(first.given, ElementsAre(1, 2));
+  EXPECT_THAT(reader.given(), ElementsAre(1, 2));
   EXPECT_THAT(second.given, ElementsAre(1, 2));
 }
 
 TEST(TThreadProvider, DeliversNothingAfterItIsSwitchedOffByAClient) {
-  TStringReader reader;
-  TRecorder client;
-  reader.GetClientControls()->Add(&client);
+  TFeeding<TStringReader> reader;
   QString line;
   for (int i = 0; i < 1000; ++i) line += QString::number(i) + ' ';
   reader.SetDataStrings({line});
-  client.OnGiven = [&](double value) {
+  reader.client.OnGiven = [&](double value) {
     if (static_cast<int>(value) % 37 == 36) reader.SetActive(false);
   };
   for (std::size_t stops = 1; stops <= 27; ++stops) {
     ASSERT_TRUE(RunToStop(reader));
-    EXPECT_THAT(client.given, SizeIs(stops * 37));
+    EXPECT_THAT(reader.given(), SizeIs(stops * 37));
     // Nothing comes while the loop runs on.
     for (int turn = 0; turn < 5; ++turn) QCoreApplication::processEvents();
-    ASSERT_THAT(client.given, SizeIs(stops * 37));
+    ASSERT_THAT(reader.given(), SizeIs(stops * 37));
   }
-  for (std::size_t i = 0; i < client.given.size(); ++i) ASSERT_EQ(client.given[i], i);
+  ExpectCounting(reader.given());
 }
 
 TEST(TThreadProvider, MayBeDestroyedByAClientOrAListener) {
   for (const bool byClient : {true, false}) {
-    auto* simulator = new TSignalSimulator;
-    QPointer<TSignalSimulator> alive(simulator);
+    QPointer<TSignalSimulator> simulator = new TSignalSimulator;
     TRecorder client;
     simulator->GetClientControls()->Add(&client);
-    simulator->SetReadMode(TCustomDataProvider::rmReadPage);
-    simulator->SetPageSize(10);
+    SetPages(*simulator, 10);
     if (byClient) {
       client.OnGiven = [&](double) {
         if (client.given.size() == 10) delete simulator;
@@ -196,22 +178,19 @@ TEST(TThreadProvider, MayBeDestroyedByAClientOrAListener) {
       });
     }
     simulator->SetActive(true);
-    ASSERT_TRUE(RunUntil([&] { return !alive; }));
+    ASSERT_TRUE(RunUntil([&] { return !simulator; }));
     EXPECT_THAT(client.given, SizeIs(10));
   }
 }
 
 TEST(TThreadProvider, StopsWithTheTextOfAnExceptionOfAClient) {
-  TStringReader reader;
-  TRecorder client;
-  reader.GetClientControls()->Add(&client);
+  TFeeding<TStringReader> reader;
   reader.SetDataStrings({"1 2 3"});
-  client.OnGiven = [](double value) {
+  reader.client.OnGiven = [](double value) {
     if (value == 2) throw std::runtime_error("no room");
   };
-  ASSERT_TRUE(RunToStop(reader));
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2));
   EXPECT_EQ(reader.GetErrorText(), "no room");
-  EXPECT_THAT(client.given, ElementsAre(1, 2));
 }
 
 /// Counts what it paints.
@@ -221,13 +200,11 @@ struct TPainted : QWidget {
 };
 
 TEST(TThreadProvider, LeavesTurnsToTheWindowWhenItRunsFlatOut) {
-  TSignalSimulator simulator;
-  TRecorder client;
-  simulator.GetClientControls()->Add(&client);
+  TFeeding<TSignalSimulator> simulator;
   TPainted window;
   window.show();
   simulator.SetActive(true);
-  ASSERT_TRUE(RunUntil([&] { return client.given.size() > 10'000 && window.paints > 0; }));
+  ASSERT_TRUE(RunUntil([&] { return simulator.given().size() > 10'000 && window.paints > 0; }));
   for (int round = 1; round <= 20; ++round) {
     int timeouts = 0;
     QTimer::singleShot(0, &window, [&] { ++timeouts; });
@@ -242,19 +219,14 @@ TEST(TThreadProvider, LeavesTurnsToTheWindowWhenItRunsFlatOut) {
 }
 
 TEST(TThreadProvider, GivesASlowClientOneValueInATurn) {
-  TSignalSimulator simulator;
-  TRecorder client;
-  simulator.GetClientControls()->Add(&client);
-  client.OnGiven = [](double) {
+  TFeeding<TSignalSimulator> simulator;
+  simulator.client.OnGiven = [](double) {
     const QDeadlineTimer busy(5);
     while (!busy.hasExpired()) continue;
   };
   simulator.SetActive(true);
   int turns = 0;
-  ASSERT_TRUE(RunUntil([&] {
-    ++turns;
-    return client.given.size() >= 10;
-  }));
+  ASSERT_TRUE(RunUntil([&] { return ++turns, simulator.given().size() >= 10; }));
   EXPECT_GE(turns, 10);
 }
 
@@ -264,26 +236,23 @@ TEST(TThreadProvider, GivesASlowClientOneValueInATurn) {
 std::vector<TRecorder> Simulate(TSignalSimulator& simulator, std::size_t clients, int count) {
   std::vector<TRecorder> recorders(clients);
   for (TRecorder& recorder : recorders) simulator.GetClientControls()->Add(&recorder);
-  simulator.SetReadMode(TCustomDataProvider::rmReadPage);
-  simulator.SetPageSize(count * static_cast<int>(clients));
+  SetPages(simulator, count * static_cast<int>(clients));
   EXPECT_TRUE(RunToStop(simulator));
   return recorders;
 }
 
 TEST(TSignalSimulator, NeverGivesMoreValuesThanItsRateAllows) {
-  TSignalSimulator simulator;
-  TRecorder recorder;
-  simulator.GetClientControls()->Add(&recorder);
+  TFeeding<TSignalSimulator> simulator;
   simulator.SetRate(400.0);
   for (const double ignored : {-1.0, std::nan(""), HUGE_VAL}) simulator.SetRate(ignored);
   EXPECT_EQ(simulator.GetRate(), 400.0);
   QElapsedTimer clock;
   clock.start();
   simulator.SetActive(true);
-  ASSERT_TRUE(RunUntil([&] { return recorder.given.size() >= 100; }));
+  ASSERT_TRUE(RunUntil([&] { return simulator.given().size() >= 100; }));
   // The first comes at once, each other one a four hundredth of a second after the one before.
   EXPECT_GE(static_cast<double>(clock.nsecsElapsed()) / 1e9 * 400.0 + 1.0,
-            static_cast<double>(recorder.given.size()));
+            static_cast<double>(simulator.given().size()));
 }
 
 TEST(TSignalSimulator, GivesEachClientTheSameSampleOfTheSine) {
@@ -309,8 +278,7 @@ TEST(TSignalSimulator, GoesOnWithTheSineWhereItStopped) {
   simulator.SetFunction(TSignalSimulator::sfSinusoid);
   TRecorder clients[2];
   for (TRecorder& client : clients) simulator.GetClientControls()->Add(&client);
-  simulator.SetReadMode(TCustomDataProvider::rmReadPage);
-  simulator.SetPageSize(7);  // in the middle of a round
+  SetPages(simulator, 7);  // in the middle of a round
   for (int page = 0; page < 40; ++page) ASSERT_TRUE(RunToStop(simulator));
   EXPECT_EQ(clients[0].given, clients[1].given);
   for (std::size_t i = 30; i < 140; ++i) ASSERT_EQ(clients[0].given[i], clients[0].given[i - 30]);
@@ -345,15 +313,14 @@ TEST(TSignalSimulator, FollowsItsDistributions) {
 }
 
 TEST(TSignalSimulator, FollowsAChangeWithTheNextValue) {
-  TSignalSimulator simulator;
-  TRecorder client, other;
-  simulator.GetClientControls()->Add(&client);
+  TFeeding<TSignalSimulator> simulator;
   simulator.SetFunction(TSignalSimulator::sfConstant);
-  simulator.SetReadMode(TCustomDataProvider::rmReadPage);
-  simulator.SetPageSize(1000);
-  client.OnGiven = [&](double) { simulator.SetAverage(static_cast<double>(client.given.size())); };
-  ASSERT_TRUE(RunToStop(simulator));
-  for (std::size_t i = 0; i < 1000; ++i) ASSERT_EQ(client.given[i], i);
+  SetPages(simulator, 1000);
+  simulator.client.OnGiven = [&](double) {
+    simulator.SetAverage(static_cast<double>(simulator.given().size()));
+  };
+  EXPECT_THAT(simulator.Run(), SizeIs(1000));
+  ExpectCounting(simulator.given());
   simulator.SetAverage(std::nan(""));
   simulator.SetAmplitude(INFINITY);
   EXPECT_EQ(simulator.GetAverage(), 1000.0);
@@ -364,6 +331,30 @@ TEST(TSignalSimulator, IsNotInStepWithAnother) {
   TSignalSimulator one, two;
   const auto a = Simulate(one, 1, 10), b = Simulate(two, 1, 10);
   EXPECT_NE(a[0].given, b[0].given);
+}
+
+TEST(TCustomDataProvider, PublishesItsSwitchOnce) {
+  TStringReader reader;
+  QStringList paths;
+  ForEachStored(reader, [&](const TPublished& published) { paths << published.Path; });
+  EXPECT_EQ(paths.count("Active"), 1);
+  EXPECT_LT(paths.indexOf("PageSize"), paths.indexOf("Active"));
+}
+
+TEST(TThreadProvider, GivesNothingToAClientThatIsBeingDestroyed) {
+  TSignalSimulator simulator;
+  TRecorder first;
+  auto* second = new TRecorder;
+  // Told before the list is: the client is a bare widget in it by then.
+  QObject::connect(second, &QObject::destroyed, &first, [&] {
+    const std::size_t before = first.given.size();
+    EXPECT_TRUE(RunUntil([&] { return first.given.size() > before + 10; }));
+  });
+  simulator.GetClientControls()->Add(&first);
+  simulator.GetClientControls()->Add(second);
+  simulator.SetActive(true);
+  delete second;
+  EXPECT_EQ(simulator.GetClientControls()->Count(), 1);
 }
 
 }  // namespace

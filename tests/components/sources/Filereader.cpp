@@ -20,16 +20,18 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// A reader with a client, and what it told.
-struct TReading {
+/// A reader with a client, and the files that it began and ended.
+struct TReading : TFeeding<TFileReader> {
   TReading() {
-    reader.GetClientControls()->Add(&client);
-    QObject::connect(&reader, &TFileReader::OnNewFile, &client,
+    QObject::connect(this, &TFileReader::OnNewFile, &client,
                      [this](QObject*, auto& name) { events << "new " + name.section('/', -1); });
-    QObject::connect(&reader, &TFileReader::OnEndOfFile, &client, [this] { events << "end"; });
+    QObject::connect(this, &TFileReader::OnEndOfFile, &client, [this] { events << "end"; });
   }
-  TFileReader reader;
-  TRecorder client;
+  void ReadList(const QStringList& files, TReadMode mode = rmUntilFileListEnd) {
+    SetUseList(true);
+    SetReadMode(mode);
+    SetFiles(files);
+  }
   QStringList events;
 };
 
@@ -41,98 +43,82 @@ QByteArray Lines(int count) {
 }
 
 TEST(TFileReader, ReadsAFileToItsEndEachTime) {
-  TReading t;
-  t.reader.SetFileName(WriteTestFile("a.txt", "Time Value\n1 2\n3 4"));
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_THAT(t.client.given, ElementsAre(1, 2, 3));  // nothing ends the 4
-  EXPECT_EQ(t.events, QStringList({"new a.txt", "end"}));
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_THAT(t.client.given, ElementsAre(1, 2, 3, 1, 2, 3));
-  EXPECT_EQ(t.reader.GetErrorText(), QString());
+  TReading reader;
+  reader.SetFileName(WriteTestFile("a.txt", "Time Value\n1 2\n3 4"));
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));  // nothing ends the 4
+  EXPECT_EQ(reader.events, QStringList({"new a.txt", "end"}));
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));
+  EXPECT_EQ(reader.GetErrorText(), QString());
 }
 
 TEST(TFileReader, ReadsTheFilesOfAListAsTheModeSays) {
   using TReader = TCustomDataProvider;
+  const QStringList all = {"new a", "end", "new b", "end", "new c", "end"};
   const struct {
     TReader::TReadMode mode;
     std::vector<std::vector<double>> runs;
     QStringList events;
   } cases[] = {
-      {TReader::rmUntilFileListEnd,
-       {{1, 2, 3}, {1, 2, 3}},
-       {"new a", "end", "new b", "end", "new c", "end", "new a", "end", "new b", "end", "new c",
-        "end"}},
-      {TReader::rmUntilEnd,
-       {{1, 2}, {3}, {}, {1, 2}},
-       {"new a", "end", "new b", "end", "new c", "end", "new a", "end"}},
-      {TReader::rmReadPage,
-       {{1, 2, 3, 1, 2}},
-       {"new a", "end", "new b", "end", "new c", "end", "new a"}},
+      {TReader::rmUntilFileListEnd, {{1, 2, 3}, {1, 2, 3}}, all + all},
+      {TReader::rmUntilEnd, {{1, 2}, {3}, {}, {1, 2}}, all + all.first(2)},
+      {TReader::rmReadPage, {{1, 2, 3, 1, 2}}, all + all.first(1)},
   };
-  const QStringList files = {WriteTestFile("a", "1\n2\n"), WriteTestFile("b", "3\n"),
-                             WriteTestFile("c", "")};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.mode);
-    TReading t;
-    t.reader.SetUseList(true);
-    t.reader.SetFiles(files);
-    t.events.clear();
-    t.reader.SetReadMode(c.mode);
-    t.reader.SetPageSize(5);
-    for (const std::vector<double>& run : c.runs) {
-      t.client.given.clear();
-      ASSERT_TRUE(RunToStop(t.reader));
-      EXPECT_EQ(t.client.given, run);
-    }
-    EXPECT_EQ(t.events, c.events);
+    TReading reader;
+    reader.ReadList(
+        {WriteTestFile("a", "1\n2\n"), WriteTestFile("b", "3\n"), WriteTestFile("c", "")}, c.mode);
+    reader.events.clear();
+    reader.SetPageSize(5);
+    for (const std::vector<double>& run : c.runs) EXPECT_EQ(reader.Run(), run);
+    EXPECT_EQ(reader.events, c.events);
   }
 }
 
 TEST(TFileReader, SkipsAFileOfTheListThatCannotBeOpened) {
-  TReading t;
-  t.reader.SetUseList(true);
-  t.reader.SetReadMode(TCustomDataProvider::rmUntilFileListEnd);
   const QString missing = TestFolder() + "/missing";
-  t.reader.SetFiles({WriteTestFile("a", "1\n"), missing, WriteTestFile("c", "2\n")});
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_EQ(t.reader.GetErrorText(), "Cannot open " + missing + ": No such file or directory");
-  EXPECT_THAT(t.client.given, ElementsAre(1));
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_THAT(t.client.given, ElementsAre(1, 2));
+  const QString fault = "Cannot open " + missing + ": No such file or directory";
+  TReading reader;
+  reader.ReadList({WriteTestFile("a", "1\n"), missing, WriteTestFile("c", "2\n")});
+  EXPECT_THAT(reader.Run(), ElementsAre(1));
+  EXPECT_EQ(reader.GetErrorText(), fault);
+  EXPECT_THAT(reader.Run(), ElementsAre(2));
+  reader.SetFiles({WriteTestFile("a", "1\n"), missing});  // now it is the last one
+  for (int run = 0; run < 3; ++run) {
+    EXPECT_THAT(reader.Run(), ElementsAre(1));
+    EXPECT_EQ(reader.GetErrorText(), fault);
+  }
 }
 
 TEST(TFileReader, GivesUpOnAListWithoutANumber) {
-  TReading t;
-  t.reader.SetUseList(true);
-  t.reader.SetReadMode(TCustomDataProvider::rmContinuous);
-  t.reader.SetFiles({WriteTestFile("a", ""), WriteTestFile("b", "header\n")});
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_NE(t.reader.GetErrorText(), QString());
-  t.reader.SetFiles({});
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_EQ(t.reader.GetErrorText(), "Cannot read: there is no file");
+  TReading reader;
+  reader.ReadList({WriteTestFile("a", ""), WriteTestFile("b", "header\n")},
+                  TCustomDataProvider::rmContinuous);
+  EXPECT_THAT(reader.Run(), IsEmpty());
+  EXPECT_NE(reader.GetErrorText(), QString());
+  reader.SetFiles({});
+  EXPECT_THAT(reader.Run(), IsEmpty());
+  EXPECT_EQ(reader.GetErrorText(), "Cannot read: there is no file");
 }
 
 TEST(TFileReader, TakesOnlyNamesOfFilesThatCanBeRead) {
-  TReading t;
+  TReading reader;
   const QString file = WriteTestFile("a.txt", "1\n");
-  QSignalSpy errors(&t.reader, &TThreadProvider::OnError);
-  t.reader.SetFileName(file);
-  EXPECT_EQ(t.reader.GetFileName(), file);
-  EXPECT_EQ(errors.count(), 0);
-  t.reader.SetFileName(TestFolder() + "/missing");
-  EXPECT_EQ(t.reader.GetFileName(), QString());
-  EXPECT_EQ(errors.count(), 1);
-  t.reader.SetFileName(file);
-  t.reader.SetFileName(TestFolder());
-  EXPECT_EQ(t.reader.GetFileName(), QString());
-  EXPECT_EQ(t.reader.GetErrorText(), "Cannot open " + TestFolder() + ": it is a folder");
-  t.reader.SetFileName(file);
-  t.reader.SetFileName({});
-  EXPECT_EQ(t.reader.GetFileName(), QString());
-  EXPECT_EQ(errors.count(), 2);
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_EQ(t.reader.GetErrorText(), "Cannot read: there is no file");
+  QSignalSpy errors(&reader, &TThreadProvider::OnError);
+  const struct {
+    QString name, taken;
+    int errors;
+  } cases[] = {{file, file, 0}, {TestFolder() + "/missing", {}, 1},
+               {file, file, 1}, {TestFolder(), {}, 2},
+               {file, file, 2}, {{}, {}, 2}};
+  for (const auto& c : cases) {
+    reader.SetFileName(c.name);
+    EXPECT_EQ(reader.GetFileName(), c.taken);
+    ASSERT_EQ(errors.count(), c.errors);
+  }
+  EXPECT_EQ(errors[1][1], "Cannot open " + TestFolder() + ": it is a folder");
+  EXPECT_THAT(reader.Run(), IsEmpty());
+  EXPECT_EQ(reader.GetErrorText(), "Cannot read: there is no file");
 }
 
 #ifdef Q_OS_UNIX
@@ -140,33 +126,31 @@ TEST(TFileReader, DoesNotWaitForAPipeOrReadADeviceForEver) {
   const QString pipe = TestFolder() + "/pipe";
   ASSERT_EQ(mkfifo(pipe.toLocal8Bit(), 0600), 0);
   for (const QString& name : {pipe, QStringLiteral("/dev/zero")}) {
-    TReading t;
-    t.reader.SetFileName(name);
-    EXPECT_EQ(t.reader.GetFileName(), QString());
-    t.reader.SetUseList(true);
-    t.reader.SetFiles({name});
-    ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_EQ(t.reader.GetErrorText(), "Cannot open " + name + ": it is no file");
+    TReading reader;
+    reader.SetFileName(name);
+    EXPECT_EQ(reader.GetFileName(), QString());
+    reader.ReadList({name});
+    EXPECT_THAT(reader.Run(), IsEmpty());
+    EXPECT_EQ(reader.GetErrorText(), "Cannot open " + name + ": it is no file");
   }
 }
 #endif
 
 TEST(TFileReader, KnowsThePositionBehindTheDeliveredValue) {
-  TReading t;
-  t.reader.SetFileName(WriteTestFile("a.txt", Lines(1000)));
+  TReading reader;
+  reader.SetFileName(WriteTestFile("a.txt", Lines(1000)));
   std::vector<qint64> positions;
-  t.client.OnGiven = [&](double value) {
-    positions.push_back(t.reader.GetStreamPosition());
-    if (value == 600) t.reader.SetActive(false);
+  reader.client.OnGiven = [&](double value) {
+    positions.push_back(reader.GetStreamPosition());
+    if (value == 600) reader.SetActive(false);
   };
-  ASSERT_TRUE(RunToStop(t.reader));
+  EXPECT_THAT(reader.Run(), SizeIs(601));
   ASSERT_THAT(positions, SizeIs(601));
   for (std::size_t i = 0; i < positions.size(); ++i) ASSERT_EQ(positions[i], 8 * (i + 1));
-  EXPECT_EQ(t.reader.GetStreamPosition(), 4808);
-  EXPECT_EQ(t.reader.GetStreamPosPercent(), 60);
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_THAT(t.client.given, SizeIs(1000));
-  EXPECT_EQ(t.reader.GetStreamPosition(), 0);
+  EXPECT_EQ(reader.GetStreamPosition(), 4808);
+  EXPECT_EQ(reader.GetStreamPosPercent(), 60);
+  EXPECT_THAT(reader.Run(), SizeIs(1000 - 601));
+  EXPECT_EQ(reader.GetStreamPosition(), 0);
 }
 
 TEST(TFileReader, GoesOnAtTheLineOfAPosition) {
@@ -178,50 +162,42 @@ TEST(TFileReader, GoesOnAtTheLineOfAPosition) {
   for (const bool opened : {false, true}) {
     for (const auto& c : cases) {
       SCOPED_TRACE(c.position);
-      TReading t;
-      t.reader.SetReadMode(TCustomDataProvider::rmReadPage);
-      t.reader.SetPageSize(1);
-      t.reader.SetFileName(file);
-      if (opened) {
-        ASSERT_TRUE(RunToStop(t.reader));
-        t.client.given.clear();
-      }
-      t.reader.SetStreamPosition(c.position);
-      t.reader.SetStreamPosition(-1);
-      EXPECT_EQ(t.reader.GetStreamPosition(), opened ? c.position : 0);
-      ASSERT_TRUE(RunToStop(t.reader));
-      EXPECT_THAT(t.client.given, ElementsAre(c.first));
+      TReading reader;
+      SetPages(reader, 1);
+      reader.SetFileName(file);
+      if (opened) reader.Run();
+      reader.SetStreamPosition(c.position);
+      reader.SetStreamPosition(-1);
+      EXPECT_EQ(reader.GetStreamPosition(), opened ? c.position : 0);
+      EXPECT_THAT(reader.Run(), ElementsAre(c.first));
     }
   }
 }
 
 TEST(TFileReader, MovesWhileItReads) {
-  TReading t;
-  t.reader.SetFileName(WriteTestFile("a.txt", Lines(1000)));
-  t.client.OnGiven = [&](double value) {
-    if (value == 10) t.reader.SetStreamPosition(8 * 990 + 3);
+  TReading reader;
+  reader.SetFileName(WriteTestFile("a.txt", Lines(1000)));
+  reader.client.OnGiven = [&](double value) {
+    if (value == 10) reader.SetStreamPosition(8 * 990 + 3);
   };
-  ASSERT_TRUE(RunToStop(t.reader));
-  EXPECT_THAT(t.client.given, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 990, 991, 992, 993, 994,
-                                          995, 996, 997, 998, 999));
+  EXPECT_THAT(reader.Run(), ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 990, 991, 992, 993, 994,
+                                        995, 996, 997, 998, 999));
 }
 
 TEST(TFileReader, ReadsAFileThatShrinksOrVanishesMeanwhile) {
   for (const bool vanishes : {false, true}) {
-    TReading t;
+    TReading reader;
     const QString file = WriteTestFile("a.txt", Lines(400'000));  // 3.2 MB, four chunks
-    t.reader.SetFileName(file);
-    t.client.OnGiven = [&](double value) {
+    reader.SetFileName(file);
+    reader.client.OnGiven = [&](double value) {
       if (value != 200'000 || !QFile::exists(file)) return;
       EXPECT_TRUE(vanishes ? QFile::remove(file) : QFile::resize(file, 100));
     };
-    ASSERT_TRUE(RunToStop(t.reader));
     // What is in memory is delivered; a file that is open can be read on without its name.
-    EXPECT_THAT(t.client.given, SizeIs(vanishes ? 400'000 : 262'146));
-    EXPECT_EQ(t.reader.GetErrorText(), QString());
-    ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_THAT(t.client.given, SizeIs(vanishes ? 400'000 : 262'146 + 12));
-    EXPECT_EQ(t.reader.GetErrorText().startsWith("Cannot open"), vanishes);
+    EXPECT_THAT(reader.Run(), SizeIs(vanishes ? 400'000 : 262'146));
+    EXPECT_EQ(reader.GetErrorText(), QString());
+    EXPECT_THAT(reader.Run(), SizeIs(vanishes ? 0 : 12));
+    EXPECT_EQ(reader.GetErrorText().startsWith("Cannot open"), vanishes);
   }
 }
 
@@ -233,31 +209,22 @@ void Replace(const QString& file, const QByteArray& text) {
 
 TEST(TFileReader, ReadsTheFileThatHasTheNameNow) {
   for (const bool useList : {false, true}) {
-    TReading t;
+    TReading reader;
     const QString file = WriteTestFile("a.txt", Lines(10));
-    t.reader.SetReadMode(TCustomDataProvider::rmUntilFileListEnd);
-    if (!useList) t.reader.SetReadMode(TCustomDataProvider::rmUntilEnd);
-    t.reader.SetUseList(useList);
-    t.reader.SetFiles({file});
-    t.reader.SetFileName(file);
-    ASSERT_TRUE(RunToStop(t.reader));
+    reader.ReadList({file}, useList ? TReading::rmUntilFileListEnd : TReading::rmUntilEnd);
+    reader.SetUseList(useList);
+    reader.SetFileName(file);
+    EXPECT_THAT(reader.Run(), SizeIs(10));
     Replace(file, "100\n101\n");
-    t.client.given.clear();
-    ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_THAT(t.client.given, ElementsAre(100, 101));
+    EXPECT_THAT(reader.Run(), ElementsAre(100, 101));
 
     // Stopped in the middle it goes on there, in the same file only.
-    t.client.OnGiven = [&](double value) {
-      if (value == 100) t.reader.SetActive(false);
+    reader.client.OnGiven = [&](double value) {
+      if (value == 100) reader.SetActive(false);
     };
-    t.client.given.clear();
-    for (int run = 0; run < 2; ++run) ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_THAT(t.client.given, ElementsAre(100, 101));
-    ASSERT_TRUE(RunToStop(t.reader));
+    for (const double value : {100, 101, 100}) EXPECT_THAT(reader.Run(), ElementsAre(value));
     Replace(file, "200\n201\n");
-    t.client.given.clear();
-    ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_THAT(t.client.given, ElementsAre(200, 201));
+    EXPECT_THAT(reader.Run(), ElementsAre(200, 201));
   }
 }
 
@@ -267,64 +234,47 @@ TEST(TFileReader, GoesOnInTheFileOfItsListThatAFormNames) {
   for (const double stop : {1.0, 2.0, 3.0, 4.0, 5.0, 6.0}) {
     SCOPED_TRACE(stop);
     TReading saved;
-    saved.reader.SetUseList(true);
-    saved.reader.SetFiles(files);
-    saved.reader.SetReadMode(TCustomDataProvider::rmUntilFileListEnd);
+    saved.ReadList(files);
     saved.client.OnGiven = [&](double value) {
-      if (value == stop) saved.reader.SetActive(false);
+      if (value == stop) saved.SetActive(false);
     };
-    ASSERT_TRUE(RunToStop(saved.reader));
+    ASSERT_TRUE(RunToStop(saved));
     for (const bool backwards : {false, true}) {
       TReading loaded;
-      loaded.reader.BeginLoading();
+      loaded.BeginLoading();
       QStringList names = {"UseList", "Files", "ReadMode", "StreamPosition", "ItemIndex"};
       if (backwards) std::reverse(names.begin(), names.end());
       for (const QString& name : names) {
-        loaded.reader.setProperty(name.toLatin1(), saved.reader.property(name.toLatin1()));
+        loaded.setProperty(name.toLatin1(), saved.property(name.toLatin1()));
       }
-      loaded.reader.Loaded();
-      ASSERT_TRUE(RunToStop(loaded.reader));
+      loaded.Loaded();
       std::vector<double> rest;
       for (double value = stop + 1.0; value <= 6.0; ++value) rest.push_back(value);
-      EXPECT_EQ(loaded.client.given, rest);
+      EXPECT_EQ(loaded.Run(), rest);
     }
   }
 }
 
 TEST(TFileReader, LosesNoLineToAByteOrderMark) {
-  for (const QByteArray& rest : {QByteArray("1 2\n3\n"), QByteArray("Time\n3\n"), QByteArray()}) {
-    TReading t;
-    t.reader.SetFileName(WriteTestFile("a.txt", "\xEF\xBB\xBF" + rest));
-    std::vector<double> expected = {3};
-    if (rest.startsWith("1")) expected = {1, 2, 3};
-    if (rest.isEmpty()) expected = {};
-    ASSERT_TRUE(RunToStop(t.reader));
-    EXPECT_EQ(t.client.given, expected);
+  const std::pair<const char*, std::vector<double>> cases[] = {
+      {"1 2\n3\n", {1, 2, 3}}, {"Time\n3\n", {3}}, {"", {}}};
+  for (const auto& [rest, values] : cases) {
+    TReading reader;
+    reader.SetFileName(WriteTestFile("a.txt", QByteArray("\xEF\xBB\xBF") + rest));
+    EXPECT_EQ(reader.Run(), values);
   }
 }
 
-TEST(TFileReader, StartsWithItsListWhenTheFormIsComplete) {
-  TReading t;
-  t.reader.BeginLoading();
-  t.reader.SetActive(true);
-  t.reader.SetUseList(true);
-  t.reader.SetFiles({WriteTestFile("a", "1\n")});
-  EXPECT_FALSE(t.reader.GetActive());
-  t.reader.Loaded();
-  ASSERT_TRUE(RunUntil([&] { return !t.reader.GetActive(); }));
-  EXPECT_THAT(t.client.given, ElementsAre(1));
-}
-
 TEST(TFileReader, ReportsProgressAboutTenTimesInAChunk) {
-  TReading t;
+  TReading reader;
   constexpr int kLines = 400'000;  // 3.2 MB, four chunks
-  t.reader.SetFileName(WriteTestFile("a.txt", Lines(kLines)));
+  reader.SetFileName(WriteTestFile("a.txt", Lines(kLines)));
   std::vector<int> percents;
-  QObject::connect(&t.reader, &TStreamProvider::OnProgress, &t.client,
-                   [&] { percents.push_back(t.reader.GetStreamPosPercent()); });
-  ASSERT_TRUE(RunToStop(t.reader));
-  ASSERT_THAT(t.client.given, SizeIs(kLines));
-  for (int i = 0; i < kLines; ++i) ASSERT_EQ(t.client.given[static_cast<std::size_t>(i)], i);
+  QObject::connect(&reader, &TStreamProvider::OnProgress, &reader.client,
+                   [&] { percents.push_back(reader.GetStreamPosPercent()); });
+  ASSERT_TRUE(RunToStop(reader));
+  ASSERT_THAT(reader.client.given, SizeIs(kLines));
+  for (int i = 0; i < kLines; ++i) ASSERT_EQ(reader.client.given[static_cast<std::size_t>(i)], i);
   EXPECT_GE(percents.size(), 40u);
   EXPECT_LE(percents.size(), 50u);
   // The last two are of the end: reached, and left for the beginning.
@@ -341,16 +291,15 @@ TEST(TFileReader, BeginsARoundOfClientsWithEachChunkOfWholeLines) {
   ASSERT_EQ(text.size(), 1'048'580);
   text += "7 8 9\n";  // the chunk goes on behind its size, to the end of this line
   text += "5 6\n";
-  TReading t;
+  TReading reader;
   TRecorder second;
-  t.reader.GetClientControls()->Add(&second);
-  t.reader.SetFileName(WriteTestFile("a.txt", text));
-  ASSERT_TRUE(RunToStop(t.reader));
+  reader.GetClientControls()->Add(&second);
+  reader.SetFileName(WriteTestFile("a.txt", text));
   const std::size_t chunk = before + 3;
   ASSERT_EQ(chunk % 2, 1u) << "the second client is next";
-  EXPECT_THAT(t.client.given, SizeIs(chunk / 2 + 2));
+  EXPECT_THAT(reader.Run(), SizeIs(chunk / 2 + 2));
   EXPECT_THAT(second.given, SizeIs(chunk / 2 + 1));
-  EXPECT_EQ(t.client.given.back(), 5.0);
+  EXPECT_EQ(reader.client.given.back(), 5.0);
   EXPECT_EQ(second.given.back(), 6.0);
 }
 
@@ -392,9 +341,8 @@ TEST(TStreamProvider, ReadsALineOfAnyLengthInPieces) {
   TRecorder clients[2];
   for (TRecorder& client : clients) provider.GetClientControls()->Add(&client);
   provider.SetStream(std::make_unique<TStrangeDevice>(text, size, size));
-  provider.SetReadMode(TCustomDataProvider::rmReadPage);
   const auto count = static_cast<std::size_t>(size / text.size()) * 3;
-  provider.SetPageSize(static_cast<int>(count));
+  SetPages(provider, static_cast<int>(count));
   ASSERT_TRUE(RunToStop(provider));
   const double cycle[] = {12345, -6.78, 9};
   for (std::size_t i = 0; i < count; ++i) ASSERT_EQ(clients[i % 2].given[i / 2], cycle[i % 3]);
@@ -403,30 +351,21 @@ TEST(TStreamProvider, ReadsALineOfAnyLengthInPieces) {
 
 TEST(TStreamProvider, FindsTheBeginningOfALongLine) {
   QByteArray text = "1 2\nword" + QByteArray(10'000'000, ' ') + "3\n4\n";
-  auto buffer = std::make_unique<QBuffer>();
-  buffer->setData(text);
+  auto buffer = std::make_unique<QBuffer>(&text);
   buffer->open(QIODevice::ReadOnly);
-  TStreamProvider provider;
-  TRecorder client;
-  provider.GetClientControls()->Add(&client);
+  TFeeding<TStreamProvider> provider;
   provider.SetStream(std::move(buffer));
   provider.SetStreamPosition(9'000'000);
-  provider.SetReadMode(TCustomDataProvider::rmReadPage);
-  provider.SetPageSize(1);
-  ASSERT_TRUE(RunToStop(provider));
-  EXPECT_THAT(client.given, ElementsAre(4));  // the line is one of a word
+  SetPages(provider, 1);
+  EXPECT_THAT(provider.Run(), ElementsAre(4));  // the line is one of a word
 }
 
 TEST(TStreamProvider, EndsWhereTheStreamShrinks) {
-  TStreamProvider provider;
-  TRecorder client;
-  provider.GetClientControls()->Add(&client);
+  TFeeding<TStreamProvider> provider;
   provider.SetStream(std::make_unique<TStrangeDevice>("1 2 3\n", 6'000'000'000, 12));
-  provider.SetReadMode(TCustomDataProvider::rmReadPage);
-  provider.SetPageSize(7);
+  SetPages(provider, 7);
   provider.SetStreamPosition(5'000'000'000);
-  ASSERT_TRUE(RunToStop(provider));
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 3, 1, 2, 3, 1));
+  EXPECT_THAT(provider.Run(), ElementsAre(1, 2, 3, 1, 2, 3, 1));
 }
 
 TEST(TStreamProvider, StopsWhereTheStreamFails) {
@@ -444,21 +383,17 @@ TEST(TStreamProvider, StopsWhereTheStreamFails) {
 }
 
 TEST(TStreamProvider, GoesOnWithAnotherStreamFromWhereItStands) {
-  TStreamProvider provider;
-  TRecorder client;
-  provider.GetClientControls()->Add(&client);
-  provider.SetReadMode(TCustomDataProvider::rmReadPage);
-  provider.SetPageSize(5);
+  TFeeding<TStreamProvider> provider;
+  SetPages(provider, 5);
   provider.SetStream(std::make_unique<TStrangeDevice>("1\n2\n", 4, 4));
-  client.OnGiven = [&](double) {
-    if (client.given.size() != 3) return;
+  provider.client.OnGiven = [&](double) {
+    if (provider.given().size() != 3) return;
     auto other = std::make_unique<TStrangeDevice>("7\n8\n9\n", 6, 6);
     other->seek(2);
     provider.SetStream(std::move(other));
   };
-  ASSERT_TRUE(RunToStop(provider));
-  EXPECT_THAT(client.given, ElementsAre(1, 2, 1, 8, 9));
-  EXPECT_THAT(provider.GetStreamPosition(), 6);
+  EXPECT_THAT(provider.Run(), ElementsAre(1, 2, 1, 8, 9));
+  EXPECT_EQ(provider.GetStreamPosition(), 6);
 }
 
 TEST(TStreamProvider, StopsWithoutAStream) {
@@ -466,6 +401,39 @@ TEST(TStreamProvider, StopsWithoutAStream) {
   EXPECT_EQ(provider.GetStreamPosPercent(), 100);
   EXPECT_EQ(provider.GetStreamPosition(), 0);
   EXPECT_TRUE(RunToStop(provider));
+}
+
+/// Its list and the place in it, as a form gives them.
+TEST(TFileReader, ShowsAFormWhatItWasToldBeforeItStarts) {
+  for (const bool useList : {false, true}) {
+    TReading reader;
+    reader.BeginLoading();
+    reader.setProperty("Active", true);
+    reader.setProperty("StreamPosition", 4);
+    reader.setProperty("UseList", useList);
+    const QString file = WriteTestFile("a.txt", "1\n2\n3\n4\n");
+    reader.setProperty(useList ? "Files" : "FileName", useList ? QVariant({file}) : file);
+    EXPECT_TRUE(reader.property("Active").toBool());
+    EXPECT_EQ(reader.property("StreamPosition").toInt(), 4);
+    EXPECT_FALSE(reader.GetActive());
+    EXPECT_EQ(reader.GetStreamPosition(), 0);
+    reader.Loaded();
+    ASSERT_TRUE(RunUntil([&] { return !reader.GetActive(); }));
+    EXPECT_THAT(reader.given(), ElementsAre(3, 4));
+    EXPECT_FALSE(reader.property("Active").toBool());
+    EXPECT_EQ(reader.property("StreamPosition").toInt(), 0);
+  }
+}
+
+TEST(TStreamProvider, MayBeSwitchedOnAgainByWhomItTellsOfAFailure) {
+  TStreamProvider provider;
+  provider.SetStream(std::make_unique<QBuffer>());  // not open
+  int failures = 0;
+  QObject::connect(&provider, &TStateControl::OnActiveChanged, &provider, [&] {
+    if (!provider.GetActive() && ++failures < 5) provider.SetActive(true);
+  });
+  ASSERT_TRUE(RunToStop(provider));
+  EXPECT_EQ(failures, 5);
 }
 
 }  // namespace

@@ -23,6 +23,12 @@ struct TRecorder : TDataControl {
   std::function<void(double)> OnGiven;
 };
 
+/// Lets the provider stop after each so many values.
+inline void SetPages(TCustomDataProvider& provider, int size) {
+  provider.SetReadMode(TCustomDataProvider::rmReadPage);
+  provider.SetPageSize(size);
+}
+
 /// Runs the event loop until `done`; false if that takes a minute.
 inline bool RunUntil(const std::function<bool()>& done) {
   QTimer tick;  // ends a wait in which nothing else comes
@@ -39,3 +45,17 @@ inline bool RunToStop(TCustomDataProvider& provider) {
   provider.SetActive(true);
   return RunUntil([&] { return !provider.GetActive(); });
 }
+
+/// A provider with a client of its own.
+template <class TProvider>
+struct TFeeding : TProvider {
+  TFeeding() { this->GetClientControls()->Add(&client); }
+  /// Runs until it has stopped by itself. Returns what the client was given meanwhile.
+  std::vector<double> Run() {
+    client.given.clear();
+    EXPECT_TRUE(RunToStop(*this));
+    return client.given;
+  }
+  const std::vector<double>& given() const { return client.given; }
+  TRecorder client;
+};

@@ -15,6 +15,7 @@
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
 #include "model/Filesync.h"
+#include "tests/support/Files.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
 
@@ -41,18 +42,26 @@ struct TTwoControls {
   TDataControl b;
 };
 
-TEST(TDataTable, TakesARowWithEachValueOfTheLastControl) {
+/// A table of two controls.
+struct DataTable : testing::Test {
+  std::vector<double> Column(int column) const {
+    std::vector<double> values;
+    for (int row = 0; row < table.RowCount(); ++row) values.push_back(table.GetValue(row, column));
+    return values;
+  }
   TDataTable table;
-  TTwoControls controls(table.GetControls());
+  TTwoControls controls{table.GetControls()};
+};
+
+TEST_F(DataTable, TakesARowWithEachValueOfTheLastControl) {
   table.SetMaxRows(3);
   QSignalSpy added(&table, &TDataTable::OnRowAdded);
   for (int i = 0; i < 4; ++i) controls.Row(kNoon + i, i, 10 * i);
   controls.a.SetValue(99.0);  // completes no row
   EXPECT_EQ(added.count(), 4);
-  ASSERT_EQ(table.RowCount(), 3);
-  EXPECT_EQ(table.GetValue(0, 0), kNoon + 1);
-  EXPECT_EQ(table.GetValue(2, 1), 3.0);
-  EXPECT_EQ(table.GetValue(2, 2), 30.0);
+  EXPECT_THAT(Column(0), ElementsAre(kNoon + 1, kNoon + 2, kNoon + 3));
+  EXPECT_THAT(Column(1), ElementsAre(1, 2, 3));
+  EXPECT_THAT(Column(2), ElementsAre(10, 20, 30));
   EXPECT_EQ(table.ColName(0), "Time");
   EXPECT_EQ(table.ColName(2), "b");
   table.SetRecording(false);
@@ -60,38 +69,58 @@ TEST(TDataTable, TakesARowWithEachValueOfTheLastControl) {
   EXPECT_EQ(added.count(), 4);
 }
 
-TEST(TDataTable, LivesOnWhenItsControlsGo) {
-  TDataTable table;
+TEST_F(DataTable, LivesOnWhenItsControlsGo) {
   {
-    TTwoControls controls(table.GetControls());
-    controls.Row(kNoon, 1, 2);
-    table.GetControls()->DeleteComponent(&controls.b);
-    controls.a.SetTimeAndValue(kNoon, 5.0);  // the last one now
-    ASSERT_EQ(table.RowCount(), 1);
-    EXPECT_EQ(table.GetValue(0, 1), 5.0);
+    TTwoControls others(table.GetControls());
+    for (TDataControl* control : {&controls.a, &controls.b, &others.b}) {
+      table.GetControls()->DeleteComponent(control);
+    }
+    others.a.SetTimeAndValue(kNoon, 5.0);  // the only one now
+    EXPECT_THAT(Column(1), ElementsAre(5));
   }
   EXPECT_EQ(table.ColCount(), 1);
   EXPECT_EQ(table.RowCount(), 0);
 }
 
-TEST(TDataTable, LetsGoOfTheOldestRowsWhenItGetsSmaller) {
-  TDataTable table;
-  TTwoControls controls(table.GetControls());
+TEST_F(DataTable, LetsGoOfTheOldestRowsWhenItGetsSmaller) {
   for (int i = 0; i < 5; ++i) controls.Row(kNoon + i, i, i);
   QSignalSpy changes(&table, &TDataTable::OnChange);
   table.SetMaxRows(2);
   EXPECT_EQ(changes.count(), 1);
-  ASSERT_EQ(table.RowCount(), 2);
-  EXPECT_EQ(table.GetValue(0, 1), 3.0);
-  EXPECT_EQ(table.GetValue(1, 1), 4.0);
+  EXPECT_THAT(Column(1), ElementsAre(3, 4));
   table.SetDataValues("1 10 10\n2 20 20\n3 30 30\n");
-  ASSERT_EQ(table.RowCount(), 2);
-  EXPECT_EQ(table.GetValue(0, 0), 2.0);
+  EXPECT_THAT(Column(0), ElementsAre(2, 3));
 
   TKorvalCompList others(nullptr, &TDataControl::staticMetaObject);
   for (TDataControl* control : {&controls.b, &controls.a}) others.Add(control);
   table.SetControls(&others);
   EXPECT_EQ(table.RowCount(), 0) << "the rows are of other columns";
+}
+TEST_F(DataTable, IsCopiedAndPastedAsSpreadsheetsDo) {
+  for (int i = 0; i < 3; ++i) controls.Row(kNoon, 0.1 + i, -i);
+  TDataSheet sheet;
+  sheet.SetTable(&table);
+  const auto at = [&](int row, int column) { return sheet.model()->index(row, column); };
+  sheet.setCurrentIndex(at(0, 1));
+  sheet.selectionModel()->select(QItemSelection(at(0, 1), at(1, 2)),
+                                 QItemSelectionModel::ClearAndSelect);
+  QTest::keyClick(&sheet, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), "0.1\t0\n1.1\t-1\n");
+
+  sheet.setCurrentIndex(at(2, 1));
+  QTest::keyClick(&sheet, Qt::Key_V, Qt::ControlModifier);
+  EXPECT_THAT(Column(1), ElementsAre(0.1, 1.1, 0.1, 1.1));
+  EXPECT_THAT(Column(2), ElementsAre(0, -1, 0, -1));
+
+  QApplication::clipboard()->setText("7\nseven\n");
+  sheet.Paste();
+  EXPECT_THAT(TakeMessages(),
+              ElementsAre(QString("Cannot paste \"seven\" in line 2: it is not a number.")));
+  sheet.SetReadOnly(true);
+  QApplication::clipboard()->setText("7");
+  sheet.Paste();
+  sheet.DeleteSelectedRows();
+  EXPECT_THAT(Column(1), ElementsAre(0.1, 1.1, 0.1, 1.1));
 }
 
 TEST(TDataSheet, CopiesAndPastesAsSpreadsheetsDo) {
@@ -144,7 +173,7 @@ TEST(TDataSheet, ShowsManyNewRowsAtOnceAndOutlivesTheTable) {
 }
 
 /// A sheet of three rows, and the editor of one of its cells.
-struct DataSheet : testing::Test {
+struct DataSheet : DataTable {
   DataSheet() {
     for (int i = 0; i < 3; ++i) controls.Row(kNoon + i, i, 10 * i);
     sheet.resize(500, 300);
@@ -163,8 +192,6 @@ struct DataSheet : testing::Test {
     QTest::keyClick(&sheet, Qt::Key_V, Qt::ControlModifier);
   }
 
-  TDataTable table;
-  TTwoControls controls{table.GetControls()};
   TDataSheet sheet;
 };
 
@@ -181,8 +208,7 @@ TEST_F(DataSheet, IsEditedWhileRowsComeInAndMakeRoom) {
   EXPECT_EQ(editor->text(), "7.5");
   QTest::keyClick(editor, Qt::Key_Return);
   QCoreApplication::processEvents();
-  EXPECT_EQ(table.GetValue(0, 1), 7.5);
-  EXPECT_EQ(table.GetValue(1, 1), 2.0);
+  EXPECT_THAT(Column(1), ElementsAre(7.5, 2, 3));
   for (int i = 0; i < 100; ++i) controls.Row(kNoon + 4 + i, i, i);
   QCoreApplication::processEvents();
   EXPECT_EQ(sheet.model()->rowCount(), 3);
@@ -199,9 +225,8 @@ TEST_F(DataSheet, EditsTimesAsDates) {
   QCoreApplication::processEvents();
   EXPECT_EQ(table.GetValue(0, 0), kNoon + 1e-9);  // only looked at
   Paste("2025-12-10 18:00\t5\n46000.25\t6\n", 1, 0);
-  EXPECT_EQ(table.GetValue(1, 0), kNoon + 1.25);
-  EXPECT_EQ(table.GetValue(2, 0), 46'000.25);
-  EXPECT_EQ(table.GetValue(2, 1), 6.0);
+  EXPECT_THAT(Column(0), ElementsAre(kNoon + 1e-9, kNoon + 1.25, 46'000.25));
+  EXPECT_THAT(Column(1), ElementsAre(0, 5, 6));
   Paste("2025-12-10", 1, 1);
   EXPECT_THAT(TakeMessages(),
               ElementsAre(QString("Cannot paste \"2025-12-10\" in line 1: it is not a number.")));
@@ -224,18 +249,16 @@ TEST_F(DataSheet, PastesAllOrNothing) {
   EXPECT_THAT(TakeMessages(),
               ElementsAre("Cannot paste 3 rows of 1 values: there is room for 2 rows of 2.",
                           "Cannot paste 2 rows of 2 values: there is room for 4 rows of 1."));
-  EXPECT_EQ(table.GetValue(2, 1), 2.0);
+  EXPECT_THAT(Column(1), ElementsAre(0, 1, 2));
   Paste("1\n2\n", 2, 1);
-  EXPECT_EQ(table.RowCount(), 4);
+  EXPECT_THAT(Column(1), ElementsAre(0, 1, 1, 2));
 }
 
 TEST_F(DataSheet, InsertsAndDeletesRowsByKey) {
   sheet.setCurrentIndex(sheet.model()->index(1, 1));
   QTest::keyClick(&sheet, Qt::Key_Insert);
-  ASSERT_EQ(table.RowCount(), 4);
+  EXPECT_THAT(Column(1), ElementsAre(0, 0, 1, 2));
   EXPECT_GT(table.GetValue(1, 0), kNoon);
-  EXPECT_EQ(table.GetValue(1, 1), 0.0);
-  EXPECT_EQ(table.GetValue(2, 1), 1.0);
   QCoreApplication::processEvents();
   // The first two and the last one, cell by cell.
   QItemSelection cells;
@@ -245,98 +268,92 @@ TEST_F(DataSheet, InsertsAndDeletesRowsByKey) {
   }
   sheet.selectionModel()->select(cells, QItemSelectionModel::ClearAndSelect);
   QTest::keyClick(&sheet, Qt::Key_Delete);
-  ASSERT_EQ(table.RowCount(), 1);
-  EXPECT_EQ(table.GetValue(0, 1), 1.0);
+  EXPECT_THAT(Column(1), ElementsAre(1));
   table.SetMaxRows(1);
   QTest::keyClick(&sheet, Qt::Key_Insert);
   EXPECT_THAT(TakeMessages(), ElementsAre("Cannot insert a row: the table is full."));
 }
 
-QString Contents(const QString& name) {
-  QFile file(name);
-  return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
+/// A logger of two controls.
+struct DataLogger : testing::Test {
+  /// Logs into a file of the test's folder.
+  void Start(const QString& file) {
+    logger.SetFileName(TestFolder() + '/' + file);
+    logger.SetActive(true);
+  }
+  static QString Log(const QString& name) { return Contents(TestFolder() + '/' + name); }
 
-TEST(TDataLogger, WritesOneFilePerNameAndEachRowAtOnce) {
   TDataLogger logger;
-  TTwoControls controls(logger.GetControls());
-  const QString folder = TestFolder();
-  logger.SetFileName(folder + "/log-%Y%m%d.txt");
+  TTwoControls controls{logger.GetControls()};
+};
+
+TEST_F(DataLogger, WritesOneFilePerNameAndEachRowAtOnce) {
   controls.Row(kNoon, 1, 2);  // not yet
-  logger.SetActive(true);
+  Start("log-%Y%m%d.txt");
   controls.Row(kNoon, 0.5, -2);
   controls.Row(kNoon + 0.25, 1e300, 3);
-  EXPECT_TRUE(TFileSync::Instance().Waiting().contains(folder + "/log-20251209.txt"));
-  EXPECT_EQ(Contents(folder + "/log-20251209.txt"),
+  EXPECT_TRUE(TFileSync::Instance().Waiting().contains(TestFolder() + "/log-20251209.txt"));
+  EXPECT_EQ(Log("log-20251209.txt"),
             "Time\ta\tb\n2025-12-09 12:00:00.000\t0.5\t-2\n2025-12-09 18:00:00.000\t1e+300\t3\n");
   controls.Row(kNoon + 1, 4, 5);
-  EXPECT_EQ(Contents(folder + "/log-20251210.txt"), "Time\ta\tb\n2025-12-10 12:00:00.000\t4\t5\n");
+  const QString next = "Time\ta\tb\n2025-12-10 12:00:00.000\t4\t5\n";
+  EXPECT_EQ(Log("log-20251210.txt"), next);
   logger.SetActive(false);
   controls.Row(kNoon + 1, 6, 7);
   logger.SetActive(true);
   controls.Row(kNoon + 1, 8, 9);
-  EXPECT_EQ(Contents(folder + "/log-20251210.txt"),
-            "Time\ta\tb\n2025-12-10 12:00:00.000\t4\t5\n2025-12-10 12:00:00.000\t8\t9\n");
+  EXPECT_EQ(Log("log-20251210.txt"), next + "2025-12-10 12:00:00.000\t8\t9\n");
 }
 
 /// A time that is none would make lines without one, and files of the year 0.
-TEST(TDataLogger, TakesThePresentTimeForOneThatIsNone) {
-  TDataLogger logger;
-  TTwoControls controls(logger.GetControls());
-  logger.SetFileName(TestFolder() + "/log-%Y.txt");
-  logger.SetActive(true);
+TEST_F(DataLogger, TakesThePresentTimeForOneThatIsNone) {
+  Start("log-%Y.txt");
   controls.Row(std::numeric_limits<double>::quiet_NaN(), 1, 2);
   controls.Row(1e300, 3, 4);
   const QString year = QString::number(QDate::currentDate().year());
-  const QStringList lines = Contents(logger.CurrentFile()).split('\n');
+  const QStringList lines = QString(Contents(logger.CurrentFile())).split('\n');
   ASSERT_EQ(lines.size(), 4);
   EXPECT_TRUE(lines[1].startsWith(year) || lines[2].startsWith(year)) << lines[1].toStdString();
   EXPECT_EQ(lines[2].section('\t', 1), "3\t4");
 }
 
-TEST(TDataLogger, NumbersFilesAndTriesAgainAfterAFailure) {
-  TDataLogger logger;
-  TTwoControls controls(logger.GetControls());
-  const QString folder = TestFolder() + "/numbered";
-  logger.SetFileName(folder + "/run-%N.txt");
+TEST_F(DataLogger, NumbersFilesAndTriesAgainAfterAFailure) {
   logger.SetHeader(false);
-  logger.SetActive(true);
+  Start("numbered/run-%N.txt");
   controls.Row(kNoon, 1, 2);
   EXPECT_THAT(logger.GetStatusText().toStdString(), HasSubstr("Cannot write "));
-  QDir().mkpath(folder);
+  QDir(TestFolder()).mkpath("numbered");
   controls.Row(kNoon, 3, 4);
-  EXPECT_EQ(Contents(folder + "/run-0001.txt"), "2025-12-09 12:00:00.000\t3\t4\n");
+  EXPECT_EQ(Log("numbered/run-0001.txt"), "2025-12-09 12:00:00.000\t3\t4\n");
   logger.SetActive(false);
   logger.SetActive(true);
   controls.Row(kNoon, 5, 6);
-  EXPECT_EQ(logger.CurrentFile(), folder + "/run-0002.txt");
+  EXPECT_EQ(logger.CurrentFile(), TestFolder() + "/numbered/run-0002.txt");
 }
 
 #ifdef Q_OS_UNIX
 
-TEST(TDataLogger, LeavesNoTornLineOnAFullDiskAndSaysWhatIsMissing) {
-  TDataLogger logger;
-  TTwoControls controls(logger.GetControls());
-  logger.SetFileName(TestFolder() + "/run-%N.txt");
-  logger.SetActive(true);
+TEST_F(DataLogger, LeavesNoTornLineOnAFullDiskAndSaysWhatIsMissing) {
+  Start("run-%N.txt");
   const auto row = [](int hour) { return QString("2025-12-09 %1:00:00.000\t1\t2\n").arg(hour); };
+  const auto send = [this](int hour) { controls.Row(kNoon + (hour - 12) / 24.0, 1, 2); };
   QString expected = "Time\ta\tb\n" + row(12);
   for (const qint64 fits : {0, 1, 20, 27}) {  // of the next row's 28 bytes
     SCOPED_TRACE(fits);
     QFile::remove(TestFolder() + "/run-0001.txt");
     logger.SetActive(false);
     logger.SetActive(true);
-    controls.Row(kNoon, 1, 2);
+    send(12);
     {
       const TFullDisk full(expected.size() + fits);
-      controls.Row(kNoon + 1.0 / 24.0, 1, 2);
-      controls.Row(kNoon + 2.0 / 24.0, 1, 2);
+      send(13);
+      send(14);
     }
     EXPECT_THAT(logger.GetStatusText().toStdString(),
                 AllOf(HasSubstr("Cannot write "), HasSubstr("; 2 rows are missing")));
-    EXPECT_EQ(Contents(TestFolder() + "/run-0001.txt"), expected);
-    controls.Row(kNoon + 3.0 / 24.0, 1, 2);
-    EXPECT_EQ(Contents(TestFolder() + "/run-0001.txt"), expected + row(15));
+    EXPECT_EQ(Log("run-0001.txt"), expected);
+    send(15);
+    EXPECT_EQ(Log("run-0001.txt"), expected + row(15));
     EXPECT_EQ(logger.GetStatusText(), "Writing " + logger.CurrentFile() + "; 2 rows are missing");
     EXPECT_EQ(QDir(TestFolder()).entryList({"run-*"}), QStringList("run-0001.txt"));
   }
@@ -344,14 +361,11 @@ TEST(TDataLogger, LeavesNoTornLineOnAFullDiskAndSaysWhatIsMissing) {
 
 #endif
 
-TEST(TDataLogger, ClosesALineThatACrashHasCut) {
-  TDataLogger logger;
-  TTwoControls controls(logger.GetControls());
-  logger.SetFileName(WriteTestFile("log.txt", "Time\ta\tb\n2025-12-09 11:0"));
-  logger.SetActive(true);
+TEST_F(DataLogger, ClosesALineThatACrashHasCut) {
+  WriteTestFile("log.txt", "Time\ta\tb\n2025-12-09 11:0");
+  Start("log.txt");
   controls.Row(kNoon, 1, 2);
-  EXPECT_EQ(Contents(logger.CurrentFile()),
-            "Time\ta\tb\n2025-12-09 11:0\n2025-12-09 12:00:00.000\t1\t2\n");
+  EXPECT_EQ(Log("log.txt"), "Time\ta\tb\n2025-12-09 11:0\n2025-12-09 12:00:00.000\t1\t2\n");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -14,6 +15,21 @@
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
+
+using TRowTest = std::function<void(const QString& subject, const QString&, const QString&)>;
+
+/// Tests each row of a table of lines "subject: left, separator, right | left, separator, right
+/// ...", in which backslashes begin escapes as in C++.
+void ForEachRow(const QString& table, const QString& separator, const TRowTest& test) {
+  for (QString line : table.split('\n', Qt::SkipEmptyParts)) {
+    line.replace("\\n", "\n").replace("\\r", "\r").replace("\\t", "\t");
+    const QString subject = line.section(": ", 0, 0);
+    for (const QString& row : line.mid(subject.size() + 2).split(" | ")) {
+      SCOPED_TRACE(row.toStdString());
+      test(subject, row.section(separator, 0, -2), row.section(separator, -1));
+    }
+  }
+}
 
 class MacroCompiler : public testing::Test {
  protected:
@@ -49,182 +65,63 @@ class MacroCompiler : public testing::Test {
   TMacroCompiler compiler;
 };
 
+/// Expressions and their values, by what they are about.
 TEST_F(MacroCompiler, HasTheValuesWorkedByHand) {
-  const struct {
-    const char* text;
-    double value;
-  } cases[] = {
-      // operators
-      {"1+2*3", 7},
-      {"(1+2)*3", 9},
-      {"7-2-3", 2},
-      {"8/4/2", 1},
-      {"2*3+4*5", 26},
-      {"2^3^2", 64},
-      {"2*3^2", 18},
-      {"1/0", kInf},
-      {"-1/0", -kInf},
-      {"2^0.5^2", 2},
-      // a sign before a sum, and before a factor
-      {"-2^2", -4},
-      {"-2*3+10", 4},
-      {"+3", 3},
-      {"+-3", -3},
-      {"--3", 3},
-      {"--3^2", -9},
-      {"2*-3", -6},
-      {"2*-3^2", 18},
-      {"2--3", 5},
-      {"2+-3", -1},
-      {"2^-1", 0.5},
-      {"(-2)^2", 4},
-      {"-(-(-1))", -1},
-      // brackets of any kind, and what closes them
-      {"(1+2}*{2)", 6},
-      {"((((5}}}}", 5},
-      {";1)", 1},
-      {"MAX((1;2)", 2},
-      // numbers
-      {"1.5e3", 1500},
-      {"1.5E-1", 0.15},
-      {"1e+2", 100},
-      {".5", 0.5},
-      {"5.", 5},
-      {"007", 7},
-      {"0x10", 16},
-      {"0X1.8P1", 3},
-      {"0x.8", 0.5},
-      {"1e999", kInf},
-      {"1e-999", 0},
-      // blanks are nowhere; a line feed is the end
-      {" 1 + 2 ", 3},
-      {"S I N ( 0 )", 0},
-      {"[ V a r 1 ]", -3},
-      {"1+2\nand % more", 3},
-      // variables
-      {"[a]", 2},
-      {"[Var1]*2", -6},
-      {"[a]^[a]-[Var1]", 7},
-      {"[]", 6},
-      {"[x[y]", 7},
-      // functions
-      {"PI", 3.141592653589793},
-      {"E", 2.718281828459045},
-      {"SIN(0)", 0},
-      {"SIN(PI/2)", 1},
-      {"COS(0)", 1},
-      {"COS(PI)", -1},
-      {"TAN(0)", 0},
-      {"ABS(-3)", 3},
-      {"ABS 3", 3},
-      {"ABS[Var1]", 3},
-      {"-ABS[Var1]^2", -9},
-      {"2*-ABS(4)", -8},
-      {"MAX(1;2)", 2},
-      {"MAX(2;1)", 2},
-      {"MIN(1;2)", 1},
-      {"MIN{2;1)", 1},
-      {"MAX 1;2)", 2},
-      {"MAX(MIN(5;4);3)", 4},
-      {"MAX(3;MIN(5;4))+1", 5},
-      {"MAX(1+1;2*3)^2", 36},
-      {"EQ(1;1)", 1},
-      {"EQ(1;2)", 0},
-      {"NEQ(1;1)", 0},
-      {"NEQ(1;2)", 1},
-      {"GT(2;1)", 1},
-      {"GT(1;1)", 0},
-      {"LT(1;2)", 1},
-      {"LT(1;1)", 0},
-      {"GOET(1;1)", 1},
-      {"GOET(1;2)", 0},
-      {"LOET(1;1)", 1},
-      {"LOET(2;1)", 0},
-      // not a number: no comparison holds but "differs", and the second argument is taken
-      {"EQ(0/0;0/0)", 0},
-      {"NEQ(0/0;0/0)", 1},
-      {"GOET(0/0;1)", 0},
-      {"MAX(0/0;1)", 1},
-      {"MIN(0/0;1)", 1},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_DOUBLE_EQ(Value(QLatin1String(c.text)), c.value);
-  }
+  ForEachRow(R"(
+operators: 1+2*3 = 7 | (1+2)*3 = 9 | 7-2-3 = 2 | 8/4/2 = 1 | 2*3+4*5 = 26 | 2^3^2 = 64
+operators: 2*3^2 = 18 | 1/0 = inf | -1/0 = -inf | 2^0.5^2 = 2
+a sign before a sum, and before a factor: -2^2 = -4 | -2*3+10 = 4 | +3 = 3 | +-3 = -3 | --3 = 3
+a sign: --3^2 = -9 | 2*-3 = -6 | 2*-3^2 = 18 | 2--3 = 5 | 2+-3 = -1 | 2^-1 = 0.5 | (-2)^2 = 4
+a sign: -(-(-1)) = -1
+brackets of any kind, and what closes them: (1+2}*{2) = 6 | ((((5}}}} = 5 | ;1) = 1 | MAX((1;2) = 2
+numbers: 1.5e3 = 1500 | 1.5E-1 = 0.15 | 1e+2 = 100 | .5 = 0.5 | 5. = 5 | 007 = 7 | 0x10 = 16
+numbers: 0X1.8P1 = 3 | 0x.8 = 0.5 | 1e999 = inf | 1e-999 = 0
+blanks are nowhere:  1 + 2  = 3 | S I N ( 0 ) = 0 | [ V a r 1 ] = -3
+a line feed is the end: 1+2\nand % more = 3
+variables: [a] = 2 | [Var1]*2 = -6 | [a]^[a]-[Var1] = 7 | [] = 6 | [x[y] = 7
+constants: PI = 3.141592653589793 | E = 2.718281828459045
+functions: SIN(0) = 0 | SIN(PI/2) = 1 | COS(0) = 1 | COS(PI) = -1 | TAN(0) = 0 | ABS(-3) = 3
+functions: ABS 3 = 3 | ABS[Var1] = 3 | -ABS[Var1]^2 = -9 | 2*-ABS(4) = -8 | MAX(1;2) = 2
+functions: MAX(2;1) = 2 | MIN(1;2) = 1 | MIN{2;1) = 1 | MAX 1;2) = 2 | MAX(MIN(5;4);3) = 4
+functions: MAX(3;MIN(5;4))+1 = 5 | MAX(1+1;2*3)^2 = 36
+comparisons: EQ(1;1) = 1 | EQ(1;2) = 0 | NEQ(1;1) = 0 | NEQ(1;2) = 1 | GT(2;1) = 1 | GT(1;1) = 0
+comparisons: LT(1;2) = 1 | LT(1;1) = 0 | GOET(1;1) = 1 | GOET(1;2) = 0 | LOET(1;1) = 1 | LOET(2;1) = 0
+not a number, no comparison holds but "differs": EQ(0/0;0/0) = 0 | NEQ(0/0;0/0) = 1 | GOET(0/0;1) = 0
+not a number, the second argument is taken: MAX(0/0;1) = 1 | MIN(0/0;1) = 1
+)",
+             " = ", [this](const QString&, const QString& text, const QString& value) {
+               EXPECT_DOUBLE_EQ(Value(text), value.toDouble());
+             });
   EXPECT_TRUE(std::isnan(Value(QStringLiteral("0/0"))));
   EXPECT_TRUE(std::isnan(Value(QStringLiteral("MAX(1;0/0)"))));
   EXPECT_TRUE(std::signbit(Value(QStringLiteral("-0"))));
 }
 
+/// Expressions and where they are wrong, by their fault.
 TEST_F(MacroCompiler, SaysWhatIsWrongAndWhere) {
-  const struct {
-    const char* text;
-    const char* message;
-    int code, position;
-  } cases[] = {
-      {"%", "Illegal character", 1, 1},
-      {"1_2", "Illegal character", 1, 2},
-      {"1,5", "Illegal character", 1, 2},
-      {"1+\t2", "Illegal character", 1, 3},
-      {"\r1", "Illegal character", 1, 1},
-      {"1+2\r\n", "Illegal character", 1, 4},
-      {"(1\r)", "Illegal character", 1, 3},
-      {"1*%2", "Illegal character", 1, 3},
-      {"MAX(1%;2)", "Illegal character", 1, 6},
-      {"SIN%", "Illegal character", 1, 4},
-      {"[o_d]", "Illegal character", 1, 6},
-      {"[none]%", "Illegal character", 1, 7},  // after code 7
-      {".", "Incorrect syntax", 2, 1},
-      {"1+..5", "Incorrect syntax", 2, 3},
-      {"2 3", "Incorrect syntax", 2, 3},
-      {"1.5.2", "Incorrect syntax", 2, 4},
-      {"1e", "Incorrect syntax", 2, 2},
-      {"1e+", "Incorrect syntax", 2, 2},
-      {"1 e5", "Incorrect syntax", 2, 3},
-      {"0x", "Incorrect syntax", 2, 2},
-      {"0x.p1", "Incorrect syntax", 2, 2},
-      {"2PI", "Incorrect syntax", 2, 2},
-      {"1)", "Incorrect syntax", 2, 2},
-      {"1]", "Incorrect syntax", 2, 2},
-      {"(1;2)", "Incorrect syntax", 2, 3},
-      {"MAX(1;2;3)", "Incorrect syntax", 2, 8},
-      {"(1", "Missing parenthesis", 3, 3},
-      {"(1+2]", "Missing parenthesis", 3, 5},
-      {"[a", "Missing parenthesis", 3, 3},
-      {"[a\n]", "Missing parenthesis", 3, 3},
-      {"[a%", "Missing parenthesis", 3, 4},  // after code 1
-      {"MAX(1 2)", "Missing parenthesis", 3, 7},
-      {"MAX 1;2", "Missing parenthesis", 3, 8},
-      {"max(1;2)", "Illegal function", 5, 0},
-      {"1+sin(2)", "Illegal function", 5, 2},
-      {"ABC(1)", "Illegal function", 5, 3},
-      {"ABC%", "Illegal function", 5, 3},  // after code 1
-      {"SINE", "Illegal function", 5, 4},
-      {"SIN PI", "Illegal function", 5, 6},  // a blank parts nothing
-      {"ABS ABS 3", "Illegal function", 5, 8},
-      {"SIN", "Illegal function", 5, 3},
-      {"ABS-3", "Illegal function", 5, 3},
-      {"1+", "Illegal function", 5, 2},
-      {"-+3", "Illegal function", 5, 1},
-      {"---3", "Illegal function", 5, 2},
-      {"2---3", "Illegal function", 5, 3},
-      {"()", "Illegal function", 5, 1},
-      {"  ", "Illegal function", 5, 2},
-      {"\n1", "Illegal function", 5, 0},
-      {"MAX(1)(2)", "Missing argument separator", 6, 7},
-      {"EQ[a]1", "Missing argument separator", 6, 6},
-      {"[var1]", "Incorrect variable name", 7, 7},
-      {"[b]+%", "Incorrect variable name", 7, 4},
-      {"[n_o]", "Incorrect variable name", 7, 6},  // after code 1
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(compiler.Compile(QLatin1String(c.text)), nullptr);
-    EXPECT_EQ(compiler.ErrorMessage(), QLatin1String(c.message));
-    EXPECT_EQ(compiler.ErrorCode(), c.code);
-    EXPECT_EQ(compiler.Position(), c.position);
-    EXPECT_FALSE(compiler.Ok());
-  }
+  ForEachRow(R"(
+1 Illegal character: % @1 | 1_2 @2 | 1,5 @2 | 1+\t2 @3 | \r1 @1 | 1+2\r\n @4 | (1\r) @3 | 1*%2 @3
+1 Illegal character: MAX(1%;2) @6 | SIN% @4 | [o_d] @6
+1 Illegal character, though it would be 7: [none]% @7
+2 Incorrect syntax: . @1 | 1+..5 @3 | 2 3 @3 | 1.5.2 @4 | 1e @2 | 1e+ @2 | 1 e5 @3 | 0x @2
+2 Incorrect syntax: 0x.p1 @2 | 2PI @2 | 1) @2 | 1] @2 | (1;2) @3 | MAX(1;2;3) @8
+3 Missing parenthesis: (1 @3 | (1+2] @5 | [a @3 | [a\n] @3 | MAX(1 2) @7 | MAX 1;2 @8
+3 Missing parenthesis, though it would be 1: [a% @4
+5 Illegal function: max(1;2) @0 | 1+sin(2) @2 | ABC(1) @3 | SINE @4 | ABS ABS 3 @8 | SIN @3
+5 Illegal function: ABS-3 @3 | 1+ @2 | -+3 @1 | ---3 @2 | 2---3 @3 | () @1 |    @2 | \n1 @0
+5 Illegal function, as a blank parts nothing: SIN PI @6
+5 Illegal function, though it would be 1: ABC% @3
+6 Missing argument separator: MAX(1)(2) @7 | EQ[a]1 @6
+7 Incorrect variable name: [var1] @7 | [b]+% @4
+7 Incorrect variable name, though it would be 1: [n_o] @6
+)",
+             " @", [this](const QString& fault, const QString& text, const QString& position) {
+               EXPECT_EQ(compiler.Compile(text), nullptr);
+               EXPECT_EQ(compiler.ErrorMessage(), fault.section(',', 0, 0).section(' ', 1));
+               EXPECT_EQ(compiler.ErrorCode(), fault.section(' ', 0, 0).toInt());
+               EXPECT_EQ(compiler.Position(), position.toInt());
+               EXPECT_FALSE(compiler.Ok());
+             });
 }
 
 TEST_F(MacroCompiler, KnowsNoCharactersBeyondItsOwn) {
@@ -337,18 +234,11 @@ class TExpressions {
     }
     const auto [a, x] = Make(depth - 1);
     const auto [b, y] = Make(depth - 1);
-    switch (kind) {
-      case 1:
-        return {'(' + a + '+' + b + ')', x + y};
-      case 2:
-        return {'{' + a + '-' + b + '}', x - y};
-      case 3:
-        return {'(' + a + '*' + b + '}', x * y};
-      case 4:
-        return {"MAX(" + a + ';' + b + ')', x > y ? x : y};
-      default:
-        return {"(-" + a + ')', -x};
-    }
+    if (kind == 1) return {'(' + a + '+' + b + ')', x + y};
+    if (kind == 2) return {'{' + a + '-' + b + '}', x - y};
+    if (kind == 3) return {'(' + a + '*' + b + '}', x * y};
+    if (kind == 4) return {"MAX(" + a + ';' + b + ')', x > y ? x : y};
+    return {"(-" + a + ')', -x};
   }
 
  private:
@@ -388,8 +278,7 @@ TEST_F(MacroCompiler, DrawsUniformAndNormalNumbers) {
   const auto moments = [&](const char* text, auto check) {
     const std::unique_ptr<TMacroItem> tree = compiler.Compile(QLatin1String(text));
     TMacroProgram program(*tree);
-    double sum = 0.0;
-    double squares = 0.0;
+    double sum = 0.0, squares = 0.0;
     for (int i = 0; i < kCount; ++i) {
       const double value = i % 2 ? program.Run() : tree->Evaluate();
       check(value);
