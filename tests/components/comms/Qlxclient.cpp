@@ -1,6 +1,5 @@
 #include "components/comms/Qlxclient.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QMetaProperty>
@@ -11,27 +10,6 @@
 #include "components/graphing/Publishedrecord.h"
 
 namespace {
-
-using testing::ElementsAre;
-
-/// Names of the published properties that a class adds to another's.
-std::vector<std::string> Published(const QMetaObject& meta) {
-  std::vector<std::string> names;
-  for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-    names.emplace_back(meta.property(i).name());
-  }
-  return names;
-}
-
-TEST(TQLXClient, PublishesInOrder) {
-  EXPECT_THAT(Published(TQLXClient::staticMetaObject),
-              ElementsAre("AutoConnect", "Active", "ChannelSource", "LogFile", "Logging"));
-  EXPECT_THAT(Published(TQLXXMLClient::staticMetaObject), ElementsAre("Socket", "ServerCom"));
-  EXPECT_THAT(Published(TQLXMasterClient::staticMetaObject),
-              ElementsAre("MiniCom", "Port", "ChSet"));
-  EXPECT_THAT(Published(TXMLFileClient::staticMetaObject),
-              ElementsAre("FileName", "BlockSize", "ReadInterval", "UseLocalTime"));
-}
 
 /// A form that is saved before it is complete is the form that was read.
 TEST(TQLXClient, ReadsBackWhatItsFormSets) {

@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "components/comms/Qlxxml.h"
-#include "model/Datetime.h"
+#include "tests/components/comms/Memorydriver.h"
 #include "tests/components/comms/Rowrecorder.h"
+#include "tests/support/Files.h"
 #include "tests/support/Testsupport.h"
+#include "tests/support/Ticks.h"
 
 namespace {
 
@@ -18,38 +18,26 @@ using testing::ElementsAre;
 struct TDevice {
   double wall = 45413.5;  ///< the clock on the wall, in days
   bool present = true;
-  std::string waiting;   ///< for the driver to read
+  QByteArray waiting;    ///< for the driver to read
   std::string received;  ///< from the driver
 
   /// 0 and 1 at an offset of 8,388,600.
-  void SendPacket() { waiting += std::string("\x06\x7F\xFF\xF8\x7F\xFF\xF9", 7); }
+  void SendPacket(int count = 1) {
+    waiting += QByteArray("\x06\x7F\xFF\xF8\x7F\xFF\xF9", 7).repeated(count);
+  }
 };
 
-class TDeviceDriver : public TSerialDriver {
+class TDeviceDriver : public TMemoryDriver {
  public:
-  explicit TDeviceDriver(TDevice& device) : device_(device) {}
+  explicit TDeviceDriver(TDevice& device) : TMemoryDriver(device.waiting), device_(device) {}
   bool Open(const QString&) override { return device_.present; }
-  bool SetLine(const TLineSettings&) override { return true; }
-  void SetQueueSizes(int, int) override {}
-  int Read(std::span<char> buffer) override {
-    const std::size_t count = std::min(buffer.size(), device_.waiting.size());
-    std::memcpy(buffer.data(), device_.waiting.data(), count);
-    device_.waiting.erase(0, count);
-    return static_cast<int>(count);
-  }
   int Write(std::span<const char> bytes) override {
     const std::string text(bytes.data(), bytes.size());
     device_.received += text;
     if (text == "mr\r") device_.SendPacket();
-    return static_cast<int>(bytes.size());
+    return TMemoryDriver::Write(bytes);
   }
-  void Purge(bool input, bool) override {
-    if (input) device_.waiting.clear();
-  }
-  int InputCount() override { return static_cast<int>(device_.waiting.size()); }
-  int OutputCount() override { return 0; }
   bool IsLost() const override { return !device_.present; }
-  void Wait(int) override {}
   QString ErrorText() const override { return QStringLiteral("no such device"); }
 
  private:
@@ -67,15 +55,18 @@ class TQLXMasterClientTest : public testing::Test {
                      [this] { active.push_back(client.GetActive()); });
   }
 
+  void LogRows() {
+    client.SetLogFile(TestFolder() + "/rows");
+    client.SetLogging(true);
+  }
+
   TRowRecorder recorder;
   TDevice device;
   QStringList statuses;
   std::vector<bool> active;
-  void Tick(int times = 1) {
-    for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
-  }
+  TDriverFactory makeDriver = [this] { return std::make_unique<TDeviceDriver>(device); };
   TQLXMasterClient client{
-      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); },
+      nullptr, makeDriver,
       TTimeSource{[this] { return TDateTime(device.wall); }, [] { return std::int64_t{0}; }}};
 };
 
@@ -88,9 +79,9 @@ TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
   device.SendPacket();
   Tick();
   EXPECT_TRUE(recorder.Rows(0).empty());
-  ASSERT_EQ(recorder.Rows(1).size(), 2u);  // one was asked for
-  EXPECT_EQ(recorder.Rows(1)[1][1], 0.0);
-  EXPECT_EQ(recorder.Rows(1)[1][2], 1.0);
+  // One was asked for.
+  EXPECT_THAT(recorder.Rows(1), testing::SizeIs(2));
+  EXPECT_THAT(recorder.Rows(1).back(), ElementsAre(testing::_, 0, 1));
 
   client.SetActive(false);
   EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
@@ -106,8 +97,7 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
   for (const int set : {0, 1}) {
     recorder.Clear();
     client.GetChSet()->SetIndex(set);
-    client.SetLogFile(TestFolder() + "/rows");
-    client.SetLogging(true);
+    LogRows();
     client.SetActive(true);
     device.SendPacket();
     Tick();
@@ -124,9 +114,9 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
     const auto& again = recorder.Rows(static_cast<std::size_t>(set));
     ASSERT_EQ(again.size(), 2u);
     for (std::size_t i = 0; i < 2; ++i) {
-      EXPECT_NEAR(again[i][0], rows[i][0], 0.6e-3 / kSecondsPerDay);  // stamps have milliseconds
-      EXPECT_EQ(again[i][1], rows[i][1]);
-      EXPECT_EQ(again[i][2], rows[i][2]);
+      // Stamps have milliseconds.
+      EXPECT_THAT(again[i], ElementsAre(testing::DoubleNear(rows[i][0], 0.6e-3 / 86400.0),
+                                        rows[i][1], rows[i][2]));
     }
   }
 }
@@ -141,7 +131,7 @@ TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
   client.SetActive(true);
   EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
   const auto told = statuses.size();
-  for (int i = 0; i < 5; ++i) device.SendPacket();
+  device.SendPacket(5);
   Tick();
   EXPECT_EQ(statuses.size(), told) << "told once, not per packet";
   client.SetChannelSource(recorder.Source());
@@ -179,24 +169,24 @@ TEST_F(TQLXMasterClientTest, SaysWhichPortIsClosedWhenItsNumberChanges) {
 TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
   client.SetChannelSource(recorder.Source());
   client.SetActive(true);
-  const auto pass = [this](const std::string& bytes, int packets) {
-    statuses.clear();
-    device.waiting += bytes;
-    for (int i = 0; i < packets; ++i) device.SendPacket();
-    Tick(100);
+  const struct {
+    int noise, packets;
+    QStringList statuses;
+  } cases[] = {
+      {0, 100, {}},
+      {3, 100, {"Connected to COM1, 1 gap, 3 bytes skipped"}},
+      {0, 100, {}},
+      {211'997, 1, {"Connected to COM1, but only noise comes: 2 gaps, 212 kB skipped"}},
+      {0, 4000, {"Connected to COM1, 2 gaps, 212 kB skipped"}},
   };
-  pass({}, 100);
-  EXPECT_TRUE(statuses.isEmpty());
-  pass(std::string(3, '\0'), 100);
-  EXPECT_EQ(statuses, QStringList("Connected to COM1, 1 gap, 3 bytes skipped"));
-  pass({}, 100);
-  EXPECT_TRUE(statuses.isEmpty());
-  pass(std::string(211'997, '\0'), 1);
-  EXPECT_TRUE(client.IsNoisy());
-  EXPECT_EQ(statuses,
-            QStringList("Connected to COM1, but only noise comes: 2 gaps, 212 kB skipped"));
-  pass({}, 4000);
-  EXPECT_EQ(statuses, QStringList("Connected to COM1, 2 gaps, 212 kB skipped"));
+  for (const auto& c : cases) {
+    statuses.clear();
+    device.waiting += QByteArray(c.noise, '\0');
+    device.SendPacket(c.packets);
+    Tick(100);
+    EXPECT_EQ(statuses, c.statuses);
+    EXPECT_EQ(client.IsNoisy(), c.noise > 1000);
+  }
   client.SetActive(false);
   EXPECT_EQ(client.GetSkippedText(), "");
 }
@@ -204,37 +194,32 @@ TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
 TEST_F(TQLXMasterClientTest, TellsOfAClockThatJumpsAndLogsALine) {
   client.SetChannelSource(recorder.Source());
   client.GetChSet()->SetIndex(0);
-  client.SetLogFile(TestFolder() + "/rows");
-  client.SetLogging(true);
+  LogRows();
   client.SetActive(true);
   statuses.clear();
   device.wall -= 1.0 / 24.0;
   Tick(3);
   EXPECT_EQ(statuses, QStringList({"The clock was set back by 3600.0 s", "Connected to COM1"}));
   client.SetLogging(false);
-  QFile log(client.GetLogFile());
-  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-  const QByteArray text = log.readAll();
+  const QByteArray text = Contents(client.GetLogFile());
   EXPECT_EQ(text.count("The clock was set back by 3600.0 s\r\n"), 1);
   EXPECT_LT(text.indexOf("The clock"), text.indexOf('<'));
 }
 
 TEST_F(TQLXMasterClientTest, MayBeDestroyedByWhomItTells) {
-  auto other = std::make_unique<TQLXMasterClient>(
-      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+  auto other = std::make_unique<TQLXMasterClient>(nullptr, makeDriver);
   other->SetChannelSource(recorder.Source());
   other->GetChSet()->SetIndex(0);
   recorder.OnRow = [&] { other.reset(); };
   other->SetActive(true);
-  for (int i = 0; i < 3; ++i) device.SendPacket();
+  device.SendPacket(3);
   Tick();
   EXPECT_FALSE(other);
   EXPECT_EQ(recorder.Rows(0).size(), 1u);
   recorder.OnRow = nullptr;
 
   for (const auto signal : {&TQLXClient::OnStatusChanged, &TQLXClient::OnActiveChanged}) {
-    other = std::make_unique<TQLXMasterClient>(
-        nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+    other = std::make_unique<TQLXMasterClient>(nullptr, makeDriver);
     QObject::connect(other.get(), signal, [&] { other.reset(); });
     other->SetActive(true);
     EXPECT_FALSE(other);

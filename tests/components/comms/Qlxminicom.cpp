@@ -9,6 +9,8 @@
 #include <QTest>
 
 #include "components/comms/Qlxport.h"
+#include "tests/components/comms/Memorydriver.h"
+#include "tests/support/Ticks.h"
 
 namespace {
 
@@ -42,29 +44,14 @@ TEST(TTrafficText, ShowsTextAndBytesInLines) {
   }
 }
 
-/// A line that echoes and can be flooded.
-class TEchoDriver : public TSerialDriver {
+/// A line that echoes.
+class TEchoDriver : public TMemoryDriver {
  public:
-  explicit TEchoDriver(QByteArray& queue) : queue_(queue) {}
-  bool Open(const QString&) override { return true; }
-  bool SetLine(const TLineSettings&) override { return true; }
-  void SetQueueSizes(int, int) override {}
-  int Read(std::span<char> buffer) override {
-    const QByteArray bytes = queue_.left(static_cast<qsizetype>(buffer.size()));
-    std::copy(bytes.begin(), bytes.end(), buffer.begin());
-    queue_.remove(0, bytes.size());
-    return static_cast<int>(bytes.size());
-  }
+  explicit TEchoDriver(QByteArray& queue) : TMemoryDriver(queue), queue_(queue) {}
   int Write(std::span<const char> bytes) override {
     queue_.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
-    return static_cast<int>(bytes.size());
+    return TMemoryDriver::Write(bytes);
   }
-  void Purge(bool, bool) override {}
-  int InputCount() override { return 0; }
-  int OutputCount() override { return 0; }
-  bool IsLost() const override { return false; }
-  void Wait(int) override {}
-  QString ErrorText() const override { return {}; }
 
  private:
   QByteArray& queue_;
@@ -72,9 +59,6 @@ class TEchoDriver : public TSerialDriver {
 
 class TQLXMiniComTest : public testing::Test {
  protected:
-  void Tick(int times) {
-    for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
-  }
   template <class T>
   T& Find(const char* name) {
     return *console.findChild<T*>(QLatin1String(name));
@@ -102,7 +86,7 @@ TEST_F(TQLXMiniComTest, SendsWhatIsTypedAndShowsWhatComes) {
 TEST_F(TQLXMiniComTest, AFloodIsCutAndCounted) {
   port->Open();
   queue = QByteArray(1'000'000, 'x');
-  for (int i = 0; i < 100; ++i) Tick(20);
+  Tick(2000);
   EXPECT_TRUE(queue.isEmpty());
   EXPECT_LE(Find<QPlainTextEdit>("Traffic").blockCount(), 5000);
   EXPECT_TRUE(Text().contains(" more bytes)"));

@@ -28,6 +28,13 @@ class TQLXPackageTest : public testing::Test {
     recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
     recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 2);
   }
+  /// Forgets what has come, and takes the next package.
+  void ExpectReady() {
+    recorder.Clear();
+    package.Parse("<w id=\"a\">1 2 3</w>");
+    EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
+    recorder.Clear();
+  }
   TRowRecorder recorder;
   TQLXPackage package{recorder.Sets()};
 };
@@ -65,15 +72,15 @@ TEST_F(TQLXPackageTest, TakesTheLinesOfABodyAsRows) {
 }
 
 TEST_F(TQLXPackageTest, StampsTheRowsOfDataPackagesLineByLine) {
-  package.Parse(
-      "<data id=\"a\" time=\"19990101 000000000\">\r\n"
-      "20240501 120000000 1 2\r\n"
-      "20240501T180000000;3 4\r\n"
-      "2024050x 120000000 5 6\r\n"  // no time
-      "20240501 1200\r\n"           // too short to have values
-      "20240502 000000000\r\n"
-      "20240502 060000000 -7 -8\r\n"
-      "</data>");
+  // The third has no time, the fourth is too short to have values.
+  package.Parse(R"(<data id="a" time="19990101 000000000">
+20240501 120000000 1 2
+20240501T180000000;3 4
+2024050x 120000000 5 6
+20240501 1200
+20240502 000000000
+20240502 060000000 -7 -8
+</data>)");
   EXPECT_THAT(recorder.Rows(1),
               ElementsAre(ElementsAre(kDay + 0.5, 1, 2), ElementsAre(kDay + 0.75, 3, 4),
                           ElementsAre(0, 5, 6), ElementsAre(kDay + 1.25, -7, -8)));
@@ -108,14 +115,12 @@ TEST_F(TQLXPackageTest, ChoosesTheSetByClosingNameAndId) {
       EXPECT_EQ(recorder.Rows(static_cast<std::size_t>(i)).size(), i == c.set ? 1u : 0u) << i;
     }
     package.Reset();
-    package.Parse("<w id=\"a\">1</w>");
-    EXPECT_EQ(recorder.Rows(0).size(), c.set == 0 ? 2u : 1u) << "not ready for the next package";
+    ExpectReady();
     package.Reset();
   }
 }
 
 TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
-  const std::string good = "<w id=\"a\">1 2 3</w>";
   const std::string name63(63, 'n');
   const std::string row = "1 2 3\r\n";
   std::string endless = "<w id=\"a\">";
@@ -143,9 +148,7 @@ TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
     EXPECT_EQ(recorder.Rows(0).size(), c.rows);
     EXPECT_EQ(recorder.Rows(2).size(), c.named);
     EXPECT_EQ(package.Counts().Abandoned - before, c.abandoned);
-    recorder.Clear();
-    package.Parse(good);
-    EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
+    ExpectReady();
   }
 }
 
@@ -158,18 +161,12 @@ double ResidentBytes() {
 }
 
 TEST_F(TQLXPackageTest, KeepsItsMemoryWhateverNeverEnds) {
+  const std::string tag = "<w id=\"a\">";
   const struct {
-    const char* start;
-    std::string more;
-  } cases[] = {
-      {"", "rubbish "},
-      {"<", "t"},
-      {"<w id=\"a\">", "1 2 3\r\n"},
-      {"<w id=\"a\">", "1 2 3 "},
-      {"<w id=\"a\">", "<<"},
-      {"<w id=\"a\">", "<w id=\"a\">1\n2\n"},
-      {"<w id=\"a\">1</", "n"},
-  };
+    std::string start, more;
+  } cases[] = {{"", "rubbish "},  {"<", "t"},  {tag, "1 2 3\r\n"},
+               {tag, "1 2 3 "},   {tag, "<<"}, {tag, tag + "1\n2\n"},
+               {tag + "1</", "n"}};
   constexpr double kMega = 1e6, kSent = 128 * kMega;
   for (const auto& c : cases) {
     SCOPED_TRACE(c.start + c.more);
@@ -180,9 +177,7 @@ TEST_F(TQLXPackageTest, KeepsItsMemoryWhateverNeverEnds) {
     for (double sent = 0; sent < kSent; sent += kMega) package.Parse(piece);
     EXPECT_LT(ResidentBytes() - before, kSent / 2);
     package.Reset();
-    recorder.Clear();
-    package.Parse("<w id=\"a\">1 2 3</w>");
-    EXPECT_EQ(recorder.Rows(0).size(), 1u) << "not ready for the next package";
+    ExpectReady();
   }
 }
 
@@ -204,28 +199,18 @@ TEST(TQLXPackage, ReadsTimeStamps) {
     const char* text;
     double days;
   } cases[] = {
-      {"20240501 000000000", 45413.0},
-      {"20240501_120000000", 45413.5},
-      {"19000101 060000000", 2.25},
-      {"18991229 000000000", -1.0},
-      {"20240229 235959999", 45351.0 + 86399.999 / kSecondsPerDay},
+      {"20240501 000000000", 45413.0}, {"20240501_120000000", 45413.5},
+      {"19000101 060000000", 2.25},    {"18991229 000000000", -1.0},
       {"20240501 235960000", 45414.0},  // a leap second
-      {"20240501T180000", 45413.75},
-      {"20240501 1800", 0.0},
-      {"20240501", 0.0},
-      {"", 0.0},
-      {"2024050", 0.0},
-      {"20230229 000000000", 0.0},
-      {"20241301 000000000", 0.0},
-      {"20240501 240000000", 0.0},
-      {"20240501 006000000", 0.0},
-      {"00000101 000000000", 0.0},
-      {"yesterday", 0.0},
-      {"-0240501 000000000", 0.0},
+      {"20240501T180000", 45413.75},   {"20240229 235959999", 45351.0 + 86399.999 / 86400.0},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_DOUBLE_EQ(TQLXPackage::ExtractTime(c.text).Days(), c.days);
+    EXPECT_DOUBLE_EQ(TQLXPackage::ExtractTime(c.text).Days(), c.days) << c.text;
+  }
+  for (const char* none : {"20240501 1800", "20240501", "", "2024050", "20230229 000000000",
+                           "20241301 000000000", "20240501 240000000", "20240501 006000000",
+                           "00000101 000000000", "yesterday", "-0240501 000000000"}) {
+    EXPECT_EQ(TQLXPackage::ExtractTime(none).Days(), 0.0) << none;
   }
 }
 
@@ -399,40 +384,20 @@ class TReference {
 
 /// Text that is a package here and nearly one there.
 std::string Rubbish(std::mt19937& random, int pieces) {
-  static const std::string kPieces[] = {"<data id=\"a\">",
-                                        "<w id=\"a\" time=\"20240501 010203004\">",
-                                        "</data>",
-                                        "</w>",
-                                        "<",
-                                        ">",
-                                        "/",
-                                        "\r\n",
-                                        "\n",
-                                        "\r",
-                                        "\n\n",
-                                        " ",
-                                        "\t",
-                                        "20240501 101112131 ",
-                                        "1",
-                                        "-2.5",
-                                        "3.25 4",
-                                        "17.125 ",
-                                        "x",
-                                        "\"",
-                                        " id=\"",
-                                        "a",
-                                        "<b",
-                                        "</",
-                                        "0.001 -4 5.5 6\r\n",
-                                        "data",
-                                        std::string(1, '\0'),
-                                        std::string(70, 'n'),
-                                        std::string(300, 't'),
-                                        "1 2 3\r\n",
-                                        "\xff"};
-  std::uniform_int_distribution<std::size_t> pick(0, std::size(kPieces) - 1);
+  static const std::vector<QByteArray> kPieces = [] {
+    const QList<QByteArray> texts =
+        QByteArray(
+            "<data id=\"a\">|<w id=\"a\" time=\"20240501 010203004\">|</data>|</w>|<|>|/|\r\n|"
+            "\n|\r|\n\n| |\t|20240501 101112131 |1|-2.5|3.25 4|17.125 |x|\"| id=\"|a|<b|</|"
+            "0.001 -4 5.5 6\r\n|data|1 2 3\r\n|\xff")
+            .split('|');
+    std::vector<QByteArray> pieces(texts.begin(), texts.end());
+    pieces.insert(pieces.end(), {QByteArray(1, '\0'), QByteArray(70, 'n'), QByteArray(300, 't')});
+    return pieces;
+  }();
+  std::uniform_int_distribution<std::size_t> pick(0, kPieces.size() - 1);
   std::string text;
-  for (int i = 0; i < pieces; ++i) text += kPieces[pick(random)];
+  for (int i = 0; i < pieces; ++i) text += kPieces[pick(random)].toStdString();
   return text;
 }
 

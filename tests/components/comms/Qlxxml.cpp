@@ -18,16 +18,14 @@
 #include "examples/package-server/Packageserver.h"
 #include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
+#include "tests/support/Files.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testsupport.h"
+#include "tests/support/Ticks.h"
 
 namespace {
 
 using testing::ElementsAre;
-
-void Tick(int count) {
-  for (int i = 0; i < count; ++i) TTimerServer::Instance()->Timer();
-}
 
 /// Lets events happen until the condition holds, or never does.
 bool WaitFor(const std::function<bool()>& condition) {
@@ -39,12 +37,30 @@ bool WaitFor(const std::function<bool()>& condition) {
   return condition();
 }
 
-/// A client of a server on this machine that sends only what a test lets it send.
-class TQLXXMLClientTest : public testing::Test {
+/// The sets of a mast and of a tower's wind, and what a client says.
+class TClientTest : public testing::Test {
  protected:
-  TQLXXMLClientTest() {
+  TClientTest() {
     recorder.Add(QStringLiteral("data"), QStringLiteral("mast"), 4);
     recorder.Add(QStringLiteral("wind"), QStringLiteral("tower"), 3);
+  }
+  void Listen(TQLXClient& client) {
+    client.SetChannelSource(recorder.Source());
+    QObject::connect(&client, &TQLXClient::OnStatusChanged,
+                     [this, &client] { statuses << client.GetStatus(); });
+    QObject::connect(&client, &TQLXClient::OnActiveChanged,
+                     [this, &client] { active.push_back(client.GetActive()); });
+  }
+
+  TRowRecorder recorder;
+  QStringList statuses;
+  std::vector<bool> active;
+};
+
+/// A client of a server on this machine that sends only what a test lets it send.
+class TQLXXMLClientTest : public TClientTest {
+ protected:
+  TQLXXMLClientTest() {
     server.SetRateFactor(0.0);
     EXPECT_TRUE(server.Listen(QHostAddress::LocalHost, 0));
     port = server.Port();
@@ -53,13 +69,9 @@ class TQLXXMLClientTest : public testing::Test {
 
   void MakeClient() {
     client = std::make_unique<TQLXXMLClient>();
-    client->SetChannelSource(recorder.Source());
+    Listen(*client);
     client->GetSocket()->SetAddress(QStringLiteral("127.0.0.1"));
     client->GetSocket()->SetPort(port);
-    QObject::connect(client.get(), &TQLXClient::OnStatusChanged,
-                     [this] { statuses << client->GetStatus(); });
-    QObject::connect(client.get(), &TQLXClient::OnActiveChanged,
-                     [this] { active.push_back(client->GetActive()); });
   }
 
   void Connect() {
@@ -70,37 +82,41 @@ class TQLXXMLClientTest : public testing::Test {
   /// "127.0.0.1 port : " and the port.
   QString Address() const { return QStringLiteral("127.0.0.1 port : %1").arg(port); }
 
-  TRowRecorder recorder;
+  /// Whether so many rows have come to the set of the wind.
+  bool WaitForWind(std::size_t rows) {
+    return WaitFor([this, rows] { return recorder.Rows(1).size() >= rows; });
+  }
+
   TPackageServer server;
   int port = 0;
-  QStringList statuses;
-  std::vector<bool> active;
   std::unique_ptr<TQLXXMLClient> client;
 };
 
 TEST_F(TQLXXMLClientTest, GreetsTakesRowsAndTakesLeave) {
-  Connect();
-  EXPECT_THAT(server.Commands(), ElementsAre("open"));
-  server.Send(MastAndWeather()[0].Package(TDateTime(45413.0), 0));
-  server.Send(MastAndWeather()[1].Package(TDateTime(45413.0), 7));
-  ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
-  EXPECT_EQ(recorder.Rows(0).size(), 10u);
-  EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / kSecondsPerDay, 1e-9);
-
-  client->SetActive(false);
-  EXPECT_FALSE(client->GetActive());
-  ASSERT_TRUE(WaitFor([this] { return server.ClientCount() == 0; }));
-  EXPECT_THAT(server.Commands(), ElementsAre("open", "quit"));
-  EXPECT_EQ(statuses, QStringList({"Connecting to " + Address(), "Connected to " + Address(),
-                                   "Disconnected from " + Address()}));
-  EXPECT_THAT(active, ElementsAre(true, false));
-}
-
-TEST_F(TQLXXMLClientTest, TakesLeaveWhenItIsDestroyed) {
-  Connect();
-  client.reset();
-  ASSERT_TRUE(WaitFor([this] { return server.ClientCount() == 0; }));
-  EXPECT_THAT(server.Commands(), ElementsAre("open", "quit"));
+  for (const bool destroyed : {false, true}) {
+    statuses.clear();
+    active.clear();
+    recorder.Clear();
+    Connect();
+    EXPECT_EQ(server.Commands().back(), "open");
+    server.Send(MastAndWeather()[0].Package(TDateTime(45413.0), 0));
+    server.Send(MastAndWeather()[1].Package(TDateTime(45413.0), 7));
+    ASSERT_TRUE(WaitForWind(1));
+    EXPECT_EQ(recorder.Rows(0).size(), 10u);
+    EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / 86400.0, 1e-9);
+    if (destroyed) {
+      client.reset();
+    } else {
+      client->SetActive(false);
+      EXPECT_FALSE(client->GetActive());
+      EXPECT_EQ(statuses, QStringList({"Connecting to " + Address(), "Connected to " + Address(),
+                                       "Disconnected from " + Address()}));
+      EXPECT_THAT(active, ElementsAre(true, false));
+    }
+    ASSERT_TRUE(WaitFor([this] { return server.ClientCount() == 0; }));
+    EXPECT_EQ(server.Commands().back(), "quit");
+  }
+  EXPECT_EQ(server.Commands().size(), 4u);
 }
 
 /// The greeting as it is on the wire.
@@ -148,7 +164,7 @@ TEST_F(TQLXXMLClientTest, FindsAServerThatComesBack) {
     ASSERT_TRUE(WaitFor([this] { return server.OpenCount() == 1; }));
     recorder.Clear();
     server.Send("<wind id=\"tower\">4 5 6</wind>");
-    ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+    ASSERT_TRUE(WaitForWind(1));
     EXPECT_THAT(recorder.Rows(1), ElementsAre(ElementsAre(0, 4, 5, 6)));
   }
 }
@@ -167,7 +183,7 @@ TEST_F(TQLXXMLClientTest, FindsAServerThatWasKilled) {
     client->GetSocket()->SetPort(number.toInt());
     Tick(20);
     recorder.Clear();
-    ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+    ASSERT_TRUE(WaitForWind(1));
     other.kill();
     ASSERT_TRUE(other.waitForFinished());
     ASSERT_TRUE(WaitFor([this] { return !client->GetActive(); }));
@@ -185,7 +201,7 @@ TEST_F(TQLXXMLClientTest, TriesAfter200MillisecondsAndNotWhileItsFormIsRead) {
   client->Loaded();
   Tick(19);
   EXPECT_THAT(statuses, testing::IsEmpty());
-  Tick(1);
+  Tick();
   ASSERT_TRUE(WaitFor([this] { return client->GetActive(); }));
   Tick(100);
   EXPECT_EQ(statuses.size(), 2);
@@ -266,10 +282,9 @@ TEST_F(TQLXXMLClientTest, LogsEveryByteUnchanged) {
       "<wind id=\"tower\">4 5 6</wind>\r\n\0\xff rubbish \r\r\n"
       "<wind id=\"tower\">4 5 6</wind>");
   server.Send(text);
-  ASSERT_TRUE(WaitFor([this] { return recorder.Rows(1).size() == 2; }));
-  QFile log(name);
-  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-  EXPECT_EQ(log.readAll(), text);
+  ASSERT_TRUE(WaitForWind(2));
+  EXPECT_EQ(Contents(name), text);
+
   client->SetLogging(true);
   EXPECT_EQ(QFileInfo(name).size(), 0);
 }
@@ -294,7 +309,7 @@ TEST_F(TQLXXMLClientTest, SaysThatALogCannotBeWritten) {
   Connect();
   const TFullDisk disk(8);
   server.Send("<wind id=\"tower\">4 5 6</wind>");
-  ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+  ASSERT_TRUE(WaitForWind(1));
   EXPECT_FALSE(client->GetLogging());
   EXPECT_THAT(client->GetStatus().toStdString(),
               testing::StartsWith("Cannot write " + log.toStdString() + ": "));
@@ -358,7 +373,7 @@ TEST_F(TQLXXMLClientTest, ShowsWhatComesInItsConsole) {
   EXPECT_EQ(server.Commands()[1], "rate 0");
 
   server.Send("<wind id=\"tower\">\r\n4 5 6\r\n</wind>\a");
-  ASSERT_TRUE(WaitFor([this] { return !recorder.Rows(1).empty(); }));
+  ASSERT_TRUE(WaitForWind(1));
   Tick(10);
   EXPECT_EQ(text->toPlainText(), QStringLiteral("<wind id=\"tower\">\n4 5 6\n</wind>\ufffd"));
 
@@ -379,40 +394,37 @@ TEST_F(TQLXXMLClientTest, ShowsWhatComesInItsConsole) {
 }
 
 /// A client of a file, ticked by hand: a tick of 10 ms reads one block.
-class TXMLFileClientTest : public testing::Test {
+class TXMLFileClientTest : public TClientTest {
  protected:
   TXMLFileClientTest() {
-    recorder.Add(QStringLiteral("data"), QStringLiteral("mast"), 4);
-    recorder.Add(QStringLiteral("wind"), QStringLiteral("tower"), 3);
-    client.SetChannelSource(recorder.Source());
+    Listen(client);
     client.SetReadInterval(10);
-    QObject::connect(&client, &TQLXClient::OnStatusChanged,
-                     [this] { statuses << client.GetStatus(); });
   }
   void ReadAll() {
     client.SetActive(true);
-    for (int i = 0; client.GetActive() && i < 1'000'000; ++i) Tick(1);
+    for (int i = 0; client.GetActive() && i < 1'000'000; ++i) Tick();
   }
 
-  TRowRecorder recorder;
   TXMLFileClient client;
-  QStringList statuses;
 };
 
 const QString kRecord = SourceFile("examples/mast.packages");
 
 TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
   client.SetFileName(kRecord);
+  client.SetAutoConnect(true);
+  Tick(100);
+  EXPECT_FALSE(client.GetActive()) << "a file is not opened by itself";
   const qint64 size = QFileInfo(client.GetFileName()).size();
   TRowRecorder::TRows mast;
   for (const int block : {16384, 7001, 997}) {
     recorder.Clear();
     statuses.clear();
-    QSignalSpy active(&client, &TQLXClient::OnActiveChanged);
+    active.clear();
     client.SetBlockSize(block);
     client.SetActive(true);
     int ticks = 0;
-    for (; client.GetActive(); ++ticks) Tick(1);
+    for (; client.GetActive(); ++ticks) Tick();
     EXPECT_EQ(ticks, (size + block - 1) / block);
     // Half a minute at 100 Hz and at 1 Hz, from noon on 1 May 2024.
     EXPECT_EQ(recorder.Rows(0).size(), 3000u);
@@ -422,7 +434,7 @@ TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
     EXPECT_EQ(recorder.Rows(0), mast);
     EXPECT_EQ(statuses, QStringList({"File '" + client.GetFileName() + "' opened for reading",
                                      "File closed"}));
-    EXPECT_EQ(active.count(), 2);
+    EXPECT_THAT(active, ElementsAre(true, false));
   }
 }
 
@@ -448,7 +460,7 @@ TEST_F(TXMLFileClientTest, ReadsABlockEveryInterval) {
   client.SetActive(true);
   Tick(9);
   EXPECT_EQ(recorder.Rows(1).size(), 0u);
-  Tick(1);
+  Tick();
   EXPECT_EQ(recorder.Rows(1).size(), 1u);
   Tick(10);
   EXPECT_EQ(recorder.Rows(1).size(), 2u);
@@ -462,16 +474,14 @@ TEST_F(TXMLFileClientTest, IgnoresSettingsThatMakeNoSense) {
 }
 
 TEST_F(TXMLFileClientTest, SaysWhatIsWrongWithAFile) {
-  client.SetFileName(TestFolder() + "/none");
-  client.SetActive(true);
-  EXPECT_EQ(client.GetStatus(), "File '" + TestFolder() + "/none' does not exist");
-  client.SetFileName(TestFolder());
-  client.SetActive(true);
-  EXPECT_EQ(client.GetStatus(), "Error opening file");
-  client.SetFileName(QStringLiteral("/dev/zero"));
-  client.SetActive(true);
-  EXPECT_EQ(client.GetStatus(), "Error opening file");
-  EXPECT_FALSE(client.GetActive());
+  const QString none = TestFolder() + "/none";
+  for (const QString& name : {none, TestFolder(), QStringLiteral("/dev/zero")}) {
+    client.SetFileName(name);
+    client.SetActive(true);
+    EXPECT_EQ(client.GetStatus(),
+              name == none ? "File '" + none + "' does not exist" : "Error opening file");
+    EXPECT_FALSE(client.GetActive());
+  }
 }
 
 TEST_F(TXMLFileClientTest, EndsWithAFileThatVanishesOrGetsShorter) {
@@ -483,20 +493,13 @@ TEST_F(TXMLFileClientTest, EndsWithAFileThatVanishesOrGetsShorter) {
     client.SetFileName(name);
     client.SetBlockSize(50);
     client.SetActive(true);
-    Tick(1);
+    Tick();
     ASSERT_TRUE(remove ? QFile::remove(name) : QFile::resize(name, 10));
     Tick(10);
     EXPECT_FALSE(client.GetActive());
     EXPECT_EQ(client.GetStatus(), "File closed");
     EXPECT_GE(recorder.Rows(1).size(), 2u);
   }
-}
-
-TEST_F(TXMLFileClientTest, NeverOpensByItself) {
-  client.SetFileName(kRecord);
-  client.SetAutoConnect(true);
-  Tick(100);
-  EXPECT_FALSE(client.GetActive());
 }
 
 TEST_F(TXMLFileClientTest, DoesNotLogIntoTheFileThatItReads) {
@@ -511,9 +514,7 @@ TEST_F(TXMLFileClientTest, DoesNotLogIntoTheFileThatItReads) {
   client.SetLogFile(TestFolder() + "/copy");
   client.SetLogging(true);
   ReadAll();
-  QFile copy(TestFolder() + "/copy");
-  ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
-  EXPECT_EQ(copy.readAll(), text);
+  EXPECT_EQ(Contents(TestFolder() + "/copy"), text);
 
   client.SetFileName(TestFolder() + "/copy");
   client.SetActive(true);
