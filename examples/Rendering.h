@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QImage>
-#include <QSaveFile>
 #include <QWidget>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "model/Writepicture.h"
 
 /// To be called before the application is made: a program that is called with --render, or only
 /// asked for --help, needs no display.
@@ -23,12 +24,9 @@ inline void RenderWithoutDisplay(int argc, char** argv) {
 /// Writes a picture as a PNG file, whole or not at all. The exit status of the program, which says
 /// on the standard error stream what went wrong.
 inline int WritePicture(const QImage& picture, const QString& fileName) {
-  QSaveFile file(fileName);
-  if (file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.commit()) {
-    return EXIT_SUCCESS;
-  }
-  std::fprintf(stderr, "Cannot write %s: %s\n", qPrintable(fileName),
-               qPrintable(file.errorString()));
+  const QString why = WritePictureFile(picture, fileName, "png");
+  if (why.isEmpty()) return EXIT_SUCCESS;
+  std::fprintf(stderr, "Cannot write %s: %s\n", qPrintable(fileName), qPrintable(why));
   return EXIT_FAILURE;
 }
 

@@ -21,6 +21,15 @@ QString Replaced(QString text, TUnwanted unwanted) {
   return text;
 }
 
+/// A letter, or its number if it does not show.
+QString Shown(uint letter) {
+  const auto category = QChar::category(letter);
+  const bool hides = category >= QChar::Separator_Space && category <= QChar::Other_NotAssigned;
+  const auto code = static_cast<char32_t>(letter);
+  return hides && code != U' ' ? QStringLiteral("\\u{%1}").arg(letter, 0, 16)
+                               : QString::fromUcs4(&code, 1);
+}
+
 }  // namespace
 
 QString Harmless(const QString& text) {
@@ -33,6 +42,20 @@ QString Harmless(const QString& text) {
 QString OneLine(const QString& text, qsizetype most) {
   const QString line = text.size() > most ? text.left(most) + QStringLiteral("...") : text;
   return Replaced(Harmless(line), BreaksLine);
+}
+
+QString ShownName(const QString& name) {
+  constexpr qsizetype kBegin = 120;
+  constexpr qsizetype kEnd = 80;
+  const QList<uint> letters = name.toUcs4();
+  const bool isLong = letters.size() > kBegin + kEnd;
+  QString shown;
+  for (const uint letter : isLong ? letters.first(kBegin) : letters) shown += Shown(letter);
+  if (isLong) {
+    shown += QStringLiteral("...");
+    for (const uint letter : letters.last(kEnd)) shown += Shown(letter);
+  }
+  return shown.contains(' ') ? '"' + shown + '"' : shown;
 }
 
 QString ShownFileName(const QString& path) {

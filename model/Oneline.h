@@ -11,6 +11,11 @@ QString Harmless(const QString& text);
 /// Harmless, and on one line of at most `most` characters, which ends in dots where it was longer.
 QString OneLine(const QString& text, qsizetype most = 200);
 
+/// A name as part of a sentence: one line, cut in the middle if it is long, in quotes if it has
+/// blanks. Unlike above, what does not show or turns the direction of writing is shown by its
+/// number, for the user decides by such names. Any thread.
+QString ShownName(const QString& name);
+
 /// The name of a file without its folder.
 QString ShownFileName(const QString& path);
 

@@ -13,6 +13,7 @@
 #include "components/controls/Textaccess.h"
 #include "components/links/Outside.h"
 #include "model/Message.h"
+#include "model/Oneline.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "components/links/Propclasses.h"
+#include "model/Oneline.h"
 
 namespace {
 
@@ -34,15 +35,6 @@ const TForm* FormOf(const QObject* object) {
     object = part ? part->Owner() : object->parent();
   }
   return nullptr;
-}
-
-/// A letter, or its number if it does not show.
-QString Shown(uint letter) {
-  const auto category = QChar::category(letter);
-  const bool hides = category >= QChar::Separator_Space && category <= QChar::Other_NotAssigned;
-  const auto code = static_cast<char32_t>(letter);
-  return hides && code != U' ' ? QStringLiteral("\\u{%1}").arg(letter, 0, 16)
-                               : QString::fromUcs4(&code, 1);
 }
 
 const QString kAtRest = QStringLiteral("the panel has not been started");
@@ -223,18 +215,4 @@ QString RealPath(const QString& path) {
 bool IsBelow(const QString& path, const QString& folder) {
   return !folder.isEmpty() &&
          (path == folder || path.startsWith(folder.endsWith('/') ? folder : folder + '/'));
-}
-
-QString ShownName(const QString& name) {
-  constexpr qsizetype kBegin = 120;
-  constexpr qsizetype kEnd = 80;
-  const QList<uint> letters = name.toUcs4();
-  const bool isLong = letters.size() > kBegin + kEnd;
-  QString shown;
-  for (const uint letter : isLong ? letters.first(kBegin) : letters) shown += Shown(letter);
-  if (isLong) {
-    shown += QStringLiteral("...");
-    for (const uint letter : letters.last(kEnd)) shown += Shown(letter);
-  }
-  return shown.contains(' ') ? '"' + shown + '"' : shown;
 }

@@ -71,6 +71,3 @@ QString WriteRefusal(const QObject* component, const TWishes& wishes, const QStr
 QString RealPath(const QString& path);
 /// Whether a full path is that of the folder or of something in it. Any thread.
 bool IsBelow(const QString& path, const QString& folder);
-/// A name from a file, fit to be shown in a sentence: one line, cut if it is long, in quotes if it
-/// has blanks; characters that do not show, or turn others round, by their numbers. Any thread.
-QString ShownName(const QString& name);

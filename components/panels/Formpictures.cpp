@@ -7,6 +7,7 @@
 
 #include "components/controls/Picturefile.h"
 #include "components/links/Outside.h"
+#include "model/Oneline.h"
 
 TFormPictures::TFormPictures(const QString& folder, bool anywhere)
     : folder_(folder), anywhere_(anywhere) {}

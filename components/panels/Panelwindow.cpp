@@ -6,13 +6,11 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHash>
-#include <QImageWriter>
 #include <QLayout>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QScreen>
 #include <QScrollArea>
 #include <QTimer>
@@ -23,6 +21,7 @@
 #include "model/Ending.h"
 #include "model/Message.h"
 #include "model/Oneline.h"
+#include "model/Writepicture.h"
 
 namespace {
 
@@ -46,12 +45,9 @@ bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
     picture.setDevicePixelRatio(ratio);
     picture.fill(widget.palette().color(QPalette::Window));
     widget.render(&picture);
-    QSaveFile file(fileName);
-    QImageWriter writer(&file, QFileInfo(fileName).suffix().toLower().toLatin1());
-    if (file.open(QIODevice::WriteOnly) && writer.write(picture.toImage()) && file.commit()) {
-      return true;
-    }
-    reason = file.error() != QFile::NoError ? file.errorString() : writer.errorString();
+    reason = WritePictureFile(picture.toImage(), fileName,
+                              QFileInfo(fileName).suffix().toLower().toLatin1());
+    if (reason.isEmpty()) return true;
   }
   *error = QStringLiteral("Cannot write %1: %2").arg(fileName, reason);
   return false;

@@ -10,6 +10,8 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "model/Oneline.h"
+
 namespace {
 
 constexpr qsizetype kMaxLines = 2000;

@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <algorithm>
 
+#include "model/Oneline.h"
+
 namespace {
 
 constexpr int kMostShownLines = 5;

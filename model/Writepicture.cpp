@@ -1,0 +1,11 @@
+#include "model/Writepicture.h"
+
+#include <QImageWriter>
+#include <QSaveFile>
+
+QString WritePictureFile(const QImage& picture, const QString& fileName, const QByteArray& format) {
+  QSaveFile file(fileName);
+  QImageWriter writer(&file, format);
+  if (file.open(QIODevice::WriteOnly) && writer.write(picture) && file.commit()) return {};
+  return file.error() != QFile::NoError ? file.errorString() : writer.errorString();
+}
