@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "components/comms/Qlxxml.h"
+#include "model/Datetime.h"
 #include "tests/components/comms/Memorydriver.h"
 #include "tests/components/comms/Rowrecorder.h"
 #include "tests/support/Files.h"
@@ -115,7 +116,7 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
     ASSERT_EQ(again.size(), 2u);
     for (std::size_t i = 0; i < 2; ++i) {
       // Stamps have milliseconds.
-      EXPECT_THAT(again[i], ElementsAre(testing::DoubleNear(rows[i][0], 0.6e-3 / 86400.0),
+      EXPECT_THAT(again[i], ElementsAre(testing::DoubleNear(rows[i][0], 0.6e-3 / kSecondsPerDay),
                                         rows[i][1], rows[i][2]));
     }
   }

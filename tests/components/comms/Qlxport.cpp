@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 #include <memory>
 
+#include "model/Datetime.h"
 #include "tests/components/comms/Memorydriver.h"
 
 namespace {

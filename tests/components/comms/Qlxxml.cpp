@@ -103,7 +103,7 @@ TEST_F(TQLXXMLClientTest, GreetsTakesRowsAndTakesLeave) {
     server.Send(MastAndWeather()[1].Package(TDateTime(45413.0), 7));
     ASSERT_TRUE(WaitForWind(1));
     EXPECT_EQ(recorder.Rows(0).size(), 10u);
-    EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / 86400.0, 1e-9);
+    EXPECT_NEAR(recorder.Rows(1)[0][0], 45413.0 + 7.0 / kSecondsPerDay, 1e-9);
     if (destroyed) {
       client.reset();
     } else {
