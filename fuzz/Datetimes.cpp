@@ -5,6 +5,8 @@
 
 #include "components/graphing/Datetimeformat.h"
 
+#include "model/Datetime.h"
+
 /// A pattern for dates and times, with the time in the first bytes; and the same text as a typed
 /// time, which is read back from what it is written as.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
@@ -21,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   for (const auto& typed : {ScanTypedTime(pattern), ScanTypedTime(TypedTime(TDateTime(days)))}) {
     if (!typed) continue;
     const auto again = ScanTypedTime(TypedTime(*typed));
-    constexpr double kMillisecond = 1.0 / 86'400'000.0;
+    constexpr double kMillisecond = 1.0 / (1e3 * kSecondsPerDay);
     if (!again || !(std::abs(again->Days() - typed->Days()) <= kMillisecond)) std::abort();
   }
   return 0;

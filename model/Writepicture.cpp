@@ -1,5 +1,6 @@
 #include "model/Writepicture.h"
 
+#include <QFile>
 #include <QImageWriter>
 #include <QSaveFile>
 

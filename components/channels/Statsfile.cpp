@@ -94,7 +94,7 @@ bool ToTime(QByteArrayView cell, double& time) {
   const QTime clock = QTime::fromString(text.mid(kDateLength + 1), QStringLiteral("HH:mm:ss.zzz"));
   if (!date.isValid() || !clock.isValid()) return false;
   time = static_cast<double>(QDate(1899, 12, 30).daysTo(date)) +
-         clock.msecsSinceStartOfDay() / 86'400'000.0;
+         clock.msecsSinceStartOfDay() / (1e3 * kSecondsPerDay);
   return true;
 }
 

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "components/channels/Channelset.h"
+#include "model/Datetime.h"
 #include "model/Textscanner.h"
 
 namespace {
@@ -274,11 +275,10 @@ TDateTime TQLXPackage::ExtractTime(std::string_view text) {
   if (*year < 1 || !date.ok() || *hour > 23 || *minute > 59 || *second > 60) return TDateTime();
 
   constexpr ch::sys_days kEpoch = ch::year(1899) / 12 / 30;
-  constexpr double kMillisecondsPerDay = 86'400'000.0;
   const auto days = static_cast<double>((ch::sys_days(date) - kEpoch).count());
   const unsigned seconds = (*hour * 60 + *minute) * 60 + *second;
   const unsigned milliseconds = seconds * 1000 + Digits(text, 15, 3).value_or(0);
-  return TDateTime(days + milliseconds / kMillisecondsPerDay);
+  return TDateTime(days + milliseconds / (1e3 * kSecondsPerDay));
 }
 
 bool TQLXPackage::ExtractPackage(TChannelSet& set, bool isData) {

@@ -9,6 +9,7 @@
 #include "examples/Numberoption.h"
 #include "examples/Rendering.h"
 #include "examples/monitor/Monitorpanel.h"
+#include "model/Datetime.h"
 #include "model/Ending.h"
 
 namespace {
@@ -77,7 +78,7 @@ int main(int argc, char** argv) {
   if (const QString wrong = line.Take(options); !wrong.isEmpty()) return Fail(wrong);
 
   options.DeviceRate = NumberOption(line.parser, line.rate, 40.0, 800.0);
-  const double seconds = NumberOption(line.parser, line.after, 0.0, 86'400.0);
+  const double seconds = NumberOption(line.parser, line.after, 0.0, kSecondsPerDay);
   const double ratio = NumberOption(line.parser, line.ratio, 1.0, 4.0);
 
   TEnding::Instance().TakeSignals();

@@ -6,6 +6,7 @@
 #include <array>
 #include <utility>
 
+#include "model/Datetime.h"
 #include "model/Filekind.h"
 #include "model/Oneline.h"
 #include "viewer/Animatorabout.h"
@@ -141,12 +142,11 @@ QString TakePanel(const QString& name, TCommandLine& line) {
 }
 
 QString TakeAfter(const QString& text, TCommandLine& line) {
-  constexpr double kMostSeconds = 86'400.0;
   bool isNumber = false;
   line.PanelSeconds = text.toDouble(&isNumber);
-  if (isNumber && line.PanelSeconds >= 0.0 && line.PanelSeconds <= kMostSeconds) return {};
+  if (isNumber && line.PanelSeconds >= 0.0 && line.PanelSeconds <= kSecondsPerDay) return {};
   return QStringLiteral("--after is a number of seconds from 0 to %1, not \"%2\".")
-      .arg(kMostSeconds)
+      .arg(kSecondsPerDay)
       .arg(text);
 }
 

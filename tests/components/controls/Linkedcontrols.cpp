@@ -11,13 +11,14 @@
 #include "components/channels/Channelset.h"
 #include "components/controls/Linkedcontrols.h"
 #include "components/graphing/Graph.h"
+#include "model/Datetime.h"
 #include "model/Timer.h"
 #include "tests/support/Testsupport.h"
 
 namespace {
 
 constexpr double kStart = 45'000.25;
-constexpr double kSecond = 1.0 / 86'400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 
 /// 100 ms of the timer service: one delivery of a link.
 void Tick() {
