@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCommandLineParser>
 #include <QImage>
 #include <QWidget>
 #include <algorithm>
@@ -20,6 +21,16 @@ inline void RenderWithoutDisplay(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
 }
+
+/// The options of a program that can draw itself into a file.
+struct TRenderOptions {
+  QCommandLineOption Render{"render", "Draw into a PNG file.", "file"};
+  QCommandLineOption Ratio{"ratio", "Device pixels to a logical one, 1 to 4.", "number", "1"};
+
+  double RatioOf(const QCommandLineParser& parser) const {
+    return std::clamp(parser.value(Ratio).toDouble(), 1.0, 4.0);
+  }
+};
 
 /// Writes a picture as a PNG file, whole or not at all. The exit status of the program, which says
 /// on the standard error stream what went wrong.

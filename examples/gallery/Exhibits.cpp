@@ -8,6 +8,7 @@
 
 #include "components/graphing/Dataseries.h"
 #include "components/graphing/Sliderseries.h"
+#include "examples/Graphlook.h"
 #include "model/Datetime.h"
 
 namespace {
@@ -16,11 +17,6 @@ using std::numbers::pi;
 
 constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kDay = 45000.0;  // 15 March 2023
-
-constexpr TColor kBlue = TColor::FromRgb(31, 90, 180);
-constexpr TColor kRed = TColor::FromRgb(200, 50, 40);
-constexpr TColor kGreen = TColor::FromRgb(30, 130, 70);
-constexpr TColor kLightBlue = TColor::FromRgb(150, 190, 235);
 
 using TPoints = std::vector<TCoordinate>;
 

@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <algorithm>
 
 #include "examples/Rendering.h"
 #include "examples/gallery/Gallery.h"
@@ -16,20 +15,16 @@ int main(int argc, char** argv) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral("One graph of each kind."));
   parser.addHelpOption();
-  const QCommandLineOption render(QStringLiteral("render"), QStringLiteral("Draw into a PNG file."),
-                                  QStringLiteral("file"));
-  const QCommandLineOption ratio(QStringLiteral("ratio"),
-                                 QStringLiteral("Device pixels to a logical one, 1 to 4."),
-                                 QStringLiteral("number"), QStringLiteral("1"));
-  parser.addOptions({render, ratio});
+  const TRenderOptions options;
+  parser.addOptions({options.Render, options.Ratio});
   parser.process(application);
 
   TEnding::Instance().TakeSignals();
   TGallery gallery;
-  if (!parser.isSet(render)) {
+  if (!parser.isSet(options.Render)) {
     gallery.show();
     return application.exec();
   }
-  const double scale = std::clamp(parser.value(ratio).toDouble(), 1.0, 4.0);
-  return WritePicture(gallery.Render(scale), parser.value(render));
+  const double scale = options.RatioOf(parser);
+  return WritePicture(gallery.Render(scale), parser.value(options.Render));
 }

@@ -10,25 +10,14 @@
 #include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/Graphexport.h"
+#include "examples/Graphlook.h"
 
 namespace {
-
-constexpr TColor kRed = TColor::FromRgb(200, 50, 40);
-constexpr TColor kBlue = TColor::FromRgb(31, 90, 180);
-constexpr TColor kGreen = TColor::FromRgb(30, 130, 70);
-constexpr TColor kAxis = TColor::FromRgb(70, 75, 85);
-constexpr TColor kBorder = TColor::FromRgb(205, 208, 214);
 
 /// What one record of a history stands for.
 QString RecordName(TStatInterval interval) {
   const char* const names[] = {"second", "minute", "hour", "day", "month", "year"};
   return QLatin1String(names[Ordinal(interval)]);
-}
-
-void SetUpAxis(TAxis& axis) {
-  axis.SetLineColor(kAxis);
-  axis.GetLabel()->SetFontColor(kAxis);
-  axis.GetTitle()->SetFontColor(kAxis);
 }
 
 }  // namespace
@@ -75,8 +64,8 @@ void THistoryView::MakeGraph() {
   graph_->SetBorderColor(kBorder);
   graph_->setMinimumSize(260, 160);
   graph_->SetShowCoordinates(true);
-  SetUpAxis(*graph_->GetHorizontalAx());
-  SetUpAxis(*graph_->GetVerticalAx());
+  ColorAxis(*graph_->GetHorizontalAx());
+  ColorAxis(*graph_->GetVerticalAx());
   graph_->GetHorizontalAx()->SetScale(TAxis::asTime);
   AddExportActions(*graph_);
   AddCurve(curves_[0], svMax, kRed, 1);

@@ -17,16 +17,10 @@
 #include "components/sources/Filereader.h"
 #include "components/sources/Fourier.h"
 #include "components/sources/Macro.h"
+#include "examples/Graphlook.h"
 #include "examples/generate/Pump.h"
 
 namespace {
-
-constexpr TColor kBlue = TColor::FromRgb(31, 90, 180);
-constexpr TColor kRed = TColor::FromRgb(200, 50, 40);
-constexpr TColor kGreen = TColor::FromRgb(30, 130, 70);
-constexpr TColor kLightBlue = TColor::FromRgb(150, 190, 235);
-constexpr TColor kAxis = TColor::FromRgb(70, 75, 85);
-constexpr TColor kBorder = TColor::FromRgb(205, 208, 214);
 
 constexpr int kShownRows = 1000;     ///< the channels keep the latest
 constexpr int kUpdateInterval = 32;  ///< values between two pictures of a channel
@@ -43,9 +37,7 @@ T* Make(QWidget* panel, const char* name) {
 }
 
 void SetUpAxis(TAxis& axis, const QString& title) {
-  axis.SetLineColor(kAxis);
-  axis.GetLabel()->SetFontColor(kAxis);
-  axis.GetTitle()->SetFontColor(kAxis);
+  ColorAxis(axis);
   axis.GetTitle()->SetCaption(title);
 }
 

@@ -4,7 +4,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <algorithm>
 #include <cstdio>
 
 #include "examples/Rendering.h"
@@ -20,12 +19,8 @@ int main(int argc, char** argv) {
       QStringLiteral("Plays a file of numbers in two columns through channels, an expression, a "
                      "spectrum and a histogram."));
   parser.addHelpOption();
-  const QCommandLineOption render(QStringLiteral("render"), QStringLiteral("Draw into a PNG file."),
-                                  QStringLiteral("file"));
-  const QCommandLineOption ratio(QStringLiteral("ratio"),
-                                 QStringLiteral("Device pixels to a logical one, 1 to 4."),
-                                 QStringLiteral("number"), QStringLiteral("1"));
-  parser.addOptions({render, ratio});
+  const TRenderOptions options;
+  parser.addOptions({options.Render, options.Ratio});
   parser.addPositionalArgument(QStringLiteral("file"),
                                QStringLiteral("The record; initially that of the pump."),
                                QStringLiteral("[file]"));
@@ -35,7 +30,7 @@ int main(int argc, char** argv) {
 
   TEnding::Instance().TakeSignals();
   TValuesPanel panel(record);
-  if (!parser.isSet(render)) {
+  if (!parser.isSet(options.Render)) {
     panel.show();
     return application.exec();
   }
@@ -49,6 +44,6 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", qPrintable(panel.GetError()));
     return 1;
   }
-  const double scale = std::clamp(parser.value(ratio).toDouble(), 1.0, 4.0);
-  return WritePicture(Picture(panel, scale), parser.value(render));
+  const double scale = options.RatioOf(parser);
+  return WritePicture(Picture(panel, scale), parser.value(options.Render));
 }
