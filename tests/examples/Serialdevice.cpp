@@ -261,7 +261,7 @@ TEST_F(SerialDevice, OpensALineThatKnowsLittleOfItsSettings) {
   EXPECT_TRUE(port.GetConnected());
 }
 
-TEST_F(SerialDevice, ATrialTellsWhatIsThere) {
+TEST_F(SerialDevice, ATrialReportsWhatIsThere) {
   TQLXSettings settings;
   settings.SetPortNum("COM2");
   EXPECT_EQ(port.TryDevice(settings), "The device on COM2 sends packets of 48 bytes: 16 inputs.");

@@ -257,7 +257,7 @@ TEST(ModelFile, EndsQuicklyOnHostileText) {
   }
 }
 
-TEST(ModelFile, ReplacesTheEarlierModelAndTellsOnce) {
+TEST(ModelFile, ReplacesTheEarlierModelAndNotifiesOnce) {
   TModel model;
   QSignalSpy changes(&model, &TModel::OnChange);
   QObject::connect(&model, &TModel::OnChange, [&] { EXPECT_TRUE(model.Loaded); });

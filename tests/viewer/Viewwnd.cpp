@@ -506,7 +506,7 @@ TEST_F(Viewwnd, ColorsAndShapeReachTheModelAndAllData) {
   EXPECT_EQ(window->Appearance().FontColor, TColor::FromRgb(10, 11, 12));
 }
 
-TEST_F(Viewwnd, TheStatusBarTellsWhatIsThereAndWhereItStands) {
+TEST_F(Viewwnd, TheStatusBarSaysWhatIsThereAndWhereItStands) {
   EXPECT_EQ(Text("CountLabel"), "");
   LoadModel(kModel);
   EXPECT_EQ(Text("CountLabel"), "3 nodes, 2 elements");
@@ -571,7 +571,7 @@ TEST_F(Viewwnd, NothingElseHappensWhileALoadIsOnItsWay) {
   EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2 : large.mod");
 }
 
-TEST_F(Viewwnd, DroppedFilesAreToldApartByTheirContent) {
+TEST_F(Viewwnd, DroppedFilesAreDistinguishedByTheirContent) {
   const QString model = WriteTestFile("x.txt", kModel), data = WriteTestFile("y.txt", kData);
   const auto drop = [&](const QStringList& names) {
     QMimeData mime;

@@ -217,7 +217,7 @@ TEST(TOneChannelLink, ResolvesItsSelectionsWhenTheFormIsLoaded) {
   EXPECT_EQ(link.SelectedChannel(), source->GetSets()->GetItem(0)->GetChannels()->GetItem(3));
 }
 
-TEST(TOneChannelLink, MayBeDestroyedByAnyOfItsNews) {
+TEST(TOneChannelLink, MayBeDestroyedByAnyOfItsSignals) {
   using TNews = void (TOneChannelLink::*)(QObject*);
   const TNews news[] = {&TOneChannelLink::OnSourceChanged, &TOneChannelLink::OnChannelSetChanged,
                         &TOneChannelLink::OnChannelChanged};
@@ -244,7 +244,7 @@ TEST(TOneChannelLink, MayBeDestroyedByAnyOfItsNews) {
   EXPECT_EQ(destroyed, 3 + 5 + 6);
 }
 
-TEST(TOneChannelLink, IsAtRestWhileAnotherIsToldThatTheSourceGoes) {
+TEST(TOneChannelLink, IsAtRestWhileAnotherIsNotifiedThatTheSourceGoes) {
   TTwoSets sets;
   TOneChannelLink told(false);
   TOneChannelLink other(false);
@@ -257,7 +257,7 @@ TEST(TOneChannelLink, IsAtRestWhileAnotherIsToldThatTheSourceGoes) {
   EXPECT_EQ(other.GetChannelSource(), nullptr);
 }
 
-TEST(TOneChannelLink, MayTakeAnotherSourceWhenItIsToldOfOne) {
+TEST(TOneChannelLink, MayTakeAnotherSourceWhenItIsNotifiedOfOne) {
   TTwoSets first;
   TTwoSets second;
   TOneChannelLink link(false);

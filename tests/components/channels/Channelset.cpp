@@ -308,7 +308,7 @@ TEST(TChannelSet, AColumnWithoutAMeanIsNotShifted) {
   EXPECT_TRUE(TChannelSource().GetSets()->ReadProperties(source.GetSets()->WriteProperties()));
 }
 
-TEST(TChannelSet, MayBeDestroyedByItsOwnNews) {
+TEST(TChannelSet, MayBeDestroyedByItsOwnSignals) {
   const std::function<void(TChannelSet*)> changes[] = {
       [](TChannelSet* set) { set->SetCount(7); }, [](TChannelSet* set) { set->DeleteChannel(1); },
       [](TChannelSet* set) { delete set->GetChannels()->GetItem(1); },

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(TVariable, ShowsNameAndValueAsItIsTold) {
+TEST(TVariable, ShowsNameAndValueAsItsPropertiesSay) {
   const struct {
     bool name, value;
     const char* caption;
@@ -75,7 +75,7 @@ TEST(TVariable, LeavesItsCaptionOutOfForms) {
   EXPECT_EQ(caption.read(&variable), "v=0");
 }
 
-TEST(TVariable, MayBeDestroyedByWhomItTells) {
+TEST(TVariable, MayBeDestroyedByASubscriber) {
   auto* variable = new TVariable;
   TValueLink link([&](double) { delete variable; });
   variable->AddLink(&link, false);

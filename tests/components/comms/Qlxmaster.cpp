@@ -207,8 +207,9 @@ TEST_F(TQLXMasterClientTest, TellsOfAClockThatJumpsAndLogsALine) {
   EXPECT_LT(text.indexOf("The clock"), text.indexOf('<'));
 }
 
-TEST_F(TQLXMasterClientTest, MayBeDestroyedByWhomItTells) {
-  auto other = std::make_unique<TQLXMasterClient>(nullptr, makeDriver);
+TEST_F(TQLXMasterClientTest, MayBeDestroyedByASubscriber) {
+  auto other = std::make_unique<TQLXMasterClient>(
+      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
   other->SetChannelSource(recorder.Source());
   other->GetChSet()->SetIndex(0);
   recorder.OnRow = [&] { other.reset(); };

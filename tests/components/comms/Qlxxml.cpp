@@ -316,7 +316,7 @@ TEST_F(TQLXXMLClientTest, SaysThatALogCannotBeWritten) {
 #endif
 }
 
-TEST_F(TQLXXMLClientTest, MayBeDestroyedByWhomItTells) {
+TEST_F(TQLXXMLClientTest, MayBeDestroyedByASubscriber) {
   const auto destroy = [this] { client.reset(); };
   const std::function<void()> ways[] = {
       [&] { QObject::connect(client.get(), &TQLXClient::OnStatusChanged, destroy); },

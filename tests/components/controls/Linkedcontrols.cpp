@@ -377,7 +377,7 @@ TEST_F(LinkedGraph, NamesTheAxesAfterTheChannelsAndTheirScalesAfterTheSelectors)
   plot.GetGraphLink()->SetGraph(nullptr);
 }
 
-TEST_F(LinkedGraph, KeepsTheNewestPointsAndDrawsThemIfItIsToldTo) {
+TEST_F(LinkedGraph, KeepsTheNewestPointsAndDrawsThemWhileUpdating) {
   ChooseX("Speed");
   ChooseY("Direction");
   plot.SetMaxPoints(2);

@@ -39,7 +39,7 @@ QRect Inked(const QImage& image) {
   return box;
 }
 
-TEST(TTextLabel, PutsItsTextWhereItIsToldTo) {
+TEST(TTextLabel, PutsItsTextWhereAlignmentAndLayoutSay) {
   TTextLabel label;
   label.resize(200, 100);
   label.SetCaption("Speed");
@@ -237,7 +237,7 @@ TEST(THyperlink, MayBeDestroyedByItsClick) {
   EXPECT_THAT(opened.urls, ElementsAre());
 }
 
-TEST(TCustomTextControl, ItsTextAndItsLinkAreToldToThoseWhoCannotSeeThem) {
+TEST(TCustomTextControl, ItsTextAndItsLinkAreAnnouncedToThoseWhoCannotSeeThem) {
   TOpened opened;
   TTextLabel label;
   label.SetCaption("Speed");

@@ -101,7 +101,7 @@ TEST(AxisTicks, OfALogarithmicAxisAreWholeDecades) {
   }
 }
 
-TEST(AxisTicks, OfATimeAxisClimbALadderOfCalendarUnits) {
+TEST(AxisTicks, OfATimeAxisFollowCalendarUnits) {
   constexpr double kDay = 36500.0;  // 6 December 1999; 100 steps of 365 days, 10 of 3650
   const struct {
     double days, step;

@@ -64,7 +64,7 @@ TEST(TBasicHistogram, CountsEachValueAndNotifiesOfEveryNth) {
   EXPECT_EQ(histogram.GetTime(), 45000.5);
 }
 
-TEST(TBasicHistogram, HostileValuesAreCountedNowhereAndToldToNobody) {
+TEST(TBasicHistogram, HostileValuesAreCountedNowhereAndNotifyNobody) {
   TBasicHistogram histogram;
   QSignalSpy notified(&histogram, &TDataControl::OnChange);
   Give(histogram, {kNan, kInf, -kInf, 1e300, -1e-300, 70000.0});

@@ -92,7 +92,7 @@ TEST(TBinList, HostileValuesTakeNoMemoryAndSpoilNothing) {
   EXPECT_EQ(list.GetLostCount(), 9.0);
 }
 
-TEST(TBinList, MakesNoBinsThatCannotBeToldApart) {
+TEST(TBinList, MakesNoBinsThatCannotBeDistinguished) {
   TBinList list;
   list.SetAnchor(1e17);  // where the next number is 16 away
   list.AddValues(1.0, 1e17 + 16.0);

@@ -421,7 +421,7 @@ TEST_F(TTampered, AllSubscribersGo) {
   EXPECT_EQ(Calls(), "01e e ");
 }
 
-TEST_F(TTampered, ASubscriberComesAndIsToldTheNextValue) {
+TEST_F(TTampered, ASubscriberComesAndGetsTheNextValue) {
   TListener listener;
   tamper = [&] { control->AddLink(&listener.link, false); };
   EXPECT_EQ(Calls(), "012e 012e ");
@@ -495,7 +495,7 @@ TEST(Tampering, AClientMayTakeOthersOutOfTheList) {
   EXPECT_EQ(third.GetValue(), 1.0);
 }
 
-TEST(Tampering, APortMayBeDestroyedByWhomItTells) {
+TEST(Tampering, APortMayBeDestroyedByItsSubscriber) {
   TServerDataControl control;
   const auto destroyed = [&](auto hook, auto act) {
     auto port = std::make_unique<TInputData>(nullptr);
@@ -525,7 +525,7 @@ TEST(Tampering, APortMayBeDestroyedByWhomItTells) {
   destroyed(onValidate, set);
 }
 
-TEST(Tampering, APortMayBePointedElsewhereByWhomItTells) {
+TEST(Tampering, APortMayBePointedElsewhereByItsSubscriber) {
   TServerDataControl first;
   TServerDataControl second;
   second.SetValue(2.0);

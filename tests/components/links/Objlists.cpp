@@ -396,7 +396,7 @@ TEST(TFloatList, GivesAGraphItsRowNumbersAndValues) {
   EXPECT_FALSE(list.ProvideGraphData(index, point, extent));
 }
 
-TEST(TArrayList, HasAsManyRowsAsItIsTold) {
+TEST(TArrayList, HasAsManyRowsAsItIsGiven) {
   TArrayList list(3);
   QSignalSpy changes(&list, &TDataList::OnChange);
   list.SetCount(4);

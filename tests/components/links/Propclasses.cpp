@@ -59,7 +59,7 @@ TEST_F(TNotifyPersistentTest, TellsEachSubscriberOnceInTheOrderOfSubscription) {
   EXPECT_THAT(log.lines, ElementsAre("b", "c"));
 }
 
-TEST_F(TNotifyPersistentTest, ForgetsItsSubscribersOnceTheyAreTold) {
+TEST_F(TNotifyPersistentTest, ForgetsItsSubscribersOnceTheyAreNotified) {
   sender->FreeNotification(a.get());
   sender->BeforeDestruction();
   sender->BeforeDestruction();
@@ -67,7 +67,7 @@ TEST_F(TNotifyPersistentTest, ForgetsItsSubscribersOnceTheyAreTold) {
   EXPECT_THAT(log.lines, ElementsAre("a"));
 }
 
-TEST_F(TNotifyPersistentTest, SurvivesSubscribersThatGoOrLeaveWhileOthersAreTold) {
+TEST_F(TNotifyPersistentTest, SurvivesSubscribersThatGoOrLeaveWhileOthersAreNotified) {
   for (QObject* subscriber : {a.get(), b.get(), c.get()}) sender->FreeNotification(subscriber);
   a->Then = [this, dying = sender.get()] {
     b.reset();

@@ -457,7 +457,7 @@ TEST(TFFTChannel, MendsANonsensicalForm) {
   EXPECT_EQ(channel.GetCumulCount(), 1);
 }
 
-TEST(TFFTChannel, MayBeDestroyedAndResizedByWhomItTells) {
+TEST(TFFTChannel, MayBeDestroyedAndResizedByASubscriber) {
   auto told = std::make_unique<TFFTChannel>();
   TValueLink link([&](double value) {
     if (value == 127.0) told.reset();
