@@ -107,7 +107,8 @@ bool SaveGraph(TKorvalGraph& graph, const QString& fileName, QString* message) {
     return false;
   }
   QSaveFile file(fileName);
-  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) {
+  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
+      file.commit()) {
     return true;
   }
   *message = QStringLiteral("Cannot write %1: %2").arg(fileName, file.errorString());

@@ -593,7 +593,8 @@ bool TPanel::IsChangedOnDisk() const {
 bool TPanel::Save(const QString& fileName, QString* error) {
   QSaveFile file(fileName);
   const QByteArray text = TextFor(QFileInfo(fileName).absolutePath()).toUtf8();
-  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
+  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() &&
+      file.commit()) {
     fileName_ = fileName;
     content_ = ContentHash(text);
     return true;

@@ -43,7 +43,8 @@ QString Remember(const QByteArray& line, const QByteArray& instead) {
   lines = lines.mid(std::max<qsizetype>(0, lines.size() - kMaxLines));
   const QByteArray text = lines.join('\n') + '\n';
   QSaveFile file(name);
-  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) {
+  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() &&
+      file.commit()) {
     return {};
   }
   return QStringLiteral("Cannot write %1: %2").arg(name, file.errorString());

@@ -200,7 +200,9 @@ void SaveSettings(const QString& fileName, const TSettings& settings) {
   const QByteArray updated = UpdateSettings(*text, settings);
   if (updated.size() > kMaxFileSize) return;
   QSaveFile file(fileName);
-  if (file.open(QIODevice::WriteOnly) && file.write(updated) == updated.size()) file.commit();
+  if (file.open(QIODevice::WriteOnly) && file.write(updated) == updated.size() && file.flush()) {
+    file.commit();
+  }
 }
 
 QString SettingsFileFor(const QString& executable) {
