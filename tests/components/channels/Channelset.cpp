@@ -60,21 +60,14 @@ TEST(TMatrix, RefusesSizesThatCannotBe) {
   EXPECT_EQ(matrix.Rows(), 2);
 }
 
-TEST(TChannelSet, BeginsWithFourInactiveChannelsAndBlocksOfTenRows) {
+TEST(TChannelSet, CountAndRowsResizeTheMatricesAndRefuseNonsense) {
   TChannelSet set;
-  EXPECT_EQ(set.GetCount(), 4);
-  EXPECT_EQ(set.GetRows(), 10);
   EXPECT_EQ(set.GetColumns(), 5);
   EXPECT_EQ(set.GetXMLTag(), "data");
-  EXPECT_EQ(set.GetChannels()->Count(), 4);
   for (int i = 0; i < 4; ++i) {
     EXPECT_FALSE(set.GetChannels()->GetItem(i)->GetActive());
     EXPECT_EQ(set.GetChannels()->GetItem(i)->GetScaleFactor(), 1.0);
   }
-}
-
-TEST(TChannelSet, CountAndRowsResizeTheMatricesAndRefuseNonsense) {
-  TChannelSet set;
   set.GetChannels()->GetItem(0)->SetScaleFactor(3.0);
   for (const int count : {0, -1, INT_MIN, INT_MAX, 1 << 30, TChannelSet::kMaxChannels + 1}) {
     set.SetCount(count);
@@ -84,15 +77,14 @@ TEST(TChannelSet, CountAndRowsResizeTheMatricesAndRefuseNonsense) {
     set.SetRows(rows);
     EXPECT_EQ(set.GetRows(), 10) << rows;
   }
-  set.SetCount(2);
-  EXPECT_EQ(set.GetChannels()->Count(), 2);
-  EXPECT_EQ(set.GetData().Columns(), 3);
-  set.SetCount(6);
-  set.SetRows(3);
-  EXPECT_EQ(set.GetChannels()->Count(), 6);
-  EXPECT_EQ(set.GetData().Columns(), 7);
-  EXPECT_EQ(set.GetBlockStats().Columns(), 7);
-  EXPECT_EQ(set.GetData().Rows(), 3);
+  for (const auto& [count, rows] : {std::pair(2, 10), {6, 3}}) {
+    set.SetCount(count);
+    set.SetRows(rows);
+    EXPECT_EQ(set.GetChannels()->Count(), count);
+    EXPECT_EQ(set.GetData().Columns(), count + 1);
+    EXPECT_EQ(set.GetBlockStats().Columns(), count + 1);
+    EXPECT_EQ(set.GetData().Rows(), rows);
+  }
   EXPECT_EQ(set.GetChannels()->GetItem(0)->GetScaleFactor(), 3.0);
   EXPECT_EQ(set.GetChannels()->GetItem(5)->GetScaleFactor(), 1.0);
 }
@@ -105,17 +97,17 @@ TEST(TChannelSet, ConvertsTheValuesOfARowAndNotItsTime) {
   first->SetInitialValue(100.0);
   const double row[] = {kStart, 5.0, 6.0, 7.0};
   set.SetRow(row, 0, 4);
-  EXPECT_EQ(set.GetData().At(0, 0), kStart);
-  EXPECT_EQ(set.GetData().At(0, 1), 111.0);
-  EXPECT_EQ(set.GetData().At(0, 2), 6.0);
+  set.SetRow(row, 2, 4);
+  // A raw 0 is 101.
+  const double expected[][3] = {{kStart, 111.0, 6.0}, {0.0, 101.0, 6.0}};
+  for (int i = 0; i < 2; ++i) {
+    for (int column = 0; column < 3; ++column) {
+      EXPECT_EQ(set.GetData().At(i, column), expected[i][column]) << i << ' ' << column;
+    }
+  }
   EXPECT_TRUE(set.GetActive());
   EXPECT_TRUE(first->GetActive());
-  EXPECT_FALSE(set.GetChannels()->GetItem(3)->GetActive());  // the row was short
-
-  set.SetRow(row, 2, 4);
-  EXPECT_EQ(set.GetData().At(1, 0), 0.0);
-  EXPECT_EQ(set.GetData().At(1, 1), 101.0);  // what a raw 0 is
-  EXPECT_EQ(set.GetData().At(1, 2), 6.0);
+  EXPECT_FALSE(set.GetChannels()->GetItem(3)->GetActive());  // the rows were short
 }
 
 TEST(TChannelSet, TellsItsClientsOfWholeBlocksInOrderAndThenBeginsAnew) {
@@ -205,11 +197,10 @@ TEST(TChannelSet, BlockStatisticsAreThoseOfOnePassOverTheRows) {
   TDataClient client([&](TChannelSet* sender) {
     ASSERT_TRUE(sender->CopyBlockStats(stats));
     for (std::size_t i = 0; i < 3; ++i) {
-      EXPECT_EQ(stats[i].Count, expected[i].Count);
-      EXPECT_EQ(stats[i].Sum, expected[i].Sum);
-      EXPECT_EQ(stats[i].SqSum, expected[i].SqSum);
-      EXPECT_EQ(stats[i].Max, expected[i].Max);
-      EXPECT_EQ(stats[i].Min, expected[i].Min);
+      for (const auto field :
+           {&TStatSet::Count, &TStatSet::Sum, &TStatSet::SqSum, &TStatSet::Max, &TStatSet::Min}) {
+        EXPECT_EQ(stats[i].*field, expected[i].*field);
+      }
       expected[i] = {};
     }
     ++blocks;
@@ -286,8 +277,7 @@ TEST(TChannelSet, ShiftToInitialConvertsTheStoredValuesOnceMore) {
   for (int i = 0; i < 3; ++i) SetRow(set, i, 1.0 + i);  // stored: 12, 14, 16
   channel->ShiftToInitial();
   EXPECT_EQ(channel->GetOffset(), -4.0);  // -2 x the mean raw value 2
-  const double expected[] = {12.0 * 2 - 4 + 10, 14.0 * 2 - 4 + 10, 16.0 * 2 - 4 + 10};
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(set.GetData().At(i, 1), expected[i]);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(set.GetData().At(i, 1), 2 * (12.0 + 2 * i) - 4 + 10);
   EXPECT_EQ(set.GetData().At(2, 2), 3.0);  // another channel
   set.ShiftToInitial(0);                   // the time is no channel
   EXPECT_EQ(set.GetData().At(0, 0), kStart);
@@ -308,7 +298,7 @@ TEST(TChannelSet, AColumnWithoutAMeanIsNotShifted) {
   EXPECT_TRUE(TChannelSource().GetSets()->ReadProperties(source.GetSets()->WriteProperties()));
 }
 
-TEST(TChannelSet, MayBeDestroyedByItsOwnSignals) {
+TEST(TChannelSet, MayBeDestroyedByItsOwnChanges) {
   const std::function<void(TChannelSet*)> changes[] = {
       [](TChannelSet* set) { set->SetCount(7); }, [](TChannelSet* set) { set->DeleteChannel(1); },
       [](TChannelSet* set) { delete set->GetChannels()->GetItem(1); },
@@ -320,7 +310,7 @@ TEST(TChannelSet, MayBeDestroyedByItsOwnSignals) {
       if (ofTheChannels) sender = set->GetChannels();
       QObject::connect(sender, &TPersistent::OnChange, [set] { delete set; });
       change(set);
-      delete set;  // not all of them are news of the channels
+      delete set;  // not all of them are changes of the channels
     }
   }
 }
@@ -349,17 +339,16 @@ TEST(TChannelSets, ListenersThatAddSetsDoNotKeepThemFromBeingCleared) {
 }
 
 TEST(TChannelSet, ADestroyedChannelTakesItsColumnAlong) {
-  for (const bool byTheSet : {true, false}) {
-    SCOPED_TRACE(byTheSet);
+  const std::function<void(TChannelSet&)> ways[] = {
+      [](TChannelSet& set) { set.DeleteChannel(1); },
+      [](TChannelSet& set) { delete set.GetChannels()->GetItem(1); }};
+  for (const auto& destroy : ways) {
+    SCOPED_TRACE(&destroy - ways);
     TChannelSet set;
     set.SetRows(2);
     const double row[] = {kStart, 1.0, 2.0, 3.0, 4.0};
     set.SetRow(row, 0, 5);
-    if (byTheSet) {
-      set.DeleteChannel(1);
-    } else {
-      delete set.GetChannels()->GetItem(1);
-    }
+    destroy(set);
     EXPECT_EQ(set.GetCount(), 3);
     ASSERT_EQ(set.GetData().Columns(), 4);
     EXPECT_EQ(set.GetData().At(0, 2), 3.0);
@@ -385,29 +374,27 @@ TEST(TChannelSet, TakesOnlyTheMessageOfItsOwnChannels) {
 
 TEST(TChannel, SensorTypesHaveTheirTexts) {
   const struct {
-    int type;
     const char *sensor, *quantity, *units;
-  } cases[] = {{0, "Unknown", "Unknown", ""},
-               {1, "Strain gage", "Stress", "MPa"},
-               {2, "Accelerometer", "Acceleration", "g"},
-               {3, "Thermometer", "Temperature", "C"},
-               {4, "Displacement transducer", "Displacement", "mm"},
-               {5, "Anemometer", "Wind speed", "m/s"},
-               {6, "Wind vane", "Wind direction", "deg"},
-               {7, "Unknown", "Unknown", ""},
-               {-1, "Unknown", "Unknown", ""}};
-  for (const auto& c : cases) {
-    const auto type = static_cast<TSensorType>(c.type);
+  } cases[] = {{"Unknown", "Unknown", ""},
+               {"Strain gage", "Stress", "MPa"},
+               {"Accelerometer", "Acceleration", "g"},
+               {"Thermometer", "Temperature", "C"},
+               {"Displacement transducer", "Displacement", "mm"},
+               {"Anemometer", "Wind speed", "m/s"},
+               {"Wind vane", "Wind direction", "deg"}};
+  for (int i = -1; i <= 7; ++i) {
+    const auto& c = cases[i > 0 && i < 7 ? i : 0];
+    const auto type = static_cast<TSensorType>(i);
     EXPECT_EQ(GetSensorTypeText(type), c.sensor);
     EXPECT_EQ(GetQuantityText(type), c.quantity);
     EXPECT_EQ(GetUnitsText(type), c.units);
   }
   TChannelSet set;
   TChannel* channel = set.GetChannels()->GetItem(0);
-  channel->SetSensorType(TChannel::stAccelerometer);
-  EXPECT_EQ(channel->GetUnits(), "g");
-  channel->SetSensorType(TChannel::stWindSpeed);
-  EXPECT_EQ(channel->GetUnits(), "g");
+  for (const auto type : {TChannel::stAccelerometer, TChannel::stWindSpeed}) {
+    channel->SetSensorType(type);
+    EXPECT_EQ(channel->GetUnits(), "g");  // set once
+  }
 }
 
 TEST(TChannelSets, NewSetsHaveLabelsOfTheirOwn) {
@@ -479,12 +466,9 @@ TEST(TChannelSets, RefuseDamagedTextAndKeepWhatTheyHave) {
   TChannelSource source;
   Fill(source);
   const QString text = source.GetSets()->WriteProperties();
-  QString zero = text;
-  zero.replace("\"ScaleFactor\":2", "\"ScaleFactor\":0");
-  QString count = text;
-  count.replace("\"ChannelCount\":2", "\"ChannelCount\":2147483647");
-  QString rows = text;
-  rows.replace("\"Rows\":5", "\"Rows\":1000000000");
+  const auto with = [&](const char* from, const char* to) {
+    return QString(text).replace(from, to);
+  };
   QString many = "{\"ChannelCount\":1024,\"Channels\":[" + QString("{},").repeated(1023) + "{}]},";
   many = '[' + many.repeated(33).chopped(1) + ']';
   const struct {
@@ -492,9 +476,12 @@ TEST(TChannelSets, RefuseDamagedTextAndKeepWhatTheyHave) {
   } cases[] = {{"", "Character 0: illegal value"},
                {"{}", "The text is no list of at most 256 sets"},
                {"[1]", "Set 1: ChannelCount is not the number of channels"},
-               {zero, "Set 1: Channel 2: TChannel.ScaleFactor does not take its value"},
-               {count, "Set 1: ChannelCount is not the number of channels"},
-               {rows, "Set 1: TChannelSet.Rows does not take its value"},
+               {with("\"ScaleFactor\":2", "\"ScaleFactor\":0"),
+                "Set 1: Channel 2: TChannel.ScaleFactor does not take its value"},
+               {with("\"ChannelCount\":2", "\"ChannelCount\":2147483647"),
+                "Set 1: ChannelCount is not the number of channels"},
+               {with("\"Rows\":5", "\"Rows\":1000000000"),
+                "Set 1: TChannelSet.Rows does not take its value"},
                {many, "Set 33: too many channels"}};
   for (const auto& c : cases) {
     QString error;

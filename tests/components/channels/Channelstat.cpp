@@ -78,13 +78,16 @@ TEST(TStatHistory, CompletesARecordWithTheBlockThatReachesItsEnd) {
   EXPECT_EQ(history.Current().Count, 2.0);
   history.UpdateStatistics(Block(start + 1.1 * kSecond, 9.0));
   ASSERT_EQ(history.Count(), 1);
-  const TStatSet& record = history.Get(0);
-  EXPECT_EQ(record.Count, 3.0);
-  EXPECT_EQ(record.Mean, 5.0);
+  TStatSet record = history.Get(0);
   EXPECT_DOUBLE_EQ(record.StDev, std::sqrt(13.0));
-  EXPECT_EQ(record.Max, 9.0);
-  EXPECT_EQ(record.Min, 2.0);
-  EXPECT_EQ(record.Time, start + 1.1 * kSecond);
+  record.StDev = 0.0;
+  EXPECT_EQ(record, (TStatSet{.Count = 3.0,
+                              .Sum = 15.0,
+                              .SqSum = 101.0,
+                              .Max = 9.0,
+                              .Min = 2.0,
+                              .Mean = 5.0,
+                              .Time = start + 1.1 * kSecond}));
   EXPECT_EQ(history.Current().Count, 0.0);
   EXPECT_EQ(history.Current().Mean, 5.0);  // a display shows the last completed one
   EXPECT_EQ(history.StartTime(), record.Time);
@@ -204,11 +207,10 @@ TEST(TChannelStatistics, TenYearsLoseNothingAndCountNothingTwice) {
     if (step > 3000.0 && pause(random) < 0.2) step = 0.2;
     if (pause(random) < 0.0001) {
       const TStatSet held = Held(statistics);
-      ASSERT_EQ(held.Count, given.Count) << date.toString(Qt::ISODate).toStdString();
-      ASSERT_EQ(held.Sum, given.Sum);
-      ASSERT_EQ(held.SqSum, given.SqSum);
-      ASSERT_EQ(held.Max, given.Max);
-      ASSERT_EQ(held.Min, given.Min);
+      for (const auto field :
+           {&TStatSet::Count, &TStatSet::Sum, &TStatSet::SqSum, &TStatSet::Max, &TStatSet::Min}) {
+        ASSERT_EQ(held.*field, given.*field) << date.toString(Qt::ISODate).toStdString();
+      }
     }
   }
   EXPECT_GE(statistics.Get(5)->Count(), 9);
@@ -222,9 +224,8 @@ TEST(TChannelStatistics, AClockSetBackBeginsANewInterval) {
     Add(statistics, Block(two + (i % 3600 + 0.5) * kSecond, 1.0));
   }
   EXPECT_EQ(Held(statistics).Count, 7200.0);
-  const TStatHistory* minutes = statistics.Get(1);
-  EXPECT_EQ(minutes->Count(), 60);
-  EXPECT_NEAR(minutes->Get(0).Count, 60.0, 1.0);
+  EXPECT_EQ(statistics.Get(1)->Count(), 60);
+  EXPECT_NEAR(statistics.Get(1)->Get(0).Count, 60.0, 1.0);
   ASSERT_EQ(statistics.Get(2)->Count(), 1);  // the first of the two hours
   EXPECT_NEAR(statistics.Get(2)->Get(0).Count, 3600.0, 60.0);
 }
@@ -272,31 +273,34 @@ TEST(TChannelStatistics, IntervalsBuildTheChain) {
 }
 
 TEST(TStatHistory, StatusHasAWarningAndHysteresis) {
-  TLimits limits{
-      .Max = 100.0, .Min = -100.0, .WarningLevel = 10.0, .CheckMax = true, .CheckMin = false};
+  using TSteps = std::vector<std::pair<double, TStatStatus>>;
+  TLimits limits;
   TStatHistory history(si1_Second, &limits);
   EXPECT_EQ(history.GetStatus(), ssNone);
-  const struct {
-    double value;
-    TStatStatus status;
-  } cases[] = {{50, ssNormal},  {90, ssNormal},   {91, ssWarning}, {86, ssWarning},
-               {84, ssNormal},  {100, ssWarning}, {101, ssAlarm},  {96, ssAlarm},
-               {94, ssWarning}, {101, ssAlarm},   {20, ssNormal},  {-500, ssNormal}};
+  const std::pair<TLimits, TSteps> cases[] = {
+      {{.Max = 100.0, .Min = -100.0, .WarningLevel = 10.0, .CheckMax = true, .CheckMin = false},
+       {{50, ssNormal},
+        {90, ssNormal},
+        {91, ssWarning},
+        {86, ssWarning},
+        {84, ssNormal},
+        {100, ssWarning},
+        {101, ssAlarm},
+        {96, ssAlarm},
+        {94, ssWarning},
+        {101, ssAlarm},
+        {20, ssNormal},
+        {-500, ssNormal}}},
+      {{.Max = 0.0, .Min = -100.0, .WarningLevel = 0.0, .CheckMax = false, .CheckMin = true},
+       {{-100, ssNormal}, {-101, ssAlarm}, {-100, ssNormal}, {900, ssNormal}}}};
   double time = 45000.0;
-  for (const auto& c : cases) {
-    history.AddToHistory(Block(time += kSecond, c.value));
-    history.CheckStatus();
-    EXPECT_EQ(history.GetStatus(), c.status) << c.value;
-  }
-  limits = {.Max = 0.0, .Min = -100.0, .WarningLevel = 0.0, .CheckMax = false, .CheckMin = true};
-  const struct {
-    double value;
-    TStatStatus status;
-  } lower[] = {{-100, ssNormal}, {-101, ssAlarm}, {-100, ssNormal}, {900, ssNormal}};
-  for (const auto& c : lower) {
-    history.AddToHistory(Block(time += kSecond, c.value));
-    history.CheckStatus();
-    EXPECT_EQ(history.GetStatus(), c.status) << c.value;
+  for (const auto& [checked, steps] : cases) {
+    limits = checked;
+    for (const auto& [value, status] : steps) {
+      history.AddToHistory(Block(time += kSecond, value));
+      history.CheckStatus();
+      EXPECT_EQ(history.GetStatus(), status) << value;
+    }
   }
 }
 
@@ -306,17 +310,17 @@ TEST(TChannelStatistics, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
   statistics.GetLimits()->SetCheckMax(true);
   EXPECT_EQ(statistics.GetStatus(), ssNone);
   const double start = Day(2024, 1, 15) + 22.5 * kHour;
-  TStatStatus bad = ssNone;
   for (int i = 0; i < 7200; ++i) {
     Add(statistics, Block(start + i * kSecond, i == 60 ? 101.0 : 0.0));
-    if (i == 60) bad = statistics.GetStatus();
+    if (i == 60) EXPECT_EQ(statistics.GetStatus(), ssAlarm);
   }
-  EXPECT_EQ(bad, ssAlarm);
   EXPECT_EQ(statistics.GetStatus(), ssNormal);
-  EXPECT_EQ(statistics.GetStatus(si1_Second), ssNormal);
-  EXPECT_EQ(statistics.GetStatus(si1_Hour), ssNormal);
-  EXPECT_EQ(statistics.GetStatus(si1_Day), ssAlarm);
-  EXPECT_EQ(statistics.GetStatus(si1_Month), ssNone);
+  for (const auto& [interval, status] : {std::pair(si1_Second, ssNormal),
+                                         {si1_Hour, ssNormal},
+                                         {si1_Day, ssAlarm},
+                                         {si1_Month, ssNone}}) {
+    EXPECT_EQ(statistics.GetStatus(interval), status) << interval;
+  }
   statistics.SetIntervals(si1_Day, si1_Month);
   EXPECT_EQ(statistics.GetStatus(), ssAlarm);
   EXPECT_EQ(statistics.GetStatus(si1_Second), ssNone);
