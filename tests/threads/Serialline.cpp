@@ -10,6 +10,10 @@
 
 #ifdef Q_OS_UNIX
 
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
 #include "examples/device-simulator/Devicesimulator.h"
 #include "examples/device-simulator/Pty.h"
 
@@ -72,6 +76,34 @@ TEST(ThreadsSerialLine, GivesAllBytesInOrderWhileNobodyReads) {
     received.append(buffer, static_cast<std::size_t>(count));
   }
   EXPECT_TRUE(received == sent);
+}
+
+/// What the line's own end sees; it takes eight bits without parity whatever it is asked.
+TEST(ThreadsSerialLine, IsSetUpAsItIsAsked) {
+  constexpr int kOne = 0, kTwo = 2, kDisable = 0, kEnable = 1, kHandshake = 2;
+  const struct {
+    int baudRate, stopBits, controlRTS;
+    speed_t speed;
+    tcflag_t flags;
+  } cases[] = {{9600, kOne, kEnable, B9600, 0},
+               {115200, kTwo, kEnable, B115200, CSTOPB},
+               {38400, kOne, kHandshake, B38400, CRTSCTS},
+               {9600, 7, kDisable, B9600, CSTOPB},
+               {9600, -1, kDisable, B9600, 0}};
+  const TPty line;
+  const auto driver = MakeDeviceDriver(QString::fromStdString(line.Path()));
+  ASSERT_TRUE(driver->Open({}));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.baudRate << ' ' << c.stopBits);
+    ASSERT_TRUE(driver->SetLine(
+        {.baudRate = c.baudRate, .stopBits = c.stopBits, .controlRTS = c.controlRTS}));
+    const int end = open(line.Path().c_str(), O_RDWR | O_NOCTTY);
+    termios set{};
+    EXPECT_EQ(tcgetattr(end, &set), 0);
+    close(end);
+    EXPECT_EQ(cfgetospeed(&set), c.speed);
+    EXPECT_EQ(set.c_cflag & (CSTOPB | CRTSCTS), c.flags);
+  }
 }
 
 }  // namespace
