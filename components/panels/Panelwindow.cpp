@@ -45,13 +45,9 @@ bool WritePicture(QWidget& widget, const QString& fileName, QString* error) {
     picture.setDevicePixelRatio(ratio);
     picture.fill(widget.palette().color(QPalette::Window));
     widget.render(&picture);
-    QSaveFile file(fileName);
-    QImageWriter writer(&file, QFileInfo(fileName).suffix().toLower().toLatin1());
-    if (file.open(QIODevice::WriteOnly) && writer.write(picture.toImage()) && file.flush() &&
-        file.commit()) {
-      return true;
-    }
-    reason = file.error() != QFile::NoError ? file.errorString() : writer.errorString();
+    reason = WritePictureFile(picture.toImage(), fileName,
+                              QFileInfo(fileName).suffix().toLower().toLatin1());
+    if (reason.isEmpty()) return true;
   }
   *error = QStringLiteral("Cannot write %1: %2").arg(fileName, reason);
   return false;

@@ -24,11 +24,8 @@ bool IsPictureName(const QString& fileName) {
 }
 
 QString SavePicture(const QImage& picture, const QString& fileName) {
-  QSaveFile file(fileName);
-  QImageWriter writer(&file, IsPictureName(fileName) ? SuffixOf(fileName) : "bmp");
-  if (file.open(QIODevice::WriteOnly) && writer.write(picture) && file.flush() && file.commit()) {
-    return {};
-  }
-  const QString why = file.error() != QFile::NoError ? file.errorString() : writer.errorString();
+  const QString why =
+      WritePictureFile(picture, fileName, IsPictureName(fileName) ? SuffixOf(fileName) : "bmp");
+  if (why.isEmpty()) return {};
   return QStringLiteral("Cannot write %1: %2.").arg(ShownFileName(fileName), why);
 }
