@@ -50,7 +50,8 @@ int Record(const QString& fileName, const QString& startText, double seconds) {
   if (!start.isValid()) return Fail(QStringLiteral("--start is not of the form YYYYMMDD HHMMSS"));
   QSaveFile file(fileName);
   const QByteArray text = Recording(MastAndWeather(), TDateTime::FromQDateTime(start), seconds);
-  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
+  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
+      !file.commit()) {
     return Fail(QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString()));
   }
   return EXIT_SUCCESS;

@@ -65,7 +65,7 @@ bool TOffscreenGl::Create(QSize size, int smoothing) {
   size_ = size;
   // A picture so large that it can only just be drawn is sharp enough.
   smoothing_ = qMax(size.width(), size.height()) * smoothing > kLargestPicture ? 1 : smoothing;
-  if (size.isEmpty() || size.width() > kLargestPicture || size.height() > kLargestSide) {
+  if (size.isEmpty() || size.width() > kLargestPicture || size.height() > kLargestPicture) {
     error_ = QStringLiteral("a picture of %1 x %2 pixels cannot be made")
                  .arg(size.width())
                  .arg(size.height());
