@@ -11,6 +11,7 @@
 
 #include "components/channels/Variable.h"
 #include "components/controls/Colorlabel.h"
+#include "components/controls/Designmode.h"
 #include "components/controls/Hyperlink.h"
 #include "components/controls/Korvaltools.h"
 #include "components/controls/Textlabel.h"
@@ -340,4 +341,3 @@ TEST(TColorLabel, FollowsAControlInColourAndText) {
 }  // namespace
 
 #include "Textcontrols.moc"
-#include "components/controls/Designmode.h"
