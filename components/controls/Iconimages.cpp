@@ -35,7 +35,8 @@ void DrawNamed(QPainter& painter, const QRectF& square, const QString& name) {
   } kStates[] = {{"Active", QColor(40, 180, 70)},
                  {"Idle", QColor(150, 156, 166)},
                  {"Down", QColor(226, 150, 30)}};
-  if (DrawSvgPicture(painter, square, "icons/" + name)) return;
+  // A name is never a path to other resources.
+  if (!name.contains('/') && DrawSvgPicture(painter, square, "icons/" + name)) return;
   for (const auto& state : kStates) {
     if (name.size() <= state.suffix.size() || !name.endsWith(state.suffix)) continue;
     DrawNamed(painter, square, name.chopped(state.suffix.size()));

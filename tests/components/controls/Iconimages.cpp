@@ -66,6 +66,7 @@ TEST(IconImages, AStateIsALampOverThePictureOrOverATileWithALetter) {
     EXPECT_EQ(Icon(c.name).copy(0, 0, 13, 24), Icon(c.plain).copy(0, 0, 13, 24)) << c.name;
   }
   EXPECT_NE(Icon("Nobody").copy(5, 5, 14, 14), Icon("TZebra").copy(5, 5, 14, 14));
+  EXPECT_NE(Icon("./ChannelImage"), Icon("ChannelImage"));
   EXPECT_FALSE(Inked(Icon("Active")).isNull());
 }
 
