@@ -28,7 +28,7 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-ROOMS = ["model", "signals", "shapes", "exchange", "components", "view3d", "export", "viewer"]
+ROOMS = ["model", "signals", "pictures", "shapes", "exchange", "components", "view3d", "export", "viewer"]
 SWAPS = [("<=", "<"), (">=", ">"), ("==", "!="), ("!=", "=="), ("&&", "||"), ("||", "&&"),
          (" < ", " <= "), (" > ", " >= "), (" + ", " - "), (" - ", " + "), (" * ", " / "),
          (" / ", " * "), ("++", "--"), ("true", "false"), ("false", "true"), ("(!", "("),
