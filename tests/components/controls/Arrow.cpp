@@ -61,6 +61,12 @@ TEST_F(Arrow, EndsInTheMiddleOfASideAndOnTheOppositeOneOfItsOwnBox) {
     end.SetControl(&first);
     EXPECT_EQ(end.GetPos(), c.attached);
   }
+  for (const int none : {-1, 4}) {  // no side
+    end.SetAttachTo(static_cast<TEnd::TAttachPos>(none));
+    EXPECT_EQ(end.GetAttachTo(), TEnd::apControlBottom);
+  }
+  end.SetAttachTo(TEnd::apControlLeft);
+  EXPECT_EQ(end.GetPos(), QPoint(100, 70));
 }
 
 TEST_F(Arrow, MiddlesAreHalvesRoundedTowardsZero) {
