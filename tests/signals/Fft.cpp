@@ -1,9 +1,7 @@
 #include "signals/Fft.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "tests/signals/Directsums.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -14,12 +12,10 @@ TEST(TRadix2Fft, IsTheDirectSumAtEveryLength) {
   for (const int length : {4, 8, 16, 32, 64, 128, 256, 512}) {
     SCOPED_TRACE(length);
     const TRadix2Fft fft(length);
-    const TColumn real = RandomValues(length, 1);
-    const TColumn imag = RandomValues(length, 2);
-    const TColumn zeros(real.size());
+    const TColumn real = RandomValues(length, 1), imag = RandomValues(length, 2),
+                  zeros(real.size());
     for (const bool hasImag : {true, false}) {
-      TColumn outReal(real.size());
-      TColumn outImag(real.size());
+      TColumn outReal(real.size()), outImag(real.size());
       fft.Forward(real.data(), hasImag ? imag.data() : nullptr, outReal.data(), outImag.data());
       const auto sums = DirectSums(real, hasImag ? imag : zeros, length);
       for (std::size_t k = 0; k < sums.size(); ++k) {
@@ -36,8 +32,7 @@ TEST(TRadix2Fft, KeepsTheEnergyAndIsTakenBackByTheInverse) {
     const TColumn real = RandomValues(length, 3);
     const TColumn imag = RandomValues(length, 4);
     const TColumn zeros(real.size());
-    TColumn outReal(real.size());
-    TColumn outImag(real.size());
+    TColumn outReal(real.size()), outImag(real.size());
     fft.Forward(real.data(), imag.data(), outReal.data(), outImag.data());
     const auto energy = [](const TColumn& re, const TColumn& im) {
       double sum = 0.0;
@@ -46,15 +41,13 @@ TEST(TRadix2Fft, KeepsTheEnergyAndIsTakenBackByTheInverse) {
     };
     EXPECT_NEAR(energy(outReal, outImag) / length / energy(real, imag), 1.0, 1e-10);
 
-    TColumn backReal(real.size());
-    TColumn backImag(real.size());
+    TColumn backReal(real.size()), backImag(real.size());
     fft.Inverse(outReal.data(), outImag.data(), backReal.data(), backImag.data());
     EXPECT_THAT(backReal, Pointwise(DoubleNear(1e-9), real));
     EXPECT_THAT(backImag, Pointwise(DoubleNear(1e-9), imag));
 
     // A spectrum without imaginary part, said in both ways.
-    TColumn sameReal(real.size());
-    TColumn sameImag(real.size());
+    TColumn sameReal(real.size()), sameImag(real.size());
     fft.Inverse(real.data(), nullptr, backReal.data(), backImag.data());
     fft.Inverse(real.data(), zeros.data(), sameReal.data(), sameImag.data());
     EXPECT_THAT(backReal, Pointwise(DoubleNear(1e-12), sameReal));

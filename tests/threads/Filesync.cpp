@@ -1,12 +1,8 @@
 #include "model/Filesync.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <future>
-#include <vector>
 
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>

@@ -1,17 +1,10 @@
-#include <gtest/gtest.h>
 
-#include <QPointer>
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <memory>
-#include <random>
 
 #include "components/sources/Filereader.h"
 #include "components/sources/Simulator.h"
 #include "components/sources/Stringreader.h"
 #include "tests/components/sources/Providerfixture.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -33,24 +26,17 @@ class TPlace {
 
   void Act() {
     ++actions;
-    switch (random_() % 8) {
-      case 0:
-        return Destroy();
-      case 1:
-        return provider_->SetActive(!provider_->GetActive());
-      case 2:
-        provider_->SetActive(false);
-        return provider_->SetActive(true);
-      case 3:
-        return provider_->SetReadMode(random_() % 2 ? TCustomDataProvider::rmReadPage
-                                                    : TCustomDataProvider::rmContinuous);
-      case 4:
-        return provider_->SetPageSize(static_cast<int>(1 + random_() % 5000));
-      case 5:
-        return ReplaceClient();
-      default:
-        return Redirect();
+    const unsigned kind = random_() % 8;
+    if (kind == 0) return Destroy();
+    if (kind == 1) provider_->SetActive(false);
+    if (kind < 3) return provider_->SetActive(!provider_->GetActive());
+    if (kind == 3) {
+      return provider_->SetReadMode(random_() % 2 ? TCustomDataProvider::rmReadPage
+                                                  : TCustomDataProvider::rmContinuous);
     }
+    if (kind == 4) return provider_->SetPageSize(static_cast<int>(1 + random_() % 5000));
+    if (kind == 5) return ReplaceClient();
+    Redirect();
   }
   void Wake() {
     if (!provider_) Make();

@@ -1,13 +1,9 @@
 #include "components/comms/Qlxserver.h"
 
-#include <gtest/gtest.h>
-
-#include <QTest>
-#include <QThread>
 #include <condition_variable>
 #include <mutex>
-#include <random>
 
+#include "tests/support/Testing.h"
 namespace {
 
 using std::chrono::milliseconds;

@@ -1,11 +1,5 @@
 // The system's driver, whose line is received on a thread, with a real line under it.
 
-#include <gtest/gtest.h>
-
-#include <QDeadlineTimer>
-#include <QThread>
-#include <random>
-
 #include "components/comms/Qlxport.h"
 
 #ifdef Q_OS_UNIX
@@ -16,6 +10,7 @@
 
 #include "examples/device-simulator/Devicesimulator.h"
 #include "examples/device-simulator/Pty.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,12 +1,7 @@
 #include "components/links/Synchronizer.h"
 
-#include <gmock/gmock.h>
-
-#include <atomic>
-#include <memory>
-#include <thread>
-
 #include "tests/components/sources/Providerfixture.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

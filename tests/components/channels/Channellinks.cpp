@@ -1,12 +1,6 @@
 #include "components/channels/Channellinks.h"
+#include "tests/support/Testing.h"
 
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <thread>
-
-#include "model/Datetime.h"
-#include "tests/support/Testsupport.h"
 #include "tests/support/Ticks.h"
 
 namespace {

@@ -1,16 +1,7 @@
 #include "components/channels/Channelset.h"
 
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <thread>
-
 #include "components/channels/Statsstorage.h"
-#include "model/Datetime.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -541,10 +532,11 @@ TEST(TChannelSet, RowsMayComeOnAThreadOfTheirOwn) {
     static_cast<void>(set->GetChannels()->GetItem(0)->GetStats()->GetCurrent(0, record));
     if (i % 10 == 0) set->SetCount(3 + i % 7);
     if (i % 10 == 1) set->DeleteChannel(2);
-    if (i % 10 == 2) set->GetChannels()->GetItem(0)->GetStats()->SetMinInterval(si1_Minute);
-    if (i % 10 == 3) set->GetChannels()->GetItem(0)->GetStats()->SetMinInterval(si1_Second);
-    if (i % 10 == 4) client.SetChannelSet(nullptr);
-    if (i % 10 == 5) client.SetChannelSet(set);
+    if (i % 10 == 2 || i % 10 == 3) {
+      TChannelStatistics* stats = set->GetChannels()->GetItem(0)->GetStats();
+      stats->SetMinInterval(i % 10 == 2 ? si1_Minute : si1_Second);
+    }
+    if (i % 10 == 4 || i % 10 == 5) client.SetChannelSet(i % 10 == 4 ? nullptr : set);
     if (i % 10 == 6) set->SetRows(5 + i % 11);
     set->GetChannels()->GetItem(i % 2)->GetStats()->GetLimits()->SetLimitMax(i);
   }

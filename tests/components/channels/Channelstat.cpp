@@ -1,18 +1,10 @@
 #include "components/channels/Channelstat.h"
 
-#include <gtest/gtest.h>
-
-#include <QDataStream>
-#include <QDate>
-#include <QIODevice>
 #include <QLocale>
 #include <clocale>
-#include <cmath>
-#include <random>
 
 #include "components/channels/Matrix.h"
-#include "model/Datetime.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -312,7 +304,9 @@ TEST(TChannelStatistics, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
   const double start = Day(2024, 1, 15) + 22.5 * kHour;
   for (int i = 0; i < 7200; ++i) {
     Add(statistics, Block(start + i * kSecond, i == 60 ? 101.0 : 0.0));
-    if (i == 60) EXPECT_EQ(statistics.GetStatus(), ssAlarm);
+    if (i == 60) {
+      EXPECT_EQ(statistics.GetStatus(), ssAlarm);
+    }
   }
   EXPECT_EQ(statistics.GetStatus(), ssNormal);
   for (const auto& [interval, status] : {std::pair(si1_Second, ssNormal),

@@ -1,14 +1,9 @@
 #include "components/channels/Channelvalue.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "components/channels/Runningstatistics.h"
 #include "components/controls/Historygraph.h"
 #include "components/graphing/Graph.h"
-#include "model/Datetime.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,27 +1,14 @@
 #include "components/channels/Datachannel.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QImage>
-#include <QSignalSpy>
-#include <algorithm>
-#include <limits>
-#include <memory>
-#include <random>
-#include <stdexcept>
-
-#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/panels/Published.h"
 #include "tests/components/sources/Providerfixture.h"
 #include "tests/support/Pictures.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::Pair;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -140,30 +127,30 @@ TEST(TDataChannel, IgnoresConversionsThatCannotBeUndone) {
 
 TEST(TDataChannel, KeepsTheNewestInPipeModeAndManyWithoutIt) {
   TDataChannel channel;
+  const auto expect = [&](int count, double first, double last) {
+    EXPECT_EQ(channel.GetPointCount(), count);
+    EXPECT_EQ(Values(channel).front(), first);
+    EXPECT_EQ(Values(channel).back(), last);
+  };
   for (int i = 1; i <= 101; ++i) channel.SetTimeAndValue(i * 0.5, i);
-  EXPECT_EQ(channel.GetPointCount(), 100);
-  EXPECT_EQ(Values(channel).front(), 2.0);
+  expect(100, 2.0, 101.0);
   EXPECT_EQ(channel.GetData()->GetValues(99, 0), 50.5);
   channel.SetPipeMode(false);
-  EXPECT_EQ(channel.GetPointCount(), 100);
+  expect(100, 2.0, 101.0);
   channel.SetValue(102.0);
-  EXPECT_EQ(channel.GetPointCount(), 101);
+  expect(101, 2.0, 102.0);
   channel.SetPointCount(40);  // counts in pipe mode only
   EXPECT_EQ(channel.GetData()->GetMaxCount(), 65536);
   QSignalSpy redraws(channel.GetGraphLink(), &TGraphLink::OnUpdate);
   channel.SetPipeMode(true);
-  EXPECT_EQ(channel.GetPointCount(), 40);
-  EXPECT_EQ(Values(channel).front(), 63.0);
-  EXPECT_EQ(Values(channel).back(), 102.0);
+  expect(40, 63.0, 102.0);
   EXPECT_EQ(redraws.count(), 1);
   TFloatList longer;
   for (int i = 1; i <= 50; ++i) longer.PushBack(i);
   channel.SetData(&longer);
-  EXPECT_EQ(channel.GetPointCount(), 40);
-  EXPECT_EQ(Values(channel).front(), 11.0);
+  expect(40, 11.0, 50.0);
   channel.GetData()->SetDataValues(longer.WriteProperties());
-  EXPECT_EQ(channel.GetPointCount(), 40);
-  EXPECT_EQ(Values(channel).back(), 50.0);
+  expect(40, 11.0, 50.0);
   redraws.clear();
   for (const int refused : {-1, 65537}) {
     channel.SetPointCount(refused);

@@ -1,14 +1,8 @@
 #include "components/channels/Statistics.h"
 
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <array>
-#include <cmath>
-#include <limits>
-
 #include "components/channels/Statisticsseries.h"
 #include "tests/components/graphing/Panelfixture.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,20 +1,10 @@
 #include "components/channels/Statsstorage.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QPlainTextEdit>
-#include <QSignalSpy>
-#include <cmath>
-
 #include "components/panels/Panel.h"
 #include "model/Datetime.h"
 #include "model/Filesync.h"
-#include "tests/support/Files.h"
 #include "tests/support/Fulldisk.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include "components/channels/Variable.h"
 
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <QMetaProperty>
-#include <limits>
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -61,21 +57,7 @@ TEST(TVariable, MakesItsCaptionAnewWhenItsFormIsComplete) {
   EXPECT_EQ(variable.GetCaption(), "v=3");
 }
 
-TEST(TVariable, LeavesItsCaptionOutOfForms) {
-  const QMetaObject& meta = TVariable::staticMetaObject;
-  QStringList stored;
-  for (int i = TCustomVariable::staticMetaObject.propertyCount(); i < meta.propertyCount(); ++i) {
-    if (meta.property(i).isStored()) stored << meta.property(i).name();
-  }
-  EXPECT_EQ(stored, QStringList({"ShowValue", "ShowName", "ValueFormat", "Value"}));
-  const QMetaProperty caption = meta.property(meta.indexOfProperty("Caption"));
-  EXPECT_FALSE(caption.isStored());
-  TVariable variable;
-  variable.setObjectName("v");
-  EXPECT_EQ(caption.read(&variable), "v=0");
-}
-
-TEST(TVariable, MayBeDestroyedByASubscriber) {
+TEST(TVariable, MayBeDestroyedByWhomItTells) {
   auto* variable = new TVariable;
   TValueLink link([&](double) { delete variable; });
   variable->AddLink(&link, false);

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QByteArray>
-#include <algorithm>
-
 #include "components/comms/Qlxdriver.h"
+
+#include "tests/support/Testing.h"
 
 /// A line in memory that takes everything. What waits in a test's `incoming` comes in.
 class TMemoryDriver : public TSerialDriver {

@@ -1,9 +1,8 @@
 #include "components/comms/Polling.h"
 
-#include <gtest/gtest.h>
-
 #include <deque>
 
+#include "tests/support/Testing.h"
 namespace {
 
 /// A device whose answers take so many ticks.

@@ -1,15 +1,7 @@
 #include "components/comms/Portdialog.h"
 
-#include <gtest/gtest.h>
-
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTest>
-
 #include "components/graphing/Publishedrecord.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

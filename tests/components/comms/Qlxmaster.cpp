@@ -1,14 +1,10 @@
 #include "components/comms/Qlxmaster.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "components/comms/Qlxxml.h"
 #include "model/Datetime.h"
 #include "tests/components/comms/Memorydriver.h"
 #include "tests/components/comms/Rowrecorder.h"
-#include "tests/support/Files.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 #include "tests/support/Ticks.h"
 
 namespace {

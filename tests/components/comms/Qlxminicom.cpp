@@ -1,15 +1,8 @@
 #include "components/comms/Qlxminicom.h"
 
-#include <gtest/gtest.h>
-
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-
 #include "components/comms/Qlxport.h"
 #include "tests/components/comms/Memorydriver.h"
+#include "tests/support/Testing.h"
 #include "tests/support/Ticks.h"
 
 namespace {

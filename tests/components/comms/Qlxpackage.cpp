@@ -1,22 +1,14 @@
 #include "components/comms/Qlxpackage.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QBuffer>
-#include <QFile>
-#include <cstdlib>
-#include <optional>
-#include <random>
+#include <sstream>
 
 #include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using TRows = TRowRecorder::TRows;
 
 constexpr double kDay = 45413.0;  // 1 May 2024, as spreadsheets count
@@ -276,111 +268,68 @@ TEST_F(TQLXPackageTest, SurvivesWhatARowDoes) {
   }
 }
 
-/// The format once more, one byte after another and with the C library's numbers.
-class TReference {
- public:
-  struct TSet {
-    std::string tag, id;
-    std::size_t count;
-    std::vector<double> row;
-    TRows rows;
-  };
+/// A set as the format is read once more, in a text as a whole and with the C library's numbers.
+struct TReference {
+  std::string tag, id;
+  std::size_t count;
+  std::vector<double> row = std::vector<double>(count + 1);
+  TRows rows{};
 
-  explicit TReference(std::vector<TSet> sets) : sets_(std::move(sets)) {
-    for (TSet& set : sets_) set.row.resize(set.count + 1);
+  void Write(std::string line, std::string stamp) {
+    if (tag == "data") {
+      stamp = line;
+      line.erase(0, 19);
+    }
+    std::vector<double> values;
+    const char* next = line.c_str();
+    for (char* behind = nullptr; values.size() < count; next = behind) {
+      const double value = ReferenceNumber(next, &behind);
+      if (behind == next) break;
+      values.push_back(value);
+    }
+    if (values.empty()) return;
+    row[0] = TQLXPackage::ExtractTime(stamp).Days();
+    std::copy(values.begin(), values.end(), row.begin() + 1);
+    rows.push_back(row);
   }
+};
 
-  void Take(char c) {
-    if (state_ == 3) {
-      if (c == '<') state_ = 0;
-    } else if (state_ == 0) {
-      if (c == '>') {
-        state_ = 1;
-      } else if (tag_.size() < 256) {
-        tag_ += c;
+std::string Flag(const std::string& tag, const std::string& key) {
+  const std::size_t found = tag.find(key);
+  const std::size_t quote = found + key.size();
+  const std::size_t end = found == std::string::npos ? found : tag.find('"', quote);
+  return end == std::string::npos ? "" : tag.substr(quote, end - quote);
+}
+
+void Read(const std::string& text, std::vector<TReference>& sets) {
+  constexpr std::size_t kNone = std::string::npos, kName = 64;
+  for (std::size_t at = 0; (at = text.find('<', at)) != kNone;) {
+    const std::size_t open = text.find('>', at);
+    if (open == kNone) return;
+    const std::string tag = text.substr(at + 1, std::min<std::size_t>(open - at - 1, 256));
+    std::string body;
+    for (at = open + 1; at < text.size() && text.compare(at, 2, "</") != 0; ++at) {
+      if (text[at] == '<') {
+        ++at;  // takes the next byte along
+      } else if (text[at] != '\r') {
+        body += text[at];
       }
-    } else if (state_ == 1) {
-      TakeBody(c);
-    } else if (c == '>') {
-      End();
-    } else {
-      name_ += c;
-      if (name_.size() == 64) Reset();
     }
-  }
-
-  const std::vector<TSet>& Sets() const { return sets_; }
-
- private:
-  void TakeBody(char c) {
-    if (bracket_) {
-      bracket_ = false;
-      if (c == '/') state_ = 2;
-    } else if (c == '<') {
-      bracket_ = true;
-    } else if (c == '\n') {
-      EndLine();
-    } else if (c != '\r') {
-      line_ += c;
-    }
-  }
-
-  void EndLine() {
-    if (!line_.empty()) lines_.push_back(std::exchange(line_, {}));
-  }
-
-  void End() {
-    EndLine();
-    for (TSet& set : sets_) {
-      if (set.tag != name_ || set.id != Flag(" id=\"")) continue;
-      Write(set);
+    const std::size_t name = at + 2, end = text.find('>', std::min(name, text.size()));
+    if (name > text.size()) return;
+    at = std::min(end, name + kName - 1) + 1;
+    if (end == kNone && name + kName > text.size()) return;
+    if (end == kNone || end - name >= kName) continue;
+    for (TReference& set : sets) {
+      if (set.tag != text.substr(name, end - name) || set.id != Flag(tag, " id=\"")) continue;
+      std::istringstream lines(body);
+      for (std::string line; std::getline(lines, line);) {
+        if (!line.empty()) set.Write(line, Flag(tag, " time=\""));
+      }
       break;
     }
-    Reset();
   }
-
-  void Write(TSet& set) {
-    for (std::string line : lines_) {
-      std::string stamp = Flag(" time=\"");
-      if (set.tag == "data") {
-        stamp = line;
-        line.erase(0, 19);
-      }
-      std::vector<double> values;
-      const char* next = line.c_str();
-      for (char* behind = nullptr; values.size() < set.count; next = behind) {
-        const double value = ReferenceNumber(next, &behind);
-        if (behind == next) break;
-        values.push_back(value);
-      }
-      if (values.empty()) continue;
-      set.row[0] = TQLXPackage::ExtractTime(stamp).Days();
-      std::copy(values.begin(), values.end(), set.row.begin() + 1);
-      set.rows.push_back(set.row);
-    }
-  }
-
-  std::string Flag(const std::string& key) const {
-    const std::size_t found = tag_.find(key);
-    if (found == std::string::npos) return {};
-    const std::size_t quote = tag_.find('"', found + key.size());
-    if (quote == std::string::npos) return {};
-    return tag_.substr(found + key.size(), quote - found - key.size());
-  }
-
-  void Reset() {
-    tag_ = name_ = line_ = {};
-    lines_ = {};
-    bracket_ = false;
-    state_ = 3;
-  }
-
-  std::vector<TSet> sets_;
-  int state_ = 3;
-  bool bracket_ = false;
-  std::string tag_, name_, line_;
-  std::vector<std::string> lines_;
-};
+}
 
 /// Text that is a package here and nearly one there.
 std::string Rubbish(std::mt19937& random, int pieces) {
@@ -391,9 +340,9 @@ std::string Rubbish(std::mt19937& random, int pieces) {
             "\n|\r|\n\n| |\t|20240501 101112131 |1|-2.5|3.25 4|17.125 |x|\"| id=\"|a|<b|</|"
             "0.001 -4 5.5 6\r\n|data|1 2 3\r\n|\xff")
             .split('|');
-    std::vector<QByteArray> pieces(texts.begin(), texts.end());
-    pieces.insert(pieces.end(), {QByteArray(1, '\0'), QByteArray(70, 'n'), QByteArray(300, 't')});
-    return pieces;
+    std::vector<QByteArray> all(texts.begin(), texts.end());
+    all.insert(all.end(), {QByteArray(1, '\0'), QByteArray(70, 'n'), QByteArray(300, 't')});
+    return all;
   }();
   std::uniform_int_distribution<std::size_t> pick(0, kPieces.size() - 1);
   std::string text;
@@ -406,8 +355,8 @@ TEST(TQLXPackage, GivesTheSameRowsHoweverTheTextIsCut) {
   std::size_t rows = 0;
   for (int run = 0; run < 3000; ++run) {
     const std::string text = Rubbish(random, 120);
-    TReference reference({{"data", "a", 4, {}, {}}, {"w", "a", 3, {}, {}}});
-    for (const char c : text) reference.Take(c);
+    std::vector<TReference> reference = {{"data", "a", 4}, {"w", "a", 3}};
+    Read(text, reference);
 
     TRowRecorder recorder;
     recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 4);
@@ -419,8 +368,8 @@ TEST(TQLXPackage, GivesTheSameRowsHoweverTheTextIsCut) {
       package.Parse(std::string_view(text).substr(i, size));
       i += size;
     }
-    ASSERT_EQ(recorder.Rows(0), reference.Sets()[0].rows) << "run " << run;
-    ASSERT_EQ(recorder.Rows(1), reference.Sets()[1].rows) << "run " << run;
+    ASSERT_EQ(recorder.Rows(0), reference[0].rows) << "run " << run;
+    ASSERT_EQ(recorder.Rows(1), reference[1].rows) << "run " << run;
     rows += recorder.Rows(0).size() + recorder.Rows(1).size();
   }
   EXPECT_GT(rows, 2000u) << "the text must have rows to be lost";

@@ -1,11 +1,6 @@
 #include "components/comms/Qlxpacket.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
+#include "tests/support/Testing.h"
 
 namespace {
 

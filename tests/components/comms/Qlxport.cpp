@@ -1,13 +1,7 @@
 #include "components/comms/Qlxport.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <memory>
-
-#include "model/Datetime.h"
 #include "tests/components/comms/Memorydriver.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,26 +1,13 @@
 #include "components/comms/Qlxxml.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QDialog>
-#include <QElapsedTimer>
-#include <QFileInfo>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QProcess>
-#include <QPushButton>
-#include <QSignalSpy>
 #include <QTcpSocket>
-#include <QTest>
 
 #include "components/comms/Qlxwebdebug.h"
 #include "examples/package-server/Packageserver.h"
 #include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
-#include "tests/support/Files.h"
 #include "tests/support/Fulldisk.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 #include "tests/support/Ticks.h"
 
 namespace {
@@ -169,28 +156,6 @@ TEST_F(TQLXXMLClientTest, FindsAServerThatComesBack) {
   }
 }
 
-/// The server as a program, killed without a word.
-TEST_F(TQLXXMLClientTest, FindsAServerThatWasKilled) {
-  const QString program = BuiltFile("examples/package-server/package-server");
-  server.Stop();
-  client->SetAutoConnect(true);
-  QString number = QStringLiteral("0");
-  for (int round = 0; round < 2; ++round) {
-    QProcess other;
-    other.start(program, {"--port", number, "--rate", "10"});
-    ASSERT_TRUE(WaitFor([&] { return other.canReadLine(); }));
-    number = QString::fromLatin1(other.readLine()).trimmed().section(' ', -1);
-    client->GetSocket()->SetPort(number.toInt());
-    Tick(20);
-    recorder.Clear();
-    ASSERT_TRUE(WaitForWind(1));
-    other.kill();
-    ASSERT_TRUE(other.waitForFinished());
-    ASSERT_TRUE(WaitFor([this] { return !client->GetActive(); }));
-    EXPECT_EQ(client->GetStatus(), "Disconnected from 127.0.0.1 port : " + number);
-  }
-}
-
 TEST_F(TQLXXMLClientTest, TriesAfter200MillisecondsAndNotWhileItsFormIsRead) {
   client->SetActive(false);
   MakeClient();
@@ -261,16 +226,6 @@ TEST_F(TQLXXMLClientTest, GoesOnAfterEveryFaultOfTheServer) {
     }
   }
   EXPECT_TRUE(client->GetActive());
-}
-
-TEST_F(TQLXXMLClientTest, TakesARecordThatTheServerPlays) {
-  server.Replay = TReplay(Recording(MastAndWeather(), TDateTime(45413.0), 30.0));
-  server.SetRateFactor(100.0);
-  Connect();
-  ASSERT_TRUE(WaitFor([this] { return recorder.Rows(0).size() >= 3100; }));
-  EXPECT_NEAR(recorder.Rows(0)[0][0], 45413.0, 1e-9);
-  EXPECT_NEAR(recorder.Rows(0)[2999][0], 45413.0 + 29.99 / kSecondsPerDay, 1e-9);
-  EXPECT_NEAR(recorder.Rows(0)[3000][0], 45413.0, 1e-9);  // and once more
 }
 
 TEST_F(TQLXXMLClientTest, LogsEveryByteUnchanged) {

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <vector>
-
 #include "components/channels/Channelset.h"
+
+#include "tests/support/Testing.h"
 
 /// A channel source whose sets keep every row that they are given.
 class TRowRecorder {

@@ -1,19 +1,10 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <QDir>
-#include <QFile>
-#include <QImage>
-#include <QLabel>
-#include <QLibraryInfo>
-#include <QSpinBox>
 
 #include "components/comms/Qlxxml.h"
 #include "components/controls/Imagecontrol.h"
 #include "components/panels/Formwidgets.h"
 #include "tests/components/panels/Panelforms.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,7 +1,4 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QMetaEnum>
 
 #include "components/channels/Channelset.h"
 #include "components/channels/Datachannel.h"
@@ -12,13 +9,12 @@
 #include "components/panels/Panelwindow.h"
 #include "tests/components/links/Changedvalues.h"
 #include "tests/components/panels/Panelforms.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 template <class T>
 T* Find(const TPanel& panel, const QString& name) {
@@ -222,26 +218,6 @@ TEST(Panel, AFormOfAnOlderVersionIsReadWholeAndSavedAsItWas) {
                                   "GraphLink.Graph: there is no component gone that fits"));
   EXPECT_GE(panel->Components().size(), 30u);
   EXPECT_EQ(panel->Text().toStdString(), text.toStdString());
-}
-
-TEST(Panel, SavesNoCaptionThatAVariableMakesItself) {
-  const auto panel = LoadForm("  <widget class=\"TVariable\" name=\"v\"/>\n", nullptr);
-  Find<TVariable>(*panel, "v")->SetValue(3.0);
-  ASSERT_EQ(Find<TVariable>(*panel, "v")->GetCaption(), "v=3");
-  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<double>3</double>"));
-  EXPECT_THAT(panel->Text().toStdString(), Not(HasSubstr("Caption")));
-}
-
-TEST(Panel, SavesTheLastSamplesOfAChannel) {
-  QStringList faults;
-  const auto panel = LoadForm("  <widget class=\"TDataChannel\" name=\"c\"/>\n", &faults);
-  for (int i = 0; i < 150; ++i) Find<TDataChannel>(*panel, "c")->SetTimeAndValue(i, 0.5 * i);
-  const auto again = TPanel::FromText(panel->Text(), "p.ui", &faults);
-  EXPECT_THAT(faults, ElementsAre());
-  const TFloatList& data = *Find<TDataChannel>(*again, "c")->GetData();
-  ASSERT_EQ(data.Count(), 100);
-  EXPECT_EQ(data.GetValues(99, TFloatList::kTime), 149.0);
-  EXPECT_EQ(data.GetValues(0, TFloatList::kValue), 25.0);
 }
 
 }  // namespace

@@ -1,21 +1,14 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QLabel>
-#include <QLayout>
-#include <QSpinBox>
 
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
 #include "components/graphing/Graph.h"
 #include "tests/components/panels/Panelforms.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 /// One of the form's faults, as the user reads them.
 std::string Joined(const QStringList& faults) { return faults.join('\n').toStdString(); }
@@ -80,32 +73,6 @@ TEST(Panelfaults, ManyClientsAreFoundAndEachCircleIsOpenedOnce) {
   EXPECT_FALSE(first->PointsTo(first));
 }
 
-TEST(Panelfaults, AFormThatNamesItselfEnds) {
-  QStringList faults;
-  QString text = FormOf(
-      "<widget class=\"TMyself\" name=\"m\"><widget class=\"TVariable\" name=\"v\"/></widget>\n");
-  text.replace("</ui>",
-               "<customwidgets><customwidget><class>TMyself</class><extends>TMyself</extends>"
-               "<header>p.ui</header></customwidget></customwidgets></ui>");
-  const auto panel = TPanel::FromText(text, "p.ui", &faults);
-  ASSERT_TRUE(panel);
-  EXPECT_EQ(Joined(faults), "p.ui:5: m (TMyself): the class is unknown");
-  EXPECT_EQ(panel->Components().size(), 1U);
-}
-
-TEST(Panelfaults, ManyAreCounted) {
-  QStringList faults;
-  const auto panel = LoadForm(
-      "<widget class=\"TVariable\" name=\"v\">" +
-          QString("<property name=\"Sharpness\"><double>1</double></property>\n").repeated(1) +
-          QString("<property name=\"Value\"><double>x</double></property>\n").repeated(3000) +
-          "</widget>\n",
-      &faults);
-  ASSERT_TRUE(panel);
-  ASSERT_EQ(faults.size(), 1001);
-  EXPECT_EQ(faults.back(), "p.ui: there are 2001 faults more");
-}
-
 TEST(Panelfaults, NestedElementsInsideAPropertyDoNotOverflow) {
   constexpr int kDepth = 1'000'000;
   QStringList faults;
@@ -115,15 +82,6 @@ TEST(Panelfaults, NestedElementsInsideAPropertyDoNotOverflow) {
                               &faults);
   ASSERT_TRUE(panel);
   EXPECT_EQ(Joined(faults), "p.ui:5: v (TVariable): property Value: '' is not a number");
-}
-
-TEST(Panelfaults, AFileThatIsNotUtf8IsNotTakenApart) {
-  QByteArray text = FormOf("<widget class=\"QLabel\" name=\"l\"/>\n").toUtf8();
-  text.replace("name=\"l\"", "name=\"l\xe4nge\"");
-  const QString file = WriteTestFile("latin.ui", text);
-  QStringList faults;
-  EXPECT_FALSE(TPanel::Load(file, &faults));
-  EXPECT_THAT(faults, ElementsAre("Cannot read " + file + ": line 5 is no UTF-8 text"));
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QString>
-#include <memory>
-
 #include "components/panels/Panel.h"
-#include "tests/support/Testsupport.h"
+
+#include "tests/support/Testing.h"
 
 /// A form with these widgets in it; the first of them begins in line 5.
 inline QString FormOf(const QString& widgets) {

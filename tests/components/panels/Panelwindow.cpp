@@ -1,22 +1,13 @@
 #include "components/panels/Panelwindow.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QMenuBar>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRegularExpression>
-#include <QTimer>
 #include <filesystem>
 
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
 #include "components/graphing/Graph.h"
 #include "tests/components/panels/Panelforms.h"
-#include "tests/support/Files.h"
 #include "tests/support/Fulldisk.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -124,8 +115,8 @@ TEST(Panelwindow, AFailureToWriteIsSaidAndLosesNothing) {
     open.Channel().SetScaleFactor(3.0);
     open.answer = TAnswer::Save;
     const QByteArray before = Contents(open.file);
-    if (!disk) ASSERT_TRUE(QFile::rename(open.file, TestFolder() + "/old"));
-    if (!disk) ASSERT_TRUE(QDir().mkdir(open.file));
+    const QString old = disk ? open.file : TestFolder() + "/old";
+    ASSERT_TRUE(disk || (QFile::rename(open.file, old) && QDir().mkdir(open.file)));
     {
       const auto full = disk ? std::make_unique<TFullDisk>(before.size() / 2) : nullptr;
       EXPECT_FALSE(open.window.close());
@@ -134,13 +125,13 @@ TEST(Panelwindow, AFailureToWriteIsSaidAndLosesNothing) {
     EXPECT_THAT(TakeMessages().join('\n').toStdString(),
                 StartsWith(("Cannot write " + open.file + ": ").toStdString()));
     EXPECT_EQ(open.Channel().GetScaleFactor(), 3.0);
-    EXPECT_EQ(Contents(disk ? open.file : TestFolder() + "/old"), before);
+    EXPECT_EQ(Contents(old), before);
     EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files).size(), 1) << "nothing is left behind";
     // Once there is room, the same panel is written.
-    if (!disk) ASSERT_TRUE(QDir().rmdir(open.file));
+    ASSERT_TRUE(disk || QDir().rmdir(open.file));
     EXPECT_TRUE(open.window.close());
     EXPECT_EQ(open.Saved(), 3.0);
-    QFile::remove(TestFolder() + "/old");
+    QFile::remove(old);
   }
 }
 

@@ -1,11 +1,6 @@
 #include "components/panels/Trust.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,20 +1,13 @@
 #include "components/sources/Dataprovider.h"
 
-#include <gmock/gmock.h>
-
-#include <QElapsedTimer>
-#include <QSignalSpy>
-#include <QWidget>
-#include <cmath>
-
 #include "components/panels/Published.h"
 #include "components/sources/Simulator.h"
 #include "components/sources/Stringreader.h"
 #include "tests/components/sources/Providerfixture.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using testing::SizeIs;
 using TValues = std::vector<double>;
@@ -142,24 +135,6 @@ TEST(TCustomDataProvider, BeginsAgainWithOtherClients) {
   ASSERT_TRUE(RunToStop(reader));
   EXPECT_THAT(reader.given(), ElementsAre(1, 2));
   EXPECT_THAT(second.given, ElementsAre(1, 2));
-}
-
-TEST(TThreadProvider, DeliversNothingAfterItIsSwitchedOffByAClient) {
-  TFeeding<TStringReader> reader;
-  QString line;
-  for (int i = 0; i < 1000; ++i) line += QString::number(i) + ' ';
-  reader.SetDataStrings({line});
-  reader.client.OnGiven = [&](double value) {
-    if (static_cast<int>(value) % 37 == 36) reader.SetActive(false);
-  };
-  for (std::size_t stops = 1; stops <= 27; ++stops) {
-    ASSERT_TRUE(RunToStop(reader));
-    EXPECT_THAT(reader.given(), SizeIs(stops * 37));
-    // Nothing comes while the loop runs on.
-    for (int turn = 0; turn < 5; ++turn) QCoreApplication::processEvents();
-    ASSERT_THAT(reader.given(), SizeIs(stops * 37));
-  }
-  ExpectCounting(reader.given());
 }
 
 TEST(TThreadProvider, MayBeDestroyedByAClientOrAListener) {
@@ -331,14 +306,6 @@ TEST(TSignalSimulator, IsNotInStepWithAnother) {
   TSignalSimulator one, two;
   const auto a = Simulate(one, 1, 10), b = Simulate(two, 1, 10);
   EXPECT_NE(a[0].given, b[0].given);
-}
-
-TEST(TCustomDataProvider, PublishesItsSwitchOnce) {
-  TStringReader reader;
-  QStringList paths;
-  ForEachStored(reader, [&](const TPublished& published) { paths << published.Path; });
-  EXPECT_EQ(paths.count("Active"), 1);
-  EXPECT_LT(paths.indexOf("PageSize"), paths.indexOf("Active"));
 }
 
 TEST(TThreadProvider, GivesNothingToAClientThatIsBeingDestroyed) {

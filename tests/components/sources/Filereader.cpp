@@ -1,14 +1,7 @@
 #include "components/sources/Filereader.h"
 
-#include <gmock/gmock.h>
-
-#include <QBuffer>
-#include <QDir>
-#include <QFile>
-#include <QSignalSpy>
-
 #include "tests/components/sources/Providerfixture.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -172,16 +165,6 @@ TEST(TFileReader, GoesOnAtTheLineOfAPosition) {
       EXPECT_THAT(reader.Run(), ElementsAre(c.first));
     }
   }
-}
-
-TEST(TFileReader, MovesWhileItReads) {
-  TReading reader;
-  reader.SetFileName(WriteTestFile("a.txt", Lines(1000)));
-  reader.client.OnGiven = [&](double value) {
-    if (value == 10) reader.SetStreamPosition(8 * 990 + 3);
-  };
-  EXPECT_THAT(reader.Run(), ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 990, 991, 992, 993, 994,
-                                        995, 996, 997, 998, 999));
 }
 
 TEST(TFileReader, ReadsAFileThatShrinksOrVanishesMeanwhile) {

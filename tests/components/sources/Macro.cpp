@@ -1,12 +1,6 @@
 #include "components/sources/Macro.h"
 
-#include <gtest/gtest.h>
-
-#include <QMetaProperty>
-#include <QSignalSpy>
-#include <memory>
-
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -185,15 +179,6 @@ TEST_F(Macro, CompilesOnceWhenItsFormIsComplete) {
   EXPECT_EQ(loaded.GetValue(), 6.0);
   EXPECT_EQ(changes.count(), 3);                 // for each variable, and for the compilation
   EXPECT_EQ(loaded.GetVariables()->Count(), 2);  // a macro is no variable
-}
-
-/// A form that said a value would be told that the macro does not take it.
-TEST_F(Macro, PublishesAValueThatFormsDoNotKeep) {
-  SetText("[a]+[b]");
-  const QMetaProperty value =
-      TMacro::staticMetaObject.property(TMacro::staticMetaObject.indexOfProperty("Value"));
-  EXPECT_EQ(value.read(macro).toDouble(), 5.0);
-  EXPECT_FALSE(value.isStored());
 }
 
 TEST_F(Macro, CopiesOnlyListsOfVariables) {

@@ -1,14 +1,6 @@
 #include "components/sources/Numberscanner.h"
-#include "tests/support/Testsupport.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <functional>
-#include <random>
-#include <string>
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -176,7 +168,9 @@ TEST(TNumberScanner, LosesANumberAtALinesEndButNotATag) {
   for (const auto& p : pieces) {
     std::size_t position = 0;
     EXPECT_EQ(scanner.ScanValue(p.piece, position, value), p.result) << p.piece;
-    if (p.result == TResult::Number) EXPECT_EQ(value, p.value);
+    if (p.result == TResult::Number) {
+      EXPECT_EQ(value, p.value);
+    }
     if (p.result == TResult::End) scanner.EndLine();
   }
 }

@@ -1,16 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QStringList>
-#include <QTimer>
-#include <functional>
-#include <vector>
-
 #include "components/links/Compclasses.h"
 #include "components/sources/Dataprovider.h"
+#include "tests/support/Testing.h"
 
 /// A control that keeps all it was given, and may do something with each value.
 struct TRecorder : TDataControl {

@@ -1,23 +1,11 @@
 #include "components/sources/Tables.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QClipboard>
-#include <QDir>
-#include <QFile>
-#include <QLineEdit>
-#include <QSignalSpy>
-#include <QTest>
-
 #include "components/graphing/Formatsettings.h"
 #include "components/sources/Datalogger.h"
 #include "components/sources/Datasheet.h"
 #include "model/Filesync.h"
-#include "tests/support/Files.h"
 #include "tests/support/Fulldisk.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,16 +1,10 @@
 #include "components/sources/macro/Macrocompiler.h"
 
-#include <gtest/gtest.h>
-
 #include <bit>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <random>
 
 #include "components/channels/Variable.h"
-#include "components/sources/macro/Macrofunctions.h"
 #include "components/sources/macro/Macroprogram.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -198,24 +192,6 @@ TEST_F(MacroCompiler, StandsTextsOfAnyLengthAndDepth) {
     EXPECT_EQ(compiler.Compile(times(part)), nullptr);
     EXPECT_FALSE(compiler.Ok());
   }
-}
-
-TEST_F(MacroCompiler, BuildsTreesByHand) {
-  // 5 - |[Var1]|
-  TMacroItem root;
-  TMacroCompiler::SetMacroItem(root, Macrofunctions::Subtract);
-  TMacroCompiler::SetMacroItem(TMacroCompiler::AddToLeft(root), 5.0);
-  TMacroItem& right = TMacroCompiler::AddToRight(root);
-  TMacroCompiler::SetMacroItem(right, Macrofunctions::Absolute);
-  compiler.Initialize(QString());
-  TMacroCompiler::SetMacroItem(TMacroCompiler::AddToLeft(right),
-                               compiler.DefineVariable(QStringLiteral("[Var1]")));
-  EXPECT_EQ(root.Evaluate(), 2.0);
-  EXPECT_EQ(right.Parent(), &root);
-  EXPECT_EQ(root.Left()->GetType(), TMacroItem::miConstant);
-  EXPECT_EQ(right.Left()->GetType(), TMacroItem::miVariable);
-  EXPECT_EQ(right.GetType(), TMacroItem::miFunction1);
-  EXPECT_EQ(root.GetType(), TMacroItem::miFunction2);
 }
 
 /// Random expressions with brackets around everything, and what they are worth.

@@ -1,18 +1,7 @@
 #include "components/sources/macro/Macroeditor.h"
 
-#include <gtest/gtest.h>
-
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QListWidget>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTest>
-#include <QTimer>
-#include <memory>
-
 #include "components/sources/Macro.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
