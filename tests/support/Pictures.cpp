@@ -57,10 +57,30 @@ void ExpectSamePicture(const QImage& actual, const QImage& expected, const std::
   std::printf("%s: %d pixels off; see %s-*.png\n", name.c_str(), off, qPrintable(file));
 }
 
-int CountOther(const QImage& image, const QColor& color) {
-  int count = 0;
+int CountPixels(const QImage& image, const QColor& color, const QRect& part) {
+  return CountIf(
+      image, [&](const QColor& pixel) { return pixel == color; }, part);
+}
+
+int CountOther(const QImage& image, const QColor& color, const QRect& part) {
+  return CountIf(
+      image, [&](const QColor& pixel) { return pixel != color; }, part);
+}
+
+QRect InkBox(const QImage& image, const QColor& ground) {
+  QRect box;
   for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) count += image.pixelColor(x, y) != color;
+    for (int x = 0; x < image.width(); ++x) {
+      if (image.pixelColor(x, y) != ground) box |= QRect(x, y, 1, 1);
+    }
   }
-  return count;
+  return box;
+}
+
+std::set<QRgb> ColorsOf(const QImage& image) {
+  std::set<QRgb> colors;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) colors.insert(image.pixel(x, y));
+  }
+  return colors;
 }
