@@ -1,7 +1,5 @@
 #include "tests/support/Testing.h"
 
-#include "model/Timer.h"
-
 QAbstractButton& ButtonOf(const QDialog& dialog, QDialogButtonBox::StandardButton button) {
   return *Child<QDialogButtonBox>(dialog).button(button);
 }
@@ -16,15 +14,6 @@ void DragMouse(QWidget& widget, QPoint to, Qt::MouseButton button, Qt::KeyboardM
   const QPointF at(to);
   QMouseEvent move(QEvent::MouseMove, at, widget.mapToGlobal(at), Qt::NoButton, button, keys);
   QCoreApplication::sendEvent(&widget, &move);
-}
-
-void PassTicks(int times) {
-  for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
-}
-
-QByteArray ContentOf(const QString& fileName) {
-  QFile file(fileName);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 void StartProgram(QProcess& process, const QString& program, const QStringList& arguments,

@@ -6,17 +6,28 @@
 #include <QtTest>
 #include <QtWidgets>
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <climits>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <numbers>
+#include <optional>
 #include <random>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "tests/support/Files.h"
 #include "tests/support/Pictures.h"
 #include "tests/support/Testsupport.h"
+#include "tests/support/Ticks.h"
 
 /// What nearly every test uses: the frameworks, and windows and programs taken by their parts.
 
@@ -42,12 +53,6 @@ void EnterText(QLineEdit& line, const QString& text, bool isEnded = true);
 /// Moves the mouse with the left button down, or another one, over a widget.
 void DragMouse(QWidget& widget, QPoint to, Qt::MouseButton button = Qt::LeftButton,
                Qt::KeyboardModifiers keys = {});
-
-/// Lets 10 ms of the timer service pass, so many times.
-void PassTicks(int times = 1);
-
-/// The content of any file; empty if it cannot be read.
-QByteArray ContentOf(const QString& fileName);
 
 /// How a program has ended. A program that a signal killed has the status -1.
 struct TRun {
