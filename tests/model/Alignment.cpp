@@ -1,10 +1,6 @@
 #include "model/Alignment.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,14 +1,6 @@
 #include "model/Ending.h"
 
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
-#include <QSignalSpy>
-#include <QTimer>
-
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 #ifdef Q_OS_UNIX
 #include <csignal>

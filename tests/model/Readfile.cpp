@@ -1,13 +1,9 @@
 #include "model/Readfile.h"
 
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
 #include <filesystem>
-#include <limits>
 
 #include "model/Animmodel.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 #ifdef __unix__
 #include <sys/stat.h>
@@ -36,8 +32,7 @@ TEST(ReadFile, SaysWhyAFileCannotBeRead) {
       {"", "Cannot read : there is no such file."},
       {"/", "Cannot read /: it is a folder."},
       {"a\n\x1b[1m\u202e.mod",
-       QString("Cannot read a\ufffd\ufffd[1m\ufffd.mod: there is no such file.")},
-  };
+       QString("Cannot read a\ufffd\ufffd[1m\ufffd.mod: there is no such file.")}};
 #ifdef __unix__
   const QString pipe = folder + "/pipe";
   ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0);

@@ -1,6 +1,6 @@
 #include "model/Records.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/Testing.h"
 
 namespace {
 

@@ -1,11 +1,7 @@
 #include "model/Sectionindex.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-
 #include "model/Textscanner.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -33,13 +29,6 @@ void ExpectAgreementWithSearch(const std::string& text) {
     ASSERT_TRUE(SearchString(scanner, std::string("[").append(section.Name).append("]")));
     ASSERT_EQ(section.Records, scanner.Position()) << section.Name;
   }
-}
-
-TEST(ReadSectionIndex, FindsTheFirstOccurrenceOfEachHeader) {
-  ExpectAgreementWithSearch("[a]1[b]2[a]3");
-  ExpectAgreementWithSearch("[x[a]1[a]2");  // found at the end of another name
-  ExpectAgreementWithSearch("[[a]1[a]2");   // not found there: the bracket is spent
-  ExpectAgreementWithSearch("[a]1[x[a]2[[[]3[]");
 }
 
 TEST(ReadSectionIndex, AgreesWithASearchFromTheTopOnRandomBrackets) {

@@ -1,13 +1,11 @@
 #include "model/Textscanner.h"
 
-#include <gtest/gtest.h>
-
 #include <locale.h>
 
 #include <bit>
 #include <cstdio>
-#include <random>
-#include <string>
+
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -19,20 +17,18 @@ struct TReadCase {
 };
 
 TEST(TTextScanner, ReadsIntegersAsFormattedInputDoes) {
-  const TReadCase cases[] = {
-      {"42", true, 42, 2},
-      {" \t\r\n\v\f-7 ", true, -7, 8},
-      {"+0012x", true, 12, 5},
-      {"1.5", true, 1, 1},
-      {"2147483647", true, 2147483647, 10},
-      {"2147483648", true, 2147483647, 10},
-      {"-99999999999999999999999", true, -2147483648.0, 24},
-      {"-x", false, 0, 1},
-      {"  -", false, 0, 3},
-      {"- 5", false, 0, 1},
-      {" [Nodes]", false, 0, 1},
-      {"", false, 0, 0},
-  };
+  const TReadCase cases[] = {{"42", true, 42, 2},
+                             {" \t\r\n\v\f-7 ", true, -7, 8},
+                             {"+0012x", true, 12, 5},
+                             {"1.5", true, 1, 1},
+                             {"2147483647", true, 2147483647, 10},
+                             {"2147483648", true, 2147483647, 10},
+                             {"-99999999999999999999999", true, -2147483648.0, 24},
+                             {"-x", false, 0, 1},
+                             {"  -", false, 0, 3},
+                             {"- 5", false, 0, 1},
+                             {" [Nodes]", false, 0, 1},
+                             {"", false, 0, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     TTextScanner scanner(c.text);
@@ -55,20 +51,18 @@ TEST(TTextScanner, TellsWhenAnIntegerHadToBeCut) {
 
 TEST(TTextScanner, ReadsRealsAsFormattedInputDoes) {
   const double infinity = std::numeric_limits<double>::infinity();
-  const TReadCase cases[] = {
-      {"3", true, 3, 1},          {" -0.5e1x", true, -5, 7},
-      {"+.25", true, 0.25, 4},    {"5.", true, 5, 2},
-      {"1.5.5", true, 1.5, 3},    {"1,5", true, 1, 1},
-      {"1e", true, 1, 2},         {"1e+ 2", true, 1, 3},
-      {"0x1.8p3", true, 12, 7},   {"-0X.8", true, -0.5, 5},
-      {"0x", false, 0, 2},        {"0xg", false, 0, 2},
-      {"10x", true, 10, 2},       {"1e999", true, infinity, 5},
-      {"inf", true, infinity, 3}, {"-INFINITY9", true, -infinity, 9},
-      {"infix", false, 0, 4},     {"nax", false, 0, 2},
-      {".e5", false, 0, 1},       {"-", false, 0, 1},
-      {"--1", false, 0, 1},       {" x", false, 0, 1},
-      {"", false, 0, 0},
-  };
+  const TReadCase cases[] = {{"3", true, 3, 1},          {" -0.5e1x", true, -5, 7},
+                             {"+.25", true, 0.25, 4},    {"5.", true, 5, 2},
+                             {"1.5.5", true, 1.5, 3},    {"1,5", true, 1, 1},
+                             {"1e", true, 1, 2},         {"1e+ 2", true, 1, 3},
+                             {"0x1.8p3", true, 12, 7},   {"-0X.8", true, -0.5, 5},
+                             {"0x", false, 0, 2},        {"0xg", false, 0, 2},
+                             {"10x", true, 10, 2},       {"1e999", true, infinity, 5},
+                             {"inf", true, infinity, 3}, {"-INFINITY9", true, -infinity, 9},
+                             {"infix", false, 0, 4},     {"nax", false, 0, 2},
+                             {".e5", false, 0, 1},       {"-", false, 0, 1},
+                             {"--1", false, 0, 1},       {" x", false, 0, 1},
+                             {"", false, 0, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     TTextScanner scanner(c.text);
@@ -143,20 +137,18 @@ TEST(SearchString, GoesForwardWrapsAroundAndNeverBacksUp) {
     std::size_t from;
     bool found;
     std::size_t position;
-  } cases[] = {
-      {"[Nodes]", 0, true, 7},
-      {"..[Nodes][Nodes]", 3, true, 16},  // forward first
-      {"..[Nodes]..", 9, true, 9},        // from the top
-      {"..[Nodes]..", 5, false, 5},       // given up after as many characters as there are
-      {"..[Nodes]", 9, true, 9},          // from the end
-      {"[Node", 2, false, 2},             // stays
-      {"[[Nodes]", 0, false, 0},          // the second bracket fails, and is spent
-      {"[[[Nodes]", 0, true, 9},          // the third begins anew
-      {"[No[Nodes]", 0, false, 0},        //
-      {"[No [Nodes]", 0, true, 11},       //
-      {"des]....[No", 8, false, 8},       // end and top are no neighbours
-      {"", 0, false, 0},
-  };
+  } cases[] = {{"[Nodes]", 0, true, 7},
+               {"..[Nodes][Nodes]", 3, true, 16},  // forward first
+               {"..[Nodes]..", 9, true, 9},        // from the top
+               {"..[Nodes]..", 5, false, 5},       // given up after as many characters as there are
+               {"..[Nodes]", 9, true, 9},          // from the end
+               {"[Node", 2, false, 2},             // stays
+               {"[[Nodes]", 0, false, 0},          // the second bracket fails, and is spent
+               {"[[[Nodes]", 0, true, 9},          // the third begins anew
+               {"[No[Nodes]", 0, false, 0},        //
+               {"[No [Nodes]", 0, true, 11},       //
+               {"des]....[No", 8, false, 8},       // end and top are no neighbours
+               {"", 0, false, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     TTextScanner scanner(c.text);
@@ -176,10 +168,7 @@ TEST(SearchString, AsksOnLongTextsWhetherToGoOn) {
 }
 
 TEST(HasAngleData, WantsSevenNumbersOnTheLineThatEndsBehindSixCharacters) {
-  const struct {
-    const char* text;
-    bool angles;
-  } cases[] = {
+  const std::pair<const char*, bool> cases[] = {
       {"\n1 2 3 4 5 6 7\n", true},
       {"\r\n1 2 3 4 5 6 7\r\n", true},
       {"\n1 2 3 4\n5 6 7\n", false},
@@ -191,11 +180,10 @@ TEST(HasAngleData, WantsSevenNumbersOnTheLineThatEndsBehindSixCharacters) {
       {"\n1\n2\n3 4 5 6 7\n", true},      // short lines count together
       {"\n1 2\n\n3 4 5 6 7\n", false},    // the sixth character ends the third line
       {"[F = 2]\n", false},
-      {"", false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(HasAngleData(TTextScanner(c.text)), c.angles);
+      {"", false}};
+  for (const auto& [text, angles] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(HasAngleData(TTextScanner(text)), angles);
   }
 }
 

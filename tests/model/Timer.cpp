@@ -1,12 +1,8 @@
 #include "model/Timer.h"
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <stdexcept>
 #include <thread>
 
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -33,58 +29,38 @@ std::unique_ptr<TTimerClient> Client(TCounter& counter, quint32 interval = 1) {
   return client;
 }
 
-void Tick(int times = 1) {
-  for (int i = 0; i < times; ++i) TTimerServer::Instance()->Timer();
-}
-
 TEST(TTimerClient, FiresEveryIntervalTicksWhileEnabled) {
   for (const auto& [interval, fired] : {std::pair{0u, 12}, {1u, 12}, {5u, 2}, {12u, 1}, {13u, 0}}) {
     TCounter counter;
     const auto client = Client(counter, interval);
-    Tick(12);
+    PassTicks(12);
     EXPECT_EQ(counter.count, fired) << interval;
     client->SetEnabled(false);
-    Tick(20);
+    PassTicks(20);
     EXPECT_EQ(counter.count, fired) << interval;
-    if (fired > 0) {
-      EXPECT_EQ(counter.last, client.get());
-    }
+    EXPECT_EQ(counter.last, fired > 0 ? client.get() : nullptr);
   }
-}
-
-TEST(TTimerClient, StartsDisabledWithOneSecond) {
-  const TTimerClient client;
-  EXPECT_EQ(client.GetInterval(), 100u);
-  EXPECT_FALSE(client.GetEnabled());
+  EXPECT_EQ(TTimerClient().GetInterval(), 100u);
+  EXPECT_FALSE(TTimerClient().GetEnabled());
 }
 
 TEST(TTimerClient, CountsAnewOnlyAfterARealChange) {
   TCounter counter;
-  const struct {
-    std::function<void(TTimerClient&)> change;
-    int fired;
-  } cases[] = {
+  const TNotifyEvent count{&counter, &TCounter::Count}, other{&counter, &TCounter::Other};
+  const std::pair<std::function<void(TTimerClient&)>, int> cases[] = {
       {[](TTimerClient& c) { c.SetInterval(5); }, 1},
       {[](TTimerClient& c) { c.SetEnabled(true); }, 1},
-      {[&](TTimerClient& c) {
-         c.SetOnTimer({&counter, &TCounter::Count});
-       },
-       1},
+      {[&](TTimerClient& c) { c.SetOnTimer(count); }, 1},
       {[](TTimerClient& c) { c.SetInterval(4), c.SetInterval(5); }, 0},
       {[](TTimerClient& c) { c.SetEnabled(false), c.SetEnabled(true); }, 0},
-      {[&](TTimerClient& c) {
-         c.SetOnTimer({&counter, &TCounter::Other});
-         c.SetOnTimer({&counter, &TCounter::Count});
-       },
-       0},
-  };
-  for (const auto& c : cases) {
+      {[&](TTimerClient& c) { c.SetOnTimer(other), c.SetOnTimer(count); }, 0}};
+  for (const auto& [change, fired] : cases) {
     counter.count = 0;
     const auto client = Client(counter, 5);
-    Tick(4);
-    c.change(*client);
-    Tick();
-    EXPECT_EQ(counter.count, c.fired) << &c - cases;
+    PassTicks(4);
+    change(*client);
+    PassTicks();
+    EXPECT_EQ(counter.count, fired);
   }
 }
 
@@ -94,7 +70,6 @@ TEST(TTimerServer, LivesAsLongAsItsClients) {
   TTimerServer* server = TTimerServer::Instance();
   ASSERT_NE(server, nullptr);
   auto second = std::make_unique<TTimerClient>();
-  EXPECT_EQ(TTimerServer::Instance(), server);
   first.reset();
   EXPECT_EQ(TTimerServer::Instance(), server);
   second.reset();
@@ -110,14 +85,14 @@ TEST(TTimerServer, ServesOnWhenAnEventDestroysClients) {
     clients[1].reset();
     clients[2].reset();
   };
-  Tick();
+  PassTicks();
   EXPECT_EQ(counters[0].count, 1);
   EXPECT_EQ(counters[1].count, 1);
   EXPECT_EQ(counters[2].count, 0);
   EXPECT_EQ(counters[3].count, 1);
 
   counters[3].then = [&] { clients[3].reset(); };  // the last one takes the server with it
-  Tick();
+  PassTicks();
   EXPECT_EQ(counters[3].count, 2);
   EXPECT_EQ(TTimerServer::Instance(), nullptr);
 }
@@ -129,7 +104,7 @@ TEST(TTimerServer, ServesAClientThatAnEventMakes) {
   parent.then = [&] {
     if (!born) born = Client(child);
   };
-  Tick(2);
+  PassTicks(2);
   EXPECT_EQ(child.count, 2);
 }
 
@@ -138,11 +113,11 @@ TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
   const auto first = Client(bad);
   const auto second = Client(good);
   bad.then = [] { throw std::runtime_error("no"); };
-  Tick();
+  PassTicks();
   EXPECT_EQ(TakeMessages(), QStringList{"Timer server error!"});
   EXPECT_EQ(good.count, 0);
   bad.then = {};
-  Tick();
+  PassTicks();
   EXPECT_EQ(good.count, 1);
   EXPECT_EQ(TakeMessages(), QStringList{});
 }
@@ -150,8 +125,8 @@ TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
 TEST(TTimerServer, EntersNoClientTwice) {
   TCounter counter;
   const auto client = Client(counter);
-  counter.then = [] { Tick(); };
-  Tick();
+  counter.then = [] { PassTicks(); };
+  PassTicks();
   EXPECT_EQ(counter.count, 1);
 }
 
@@ -160,7 +135,7 @@ TEST(TTimerServer, SaysThatTheSystemRefusesATimer) {
   std::thread([] {  // a thread without event dispatcher gets no timer
     TCounter counter;
     const auto client = Client(counter);
-    Tick();
+    PassTicks();
     EXPECT_EQ(counter.count, 1) << "the server stays, without ticks of its own";
   })
       .join();
