@@ -1,23 +1,6 @@
 // The main window on a real display: what the mouse, the clipboard and the files get to see.
 
-#include <gtest/gtest.h>
-
-#include <QAction>
-#include <QClipboard>
-#include <QDir>
-#include <QDropEvent>
-#include <QGuiApplication>
-#include <QImage>
-#include <QMimeData>
-#include <QScreen>
-#include <QSlider>
-#include <QTest>
-#include <QToolBar>
-#include <QToolButton>
-#include <QWindow>
-#include <initializer_list>
-
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
 #include "viewer/Viewwnd.h"
@@ -43,15 +26,13 @@ class GlViewwnd : public testing::Test {
   }
   ~GlViewwnd() override { EXPECT_EQ(TakeMessages(), QStringList()); }
 
-  void Click(const char* name) { window.findChild<TImageButton*>(name)->click(); }
-  void Trigger(const char* name) { window.findChild<QAction*>(name)->trigger(); }
+  void Click(const char* name) { Child<TImageButton>(window, name).click(); }
+  void Trigger(const char* name) { Child<QAction>(window, name).trigger(); }
 
   void Drag(Qt::MouseButton button, QPoint by) {
     const QPoint from = panel->rect().center();
     QTest::mousePress(panel, button, {}, from);
-    QMouseEvent move(QEvent::MouseMove, from + by, panel->mapToGlobal(from + by), Qt::NoButton,
-                     button, {});
-    QCoreApplication::sendEvent(panel, &move);
+    DragMouse(*panel, from + by, button);
     QTest::mouseRelease(panel, button, {}, from + by);
   }
   /// Left and right edge of the red face in the picture's middle row.
@@ -85,8 +66,10 @@ TEST_F(GlViewwnd, ShowsTheModelInProportion) {
 
 TEST_F(GlViewwnd, TheMouseTurnsMovesAndZooms) {
   const auto [left, right] = RedSpan();
+  const int top = InkBox(panel->Picture(), Qt::black).top();
   Drag(Qt::MiddleButton, {40, 0});
   EXPECT_GT(RedSpan().first, left);
+  EXPECT_EQ(InkBox(panel->Picture(), Qt::black).top(), top);
   EXPECT_NEAR(RedWidth(), right - left, 1);
   Drag(Qt::RightButton, {0, 100});  // down: the view volume grows
   EXPECT_LT(RedWidth(), right - left);
@@ -115,15 +98,10 @@ TEST_F(GlViewwnd, TheFontColorColorsTheTextOverThePicture) {
   window.OpenData(WriteTestFile("a.dat", kData));
   window.Dialogs.Color = [](auto...) { return QColor(0, 0, 255); };
   Trigger("FontMenu");
-  const QImage corner = panel->Picture().copy(0, 0, 80, 30);
-  int blue = 0;
-  for (int y = 0; y < corner.height(); ++y) {
-    for (int x = 0; x < corner.width(); ++x) {
-      const QColor color = corner.pixelColor(x, y);
-      blue += color.blue() > color.red() + 100 && color.red() == color.green();
-    }
-  }
-  EXPECT_GT(blue, 20);
+  const auto isBlue = [](const QColor& color) {
+    return color.blue() > color.red() + 100 && color.red() == color.green();
+  };
+  EXPECT_GT(CountIf(panel->Picture(), isBlue, QRect(0, 0, 80, 30)), 20);
 }
 
 TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
@@ -138,9 +116,7 @@ TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
       return TestFolder() + '/' + c.chosen;
     };
     Trigger("SaveBitmapMenu");
-    QFile file(TestFolder() + '/' + c.file);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << c.file;
-    EXPECT_TRUE(file.readAll().startsWith(c.magic)) << c.file;
+    EXPECT_TRUE(ContentOf(TestFolder() + '/' + c.file).startsWith(c.magic)) << c.file;
     EXPECT_EQ(start, c.chosen == std::string("one") ? QCoreApplication::applicationDirPath()
                                                     : TestFolder());
   }

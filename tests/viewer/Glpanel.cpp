@@ -1,17 +1,8 @@
 #include "viewer/Glpanel.h"
 
-#include <gtest/gtest.h>
-
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QMainWindow>
 #include <QOpenGLContext>
-#include <QScreen>
-#include <QSignalSpy>
-#include <QTest>
-#include <QWheelEvent>
 
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -39,8 +30,7 @@ class GlPanel : public testing::Test {
 
   void Drag(Qt::MouseButton button, Qt::KeyboardModifiers keys, QPoint from, QPoint to) {
     QTest::mousePress(&panel_, button, keys, from);
-    QMouseEvent move(QEvent::MouseMove, to, panel_.mapToGlobal(to), Qt::NoButton, button, keys);
-    QApplication::sendEvent(&panel_, &move);
+    DragMouse(panel_, to, button, keys);
     QTest::mouseRelease(&panel_, button, keys, to);
   }
 
@@ -88,17 +78,15 @@ TEST_F(GlPanel, DragsTurnPanAndZoom) {
     Qt::KeyboardModifiers keys;
     QPoint moved;
     double turnX, turnY, panX, panY, zoom;  // changes
-  } cases[] = {
-      {"left", Qt::LeftButton, none, {10, 0}, 0, 5, 0, 0, 0},
-      {"left, down", Qt::LeftButton, none, {0, 30}, 15, 0, 0, 0, 0},
-      {"shift left", Qt::LeftButton, shift, {10, 20}, 0, 0, -10 * k, 20 * k, 0},
-      {"middle", Qt::MiddleButton, none, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
-      {"middle with ctrl", Qt::MiddleButton, ctrl, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
-      {"right", Qt::RightButton, none, {50, 20}, 0, 0, 0, 0, 0.3},
-      {"ctrl left", Qt::LeftButton, ctrl, {50, -20}, 0, 0, 0, 0, -0.3},
-      {"shift ctrl left", Qt::LeftButton, shift | ctrl, {50, 40}, 0, 0, 0, 0, 0.6},
-      {"right beyond zero", Qt::RightButton, none, {0, -80}, 0, 0, 0, 0, -1.2},
-  };
+  } cases[] = {{"left", Qt::LeftButton, none, {10, 0}, 0, 5, 0, 0, 0},
+               {"left, down", Qt::LeftButton, none, {0, 30}, 15, 0, 0, 0, 0},
+               {"shift left", Qt::LeftButton, shift, {10, 20}, 0, 0, -10 * k, 20 * k, 0},
+               {"middle", Qt::MiddleButton, none, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
+               {"middle with ctrl", Qt::MiddleButton, ctrl, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
+               {"right", Qt::RightButton, none, {50, 20}, 0, 0, 0, 0, 0.3},
+               {"ctrl left", Qt::LeftButton, ctrl, {50, -20}, 0, 0, 0, 0, -0.3},
+               {"shift ctrl left", Qt::LeftButton, shift | ctrl, {50, 40}, 0, 0, 0, 0, 0.6},
+               {"right beyond zero", Qt::RightButton, none, {0, -80}, 0, 0, 0, 0, -1.2}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const TViewTransform start;
@@ -119,9 +107,7 @@ TEST_F(GlPanel, DragsTurnPanAndZoom) {
 TEST_F(GlPanel, EveryMoveStartsWhereTheLastOneEnded) {
   QTest::mousePress(&panel_, Qt::LeftButton, {}, {100, 100});
   for (const QPoint to : {QPoint(110, 100), QPoint(110, 104), QPoint(100, 100)}) {
-    QMouseEvent move(QEvent::MouseMove, to, panel_.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
-                     {});
-    QApplication::sendEvent(&panel_, &move);
+    DragMouse(panel_, to);
   }
   EXPECT_EQ(panel_.View.Rotation, (TVertex{30.0, -45.0, 0.0}));
 }
@@ -154,14 +140,6 @@ TEST_F(GlPanel, WheelNeverTurnsTheViewInsideOut) {
   }
   EXPECT_GT(panel_.View.Zoom, 0.0);
   EXPECT_LT(panel_.View.Zoom, 1e-6);
-}
-
-TEST_F(GlPanel, CopiesItsPictureToTheClipboard) {
-  panel_.BackColor = Qt::magenta;
-  panel_.CopyToClipboard();
-  const QImage copy = QGuiApplication::clipboard()->image();
-  ASSERT_EQ(copy.size(), QSize(400, 200));
-  EXPECT_EQ(copy.pixelColor(399, 199), QColor(Qt::magenta));
 }
 
 TEST(TGLPanel, SaysOnceThatThereIsNoOpenGl) {

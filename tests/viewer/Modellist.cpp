@@ -1,12 +1,6 @@
 #include "viewer/Modellist.h"
 
-#include <gtest/gtest.h>
-
-#include <QListWidget>
-#include <QSignalSpy>
-#include <QTest>
-
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -41,26 +35,17 @@ class Modellist : public testing::Test {
 
   TModel model;
   TModelListWnd legend;
-  QListWidget* labels = legend.findChild<QListWidget*>("Labels");
+  QListWidget* labels = &Child<QListWidget>(legend, "Labels");
 };
 
 }  // namespace
-
-TEST_F(Modellist, IsASmallToolWindowCalledLegend) {
-  EXPECT_EQ(legend.windowTitle(), "Legend");
-  EXPECT_EQ(legend.windowType(), Qt::Tool);
-  EXPECT_EQ(legend.minimumSize(), QSize(158, 158));
-  EXPECT_TRUE(legend.isHidden());
-}
 
 TEST_F(Modellist, TheCheckStringSaysWhatIsShownAfterALoad) {
   const struct {
     int sets;
     const char *checked, *selected, *saved;
-  } cases[] = {
-      {3, "010", "010", "010"}, {4, "101", "1010", "1010"}, {1, "111", "1", "1"},
-      {3, "", "000", "000"},    {3, "1x2", "100", "100"},   {0, "010", "", "1"},
-  };
+  } cases[] = {{3, "010", "010", "010"}, {4, "101", "1010", "1010"}, {1, "111", "1", "1"},
+               {3, "", "000", "000"},    {3, "1x2", "100", "100"},   {0, "010", "", "1"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.checked);
     Load(DataSets(c.sets), c.checked);
@@ -102,15 +87,6 @@ TEST_F(Modellist, TheKeyboardShowsAndHidesToo) {
   EXPECT_EQ(legend.MakeCheckString(), "010");
   QTest::keyClick(labels, Qt::Key_A, Qt::ControlModifier);
   EXPECT_EQ(legend.MakeCheckString(), "111");
-}
-
-TEST_F(Modellist, HidingASetKeepsTheScaleOfAllAndChangesTheScaleOfTheShown) {
-  Load(DataSets(2), "11");  // amplitudes 1 and 2
-  const double all = legend.Data.All.GetScale();
-  EXPECT_EQ(legend.Data.Shown.GetScale(), all);
-  labels->item(1)->setSelected(false);
-  EXPECT_EQ(legend.Data.All.GetScale(), all);
-  EXPECT_DOUBLE_EQ(legend.Data.Shown.GetScale(), 2 * all);
 }
 
 TEST_F(Modellist, ClearEmptiesEverythingWithoutAWordToAnyone) {

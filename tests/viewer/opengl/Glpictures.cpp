@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
 #include <qopengl.h>
 
-#include <cmath>
-#include <numbers>
-
-#include "tests/support/Pictures.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 #include "tests/viewer/opengl/Glreference.h"
 #include "viewer/opengl/Offscreengl.h"
 #include "viewer/opengl/Picture.h"
@@ -102,6 +97,14 @@ class GlPictures : public testing::Test {
     });
   }
 
+  /// Both methods draw what plain calls draw.
+  void ExpectSame(const std::string& name) {
+    const QImage expected = DrawByPlainCalls();
+    ASSERT_GT(CountOther(expected, Qt::black), 500);
+    ExpectSamePicture(Draw(TMethod::Batches), expected, name + "-batches");
+    ExpectSamePicture(Draw(TMethod::Shaders), expected, name + "-shaders");
+  }
+
   TOffscreenGl gl_;
   TViewTransform view_;
   TModel model_;
@@ -124,9 +127,7 @@ TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
     view_.Rotation = c.rotation;
     view_.Zoom = c.zoom;
     list_.NodeShape = c.shape;
-    const QImage expected = DrawByPlainCalls();
-    ExpectSamePicture(Draw(TMethod::Batches), expected, std::string(c.name) + "-batches");
-    ExpectSamePicture(Draw(TMethod::Shaders), expected, std::string(c.name) + "-shaders");
+    ExpectSame(c.name);
   }
 }
 
@@ -144,9 +145,7 @@ TEST_F(GlPictures, LightStandsInsideALargeModel) {
   list_.NodeRadius *= 10.0;
   list_.ElementRadius *= 10.0;
   view_.ModelSize *= 10.0;
-  const QImage expected = DrawByPlainCalls();
-  ExpectSamePicture(Draw(TMethod::Batches), expected, "large-batches");
-  ExpectSamePicture(Draw(TMethod::Shaders), expected, "large-shaders");
+  ExpectSame("large");
 }
 
 TEST_F(GlPictures, SphereCutByTheViewVolumeIsCutAlike) {
@@ -158,26 +157,7 @@ TEST_F(GlPictures, SphereCutByTheViewVolumeIsCutAlike) {
   list_.NodeColor = TColor::White();
   list_.ShowNodes = true;
   view_.Rotation = {};
-  const QImage expected = DrawByPlainCalls();
-  ASSERT_GT(CountOther(expected, Qt::black), 500);
-  ExpectSamePicture(Draw(TMethod::Batches), expected, "cut-batches");
-  ExpectSamePicture(Draw(TMethod::Shaders), expected, "cut-shaders");
-}
-
-TEST_F(GlPictures, NodeIsADiscOfItsRadius) {
-  list_.Emplace(1, 0.0, 0.0, 0.0);
-  list_.ShowNodes = true;
-  for (const double pixels : {3.0, 10.0, 40.0, 100.0}) {
-    SCOPED_TRACE(pixels);
-    list_.NodeRadius = pixels / (kSize.height() / 4.0);
-    for (const TMethod method : {TMethod::Batches, TMethod::Shaders}) {
-      // Pixels that the rim crosses count too: about 2 pi r of them, half inside.
-      const double inside = std::numbers::pi * pixels * pixels;
-      const int lit = CountOther(Draw(method), Qt::black);
-      EXPECT_GT(lit, 0.93 * inside);
-      EXPECT_LT(lit, 1.03 * inside + 2.0 * std::numbers::pi * pixels);
-    }
-  }
+  ExpectSame("cut");
 }
 
 TEST_F(GlPictures, CollapsedViewShowsTheBackgroundAlone) {
@@ -260,30 +240,6 @@ TEST_F(GlPictures, NamesAreLegibleOnEveryBackground) {
       }
     }
   }
-}
-
-TEST(GlOffscreen, WorksWithoutTheWindowSystemToo) {
-  QString error;
-  const auto context = MakeEglContext({64, 32}, error);
-  if (!context) GTEST_SKIP() << error.toStdString();
-  ASSERT_TRUE(context->MakeCurrent());
-  TModel model;
-  model.Nodes.Emplace(1, 0.0, 0.5, 0.0);
-  model.Nodes.NodeRadius = 0.2;
-  model.Nodes.ShowNodes = true;
-  model.Loaded = true;
-  TViewTransform view;
-  view.Rotation = {};
-  TPicture picture;
-  picture.Init(context->Resolver());
-  BeginPicture(view, {64, 32}, Qt::black);
-  picture.Paint(view, {64, 32}, 1.0, model, {}, TScaleType::Absolute, true);
-  EndPicture();
-  const QImage image = context->Read();
-  context->DoneCurrent();
-  ASSERT_EQ(image.size(), QSize(64, 32));
-  EXPECT_GT(image.pixelColor(32, 8).blue(), 100);  // the node, above the middle
-  EXPECT_EQ(image.pixelColor(32, 24), QColor(Qt::black));
 }
 
 TEST(GlOffscreen, RefusesSizesThatNoPictureHas) {

@@ -9,7 +9,6 @@
 #endif
 
 #include <cmath>
-#include <numbers>
 
 namespace {
 
@@ -62,21 +61,15 @@ void DrawCube(const TVertex& center, double edge) {
   glPopMatrix();
 }
 
-double Azimuth(const TVertex& d) {
-  if (d.x > 0.0) return std::atan(d.y / d.x);
-  if (d.x < 0.0) return std::atan(d.y / d.x) + std::numbers::pi;
-  return d.y == 0.0 ? 0.0 : std::copysign(std::numbers::pi / 2.0, d.y);
-}
-
 void DrawCylinder(const TVertex& a, const TVertex& b, double radius, int slices) {
   const TVertex d = b - a;
   const double length = Length(d);
   if (length == 0.0) return;
-  const double phi = Azimuth(d) + std::numbers::pi / 2.0;
+  const bool isUpright = d.x == 0.0 && d.y == 0.0;
   const double theta = std::acos(d.z / length) * 57.29577951308232;
   glPushMatrix();
   glTranslated(a.x, a.y, a.z);
-  glRotated(theta, std::cos(phi), std::sin(phi), 0.0);
+  glRotated(theta, -d.y, isUpright ? 1.0 : d.x, 0.0);
   GLUquadric* quadric = gluNewQuadric();
   gluCylinder(quadric, radius, radius, length, slices, 1);
   glRotated(180.0, 0.0, 1.0, 0.0);

@@ -1,18 +1,11 @@
 #include "viewer/scene/Scene.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
+#include "tests/support/Testing.h"
 #include "viewer/opengl/Stamps.h"
 #include "viewer/scene/Viewtransform.h"
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 const double kHalf = std::sqrt(0.5);
 
 testing::AssertionResult Near(const TPoint& actual, const TVertex& expected) {
@@ -32,7 +25,7 @@ struct TSceneTest : testing::Test {
     model.Nodes.ElementColor = TColor::White();
   }
 
-  TElement* Join(std::uint8_t type, std::initializer_list<TVertex> places) {
+  TElement* Join(std::uint8_t type, const std::vector<TVertex>& places) {
     TElement* element = model.Elements.Emplace(type, static_cast<std::int32_t>(places.size()));
     std::size_t i = 0;
     for (const TVertex& place : places) {
@@ -59,18 +52,16 @@ TEST(TCylinderFrame, TiltsTheAxesOfACylinderAlongZOntoItsDirection) {
   const double s = kHalf, e = 0.25 * std::sqrt(2.0);  // 0.5 sin 45 degrees
   const struct {
     TVertex along, right, up;
-  } cases[] = {
-      {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-      {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},  // 180 degrees about the y axis
-      {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-      {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-      {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},
-      {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-      // 45 degrees about (-s, s, 0).
-      {{0.5, 0.5, s}, {0.5 + e, e - 0.5, -0.5}, {e - 0.5, 0.5 + e, -0.5}},
-      // 135 degrees about (s, s, 0).
-      {{0.5, -0.5, -s}, {0.5 - e, 0.5 + e, -0.5}, {0.5 + e, 0.5 - e, 0.5}},
-  };
+  } cases[] = {{{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+               {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},  // 180 degrees about the y axis
+               {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+               {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
+               {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},
+               {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+               // 45 degrees about (-s, s, 0).
+               {{0.5, 0.5, s}, {0.5 + e, e - 0.5, -0.5}, {e - 0.5, 0.5 + e, -0.5}},
+               // 135 degrees about (s, s, 0).
+               {{0.5, -0.5, -s}, {0.5 - e, 0.5 + e, -0.5}, {0.5 + e, 0.5 - e, 0.5}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.along.x << ' ' << c.along.y << ' ' << c.along.z);
     const auto end = [&](double length) {
@@ -154,62 +145,34 @@ TEST_F(TSceneTest, RollIsABodyBetweenTwoShafts) {
 }
 
 TEST_F(TSceneTest, LeavesOutWhatCannotBeDrawn) {
+  const auto kBar = TElement::kBar, kFace = TElement::kFace, kRoll = TElement::kRoll;
+  const TVertex o, x{1, 0, 0}, y{0, 1, 0}, place{1, 2, 3};
   const struct {
     const char* why;
-    std::function<void(TSceneTest&)> add;
-  } cases[] = {{"a bar with three nodes",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
-                }},
-               {"a face with two nodes",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}});
-                }},
-               {"a bar without length",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{1, 2, 3}, {1, 2, 3}});
-                }},
-               {"a tube without length",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{1, 2, 3}, {1, 2, 3}})->Radius = 1.0;
-                }},
-               {"a tube of negative radius",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{0, 0, 0}, {1, 0, 0}})->Radius = -1.0;
-                }},
-               {"an index below the list",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{0, 0, 0}, {1, 0, 0}})->Nodes()[0] = -1;
-                }},
-               {"an index beyond the list",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kFace, {{}, {1, 0, 0}, {0, 1, 0}})->Nodes()[2] = 3;
-                }},
-               {"a point with a stray second index",
-                [](TSceneTest& t) {
-                  t.Join(7, {{0, 0, 0}, {1, 0, 0}})->Nodes()[1] = 2;
-                }},
-               {"a bar from nowhere",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{kNan, 0, 0}, {}});
-                }},
-               {"a face at infinity",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kFace, {{}, {kInfinity, 0, 0}, {0, 1, 0}});
-                }},
-               {"a bar beyond all bounds",
-                [](TSceneTest& t) {
-                  t.Join(TElement::kBar, {{0, 1e300, 0}, {}});
-                }},
-               {"a roll of no shape", [](TSceneTest& t) {
-                  TElement* roll = t.Join(TElement::kRoll, {{0, 0, 0}, {1, 0, 0}});
-                  roll->Radius = 1.0;
-                  roll->RollParam2 = kNan;
-                }}};
+    std::uint8_t type;
+    std::vector<TVertex> places;
+    double radius = 0.0;
+    int changed = -1, index = 0;  ///< which node takes which index
+    double rollParam2 = 0.0;
+  } cases[] = {{"a bar with three nodes", kBar, {o, x, {2, 0, 0}}},
+               {"a face with two nodes", kFace, {o, x}},
+               {"a bar without length", kBar, {place, place}},
+               {"a tube without length", kBar, {place, place}, 1.0},
+               {"a tube of negative radius", kBar, {o, x}, -1.0},
+               {"an index below the list", kBar, {o, x}, 0.0, 0, -1},
+               {"an index beyond the list", kFace, {o, x, y}, 0.0, 2, 3},
+               {"a point with a stray second index", 7, {o, x}, 0.0, 1, 2},
+               {"a bar from nowhere", kBar, {{kNan, 0, 0}, o}},
+               {"a face at infinity", kFace, {o, {kInfinity, 0, 0}, y}},
+               {"a bar beyond all bounds", kBar, {{0, 1e300, 0}, o}},
+               {"a roll of no shape", kRoll, {o, x}, 1.0, -1, 0, kNan}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.why);
     model.Clear();
-    c.add(*this);
+    TElement* element = Join(c.type, c.places);
+    element->Radius = c.radius;
+    element->RollParam2 = c.rollParam2;
+    if (c.changed >= 0) element->Nodes()[static_cast<std::size_t>(c.changed)] = c.index;
     Build({0.6, 0.0, 0.8});
     EXPECT_EQ(Size(), 0u);
   }
@@ -234,21 +197,20 @@ TEST_F(TSceneTest, CapsAreLeftOutOnlyWhereNodesHideThem) {
   const struct {
     TNodeShape shape;
     double radius;
-    bool own, cap;
-  } cases[] = {{TNodeShape::Sphere, 0.99, true, false},  {TNodeShape::Sphere, 1.01, true, true},
-               {TNodeShape::Cube, 0.49, true, false},    {TNodeShape::Cube, 0.51, true, true},
-               {TNodeShape::Sphere, 0.99, false, false}, {TNodeShape::Cube, 0.51, false, true}};
+    bool own;
+  } cases[] = {{TNodeShape::Sphere, 0.99, true},  {TNodeShape::Sphere, 1.01, true},
+               {TNodeShape::Cube, 0.49, true},    {TNodeShape::Cube, 0.51, true},
+               {TNodeShape::Sphere, 0.99, false}, {TNodeShape::Cube, 0.51, false}};
   TElement* bar = Join(TElement::kBar, {{0, 0, -4}, {0, 0, 4}});
   model.Nodes.ShowNodes = true;
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.radius << ' ' << c.own);
     model.Nodes.NodeShape = c.shape;
     bar->Radius = c.own ? c.radius : 0.0;
     model.Nodes.ElementRadius = c.radius;
     Build({0.6, 0.0, 0.8});
-    bool cap = false;
-    for (const TMeshVertex& vertex : scene.Cylinders().vertices) cap |= vertex.normal.z == 127;
-    EXPECT_EQ(cap, c.cap);
+    const bool cap = std::ranges::any_of(scene.Cylinders().vertices,
+                                         [](const auto& v) { return v.normal.z == 127; });
+    EXPECT_EQ(cap, c.radius > (c.shape == TNodeShape::Cube ? 0.5 : 1.0)) << c.radius << c.own;
   }
 }
 
@@ -279,30 +241,27 @@ double Area(const TMesh& mesh) {
 }
 
 TEST_F(TSceneTest, FacesWithDentsAreFilledWithinTheirOutline) {
-  const struct {
-    std::vector<TVertex> corners;
-    double area;
-  } cases[] = {
+  const std::pair<std::vector<TVertex>, double> cases[] = {
       {{{0, 0, 0}, {4, 0, 0}, {4, 1, 0}, {1, 1, 0}, {1, 4, 0}, {0, 4, 0}}, 7.0},  // an L
       {{{1, 1, 0}, {0, 4, 0}, {0, 0, 0}, {4, 0, 0}}, 4.0},                        // an arrow
       {{{0, 0, 0}, {5, 0, 0}, {5, 3, 0}, {4, 3, 0}, {4, 1, 0}, {1, 1, 0}, {1, 3, 0}, {0, 3, 0}},
        9.0},                                                           // a U
       {{{0, 0, 0}, {2, 0, 0}, {4, 0, 0}, {4, 2, 0}, {0, 2, 0}}, 8.0},  // a corner on an edge
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.corners.size());
+  for (const auto& [corners, area] : cases) {
+    SCOPED_TRACE(corners.size());
     // From every first corner, since the fill must not depend on it.
-    for (std::size_t turn = 0; turn < c.corners.size(); ++turn) {
+    for (std::size_t turn = 0; turn < corners.size(); ++turn) {
       model.Clear();
       TElement* face =
-          model.Elements.Emplace(TElement::kFace, static_cast<std::int32_t>(c.corners.size()));
-      for (std::size_t i = 0; i < c.corners.size(); ++i) {
-        model.Nodes.Emplace(1, c.corners[(i + turn) % c.corners.size()]);
+          model.Elements.Emplace(TElement::kFace, static_cast<std::int32_t>(corners.size()));
+      for (std::size_t i = 0; i < corners.size(); ++i) {
+        model.Nodes.Emplace(1, corners[(i + turn) % corners.size()]);
         face->Nodes()[i] = static_cast<std::int32_t>(i);
       }
       Build();
-      EXPECT_NEAR(Area(scene.Faces()), c.area, 1e-5);
-      EXPECT_EQ(scene.Faces().indices.size(), 3 * (c.corners.size() - 2));
+      EXPECT_NEAR(Area(scene.Faces()), area, 1e-5);
+      EXPECT_EQ(scene.Faces().indices.size(), 3 * (corners.size() - 2));
     }
   }
 }
@@ -330,20 +289,20 @@ TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {
 /// A model of one node with two data sets at other places, and its display list.
 struct TBuildSceneTest : testing::Test {
   TBuildSceneTest() {
-    model.Nodes.Emplace(1, 1.0, 0.0, 0.0);
-    model.Nodes.ShowNodes = true;
-    model.Nodes.NodeRadius = 0.1;
+    Place(model.Nodes, 1.0);
     model.Loaded = true;
-    model.Display.Emplace(1, 4.0, 0.0, 0.0);
-    model.Display.ShowNodes = true;
-    model.Display.NodeRadius = 0.1;
+    Place(model.Display, 4.0);
     for (const double x : {2.0, 3.0}) {
       auto set = std::make_unique<TDataNodeList>(&model, false);
-      set->Emplace(1, x, 0.0, 0.0);
+      Place(*set, x);
       set->SetVisible(true);
-      set->NodeRadius = 0.1;
       data.Shown.Refer(data.All.Add(std::move(set)));
     }
+  }
+  static void Place(TDataNodeList& list, double x) {
+    list.Emplace(1, x, 0.0, 0.0);
+    list.ShowNodes = true;
+    list.NodeRadius = 0.1;
   }
   std::vector<float> Places(TScaleType type, bool showModel) {
     TScene scene;
@@ -429,15 +388,14 @@ TEST(TViewTransform, AspectFollowsTheSize) {
 
 TEST(TViewTransform, TheRotatedDirectionPointsAtTheViewer) {
   TViewTransform view;
-  const struct {
-    TVertex rotation, toViewer;
-  } cases[] = {{{0, 0, 0}, {0, 0, 1}},
-               {{0, -90, 0}, {1, 0, 0}},
-               {{90, 0, 0}, {0, 1, 0}},
-               {{30, -45, 0}, {std::sqrt(0.375), 0.5, std::sqrt(0.375)}}};
-  for (const auto& c : cases) {
-    view.Rotation = c.rotation;
-    EXPECT_LT(Length(view.ToViewer(), c.toViewer), 1e-12);
+  const std::pair<TVertex, TVertex> cases[] = {
+      {{0, 0, 0}, {0, 0, 1}},
+      {{0, -90, 0}, {1, 0, 0}},
+      {{90, 0, 0}, {0, 1, 0}},
+      {{30, -45, 0}, {std::sqrt(0.375), 0.5, std::sqrt(0.375)}}};
+  for (const auto& [rotation, toViewer] : cases) {
+    view.Rotation = rotation;
+    EXPECT_LT(Length(view.ToViewer(), toViewer), 1e-12);
   }
 }
 

@@ -1,17 +1,8 @@
 // All programs are told to end by a signal, while they are at work.
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QImage>
-#include <QProcess>
-#include <QTest>
-
 #include "components/channels/Statsfile.h"
 #include "components/panels/Panel.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 #ifdef Q_OS_LINUX
 
@@ -19,25 +10,14 @@
 
 namespace {
 
-QByteArray Read(const QString& name) {
-  QFile file(TestFolder() + '/' + name);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// A program in the test's folder.
 class TProgram {
  public:
   TProgram(const QString& name, const QStringList& arguments, const QString& platform) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("QT_QPA_PLATFORM", platform);
-    environment.insert("ASAN_OPTIONS",
-                       "detect_leaks=0");  // of drivers that are unloaded at the end
-    environment.insert("XDG_RUNTIME_DIR", TestFolder());
-    process_.setProcessEnvironment(environment);
-    process_.setWorkingDirectory(TestFolder());
     // A shell lets what it runs in the background ignore the first of them.
     process_.setChildProcessModifier([] { std::signal(SIGINT, SIG_DFL); });
-    process_.start(BuiltFile(name), arguments);
+    StartProgram(process_, name, arguments,
+                 {{"QT_QPA_PLATFORM", platform}, {"DISPLAY", qEnvironmentVariable("DISPLAY")}});
     EXPECT_TRUE(process_.waitForStarted()) << process_.errorString().toStdString();
   }
   ~TProgram() {
@@ -65,10 +45,8 @@ class TProgram {
 
  private:
   bool TakesSignals() const {
-    QFile status(QString("/proc/%1/status").arg(process_.processId()));
-    if (!status.open(QIODevice::ReadOnly)) return false;
-    const QString caught =
-        QString::fromLatin1(status.readAll()).section("SigCgt:", 1).section('\n', 0, 0);
+    const QByteArray status = ContentOf(QString("/proc/%1/status").arg(process_.processId()));
+    const QString caught = QString::fromLatin1(status).section("SigCgt:", 1).section('\n', 0, 0);
     return caught.trimmed().toULongLong(nullptr, 16) >> (SIGTERM - 1) & 1;
   }
 
@@ -131,7 +109,7 @@ TEST(ProgramEnds, APanelLosesNothingThatItHasMeasured) {
                {"--panel", WriteTestFile("panel.ui", kPanel), "--trust", "--save", "saved.ui",
                 "--after", "3600"},
                "offscreen");
-  const auto rows = [] { return Read("rows.txt").count('\n'); };
+  const auto rows = [] { return ContentOf(TestFolder() + "/rows.txt").count('\n'); };
   ASSERT_TRUE(run.Works([&] { return rows() > 3; }));
   EXPECT_EQ(run.End(SIGTERM), 0) << run.errors.toStdString();
   TStatsContent stored;
@@ -150,7 +128,7 @@ TEST(GlProgramEnds, TheWindowSavesItsSettings) {
   TProgram run("velmora-animator", {SourceFile("examples/plate.mod"), "--settings", ini}, "xcb");
   ASSERT_TRUE(run.Works());
   EXPECT_EQ(run.End(SIGTERM), 0) << run.errors.toStdString();
-  EXPECT_TRUE(Read("a.ini").contains("ModelFile=" + SourceFile("examples/plate.mod").toUtf8()));
+  EXPECT_TRUE(ContentOf(ini).contains("ModelFile=" + SourceFile("examples/plate.mod").toUtf8()));
 }
 
 TEST(GlProgramEnds, APictureIsWholeOrNotThere) {

@@ -1,55 +1,9 @@
 #include "viewer/window/Settings.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QRegularExpression>
-#include <limits>
-#include <random>
-
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 #include "viewer/window/Inifile.h"
 
 namespace {
-
-/// Settings of which none has its default.
-TSettings OtherSettings() {
-  TSettings s;
-  s.ModelFile = QStringLiteral("/data/brücke; neu/\"a\" = b\\c.mod");
-  s.DataFile = QStringLiteral("C:\\measured\\run 2.dat");
-  s.AnimationOn = true;
-  s.AnimationSpeed = 111;
-  s.RotX = 0.1 + 0.2;
-  s.RotY = -1.0 / 3.0;
-  s.ScaleX = 1.6;
-  s.ScaleY = 2.5e-3;
-  s.ScaleZ = -0.7;
-  s.PanPosX = 1e-300;
-  s.PanPosY = -12345678.9;
-  s.ScaleType = 2;
-  s.ViewScale = 20;
-  s.ShowModel = false;
-  s.CanSave = false;
-  s.SavePath = QStringLiteral("/tmp/pictures, new");
-  s.Left = -5;
-  s.Top = 6;
-  s.Width = 700;
-  s.Height = 800;
-  s.LabelsLeft = 9;
-  s.LabelsTop = 10;
-  s.LabelsWidth = 211;
-  s.LabelsHeight = 212;
-  s.LabelsVisible = true;
-  s.CheckedLabels = QStringLiteral("0110");
-  s.BackColor = TColor::FromRgb(1, 2, 3);
-  s.ElementColor = TColor::FromRgb(4, 5, 6);
-  s.NodeColor = TColor::FromRgb(7, 8, 9);
-  s.FontColor = TColor::FromRgb(250, 251, 252);
-  s.NodeShape = 1;
-  return s;
-}
 
 const QByteArray kAllKeys =
     "[General]\nModelFile=/data/brücke; neu/\"a\" = b\\c.mod\n"
@@ -62,11 +16,8 @@ const QByteArray kAllKeys =
     "[Colors]\nBackColor=197121\nElementColor=394500\nNodeColor=591879\nFontColor=16579578\n"
     "NodeShape=1\n";
 
-QByteArray ReadAll(const QString& name) {
-  QFile file(name);
-  EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-  return file.readAll();
-}
+/// Settings of which none has its default.
+TSettings OtherSettings() { return ParseSettings(kAllKeys); }
 
 TEST(Settings, DocumentListsEveryKeyInItsOrder) {
   const QString document = Document("file-formats.md");
@@ -83,21 +34,26 @@ TEST(Settings, DocumentListsEveryKeyInItsOrder) {
 
 }  // namespace
 
-TEST(Settings, AnEmptyFileGetsEveryKeyInItsOrder) {
-  EXPECT_EQ(QString::fromUtf8(UpdateSettings({}, OtherSettings())), QString::fromUtf8(kAllKeys));
-}
-
 TEST(Settings, WhatIsSavedIsReadBackToTheLastBit) {
-  const TSettings s = ParseSettings(kAllKeys);
-  const TSettings o = OtherSettings();
-  EXPECT_EQ(s.ModelFile, o.ModelFile);
-  EXPECT_EQ(s.DataFile, o.DataFile);
-  EXPECT_EQ(s.RotX, o.RotX);
-  EXPECT_EQ(s.RotY, o.RotY);
-  EXPECT_EQ(s.PanPosX, o.PanPosX);
-  EXPECT_EQ(s.SavePath, o.SavePath);
-  // Every other value: saving again changes nothing.
-  EXPECT_EQ(UpdateSettings({}, s), kAllKeys);
+  const TSettings s = OtherSettings();
+  EXPECT_EQ(s.ModelFile, QStringLiteral("/data/brücke; neu/\"a\" = b\\c.mod"));
+  EXPECT_EQ(s.DataFile, QStringLiteral("C:\\measured\\run 2.dat"));
+  EXPECT_EQ(s.SavePath, QStringLiteral("/tmp/pictures, new"));
+  EXPECT_EQ(s.CheckedLabels, "0110");
+  EXPECT_EQ(std::tuple(s.RotX, s.RotY, s.ScaleX, s.ScaleY, s.ScaleZ, s.PanPosX, s.PanPosY),
+            std::tuple(0.1 + 0.2, -1.0 / 3.0, 1.6, 2.5e-3, -0.7, 1e-300, -12345678.9));
+  EXPECT_EQ(std::tuple(s.AnimationOn, s.ShowModel, s.CanSave, s.LabelsVisible),
+            std::tuple(true, false, false, true));
+  EXPECT_EQ(std::tuple(s.AnimationSpeed, s.ScaleType, s.ViewScale, s.NodeShape),
+            std::tuple(111, 2, 20, 1));
+  EXPECT_EQ(std::tuple(s.Left, s.Top, s.Width, s.Height), std::tuple(-5, 6, 700, 800));
+  EXPECT_EQ(std::tuple(s.LabelsLeft, s.LabelsTop, s.LabelsWidth, s.LabelsHeight),
+            std::tuple(9, 10, 211, 212));
+  EXPECT_EQ(s.BackColor, TColor::FromRgb(1, 2, 3));
+  EXPECT_EQ(s.ElementColor, TColor::FromRgb(4, 5, 6));
+  EXPECT_EQ(s.NodeColor, TColor::FromRgb(7, 8, 9));
+  EXPECT_EQ(s.FontColor, TColor::FromRgb(250, 251, 252));
+  EXPECT_EQ(QString::fromUtf8(UpdateSettings({}, s)), QString::fromUtf8(kAllKeys));
   EXPECT_EQ(UpdateSettings(kAllKeys, s), kAllKeys);
 }
 
@@ -120,21 +76,32 @@ TEST(Settings, KeepsEverythingElseInTheFile) {
       "[Windows]\r\nLeft=5\r\n; end\r\n\r\n[New]\r\nz=2\r\n");
 }
 
-TEST(Settings, MissingSectionsAndKeysTakeTheirDefaults) {
-  for (const char* text : {"", "garbage", "[General]\n[Windows]\n[Colors]\n", "[]\n]\n[\n=\n==\n",
-                           "[Other]\nAnimationSpeed=3\nNodeColor=1\n", "AnimationOn=1\n"}) {
+TEST(Settings, WhatIsMissingOrMakesNoSenseTakesItsDefault) {
+  const char* const texts[] = {
+      "",
+      "garbage",
+      "[General]\n[Windows]\n[Colors]\n",
+      "[]\n]\n[\n=\n==\n",
+      "[Other]\nAnimationSpeed=3\nNodeColor=1\n",
+      "AnimationOn=1\n",
+      "[General]\nAnimationOn=yes\nAnimationSpeed=5e1\nRotX=nan\nRotY=1,5\nScaleX=inf\nScaleY=0\n"
+      "ScaleZ=1e300\nPanPosX=-inf\nPanPosY=1e99\nScaleType=99999999999\nViewScale=\nCanSave=x\n"
+      "[Windows]\nLeft=0x10\nTop=1.5\nWidth=--1\nHeight=12 3\nLabelsVisible=maybe\n"
+      "[Colors]\nBackColor=-1\nElementColor=16777216\nNodeColor=4294967295\nFontColor=#fff\n"};
+  for (const char* text : texts) {
     SCOPED_TRACE(text);
     const TSettings s = ParseSettings(text);
     EXPECT_EQ(s.ModelFile, QString());
     EXPECT_FALSE(s.AnimationOn);
-    EXPECT_EQ(s.AnimationSpeed, std::nullopt);
+    EXPECT_TRUE(s.ShowModel && s.CanSave);
+    for (const auto& none : {s.AnimationSpeed, s.ViewScale, s.Left, s.Top, s.Width, s.Height}) {
+      EXPECT_EQ(none, std::nullopt);
+    }
     EXPECT_EQ(s.RotX, std::nullopt);
-    EXPECT_EQ(s.ScaleZ, 1.0);
-    EXPECT_EQ(s.PanPosY, 0.0);
+    EXPECT_EQ(s.RotY, std::nullopt);
+    EXPECT_EQ(std::tuple(s.ScaleX, s.ScaleY, s.ScaleZ), std::tuple(1.0, 1.0, 1.0));
+    EXPECT_EQ(std::tuple(s.PanPosX, s.PanPosY), std::tuple(0.0, 0.0));
     EXPECT_EQ(s.ScaleType, 0);
-    EXPECT_TRUE(s.ShowModel);
-    EXPECT_TRUE(s.CanSave);
-    EXPECT_EQ(s.Left, std::nullopt);
     EXPECT_EQ(s.LabelsVisible, std::nullopt);
     EXPECT_EQ(s.CheckedLabels, "111");
     EXPECT_EQ(s.BackColor.Value(), 0);
@@ -154,43 +121,6 @@ TEST(Settings, TheOldPlaceOfTwoColorsIsReadAndTheNewOneWins) {
   const QByteArray updated = UpdateSettings(old, TSettings());
   EXPECT_TRUE(updated.startsWith(old)) << updated.toStdString();
   EXPECT_TRUE(updated.contains("[Colors]\nBackColor=0\nElementColor=16777215\n"));
-}
-
-TEST(Settings, ScaleTypeStandsInTheFileOnceAsAnInteger) {
-  TSettings s;
-  s.ScaleType = 2;
-  const QByteArray text = UpdateSettings({}, s);
-  EXPECT_EQ(text.count("ScaleType"), 1);
-  EXPECT_TRUE(text.contains("\nScaleType=2\n"));
-}
-
-TEST(Settings, WhatMakesNoSenseTakesItsDefault) {
-  const TSettings s = ParseSettings(
-      "[General]\nAnimationOn=yes\nAnimationSpeed=5e1\nRotX=nan\nRotY=1,5\nScaleX=inf\nScaleY=0\n"
-      "ScaleZ=1e300\nPanPosX=-inf\nPanPosY=1e99\nScaleType=99999999999\nViewScale=\nCanSave=x\n"
-      "[Windows]\nLeft=0x10\nTop=1.5\nWidth=--1\nHeight=12 3\nLabelsVisible=maybe\n"
-      "[Colors]\nBackColor=-1\nElementColor=16777216\nNodeColor=4294967295\nFontColor=#fff\n");
-  EXPECT_FALSE(s.AnimationOn);
-  EXPECT_EQ(s.AnimationSpeed, std::nullopt);
-  EXPECT_EQ(s.RotX, std::nullopt);
-  EXPECT_EQ(s.RotY, std::nullopt);
-  EXPECT_EQ(s.ScaleX, 1.0);
-  EXPECT_EQ(s.ScaleY, 1.0);
-  EXPECT_EQ(s.ScaleZ, 1.0);
-  EXPECT_EQ(s.PanPosX, 0.0);
-  EXPECT_EQ(s.PanPosY, 0.0);
-  EXPECT_EQ(s.ScaleType, 0);
-  EXPECT_EQ(s.ViewScale, std::nullopt);
-  EXPECT_TRUE(s.CanSave);
-  EXPECT_EQ(s.Left, std::nullopt);
-  EXPECT_EQ(s.Top, std::nullopt);
-  EXPECT_EQ(s.Width, std::nullopt);
-  EXPECT_EQ(s.Height, std::nullopt);
-  EXPECT_EQ(s.LabelsVisible, std::nullopt);
-  EXPECT_EQ(s.BackColor, TColor::Black());
-  EXPECT_EQ(s.ElementColor, TColor::White());
-  EXPECT_EQ(s.NodeColor, TColor::Green());
-  EXPECT_EQ(s.FontColor, TColor::White());
 }
 
 TEST(Settings, ANameWithALineEndDoesNotBecomeTwoLines) {
@@ -223,13 +153,13 @@ TEST(Settings, SavesOnlyIntoAnExistingWritableFile) {
 
   const QString file = WriteTestFile("a.ini", "");
   SaveSettings(file, OtherSettings());
-  EXPECT_EQ(ReadAll(file), kAllKeys);
+  EXPECT_EQ(ContentOf(file), kAllKeys);
   EXPECT_EQ(LoadSettings(file).AnimationSpeed, 111);
 
   const QString readOnly = WriteTestFile("r.ini", "; mine\n");
   ASSERT_TRUE(QFile::setPermissions(readOnly, QFile::ReadOwner | QFile::ReadUser));
   SaveSettings(readOnly, OtherSettings());
-  EXPECT_EQ(ReadAll(readOnly), "; mine\n");
+  EXPECT_EQ(ContentOf(readOnly), "; mine\n");
 
   EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files).size(), 2);  // no temporary file stays
   EXPECT_TRUE(TakeMessages().isEmpty());
@@ -242,18 +172,15 @@ TEST(Settings, LeavesAloneWhatCannotBeASettingsFile) {
     const QString file = WriteTestFile("a.ini", content);
     EXPECT_EQ(LoadSettings(file).AnimationSpeed, std::nullopt);
     SaveSettings(file, OtherSettings());
-    EXPECT_EQ(ReadAll(file), content);
+    EXPECT_EQ(ContentOf(file), content);
   }
   EXPECT_EQ(LoadSettings(TestFolder()).AnimationSpeed, std::nullopt);  // a folder
   SaveSettings(TestFolder(), OtherSettings());
 }
 
-TEST(Settings, TheFileStandsBesideTheExecutable) {
+TEST(Settings, TheFileStandsBesideTheExecutableAndSoDoBareNames) {
   EXPECT_EQ(SettingsFileFor("/opt/v a/velmora-animator"), "/opt/v a/velmora-animator.ini");
   EXPECT_EQ(SettingsFileFor("C:/v/velmora.2.exe"), "C:/v/velmora.2.ini");
-}
-
-TEST(Settings, ABareNameIsLookedForInTheFolder) {
   EXPECT_EQ(WithFolder("a.mod", "/opt"), "/opt/a.mod");
   EXPECT_EQ(WithFolder("b/a.mod", "/opt"), "b/a.mod");
   EXPECT_EQ(WithFolder("C:\\a.mod", "/opt"), "C:\\a.mod");
