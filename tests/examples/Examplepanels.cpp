@@ -1,12 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
-#include <QRegularExpression>
-#include <functional>
-
 #include "components/channels/Channelset.h"
 #include "components/channels/Datachannel.h"
 #include "components/channels/Runningstatistics.h"
@@ -18,39 +9,28 @@
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
 #include "components/panels/Panel.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-bool WaitFor(const std::function<bool()>& condition) {
-  QElapsedTimer clock;
-  clock.start();
-  while (!condition() && clock.elapsed() < 60'000) {
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-  }
-  return condition();
-}
+bool WaitFor(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, 60'000); }
 
 /// Ends with the test.
-class THelperProgram {
- public:
+struct THelperProgram {
   THelperProgram(const QString& program, const QStringList& arguments) {
-    process_.start(BuiltFile(program), arguments);
-    EXPECT_TRUE(WaitFor([this] { return process_.canReadLine(); }));
-    firstLine_ = QString::fromLocal8Bit(process_.readLine()).trimmed();
+    StartProgram(process, program, arguments);
+    EXPECT_TRUE(WaitFor([this] { return process.canReadLine(); }));
+    firstLine = QString::fromLocal8Bit(process.readLine()).trimmed();
   }
   ~THelperProgram() {
-    process_.kill();
-    process_.waitForFinished();
+    process.kill();
+    process.waitForFinished();
   }
-  /// What it said first.
-  const QString& FirstLine() const { return firstLine_; }
 
- private:
-  QProcess process_;
-  QString firstLine_;
+  QProcess process;
+  QString firstLine;
 };
 
 class ExamplePanels : public testing::Test {
@@ -58,9 +38,7 @@ class ExamplePanels : public testing::Test {
   /// Opens an example; what stands in its file may be changed first.
   void Open(const QString& name, const QString& before = {}, const QString& after = {}) {
     const QString fileName = SourceFile("examples/panels/" + name);
-    QFile file(fileName);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QString text = QString::fromUtf8(file.readAll());
+    QString text = QString::fromUtf8(ContentOf(fileName));
     if (!before.isEmpty()) {
       ASSERT_TRUE(text.contains(before));
       text.replace(before, after);
@@ -75,12 +53,7 @@ class ExamplePanels : public testing::Test {
   }
   /// What measuring has changed is no reason to ask at the end whether it is to be saved.
   void ExpectUnchangedSettings() const {
-    const QStringList before = settings_.split('\n');
-    const QStringList now = panel->Settings().split('\n');
-    ASSERT_EQ(now.size(), before.size());
-    for (qsizetype i = 0; i < now.size(); ++i) {
-      EXPECT_EQ(now[i].toStdString(), before[i].toStdString());
-    }
+    EXPECT_EQ(panel->Settings().toStdString(), settings_.toStdString());
   }
   template <class T>
   T* Find(const char* name) {
@@ -90,14 +63,8 @@ class ExamplePanels : public testing::Test {
   }
   /// Pixels of a graph with a strong colour, as curves have and axes have not.
   int ColouredPixels(const char* graph) {
-    const QImage image = Find<TKorvalGraph>(graph)->Picture();
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) {
-        count += image.pixelColor(x, y).hsvSaturation() > 100;
-      }
-    }
-    return count;
+    return CountIf(Find<TKorvalGraph>(graph)->Picture(),
+                   [](const QColor& color) { return color.hsvSaturation() > 100; });
   }
 
   QStringList faults;
@@ -167,7 +134,7 @@ TEST_F(ExamplePanels, TheCompassShowsTheWindOfTheServer) {
   const THelperProgram server(
       "examples/package-server/package-server",
       {"--port", "0", "--rate", "20", "--replay", WriteTestFile("wind.packages", packages)});
-  Open("weather.ui", "4001", server.FirstLine().section(' ', -1));
+  Open("weather.ui", "4001", server.firstLine.section(' ', -1));
   ASSERT_TRUE(WaitFor([&] { return Find<TCompass>("compass")->GetAngle() != 0.0; }));
   EXPECT_DOUBLE_EQ(Find<TCompass>("compass")->GetAngle(), 123.5);
   EXPECT_TRUE(Find<TCompass>("compass")->Fault().isEmpty());
@@ -207,11 +174,9 @@ TEST_F(ExamplePanels, TheMachineIsReadFromTheSerialDevice) {
 }
 
 TEST_F(ExamplePanels, TheReplayTakesEveryRowOfTheRecordedFile) {
-  QFile file(SourceFile("examples/mast.packages"));
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   std::vector<double> east;
-  for (const QString& row : QString::fromLatin1(file.readAll()).split('\n')) {
-    const QStringList fields = row.trimmed().split(' ');
+  for (const QByteArray& row : ContentOf(SourceFile("examples/mast.packages")).split('\n')) {
+    const QByteArrayList fields = row.trimmed().split(' ');
     if (fields.size() == 6 && !row.startsWith('<')) east.push_back(fields[2].toDouble());
   }
   ASSERT_EQ(east.size(), 3000u);

@@ -1,28 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <QFontInfo>
-#include <QImage>
-#include <QProcess>
-
-#include "tests/support/Pictures.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
-QString Program() { return BuiltFile("examples/gallery/gallery"); }
-
-/// Runs the gallery without a display; returns its exit status and what it complains about.
-int RunGallery(const QStringList& arguments, QString* errors) {
-  QProcess gallery;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.remove("DISPLAY");
-  environment.insert("QT_QPA_PLATFORM", "offscreen");
-  environment.insert("XDG_RUNTIME_DIR", TestFolder());
-  gallery.setProcessEnvironment(environment);
-  gallery.start(Program(), arguments);
-  EXPECT_TRUE(gallery.waitForFinished()) << gallery.errorString().toStdString();
-  *errors = QString::fromUtf8(gallery.readAllStandardError());
-  return gallery.exitCode();
+TRun RunExample(const QString& name, const QStringList& arguments) {
+  return RunProgram(QStringLiteral("examples/%1/%1").arg(name), arguments);
 }
 
 TEST(Gallery, LooksAsItDid) {
@@ -30,33 +11,26 @@ TEST(Gallery, LooksAsItDid) {
     GTEST_SKIP() << "the picture was made with Liberation Sans (Debian fonts-liberation)";
   }
   const QString file = TestFolder() + "/gallery.png";
-  QString errors;
-  ASSERT_EQ(RunGallery({"--render", file}, &errors), 0) << errors.toStdString();
+  const TRun run = RunExample("gallery", {"--render", file});
+  ASSERT_EQ(run.Status, 0) << run.Errors.toStdString();
   ExpectSamePicture(QImage(file), QImage(SourceFile("tests/data/gallery.png")), "gallery", 5);
 }
 
-TEST(Gallery, SaysThatItCannotWrite) {
-  QString errors;
-  const QString file = TestFolder() + "/missing/gallery.png";
-  EXPECT_EQ(RunGallery({"--render", file}, &errors), 1);
-  EXPECT_TRUE(errors.contains("Cannot write " + file)) << errors.toStdString();
-}
-
-TEST(ExamplePrograms, SayWithoutADisplayHowTheyAreUsed) {
+TEST(ExamplePrograms, SayWithoutADisplayHowTheyAreUsedAndWhatTheyCannotDo) {
+  const QString nowhere = TestFolder() + "/missing/a.png";
   for (const char* program : {"gallery", "values", "monitor"}) {
     SCOPED_TRACE(program);
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-      environment.remove(display);
-    }
-    process.setProcessEnvironment(environment);
-    process.start(BuiltFile(QStringLiteral("examples/%1/%1").arg(program)), {"--help"});
-    EXPECT_TRUE(process.waitForFinished()) << process.errorString().toStdString();
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(process.exitCode(), 0);
-    EXPECT_TRUE(process.readAllStandardOutput().contains("--render <file>"));
+    const TRun help = RunExample(program, {"--help"});
+    EXPECT_EQ(help.Status, 0);
+    EXPECT_TRUE(help.Out.contains("--render <file>"));
+    if (program == std::string("monitor")) continue;
+    const TRun lost = RunExample(program, {"--render", nowhere});
+    EXPECT_EQ(lost.Status, 1);
+    EXPECT_TRUE(lost.Errors.contains("Cannot write " + nowhere)) << lost.Errors.toStdString();
   }
+  const TRun none = RunExample("values", {"--render", nowhere, "none.txt"});
+  EXPECT_EQ(none.Status, 1);
+  EXPECT_TRUE(none.Errors.contains("Cannot open none.txt")) << none.Errors.toStdString();
 }
 
 }  // namespace

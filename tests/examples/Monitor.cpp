@@ -1,23 +1,5 @@
 // The monitoring example with the real programs at the other ends of its lines.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QComboBox>
-#include <QDir>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QProcess>
-#include <QPushButton>
-#include <QTest>
-#include <algorithm>
-#include <cmath>
-#include <map>
-#include <memory>
-
-#include "components/channels/Statsfile.h"
 #include "components/graphing/Graph.h"
 #include "examples/monitor/Channeltable.h"
 #include "examples/monitor/Fittinglabel.h"
@@ -25,8 +7,7 @@
 #include "examples/monitor/Monitoredsets.h"
 #include "examples/monitor/Monitorpanel.h"
 #include "examples/monitor/Valuecard.h"
-#include "model/Datetime.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 #ifdef Q_OS_UNIX
 #include <csignal>
@@ -45,90 +26,62 @@ template <class TDone>
 
 // The command line
 
-TEST(MonitorOptions, AServerIsAHostWithAPortOrWithout) {
-  const struct {
-    const char* text;
-    const char* host;
-    int port;
-  } cases[] = {{"10.0.0.7:5000", "10.0.0.7", 5000},
-               {"mast.local", "mast.local", 4001},
-               {"[::1]:65535", "::1", 65535},
-               {"[fe80::1]", "fe80::1", 4001}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TMonitorOptions options;
-    EXPECT_EQ(TakeServer(c.text, options), "");
-    EXPECT_EQ(options.Host, c.host);
-    EXPECT_EQ(options.Port, c.port);
-  }
-}
-
-TEST(MonitorOptions, SayWhatIsWrongAndChangeNothing) {
+TEST(MonitorOptions, TakeAServerOrSayWhatIsWrongAndChangeNothing) {
   const QString file = WriteTestFile("file", "text");
   const QString form = ": a server is given as host:port, such as 127.0.0.1:4001";
   const QString port = ": the port is a number from 1 to 65535";
   const struct {
     QString (*take)(const QString&, TMonitorOptions&);
-    QString text;
-    QString message;
-  } cases[] = {
-      {TakeServer, "", "--server " + form},
-      {TakeServer, "::1", "--server ::1" + form},
-      {TakeServer, "host:", "--server host:" + form},
-      {TakeServer, "a host:1", "--server a host:1" + form},
-      {TakeServer, "host:0", "--server host:0" + port},
-      {TakeServer, "host:65536", "--server host:65536" + port},
-      {TakeServer, "host:99999999999", "--server host:99999999999" + port},
-      {TakeDevice, "", "--device needs a port, such as COM1 or /dev/ttyUSB0"},
-      {TakeDevice, file, "--device " + file + ": that is a file, not a serial port"},
-      {TakeDevice, "/", "--device /: that is a folder, not a serial port"},
-      {TakeFolder, file, "--store " + file + ": that is a file, not a folder"},
-  };
+    QString text, message;
+    QString host = "127.0.0.1";
+    int port = 4001;
+  } cases[] = {{TakeServer, "10.0.0.7:5000", "", "10.0.0.7", 5000},
+               {TakeServer, "mast.local", "", "mast.local"},
+               {TakeServer, "[::1]:65535", "", "::1", 65535},
+               {TakeServer, "", "--server " + form},
+               {TakeServer, "::1", "--server ::1" + form},
+               {TakeServer, "a host:1", "--server a host:1" + form},
+               {TakeServer, "host:0", "--server host:0" + port},
+               {TakeServer, "host:65536", "--server host:65536" + port},
+               {TakeDevice, "", "--device needs a port, such as COM1 or /dev/ttyUSB0"},
+               {TakeDevice, file, "--device " + file + ": that is a file, not a serial port"},
+               {TakeDevice, "/", "--device /: that is a folder, not a serial port"},
+               {TakeFolder, file, "--store " + file + ": that is a file, not a folder"}};
   for (const auto& c : cases) {
     TMonitorOptions options;
     EXPECT_EQ(c.take(c.text, options), c.message);
     EXPECT_EQ(options.Device, "COM1");
-    EXPECT_EQ(options.Host, "127.0.0.1");
-    EXPECT_EQ(options.Port, 4001);
+    EXPECT_EQ(options.Host, c.host);
+    EXPECT_EQ(options.Port, c.port);
     EXPECT_EQ(options.Folder, "");
-  }
-}
-
-TEST(MonitorProgram, EndsWithASentenceOnABadCommandLine) {
-  const struct {
-    QStringList arguments;
-    const char* message;
-  } cases[] = {
-      {{"--server", "host:0"}, "monitor: --server host:0: the port is a number from 1 to 65535\n"},
-      {{"--rate", "1e9"}, "--rate takes a number from 40 to 800, not 1e9\n"},
-      {{"--ratio", "9"}, "--ratio takes a number from 1 to 4, not 9\n"},
-      {{"--after=-1"}, "--after takes a number from 0 to 86400, not -1\n"},
-      {{"file"}, "monitor: unexpected argument file; see --help\n"},
-  };
-  for (const auto& c : cases) {
-    QProcess monitor;
-    monitor.start(BuiltFile("examples/monitor/monitor"), c.arguments);
-    ASSERT_TRUE(monitor.waitForFinished());
-    EXPECT_EQ(monitor.exitCode(), 1);
-    EXPECT_THAT(monitor.readAllStandardError().toStdString(), HasSubstr(c.message));
   }
 }
 
 // What the sets say of their values
 
-TEST(MonitoredSets, SumUpWhatHistoriesHoldAndWhatIsUnderWay) {
-  TChannelSource source;
-  AddMonitoredSets(source, 100.0);
-  TChannelSet& weather = *source.GetSets()->GetItem(kWeather);
-  TChannel& speed = *weather.GetChannels()->GetItem(0);
-  constexpr int kCount = 1000;
-  for (int i = 0; i <= kCount; ++i) {
-    const double row[] = {45413.5 + i / kSecondsPerDay, static_cast<double>(i)};
+/// The sets of the monitor.
+struct TMonitoredSets : testing::Test {
+  /// Gives the wind speed a value, so many seconds after the first.
+  void Blow(double seconds, double value) {
+    const double row[] = {45413.5 + seconds / 86400.0, value};
     weather.SetRow(row, 0, 2);
   }
+
+  static TChannelSet& WeatherOf(TChannelSource& source) {
+    AddMonitoredSets(source, 100.0);
+    return *source.GetSets()->GetItem(kWeather);
+  }
+
+  TChannelSource source;
+  TChannelSet& weather = WeatherOf(source);
+  TChannel& speed = *weather.GetChannels()->GetItem(0);
+};
+
+TEST_F(TMonitoredSets, SumUpWhatHistoriesHoldAndWhatIsUnderWay) {
+  for (int i = 0; i <= 1000; ++i) Blow(i, i);
   // A block of one row has no length before the second row, so that the first one does not count.
   const TStatSet hour = Summary(*speed.GetStats(), si1_Minute);
-  EXPECT_EQ(hour.Count, kCount);
+  EXPECT_EQ(hour.Count, 1000);
   EXPECT_EQ(hour.Min, 1.0);
   EXPECT_EQ(hour.Max, 1000.0);
   EXPECT_DOUBLE_EQ(hour.Mean, 500.5);
@@ -139,53 +92,21 @@ TEST(MonitoredSets, SumUpWhatHistoriesHoldAndWhatIsUnderWay) {
   EXPECT_LE(minute.Count, 122.0);
   EXPECT_EQ(minute.Min, 1001.0 - minute.Count) << "the newest ones, all of them";
   EXPECT_EQ(LatestValue(weather, speed), 1000.0);
-}
-
-TEST(MonitoredSets, ShowValuesWithTheirUnitAndNeverEndlessly) {
-  TChannelSource source;
-  AddMonitoredSets(source, 100.0);
-  TChannelSet& weather = *source.GetSets()->GetItem(kWeather);
-  TChannel& speed = *weather.GetChannels()->GetItem(0);
-  EXPECT_EQ(ValueText(speed, 12.345), "12.3 m/s");
-  EXPECT_EQ(ValueText(*weather.GetChannels()->GetItem(1), 231.4), QStringLiteral("231 \u00b0"));
   EXPECT_EQ(ValueText(speed, -1e300), "-1e+300 m/s");
   EXPECT_EQ(LimitsText(speed), "Alarm above 11.5 m/s, warning from 10.0 m/s on");
 }
 
-TEST(ChannelTable, HidesInputsThatTheDeviceDoesNotHave) {
-  TChannelSource source;
-  AddMonitoredSets(source, 100.0);
-  TChannelTable table(source);
-  const auto shown = [&table] {
-    int rows = 0;
-    for (int row = 0; row < table.rowCount(); ++row) rows += !table.isRowHidden(row);
-    return rows;
-  };
-  EXPECT_EQ(shown(), 4 + 3 + 16) << "as long as nothing is known of the devices";
-  const double row[] = {45413.5, 0.0, 1.0, 2.0};
-  source.GetSets()->GetItem(kMachine)->SetRow(row, 0, 4);
-  table.ShowValues(si1_Second, [](const TChannelSet&) { return true; });
-  EXPECT_EQ(shown(), 4 + 3 + 3);
-}
-
-TEST(HistoryView, LeavesAGapWhereNothingWasMeasured) {
-  TChannelSource source;
-  AddMonitoredSets(source, 100.0);
-  TChannelSet& weather = *source.GetSets()->GetItem(kWeather);
+TEST_F(TMonitoredSets, LeaveAGapInTheHistoryWhereNothingWasMeasured) {
   for (const double start : {0.0, 100.0}) {
-    for (int i = 0; i < 10; ++i) {
-      const double row[] = {45413.5 + (start + 1.5 * i) / kSecondsPerDay, 8.0};
-      weather.SetRow(row, 0, 2);
-    }
+    for (int i = 0; i < 10; ++i) Blow(start + 1.5 * i, 8.0);
   }
   THistoryView view;
-  view.SetChannel(weather.GetChannels()->GetItem(0), weather.GetLabel());
-  const TSeriesList& curves = view.findChild<TKorvalGraph*>()->GetDataPanel()->GetSeriesList();
+  view.SetChannel(&speed, weather.GetLabel());
+  const TSeriesList& curves = Child<TKorvalGraph>(view).GetDataPanel()->GetSeriesList();
   ASSERT_EQ(curves.Count(), 3);
   for (int curve = 0; curve < 3; ++curve) {
     int index = 0;
-    TCoordinate point;
-    TCoordinate extent;
+    TCoordinate point, extent;
     std::vector<double> values;
     while (curves.Get(curve)->DataSource(index, point, extent)) values.push_back(point.Y);
     // The first row has no length, and the second begins the second that the third completes.
@@ -202,15 +123,11 @@ TEST(FittingLabel, LeavesOutTheMiddleOfWhatHasNoRoom) {
   label.SetText("short");
   EXPECT_EQ(label.text(), "short");
   EXPECT_EQ(label.toolTip(), "");
-
   const QString path = "Cannot open " + QString("/a/folder").repeated(200) + "/device: why";
   label.SetText(path);
   EXPECT_EQ(label.toolTip(), path);
   EXPECT_LE(label.heightForWidth(label.width()), label.height());
-  EXPECT_TRUE(label.text().startsWith("Cannot open "));
-  EXPECT_THAT(label.text().toStdString(), HasSubstr("\u2026"));
-  EXPECT_TRUE(label.text().endsWith("why"));
-
+  EXPECT_THAT(label.text().toStdString(), ContainsRegex("^Cannot open .*\u2026.*why$"));
   label.resize(100'000, label.height());
   EXPECT_EQ(label.toolTip(), "");
 }
@@ -257,18 +174,15 @@ class Monitor : public testing::Test {
     StartServer();
     Open();
   }
-
   static QString Link() { return TestFolder() + "/device"; }
 
   template <class T>
   T& Find(const char* name) {
-    T* child = panel->findChild<T*>(QLatin1String(name));
-    if (!child) throw std::runtime_error(name);
-    return *child;
+    return Child<T>(*panel, name);
   }
-  QString State(const char* box) { return Find<QWidget>(box).findChild<QLabel*>("state")->text(); }
+  QString State(const char* box) { return Child<QLabel>(Find<QWidget>(box), "state").text(); }
   QString Detail(const char* box) {
-    return Find<QWidget>(box).findChild<TFittingLabel*>("detail")->Text();
+    return Child<TFittingLabel>(Find<QWidget>(box), "detail").Text();
   }
   /// The texts of the cards, such as "Weather: Wind speed", with their values.
   std::map<QString, QString> Cards() {
@@ -330,7 +244,6 @@ TEST_F(Monitor, ShowsWhatBothSourcesSend) {
   }
   EXPECT_TRUE(Cell("Wind speed", TChannelTable::kValue).endsWith(" m/s"));
   EXPECT_LT(Number("Top, along", TChannelTable::kMin), Number("Top, along", TChannelTable::kMax));
-  EXPECT_EQ(Cell("Input 2", TChannelTable::kStatus), "Normal");
   EXPECT_THAT(State("serverBox").toStdString(), ContainsRegex("^Receiving [0-9]+ rows/s$"));
   EXPECT_THAT(Detail("deviceBox").toStdString(), ContainsRegex("^[0-9]+ rows since "));
 
@@ -338,159 +251,7 @@ TEST_F(Monitor, ShowsWhatBothSourcesSend) {
   const TStatSet counted = Summary(*Set(kMachine).GetChannels()->GetItem(0)->GetStats(), si1_Year);
   EXPECT_GE(counted.Max, counted.Count - 10.0);
   EXPECT_LE(Number("Packets", TChannelTable::kMax), counted.Max);  // made five times a second
-}
 
-TEST_F(Monitor, ColoursAStatusByTheLimits) {
-  StartAll();
-  TLimitLevels& limits = *Set(kMachine).GetChannels()->GetItem(1)->GetStats()->GetLimits();
-  const auto status = [this] { return Cell("Input 2", TChannelTable::kStatus); };
-  const auto ground = [this] {
-    return Table().item(Row("Input 2"), TChannelTable::kStatus)->background().color();
-  };
-  // A wave of 5 V, once a second.
-  ASSERT_TRUE(PassUntil([&] { return status() == "Normal"; }));
-  const QColor green = ground();
-  limits.SetLimitMax(5.2);
-  ASSERT_TRUE(PassUntil([&] { return status() == "Warning"; }));
-  const QColor yellow = ground();
-  limits.SetLimitMax(4.0);
-  ASSERT_TRUE(PassUntil([&] { return status() == "Alarm"; }));
-  const QColor red = ground();
-  EXPECT_GT(green.green(), green.red());
-  EXPECT_LT(yellow.blue(), yellow.green());
-  EXPECT_GT(red.red(), red.green());
-  // An alarm lasts until the value is half a warning level, 0.5 V, below the limit.
-  limits.SetLimitMax(5.2);
-  QTest::qWait(2200);
-  EXPECT_EQ(status(), "Alarm");
-  limits.SetLimitMax(5.8);
-  ASSERT_TRUE(PassUntil([&] { return status() == "Warning"; }));
-}
-
-TEST_F(Monitor, GoesOnWithAServerThatWasKilledAndStartedAgain) {
-  StartAll();
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("serverBox") && Counted(kMast) > 100.0; }));
-  Kill(server);
-  ASSERT_TRUE(PassUntil([&] { return State("serverBox") == "Not connected"; }));
-  ASSERT_TRUE(PassUntil([&] { return Detail("serverBox").contains("refused"); }));
-  EXPECT_EQ(Detail("serverBox"), QString("Cannot connect to 127.0.0.1 port : %1: Connection "
-                                         "refused. Trying again ...")
-                                     .arg(port));
-  EXPECT_THAT(News(), ContainsRegex("Package server: connection lost after [0-9]+ rows, trying "
-                                    "again\n"));
-  ASSERT_TRUE(PassUntil([&] { return Cell("Wind speed", TChannelTable::kStatus) == "No data"; }));
-  const double before = Counted(kMast);
-  const QString minimum = Cell("Top, across", TChannelTable::kMin);
-  EXPECT_NE(minimum, "\u2013") << "what was measured stays";
-  // The device does not mind.
-  EXPECT_TRUE(IsReceiving("deviceBox"));
-
-  StartServer();
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("serverBox") && Counted(kMast) > before + 50; }));
-  EXPECT_THAT(News(), ContainsRegex("Package server: receiving rows again, after [0-9]+ s "
-                                    "without"));
-  EXPECT_LE(Number("Top, across", TChannelTable::kMin), minimum.section(' ', 0, 0).toDouble());
-}
-
-TEST_F(Monitor, GoesOnWithADeviceThatWasKilledAndStartedAgain) {
-  StartAll();
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("deviceBox") && Counted(kMachine) > 100.0; }));
-  Kill(device);
-  ASSERT_TRUE(PassUntil([&] { return State("deviceBox") == "Not connected"; }));
-  ASSERT_TRUE(PassUntil([&] { return Detail("deviceBox").startsWith("Cannot open "); }));
-  EXPECT_THAT(Detail("deviceBox").toStdString(), HasSubstr("No such file or directory"));
-  EXPECT_THAT(News(), ContainsRegex("Serial device: .* has gone: "));
-  EXPECT_THAT(News(), ContainsRegex("Serial device: connection lost after [0-9]+ rows, trying "
-                                    "again\n"));
-  const double before = Counted(kMachine);
-  EXPECT_GT(before, 100.0);
-
-  StartDevice();
-  ASSERT_TRUE(
-      PassUntil([&] { return IsReceiving("deviceBox") && Counted(kMachine) > before + 50; }));
-  EXPECT_THAT(News(), ContainsRegex("Serial device: receiving rows again, after [0-9]+ s "
-                                    "without"));
-}
-
-TEST_F(Monitor, OpensADeviceAnewThatIsConnectedAndSilent) {
-  options.SilenceLimitMs = 1000;
-  StartDevice();
-  // As one that is switched off: its line is there, and it does not hear what it is asked.
-  ::kill(static_cast<pid_t>(device.processId()), SIGSTOP);
-  Open();
-  ASSERT_TRUE(PassUntil([&] { return State("deviceBox") == "Connected"; }));
-  EXPECT_EQ(Detail("deviceBox"), "No rows yet");
-  ::kill(static_cast<pid_t>(device.processId()), SIGCONT);
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("deviceBox"); })) << News();
-}
-
-TEST_F(Monitor, DoesNotTakeNoiseForMeasurements) {
-  StartDevice({"--noise"});
-  Open();
-  ASSERT_TRUE(PassUntil([&] { return Counted(kMachine) > 10.0; })) << News();
-  EXPECT_EQ(State("deviceBox"), "Only noise comes");
-  EXPECT_THAT(Detail("deviceBox").toStdString(),
-              ContainsRegex("^No rows yet, [0-9]+ gaps, [0-9]+ kB skipped$"));
-  EXPECT_EQ(Cell("Input 2", TChannelTable::kStatus), "No data");
-  Kill(device);
-  StartDevice({"--garbage", "0.05"});
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("deviceBox"); })) << News();
-  ASSERT_TRUE(PassUntil([&] { return Detail("deviceBox").endsWith(" skipped"); }));
-  EXPECT_TRUE(IsReceiving("deviceBox"));
-}
-
-TEST_F(Monitor, DisconnectsOnlyByHandForGood) {
-  StartAll();
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("serverBox"); }));
-  QPushButton& button = *Find<QWidget>("serverBox").findChild<QPushButton*>("connect");
-  EXPECT_EQ(button.text(), "Disconnect");
-  QTest::mouseClick(&button, Qt::LeftButton);
-  EXPECT_EQ(State("serverBox"), "Not connected");
-  EXPECT_EQ(Detail("serverBox"), "Disconnected by hand");
-  EXPECT_EQ(button.text(), "Connect");
-  QTest::qWait(500);  // longer than it takes to connect again
-  EXPECT_EQ(State("serverBox"), "Not connected");
-  QTest::mouseClick(&button, Qt::LeftButton);
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("serverBox"); }));
-}
-
-TEST_F(Monitor, StoresStatisticsIntoAFolder) {
-  StartServer();
-  Open();
-  const QString folder = TestFolder() + "/statistics";
-  Find<QLineEdit>("folder").setText(folder);
-  QTest::mouseClick(&Find<QPushButton>("store"), Qt::LeftButton);
-  EXPECT_EQ(Find<QPushButton>("store").text(), "Stop storing");
-  ASSERT_TRUE(PassUntil([&] { return Counted(kMast) > 100.0; }));
-  QTest::mouseClick(&Find<QPushButton>("store"), Qt::LeftButton);
-  EXPECT_EQ(Find<QPushButton>("store").text(), "Start storing");
-
-  const QStringList files = QDir(folder).entryList({"Mast_*.csv"}, QDir::Files);
-  ASSERT_EQ(files.size(), 1);
-  TStatsContent content;
-  QString error;
-  ASSERT_TRUE(ReadStatsFile(folder + '/' + files[0], content, &error)) << error.toStdString();
-  ASSERT_EQ(content.Layouts.size(), 1u);
-  EXPECT_EQ(content.Layouts[0][0], (TStatsColumn{"Top, along", "m/s\u00b2"}));
-  double stored = 0.0;
-  for (const TStatsBlock& block : content.Blocks) stored += block.Channels[0].Count;
-  EXPECT_NEAR(stored, Counted(kMast), 20.0);  // all but what came before and behind the clicks
-}
-
-TEST_F(Monitor, SaysThatAFolderCannotBeWritten) {
-  StartServer();
-  Open();
-  Find<QLineEdit>("folder").setText(WriteTestFile("file", "") + "/below");
-  QTest::mouseClick(&Find<QPushButton>("store"), Qt::LeftButton);
-  ASSERT_TRUE(PassUntil([&] { return Counted(kMast) > 50.0; }));
-  QTest::mouseClick(&Find<QPushButton>("store"), Qt::LeftButton);  // writes what there is
-  ASSERT_TRUE(PassUntil(
-      [&] { return News().find("Statistics files: Cannot write ") != std::string::npos; }));
-}
-
-TEST_F(Monitor, ShowsTheHistoryThatTheUserPicks) {
-  StartAll();
-  ASSERT_TRUE(PassUntil([&] { return Find<QWidget>("historyGraph").isVisible(); }));
   Find<QComboBox>("interval").setCurrentText("Last year");
   EXPECT_FALSE(Find<QWidget>("historyGraph").isVisible());
   Find<QComboBox>("interval").setCurrentText("Last minute");
@@ -498,67 +259,105 @@ TEST_F(Monitor, ShowsTheHistoryThatTheUserPicks) {
   Table().selectRow(Row("Temperature"));
   EXPECT_EQ(Find<TKorvalGraph>("historyGraph").GetVerticalAx()->GetTitle()->GetCaption(),
             QStringLiteral("Temperature [\u00b0C]"));
+
+  // A wave of 5 V, once a second.
+  std::vector<QColor> grounds;
+  TLimitLevels& limits = *Set(kMachine).GetChannels()->GetItem(1)->GetStats()->GetLimits();
+  for (const auto& [limit, status] :
+       {std::pair(1e3, "Normal"), std::pair(5.2, "Warning"), std::pair(4.0, "Alarm")}) {
+    limits.SetLimitMax(limit);
+    ASSERT_TRUE(PassUntil([&] { return Cell("Input 2", TChannelTable::kStatus) == status; }));
+    grounds.push_back(Table().item(Row("Input 2"), TChannelTable::kStatus)->background().color());
+  }
+  EXPECT_GT(grounds[0].green(), grounds[0].red());
+  EXPECT_LT(grounds[1].blue(), grounds[1].green());
+  EXPECT_GT(grounds[2].red(), grounds[2].green());
+}
+
+TEST_F(Monitor, GoesOnWithSourcesThatWereKilledAndStartedAgainAndClipsNothing) {
+  StartAll();
+  ExpectNothingClipped();
+  ASSERT_TRUE(PassUntil([&] {
+    return IsReceiving("serverBox") && IsReceiving("deviceBox") && Counted(kMast) > 100.0 &&
+           Counted(kMachine) > 100.0;
+  }));
+  ExpectNothingClipped();
+  Kill(server);
+  ASSERT_TRUE(PassUntil([&] { return Detail("serverBox").contains("refused"); }));
+  EXPECT_EQ(State("serverBox"), "Not connected");
+  EXPECT_EQ(Detail("serverBox"), QString("Cannot connect to 127.0.0.1 port : %1: Connection "
+                                         "refused. Trying again ...")
+                                     .arg(port));
+  ASSERT_TRUE(PassUntil([&] { return Cell("Wind speed", TChannelTable::kStatus) == "No data"; }));
+  EXPECT_TRUE(IsReceiving("deviceBox")) << "the device does not mind";
+  Kill(device);
+  ASSERT_TRUE(PassUntil([&] { return Detail("deviceBox").startsWith("Cannot open "); }));
+  EXPECT_EQ(State("deviceBox"), "Not connected");
+  EXPECT_THAT(Detail("deviceBox").toStdString(), HasSubstr("No such file or directory"));
+  EXPECT_THAT(News(), ContainsRegex("Serial device: .* has gone: "));
+  for (const std::string source : {"Package server", "Serial device"}) {
+    EXPECT_THAT(News(), ContainsRegex(source + ": connection lost after [0-9]+ rows, trying "
+                                               "again\n"));
+  }
+  const double mast = Counted(kMast), machine = Counted(kMachine);
+  const QString minimum = Cell("Top, across", TChannelTable::kMin);
+  EXPECT_NE(minimum, "\u2013") << "what was measured stays";
+  ExpectNothingClipped();
+
+  StartServer();
+  StartDevice();
+  ASSERT_TRUE(PassUntil([&] {
+    return IsReceiving("serverBox") && Counted(kMast) > mast + 50 && IsReceiving("deviceBox") &&
+           Counted(kMachine) > machine + 50;
+  }));
+  for (const std::string source : {"Package server", "Serial device"}) {
+    EXPECT_THAT(News(), ContainsRegex(source + ": receiving rows again, after [0-9]+ s without"));
+  }
+  EXPECT_LE(Number("Top, across", TChannelTable::kMin), minimum.section(' ', 0, 0).toDouble());
 }
 
 void Monitor::ExpectNothingClipped() {
-  QCoreApplication::processEvents();
-  for (QWidget* child : panel->findChildren<QWidget*>()) {
-    if (!child->isVisible()) continue;
-    const bool isText = qobject_cast<QLabel*>(child) || qobject_cast<QPushButton*>(child) ||
-                        qobject_cast<QComboBox*>(child);
-    const QString text = child->property("text").toString();
-    SCOPED_TRACE((child->objectName() + " '" + text + '\'').toStdString());
-    EXPECT_TRUE(child->parentWidget()->rect().contains(child->geometry()) ||
-                !child->parentWidget()->inherits("QGroupBox"));
-    if (!isText || (text.isEmpty() && !qobject_cast<QComboBox*>(child))) continue;
-    const auto* label = qobject_cast<QLabel*>(child);
-    if (label && label->wordWrap()) {
-      EXPECT_LE(label->heightForWidth(label->width()), label->height());
-    } else {
-      EXPECT_LE(child->minimumSizeHint().width(), child->width());
-      EXPECT_LE(child->minimumSizeHint().height(), child->height());
+  for (const QSize size : {QSize(1, 1), QSize(1200, 800), QSize(2500, 1500), QSize(3000, 1)}) {
+    SCOPED_TRACE(testing::Message() << size.width() << " x " << size.height());
+    panel->resize(size);
+    QCoreApplication::processEvents();
+    for (QWidget* child : panel->findChildren<QWidget*>()) {
+      if (!child->isVisible()) continue;
+      const bool isText = qobject_cast<QLabel*>(child) || qobject_cast<QPushButton*>(child) ||
+                          qobject_cast<QComboBox*>(child);
+      const QString text = child->property("text").toString();
+      SCOPED_TRACE((child->objectName() + " '" + text + '\'').toStdString());
+      EXPECT_TRUE(child->parentWidget()->rect().contains(child->geometry()) ||
+                  !child->parentWidget()->inherits("QGroupBox"));
+      if (!isText || (text.isEmpty() && !qobject_cast<QComboBox*>(child))) continue;
+      const auto* label = qobject_cast<QLabel*>(child);
+      if (label && label->wordWrap()) {
+        EXPECT_LE(label->heightForWidth(label->width()), label->height());
+      } else {
+        EXPECT_LE(child->minimumSizeHint().width(), child->width());
+        EXPECT_LE(child->minimumSizeHint().height(), child->height());
+      }
     }
-  }
-  for (int column = 0; column < Table().columnCount(); ++column) {
-    EXPECT_LE(Table().horizontalHeader()->sectionSizeHint(column), Table().columnWidth(column));
-  }
-  EXPECT_LE(Table().horizontalHeader()->length(), Table().viewport()->width());
-}
-
-TEST_F(Monitor, ClipsNothingAtAnySizeWhateverHappens) {
-  StartAll();
-  const auto checkSizes = [this] {
-    for (const QSize size : {QSize(1, 1), QSize(1200, 800), QSize(2500, 1500), QSize(3000, 1)}) {
-      SCOPED_TRACE(testing::Message() << size.width() << " x " << size.height());
-      panel->resize(size);
-      ExpectNothingClipped();
+    const QHeaderView& header = *Table().horizontalHeader();
+    for (int column = 0; column < Table().columnCount(); ++column) {
+      EXPECT_LE(header.sectionSizeHint(column), Table().columnWidth(column));
     }
-    // Fits on a small notebook.
-    panel->resize(1, 1);
-    EXPECT_LE(panel->width(), 1024);
-    EXPECT_LE(panel->height(), 720);
-  };
-  checkSizes();
-  ASSERT_TRUE(PassUntil([&] { return IsReceiving("deviceBox") && IsReceiving("serverBox"); }));
-  checkSizes();
-  Kill(server);
-  Kill(device);
-  ASSERT_TRUE(PassUntil([&] {
-    return Detail("serverBox").contains("refused") && Detail("deviceBox").contains("No such file");
-  }));
-  checkSizes();
+    EXPECT_LE(header.length(), Table().viewport()->width());
+  }
+  // Fits on a small notebook.
+  panel->resize(1, 1);
+  EXPECT_LE(panel->width(), 1024);
+  EXPECT_LE(panel->height(), 720);
 }
 
 TEST_F(Monitor, DrawsItsWindowIntoAPicture) {
   StartDevice();
   StartServer();
-  QProcess monitor;
   const QString picture = TestFolder() + "/monitor.png";
-  monitor.start(BuiltFile("examples/monitor/monitor"),
-                {"--device", Link(), "--server", QString("127.0.0.1:%1").arg(port), "--render",
-                 picture, "--after", "2", "--ratio", "2"});
-  ASSERT_TRUE(monitor.waitForFinished(60'000));
-  EXPECT_EQ(monitor.exitCode(), 0) << monitor.readAllStandardError().toStdString();
+  const TRun run = RunProgram("examples/monitor/monitor",
+                              {"--device", Link(), "--server", QString("127.0.0.1:%1").arg(port),
+                               "--render", picture, "--after", "2", "--ratio", "2"});
+  EXPECT_EQ(run.Status, 0) << run.Errors.toStdString();
   EXPECT_EQ(QImage(picture).size(), QSize(2400, 1600));
 }
 

@@ -1,8 +1,5 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "examples/package-server/Replay.h"
-#include "examples/package-server/Simulatedsets.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -45,8 +42,7 @@ TEST(TReplay, GivesEachPackageAtItsTime) {
        "0:" + a0 + " 1:" + a1 + b0 + " 5:" + a5 + " "},
       {"the clock was set back", a0 + a2 + a1 + a2, "0:" + a0 + " 2:" + a2 + a1 + " 3:" + a2 + " "},
       {"rubbish between", "x" + a0 + "> /\n" + a5 + "<a>1", "0:x" + a0 + " 5:> /\n" + a5 + "<a>1 "},
-      {"closing tags alone", a0 + "</a></a>>" + a1, "0:" + a0 + "</a></a> 1:>" + a1 + " "},
-  };
+      {"closing tags alone", a0 + "</a></a>>" + a1, "0:" + a0 + "</a></a> 1:>" + a1 + " "}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     TReplay replay(c.text);
@@ -85,18 +81,6 @@ TEST(TReplay, GivesBytesAtAnEvenRate) {
   timeless.Advance(1);
   EXPECT_EQ(timeless.Take().size(), 100'000 - 65536);
   EXPECT_TRUE(TReplay().IsEmpty());
-}
-
-/// What the simulated sets send in a time is what their record plays in that time.
-TEST(TReplay, PlaysARecordAsFastAsItWasMade) {
-  const QByteArray record = Recording(MastAndWeather(), TDateTime(45413.0), 10.0);
-  TReplay replay(record);
-  qsizetype packages = 0;
-  for (int i = 0; i < 50; ++i) {
-    replay.Advance(0.1);
-    while (!replay.Take().isEmpty()) ++packages;
-  }
-  EXPECT_NEAR(static_cast<double>(packages), 5.0 * (10 + 1), 2.0);
 }
 
 }  // namespace

@@ -1,14 +1,7 @@
 // The port on a real serial line of the system, with the simulated device at its other end.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QDeadlineTimer>
-#include <QSignalSpy>
-#include <QThread>
-#include <cmath>
-
 #include "components/comms/Qlxport.h"
+#include "tests/support/Testing.h"
 
 #ifdef Q_OS_UNIX
 
@@ -100,7 +93,7 @@ class SerialDevice : public testing::Test {
   void Tick(int times) {
     for (int i = 0; i < times; ++i) {
       StandStill(1);
-      TTimerServer::Instance()->Timer();
+      PassTicks();
     }
   }
   /// The time of so many ticks passes for the device alone.
@@ -242,7 +235,7 @@ TEST_F(SerialDevice, ACableThatIsPulledOutClosesThePort) {
   QSignalSpy closed(&port, &TQLXPort::OnClose);
   bench.line.Unplug();
   const QDeadlineTimer patience(5000);
-  while (port.GetConnected() && !patience.hasExpired()) TTimerServer::Instance()->Timer();
+  while (port.GetConnected() && !patience.hasExpired()) PassTicks();
   EXPECT_EQ(closed.count(), 1);
   EXPECT_THAT(port.GetErrorText().toStdString(), testing::HasSubstr("has gone"));
   port.SetAutoRun(true);

@@ -1,38 +1,18 @@
 #include "examples/values/Valuespanel.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QElapsedTimer>
-#include <QFile>
-#include <QLabel>
-#include <QMouseEvent>
-#include <QProcess>
-#include <QPushButton>
-#include <QSlider>
-#include <QTest>
-#include <QTimer>
-#include <algorithm>
-#include <cmath>
-
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
-#include "components/graphing/editors/Bineditor.h"
-#include "components/sources/Filereader.h"
 #include "components/sources/Fourier.h"
 #include "components/sources/Macro.h"
-#include "components/sources/macro/Macroeditor.h"
-#include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
-/// One row of the record, in volts, and where its line ends.
+/// One row of the record, in volts.
 struct TRow {
   double acceleration, pressure;
-  qint64 end;
 };
 
 const QString& RecordName() {
@@ -42,13 +22,11 @@ const QString& RecordName() {
 
 const std::vector<TRow>& Record() {
   static const std::vector<TRow> rows = [] {
-    QFile file(RecordName());
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     std::vector<TRow> read;
-    while (!file.atEnd()) {
-      const QByteArrayList columns = file.readLine().simplified().split(' ');
-      if (columns[0] == "#") continue;
-      read.push_back({columns[0].toDouble(), columns[1].toDouble(), file.pos()});
+    for (const QByteArray& line : ContentOf(RecordName()).split('\n')) {
+      const QByteArrayList columns = line.simplified().split(' ');
+      if (columns.size() < 2 || columns[0] == "#") continue;
+      read.push_back({columns[0].toDouble(), columns[1].toDouble()});
     }
     return read;
   }();
@@ -77,15 +55,13 @@ class ValuesPanel : public testing::Test {
 
   template <class T>
   T& Find(const char* name) {
-    T* child = panel->findChild<T*>(QLatin1String(name));
-    if (!child) throw std::runtime_error(name);
-    return *child;
+    return Child<T>(*panel, name);
   }
   void Push(const char* button) { QTest::mouseClick(&Find<QPushButton>(button), Qt::LeftButton); }
   QString News() { return Find<QLabel>("status").text(); }
 
   static void Turn() {
-    TTimerServer::Instance()->Timer();
+    PassTicks();
     QCoreApplication::processEvents();
   }
   /// Has time pass until something is so; false if that takes too long.
@@ -101,18 +77,19 @@ class ValuesPanel : public testing::Test {
   [[nodiscard]] bool ReadToEnd() {
     return PassUntil([this] { return !panel->IsReading(); });
   }
-
-  /// What the channels are to tell of the rows from `first` on.
-  static std::vector<TTold> Expected(std::size_t first) {
-    std::vector<TTold> told;
-    for (std::size_t i = first; i < Record().size(); ++i) {
-      told.push_back({'a', Acceleration(Record()[i])});
-      if (HasPressure(Record()[i])) told.push_back({'p', Pressure(Record()[i])});
-    }
-    return told;
+  [[nodiscard]] bool ReadAll() {
+    panel->SetSpeed(TValuesPanel::spUnlimited);
+    panel->Start();
+    return ReadToEnd();
   }
-  /// Not EXPECT_EQ: it would print thousands of values.
-  void ExpectTold(const std::vector<TTold>& expected) {
+
+  /// The channels have told of every row. Not EXPECT_EQ: it would print thousands of values.
+  void ExpectAllTold() {
+    std::vector<TTold> expected;
+    for (const TRow& row : Record()) {
+      expected.push_back({'a', Acceleration(row)});
+      if (HasPressure(row)) expected.push_back({'p', Pressure(row)});
+    }
     EXPECT_EQ(told.size(), expected.size());
     const auto [a, b] = std::ranges::mismatch(told, expected);
     EXPECT_TRUE(a == told.end() && b == expected.end()) << "from value " << a - told.begin();
@@ -126,7 +103,20 @@ class ValuesPanel : public testing::Test {
   std::unique_ptr<TValuesPanel> panel = std::make_unique<TValuesPanel>(RecordName());
 };
 
-TEST_F(ValuesPanel, DealsTheColumnsOfTheFileToItsChannelsInTurn) {
+TEST_F(ValuesPanel, DealsTheColumnsOfTheFileToItsChannelsInTurnAndShowsThem) {
+  const std::pair<const char*, QColor> graphs[] = {{"accelerationGraph", QColor(31, 90, 180)},
+                                                   {"excessesGraph", QColor(200, 50, 40)},
+                                                   {"pressureGraph", QColor(30, 130, 70)},
+                                                   {"distributionGraph", QColor(150, 190, 235)},
+                                                   {"spectrumGraph", QColor(31, 90, 180)}};
+  panel->grab();
+  const auto lit = [&](const auto& graph) {
+    return CountPixels(Find<TKorvalGraph>(graph.first).Picture(), graph.second);
+  };
+  std::vector<int> before;
+  for (const auto& graph : graphs) before.push_back(lit(graph));
+  EXPECT_EQ(std::count(before.begin(), before.end() - 1, 0), 4) << "nothing before a value";
+
   ASSERT_EQ(Record().size(), 8192u);
   panel->SetSpeed(TValuesPanel::spUnlimited);
   Push("toggle");
@@ -135,18 +125,19 @@ TEST_F(ValuesPanel, DealsTheColumnsOfTheFileToItsChannelsInTurn) {
   EXPECT_EQ(News(), "End of the file");
   EXPECT_EQ(std::ranges::count(told, 'p', &TTold::channel), 8192 - 16) << "16 dropouts";
   EXPECT_EQ(std::ranges::count(told, TTold{'a', 15.0}), 8) << "a knock a second is cut off";
-  ExpectTold(Expected(0));
+  ExpectAllTold();
 
   EXPECT_EQ(Find<TDataChannel>("acceleration").GetPointCount(), 1000);
   EXPECT_EQ(Find<QLabel>("position").text(), "139.4 of 139.4 kB");
   EXPECT_EQ(Find<QSlider>("place").value(), Find<QSlider>("place").maximum());
+  QCoreApplication::processEvents();
+  for (std::size_t i = 0; i < std::size(graphs); ++i) {
+    EXPECT_GT(lit(graphs[i]), before[i] + 100) << graphs[i].first;
+  }
 }
 
 TEST_F(ValuesPanel, MakesExcessSpectrumAndDistributionOfTheAcceleration) {
-  panel->SetSpeed(TValuesPanel::spUnlimited);
-  panel->Start();
-  ASSERT_TRUE(ReadToEnd());
-
+  ASSERT_TRUE(ReadAll());
   ASSERT_EQ(macroValues.size(), Record().size());
   for (std::size_t i = 0; i < Record().size(); ++i) {
     const double beyond = std::abs(Acceleration(Record()[i])) - 8.0;
@@ -176,112 +167,6 @@ TEST_F(ValuesPanel, MakesExcessSpectrumAndDistributionOfTheAcceleration) {
   EXPECT_NEAR(distribution.GetStatistics()->GetStDev(), std::sqrt(23.25), 0.2);
 }
 
-TEST_F(ValuesPanel, ShowsAllOfItInFiveGraphs) {
-  const struct {
-    const char* graph;
-    QColor color;
-    bool alone;  ///< shows nothing before the first value
-  } cases[] = {
-      {"accelerationGraph", QColor(31, 90, 180), true},
-      {"excessesGraph", QColor(200, 50, 40), true},
-      {"pressureGraph", QColor(30, 130, 70), true},
-      {"spectrumGraph", QColor(31, 90, 180), false},
-      {"distributionGraph", QColor(150, 190, 235), true},
-  };
-  panel->grab();
-  const auto lit = [&](const auto& c) {
-    return CountPixels(Find<TKorvalGraph>(c.graph).Picture(), c.color);
-  };
-  std::vector<int> before;
-  for (const auto& c : cases) before.push_back(lit(c));
-  panel->SetSpeed(TValuesPanel::spUnlimited);
-  panel->Start();
-  ASSERT_TRUE(ReadToEnd());
-  QCoreApplication::processEvents();
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    SCOPED_TRACE(cases[i].graph);
-    if (cases[i].alone) {
-      EXPECT_EQ(before[i], 0);
-    }
-    EXPECT_GT(lit(cases[i]), before[i] + 100);
-  }
-}
-
-TEST_F(ValuesPanel, ReadsInRealTimeUntilItIsStopped) {
-  panel->Start();
-  // 1024 rows a second are 20.48 in each 20 ms.
-  ASSERT_TRUE(PassUntil([this] { return told.size() >= 600; }));
-  Push("toggle");
-  EXPECT_FALSE(panel->IsReading());
-  EXPECT_EQ(News(), "Stopped");
-  EXPECT_EQ(Find<QPushButton>("toggle").text(), "Continue");
-  const std::size_t stopped = told.size();
-  EXPECT_LT(stopped, 700u);
-  for (int turn = 0; turn < 50; ++turn) Turn();
-  EXPECT_EQ(told.size(), stopped);
-
-  Push("toggle");
-  panel->SetSpeed(TValuesPanel::spTenfold);
-  ASSERT_TRUE(ReadToEnd());
-  ExpectTold(Expected(0));
-}
-
-TEST_F(ValuesPanel, MayBeStoppedAtAnyValueAndLosesNone) {
-  panel->SetSpeed(TValuesPanel::spUnlimited);
-  int accelerationsUntilStop = 1000;
-  TValueLink stop([&](double) {
-    if (--accelerationsUntilStop == 0) panel->Stop();
-  });
-  Find<TDataChannel>("acceleration").AddLink(&stop, false);
-  panel->Start();
-  ASSERT_TRUE(ReadToEnd());
-  const auto isAcceleration = [](const TTold& value) { return value.channel == 'a'; };
-  for (int turn = 0; turn < 50; ++turn) Turn();
-  EXPECT_EQ(std::ranges::count_if(told, isAcceleration), 1000);
-  EXPECT_EQ(told.back().channel, 'a') << "nothing after the value that stopped it";
-  panel->Start();
-  ASSERT_TRUE(ReadToEnd());
-  ExpectTold(Expected(0));
-}
-
-TEST_F(ValuesPanel, GoesOnInTheMiddleWithAWholeRow) {
-  panel->SetSpeed(TValuesPanel::spTenfold);
-  panel->Start();
-  ASSERT_TRUE(PassUntil([this] { return told.size() >= 1000; }));
-  panel->Stop();
-  told.clear();
-
-  Push("middle");
-  const qint64 middle = QFileInfo(RecordName()).size() / 2;
-  const auto row = std::ranges::upper_bound(Record(), middle, {}, &TRow::end);
-  EXPECT_EQ(Find<QLabel>("position").text(), "69.7 of 139.4 kB");
-  Push("toggle");
-  ASSERT_TRUE(ReadToEnd());
-  ExpectTold(Expected(static_cast<std::size_t>(row - Record().begin())));
-
-  told.clear();
-  Push("toggle");
-  panel->SetSpeed(TValuesPanel::spUnlimited);
-  ASSERT_TRUE(ReadToEnd());
-  ExpectTold(Expected(0));
-}
-
-TEST_F(ValuesPanel, StartsOver) {
-  panel->SetSpeed(TValuesPanel::spTenfold);
-  panel->Start();
-  ASSERT_TRUE(PassUntil([this] { return told.size() >= 3000; }));
-  panel->Stop();
-  Push("over");
-  EXPECT_EQ(Find<TDataChannel>("pressure").GetPointCount(), 0);
-  EXPECT_TRUE(Find<TOccurrenceHistogram>("distribution").GetBins()->Empty());
-  EXPECT_EQ(Find<TFFTChannel>("spectrum").GetCumulCount(), 0);
-  EXPECT_EQ(Find<QPushButton>("toggle").text(), "Start");
-  told.clear();
-  panel->Start();
-  ASSERT_TRUE(ReadToEnd());
-  ExpectTold(Expected(0));
-}
-
 TEST_F(ValuesPanel, TheSliderOfAGraphSetsTheLevelOfTheMacro) {
   panel->grab();  // lays everything out
   auto& graph = Find<TKorvalGraph>("accelerationGraph");
@@ -292,101 +177,31 @@ TEST_F(ValuesPanel, TheSliderOfAGraphSetsTheLevelOfTheMacro) {
     graph.GetDataPanel()->LocateValue(point, coordinate);
     return point;
   };
-  const auto move = [&](QPoint at) {
-    const QPointF position(at);
-    QMouseEvent event(QEvent::MouseMove, position, graph.mapToGlobal(position), Qt::NoButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&graph, &event);
-  };
   Find<TVariable>("a").SetValue(-10.0);
   EXPECT_EQ(Find<TMacro>("excess").GetValue(), 2.0);
 
   const double perPixel = 40.0 / graph.PlotRect().height();  // the axis spans -20 to 20
   QTest::mousePress(&graph, Qt::LeftButton, {}, pixel(8.0));
-  move(pixel(6.0));
+  DragMouse(graph, pixel(6.0));
   EXPECT_NEAR(level.GetValue(), 6.0, perPixel) << "while it is dragged";
-  move(pixel(4.0));
+  DragMouse(graph, pixel(4.0));
   QTest::mouseRelease(&graph, Qt::LeftButton, {}, pixel(4.0));
   EXPECT_NEAR(level.GetValue(), 4.0, perPixel);
   EXPECT_EQ(Find<TMacro>("excess").GetValue(), 10.0 - level.GetValue());
   EXPECT_EQ(level.GetCaption(), "level=" + QString::number(level.GetValue(), 'f', 2));
 
-  move(pixel(-4.0));
+  DragMouse(graph, pixel(-4.0));
   EXPECT_NEAR(level.GetValue(), 4.0, perPixel) << "it was let go";
 }
 
-TEST_F(ValuesPanel, DoubleClicksOpenTheEditorsOfBinsAndMacro) {
-  panel->grab();
-  const auto doubleClick = [&](const char* name) {
-    auto& graph = Find<TKorvalGraph>(name);
-    QTest::mouseDClick(&graph, Qt::LeftButton, {}, graph.PlotRect().center());
-  };
-  doubleClick("distributionGraph");
-  auto* bins = panel->findChild<TBinEditor*>();
-  ASSERT_TRUE(bins);
-  EXPECT_TRUE(bins->isVisible());
-
-  bool wasOpen = false;
-  QTimer::singleShot(0, panel.get(), [&] {
-    auto* macro = panel->findChild<TMacroEditor*>();
-    wasOpen = macro && macro->isVisible();
-    if (macro) macro->reject();
-  });
-  doubleClick("excessesGraph");
-  EXPECT_TRUE(wasOpen);
-}
-
-TEST_F(ValuesPanel, SaysThatItsFileIsMissing) {
-  panel = std::make_unique<TValuesPanel>(TestFolder() + "/none.txt");
-  EXPECT_EQ(News().toStdString(),
-            "Cannot open " + TestFolder().toStdString() + "/none.txt: No such file or directory");
-  Push("toggle");
-  Push("middle");
-  EXPECT_FALSE(panel->IsReading());
-}
-
-TEST_F(ValuesPanel, MayBeClosedWhileItReads) {
-  panel->SetSpeed(TValuesPanel::spUnlimited);
-  panel->Start();
-  ASSERT_TRUE(PassUntil([this] { return !told.empty(); }));
-  panel.reset();
-  const std::size_t count = told.size();
-  QCoreApplication::processEvents();
-  EXPECT_EQ(told.size(), count);
-}
-
-/// The program without a display.
-int RunValues(const QStringList& arguments, QString* errors) {
-  QProcess program;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.remove("DISPLAY");
-  environment.insert("QT_QPA_PLATFORM", "offscreen");
-  environment.insert("XDG_RUNTIME_DIR", TestFolder());
-  program.setProcessEnvironment(environment);
-  program.start(BuiltFile("examples/values/values"), arguments);
-  EXPECT_TRUE(program.waitForFinished()) << program.errorString().toStdString();
-  *errors = QString::fromUtf8(program.readAllStandardError());
-  return program.exitCode();
-}
-
 TEST(Values, DrawsTheWholeRecordIntoAPicture) {
-  QString errors;
   const QString file = TestFolder() + "/values.png";
-  ASSERT_EQ(RunValues({"--render", file, "--ratio", "2"}, &errors), 0) << errors.toStdString();
+  const TRun run = RunProgram("examples/values/values", {"--render", file, "--ratio", "2"});
+  ASSERT_EQ(run.Status, 0) << run.Errors.toStdString();
   const QImage picture(file);
   EXPECT_EQ(picture.size(), QSize(2400, 1560));
   EXPECT_GT(CountPixels(picture, QColor(150, 190, 235)), 10000) << "the bars of the histogram";
   EXPECT_GT(CountPixels(picture, QColor(30, 130, 70)), 1000) << "the pressure";
-}
-
-TEST(Values, SaysWhatItCannotDo) {
-  QString errors;
-  const QString file = TestFolder() + "/values.png";
-  EXPECT_EQ(RunValues({"--render", file, "none.txt"}, &errors), 1);
-  EXPECT_TRUE(errors.contains("Cannot open none.txt")) << errors.toStdString();
-  const QString nowhere = TestFolder() + "/missing/values.png";
-  EXPECT_EQ(RunValues({"--render", nowhere}, &errors), 1);
-  EXPECT_TRUE(errors.contains("Cannot write " + nowhere)) << errors.toStdString();
 }
 
 }  // namespace
