@@ -38,7 +38,7 @@ class ExamplePanels : public testing::Test {
   /// Opens an example; what stands in its file may be changed first.
   void Open(const QString& name, const QString& before = {}, const QString& after = {}) {
     const QString fileName = SourceFile("examples/panels/" + name);
-    QString text = QString::fromUtf8(ContentOf(fileName));
+    QString text = QString::fromUtf8(Contents(fileName));
     if (!before.isEmpty()) {
       ASSERT_TRUE(text.contains(before));
       text.replace(before, after);
@@ -175,7 +175,7 @@ TEST_F(ExamplePanels, TheMachineIsReadFromTheSerialDevice) {
 
 TEST_F(ExamplePanels, TheReplayTakesEveryRowOfTheRecordedFile) {
   std::vector<double> east;
-  for (const QByteArray& row : ContentOf(SourceFile("examples/mast.packages")).split('\n')) {
+  for (const QByteArray& row : Contents(SourceFile("examples/mast.packages")).split('\n')) {
     const QByteArrayList fields = row.trimmed().split(' ');
     if (fields.size() == 6 && !row.startsWith('<')) east.push_back(fields[2].toDouble());
   }

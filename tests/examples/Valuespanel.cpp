@@ -23,7 +23,7 @@ const QString& RecordName() {
 const std::vector<TRow>& Record() {
   static const std::vector<TRow> rows = [] {
     std::vector<TRow> read;
-    for (const QByteArray& line : ContentOf(RecordName()).split('\n')) {
+    for (const QByteArray& line : Contents(RecordName()).split('\n')) {
       const QByteArrayList columns = line.simplified().split(' ');
       if (columns.size() < 2 || columns[0] == "#") continue;
       read.push_back({columns[0].toDouble(), columns[1].toDouble()});
@@ -61,7 +61,7 @@ class ValuesPanel : public testing::Test {
   QString News() { return Find<QLabel>("status").text(); }
 
   static void Turn() {
-    PassTicks();
+    Tick();
     QCoreApplication::processEvents();
   }
   /// Has time pass until something is so; false if that takes too long.

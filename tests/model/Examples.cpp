@@ -14,10 +14,10 @@ TEST(Examples, FilesAreWhatTheGeneratorWrites) {
     SCOPED_TRACE(example.name);
     const QString base = ExampleFile(QString::fromStdString(example.name));
     // Not EXPECT_EQ: it would print both texts whole.
-    EXPECT_TRUE(ContentOf(base + ".mod").toStdString() == example.model);
-    EXPECT_TRUE(ContentOf(base + ".dat").toStdString() == example.data);
+    EXPECT_TRUE(Contents(base + ".mod").toStdString() == example.model);
+    EXPECT_TRUE(Contents(base + ".dat").toStdString() == example.data);
   }
-  EXPECT_TRUE(ContentOf(ExampleFile("values/pump.txt")).toStdString() == MakePumpRecord());
+  EXPECT_TRUE(Contents(ExampleFile("values/pump.txt")).toStdString() == MakePumpRecord());
 }
 
 TEST(Examples, PlateFrequenciesAgreeWithPublishedOnes) {

@@ -33,10 +33,10 @@ TEST(TTimerClient, FiresEveryIntervalTicksWhileEnabled) {
   for (const auto& [interval, fired] : {std::pair{0u, 12}, {1u, 12}, {5u, 2}, {12u, 1}, {13u, 0}}) {
     TCounter counter;
     const auto client = Client(counter, interval);
-    PassTicks(12);
+    Tick(12);
     EXPECT_EQ(counter.count, fired) << interval;
     client->SetEnabled(false);
-    PassTicks(20);
+    Tick(20);
     EXPECT_EQ(counter.count, fired) << interval;
     EXPECT_EQ(counter.last, fired > 0 ? client.get() : nullptr);
   }
@@ -57,9 +57,9 @@ TEST(TTimerClient, CountsAnewOnlyAfterARealChange) {
   for (const auto& [change, fired] : cases) {
     counter.count = 0;
     const auto client = Client(counter, 5);
-    PassTicks(4);
+    Tick(4);
     change(*client);
-    PassTicks();
+    Tick();
     EXPECT_EQ(counter.count, fired);
   }
 }
@@ -85,14 +85,14 @@ TEST(TTimerServer, ServesOnWhenAnEventDestroysClients) {
     clients[1].reset();
     clients[2].reset();
   };
-  PassTicks();
+  Tick();
   EXPECT_EQ(counters[0].count, 1);
   EXPECT_EQ(counters[1].count, 1);
   EXPECT_EQ(counters[2].count, 0);
   EXPECT_EQ(counters[3].count, 1);
 
   counters[3].then = [&] { clients[3].reset(); };  // the last one takes the server with it
-  PassTicks();
+  Tick();
   EXPECT_EQ(counters[3].count, 2);
   EXPECT_EQ(TTimerServer::Instance(), nullptr);
 }
@@ -104,7 +104,7 @@ TEST(TTimerServer, ServesAClientThatAnEventMakes) {
   parent.then = [&] {
     if (!born) born = Client(child);
   };
-  PassTicks(2);
+  Tick(2);
   EXPECT_EQ(child.count, 2);
 }
 
@@ -113,11 +113,11 @@ TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
   const auto first = Client(bad);
   const auto second = Client(good);
   bad.then = [] { throw std::runtime_error("no"); };
-  PassTicks();
+  Tick();
   EXPECT_EQ(TakeMessages(), QStringList{"Timer server error!"});
   EXPECT_EQ(good.count, 0);
   bad.then = {};
-  PassTicks();
+  Tick();
   EXPECT_EQ(good.count, 1);
   EXPECT_EQ(TakeMessages(), QStringList{});
 }
@@ -125,8 +125,8 @@ TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
 TEST(TTimerServer, EntersNoClientTwice) {
   TCounter counter;
   const auto client = Client(counter);
-  counter.then = [] { PassTicks(); };
-  PassTicks();
+  counter.then = [] { Tick(); };
+  Tick();
   EXPECT_EQ(counter.count, 1);
 }
 
@@ -135,7 +135,7 @@ TEST(TTimerServer, SaysThatTheSystemRefusesATimer) {
   std::thread([] {  // a thread without event dispatcher gets no timer
     TCounter counter;
     const auto client = Client(counter);
-    PassTicks();
+    Tick();
     EXPECT_EQ(counter.count, 1) << "the server stays, without ticks of its own";
   })
       .join();

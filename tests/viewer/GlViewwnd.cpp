@@ -116,7 +116,7 @@ TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
       return TestFolder() + '/' + c.chosen;
     };
     Trigger("SaveBitmapMenu");
-    EXPECT_TRUE(ContentOf(TestFolder() + '/' + c.file).startsWith(c.magic)) << c.file;
+    EXPECT_TRUE(Contents(TestFolder() + '/' + c.file).startsWith(c.magic)) << c.file;
     EXPECT_EQ(start, c.chosen == std::string("one") ? QCoreApplication::applicationDirPath()
                                                     : TestFolder());
   }

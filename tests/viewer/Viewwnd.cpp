@@ -55,7 +55,7 @@ class Viewwnd : public testing::Test {
     window.reset();
     return SettingsText();
   }
-  QByteArray SettingsText() { return ContentOf(TestFolder() + "/velmora.ini"); }
+  QByteArray SettingsText() { return Contents(TestFolder() + "/velmora.ini"); }
   QListWidget& Labels() { return Child<QListWidget>(window->Legend(), "Labels"); }
   /// Loads what has three nodes, two elements and three data sets.
   void LoadBoth() {
@@ -355,13 +355,13 @@ TEST_F(Viewwnd, TheAnimationStepsOnEveryIntervalAndTheStepButtonsWait) {
   Click("Anim");
   EXPECT_FALSE(Find<TImageButton>("AnimBack")->isEnabled());
   EXPECT_FALSE(Find<TImageButton>("AnimForward")->isEnabled());
-  PassTicks(9);
+  Tick(9);
   EXPECT_EQ(window->Animation().Phase, 0.0);
-  PassTicks(1);
+  Tick(1);
   EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
   EXPECT_EQ(Data().Shown.Get(2)->Phase, 0.6283185307179586);
   Click("Anim");
-  PassTicks(50);
+  Tick(50);
   EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
   Click("AnimBack");
   EXPECT_EQ(window->Animation().Phase, 0.0);
@@ -507,7 +507,7 @@ TEST_F(Viewwnd, NothingElseHappensWhileALoadIsOnItsWay) {
   QTimer::singleShot(0, window.get(), [&] {
     ran = true;
     EXPECT_NE(window->findChild<QProgressDialog*>(), nullptr);
-    PassTicks(3);
+    Tick(3);
     EXPECT_EQ(window->Animation().Phase, 0.0);
     window->OpenFiles({other});
     Trigger("UnloadModelMenu");

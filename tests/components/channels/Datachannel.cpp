@@ -10,9 +10,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
 std::vector<double> Values(const TCustomDataChannel& channel) {
   std::vector<double> values;
   for (int row = 0; row < channel.GetPointCount(); ++row) {

@@ -6,9 +6,6 @@
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
 TEST(TStatistics, DerivesMeanAndSampleVarianceFromTheSums) {
   const struct {
     std::vector<double> values;

@@ -14,8 +14,6 @@ using testing::DoubleNear;
 using testing::Each;
 
 constexpr double kPi = std::numbers::pi;
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(TFFT, RoundsTheSampleCountToArrays) {
   const struct {

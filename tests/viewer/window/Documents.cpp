@@ -10,7 +10,7 @@ QStringList Documents() {
   return names;
 }
 
-QString TextOf(const QString& name) { return QString::fromUtf8(ContentOf(SourceFile(name))); }
+QString TextOf(const QString& name) { return QString::fromUtf8(Contents(SourceFile(name))); }
 
 /// What the first group of a pattern takes wherever it fits.
 QStringList Found(const QString& text, const char* pattern) {

@@ -45,7 +45,7 @@ class TProgram {
 
  private:
   bool TakesSignals() const {
-    const QByteArray status = ContentOf(QString("/proc/%1/status").arg(process_.processId()));
+    const QByteArray status = Contents(QString("/proc/%1/status").arg(process_.processId()));
     const QString caught = QString::fromLatin1(status).section("SigCgt:", 1).section('\n', 0, 0);
     return caught.trimmed().toULongLong(nullptr, 16) >> (SIGTERM - 1) & 1;
   }
@@ -109,7 +109,7 @@ TEST(ProgramEnds, APanelLosesNothingThatItHasMeasured) {
                {"--panel", WriteTestFile("panel.ui", kPanel), "--trust", "--save", "saved.ui",
                 "--after", "3600"},
                "offscreen");
-  const auto rows = [] { return ContentOf(TestFolder() + "/rows.txt").count('\n'); };
+  const auto rows = [] { return Contents(TestFolder() + "/rows.txt").count('\n'); };
   ASSERT_TRUE(run.Works([&] { return rows() > 3; }));
   EXPECT_EQ(run.End(SIGTERM), 0) << run.errors.toStdString();
   TStatsContent stored;
@@ -128,7 +128,7 @@ TEST(GlProgramEnds, TheWindowSavesItsSettings) {
   TProgram run("velmora-animator", {SourceFile("examples/plate.mod"), "--settings", ini}, "xcb");
   ASSERT_TRUE(run.Works());
   EXPECT_EQ(run.End(SIGTERM), 0) << run.errors.toStdString();
-  EXPECT_TRUE(ContentOf(ini).contains("ModelFile=" + SourceFile("examples/plate.mod").toUtf8()));
+  EXPECT_TRUE(Contents(ini).contains("ModelFile=" + SourceFile("examples/plate.mod").toUtf8()));
 }
 
 TEST(GlProgramEnds, APictureIsWholeOrNotThere) {

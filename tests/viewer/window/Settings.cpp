@@ -153,13 +153,13 @@ TEST(Settings, SavesOnlyIntoAnExistingWritableFile) {
 
   const QString file = WriteTestFile("a.ini", "");
   SaveSettings(file, OtherSettings());
-  EXPECT_EQ(ContentOf(file), kAllKeys);
+  EXPECT_EQ(Contents(file), kAllKeys);
   EXPECT_EQ(LoadSettings(file).AnimationSpeed, 111);
 
   const QString readOnly = WriteTestFile("r.ini", "; mine\n");
   ASSERT_TRUE(QFile::setPermissions(readOnly, QFile::ReadOwner | QFile::ReadUser));
   SaveSettings(readOnly, OtherSettings());
-  EXPECT_EQ(ContentOf(readOnly), "; mine\n");
+  EXPECT_EQ(Contents(readOnly), "; mine\n");
 
   EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files).size(), 2);  // no temporary file stays
   EXPECT_TRUE(TakeMessages().isEmpty());
@@ -172,7 +172,7 @@ TEST(Settings, LeavesAloneWhatCannotBeASettingsFile) {
     const QString file = WriteTestFile("a.ini", content);
     EXPECT_EQ(LoadSettings(file).AnimationSpeed, std::nullopt);
     SaveSettings(file, OtherSettings());
-    EXPECT_EQ(ContentOf(file), content);
+    EXPECT_EQ(Contents(file), content);
   }
   EXPECT_EQ(LoadSettings(TestFolder()).AnimationSpeed, std::nullopt);  // a folder
   SaveSettings(TestFolder(), OtherSettings());
