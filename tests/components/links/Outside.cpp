@@ -18,6 +18,7 @@
 #include "components/comms/Qlxxml.h"
 #include "components/controls/Hyperlink.h"
 #include "components/sources/Datalogger.h"
+#include "model/Oneline.h"
 #include "model/Timer.h"
 #include "tests/components/panels/Panelforms.h"
 #include "tests/support/Testsupport.h"
