@@ -192,6 +192,13 @@ TEST(TStatsStorage, NewChannelsGetANewHeader) {
   EXPECT_THAT(Means(), ElementsAre(1.0, 2.0));
   EXPECT_EQ(content.Blocks[0].Layout, 0);
   EXPECT_EQ(content.Blocks[1].Layout, 1);
+  TStored renamed(3600);
+  renamed.Block(3, 3.0);
+  renamed.set->SetLabel("Hoist");
+  renamed.Block(4, 4.0);
+  renamed.storage->SetActive(false);
+  EXPECT_THAT(Means(), ElementsAre(1.0, 2.0, 3.0));
+  EXPECT_THAT(Means(TStored::File("Hoist_20240531.csv")), ElementsAre(4.0));
 }
 
 /// How many rows are written once the folder is there again, by what happened to the set meanwhile.

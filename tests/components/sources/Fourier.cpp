@@ -137,6 +137,11 @@ TEST(TFFTChannel, ShowsASineInItsBinAlone) {
     }
     EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPhase), c.angle, 1e-12);
   }
+  // Half of the sample rate has a real part, and is no line any more.
+  TFixture highest;
+  for (int n = 0; n < 128; ++n) highest.channel.SetValue(n % 2 ? -1.0 : 1.0);
+  EXPECT_NEAR(highest.At(64, TFFTChannel::fftReAmplitude), 1.0, 1e-12);
+  EXPECT_EQ(highest.At(64, TFFTChannel::fftPower), 0.0);
 }
 
 TEST(TFFTChannel, AveragesItsBlocks) {
