@@ -1,37 +1,26 @@
-#include <gtest/gtest.h>
-
-#include <QSet>
-#include <cmath>
-#include <limits>
-#include <random>
+#include <bit>
 
 #include "components/graphing/Axis.h"
 #include "components/graphing/Tickrules.h"
-#include "model/Datetime.h"
+#include "tests/components/graphing/Panelfixture.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kSecond = 1.0 / kSecondsPerDay;
+constexpr double kSecond = 1.0 / 86400.0;
 
-/// An axis that asks for `min` and `max`, as its graph's data would give them.
 void ShowRange(TAxis& axis, TAxis::TAxisScale scale, double min, double max) {
   axis.SetScale(scale);
-  axis.OnQueryRange = [=](double& low, double& high) {
-    low = min;
-    high = max;
-  };
+  GiveRange(axis, min, max);
   axis.AutoScale();
 }
 
 void ExpectTicks(const TAxis& axis, double start, double end, int major, int minor) {
-  EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Start(), start);
-  EXPECT_DOUBLE_EQ(axis.GetMajorTick()->End(), end);
-  EXPECT_EQ(axis.GetMajorTick()->Count(), major);
-  EXPECT_DOUBLE_EQ(axis.GetMinorTick()->Start(), start);
-  EXPECT_DOUBLE_EQ(axis.GetMinorTick()->End(), end);
-  EXPECT_EQ(axis.GetMinorTick()->Count(), minor);
+  for (const TTick* tick : {axis.GetMajorTick(), axis.GetMinorTick()}) {
+    EXPECT_DOUBLE_EQ(tick->Start(), start);
+    EXPECT_DOUBLE_EQ(tick->End(), end);
+    EXPECT_EQ(tick->Count(), tick == axis.GetMajorTick() ? major : minor);
+  }
   EXPECT_DOUBLE_EQ(axis.WorkingMin(), start) << "the drawn range ends on ticks";
   EXPECT_DOUBLE_EQ(axis.WorkingMax(), end);
 }
@@ -40,34 +29,32 @@ TEST(AxisTicks, OfALinearAxisAreRoundNumbers) {
   const struct {
     double min, max, start, end;
     int major, minor;
-  } cases[] = {
-      {0, 1, 0, 1, 10, 20},                  // exactly one decade: steps of 0.1
-      {0, 2, 0, 2, 10, 20},                  // exactly two: steps of 0.2
-      {0, 2.5, 0, 3, 3, 30},                 // more: steps of 1
-      {0, 1.01, 0, 1.2, 6, 30},              // just above one: steps of 0.2
-      {0, 9.9, 0, 10, 10, 20},               //
-      {0.3, 1.3, 0.3, 1.3, 10, 20},          // 0.3 / 0.1 is 2.9999999999999996
-      {0.6, 0.8, 0.6, 0.8, 10, 20},          // 0.8 - 0.6 is a little more than 0.2
-      {-0.35, 0.72, -0.4, 0.8, 6, 30},       // across zero
-      {-7, -3, -7, -3, 4, 40},               // negative
-      {1e-9, 3e-9, 1e-9, 3e-9, 10, 20},      // tiny
-      {1.1e6, 9.8e6, 1e6, 1e7, 9, 45},       // huge
-      {1e6, 1e6 + 1, 1e6, 1e6 + 1, 10, 20},  // far from zero
-      {0, 0, -1, 1, 10, 20},                 // empty at zero: 1 on both sides
-      {350, 350, 240, 460, 11, 22},          // empty: becomes 250..450 with steps of 20
-      {-350, -350, -460, -240, 11, 22},      //
-      {5, 2, 4, 6, 10, 20},                  // collapses onto the minimum, then widens
-      {1, 1 + 2.220446049250313e-16, 1, 1 + 2.220446049250313e-16, 2,
-       20},                                    // one ulp: steps of 1e-16
-      {1e-320, 2e-320, 0, 1e-300, 1, 10},      // too narrow for a step: part of the smallest
-      {0, 3e-300, 0, 3e-300, 3, 30},           //
-      {-kInf, kInf, -5e307, 5e307, 10, 20},    // cut where the width is finite
-      {0, kInf, 0, 5e307, 5, 25},              //
-      {1e308, 1.1e308, 4e307, 6e307, 10, 20},  // beyond the cut: empty there
-      {kNan, kNan, 0, 1, 10, 20},              // says nothing
-      {kNan, 7, 6, 8, 10, 20},                 // only the other bound counts: 7..7
-      {7, kNan, 6, 8, 10, 20},
-  };
+  } cases[] = {{0, 1, 0, 1, 10, 20},                  // exactly one decade: steps of 0.1
+               {0, 2, 0, 2, 10, 20},                  // exactly two: steps of 0.2
+               {0, 2.5, 0, 3, 3, 30},                 // more: steps of 1
+               {0, 1.01, 0, 1.2, 6, 30},              // just above one: steps of 0.2
+               {0, 9.9, 0, 10, 10, 20},               //
+               {0.3, 1.3, 0.3, 1.3, 10, 20},          // 0.3 / 0.1 is 2.9999999999999996
+               {0.6, 0.8, 0.6, 0.8, 10, 20},          // 0.8 - 0.6 is a little more than 0.2
+               {-0.35, 0.72, -0.4, 0.8, 6, 30},       // across zero
+               {-7, -3, -7, -3, 4, 40},               // negative
+               {1e-9, 3e-9, 1e-9, 3e-9, 10, 20},      // tiny
+               {1.1e6, 9.8e6, 1e6, 1e7, 9, 45},       // huge
+               {1e6, 1e6 + 1, 1e6, 1e6 + 1, 10, 20},  // far from zero
+               {0, 0, -1, 1, 10, 20},                 // empty at zero: 1 on both sides
+               {350, 350, 240, 460, 11, 22},          // empty: becomes 250..450 with steps of 20
+               {-350, -350, -460, -240, 11, 22},      //
+               {5, 2, 4, 6, 10, 20},                  // collapses onto the minimum, then widens
+               {1, 1 + 2.220446049250313e-16, 1, 1 + 2.220446049250313e-16, 2,
+                20},                                // one ulp: steps of 1e-16
+               {1e-320, 2e-320, 0, 1e-300, 1, 10},  // too narrow for a step: part of the smallest
+               {0, 3e-300, 0, 3e-300, 3, 30},       //
+               {-kInfinity, kInfinity, -5e307, 5e307, 10, 20},  // cut where the width is finite
+               {0, kInfinity, 0, 5e307, 5, 25},                 //
+               {1e308, 1.1e308, 4e307, 6e307, 10, 20},          // beyond the cut: empty there
+               {kNan, kNan, 0, 1, 10, 20},                      // says nothing
+               {kNan, 7, 6, 8, 10, 20},                         // only the other bound counts: 7..7
+               {7, kNan, 6, 8, 10, 20}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
     TAxis axis;
@@ -80,19 +67,17 @@ TEST(AxisTicks, OfALogarithmicAxisAreWholeDecades) {
   const struct {
     double min, max, start, end;
     int decades;
-  } cases[] = {
-      {3, 70, 1, 100, 2},
-      {1, 1000, 1, 1000, 3},        // already whole
-      {0.002, 5, 0.001, 10, 4},     //
-      {0, 50, 1e-6, 100, 8},        // a minimum of zero
-      {-5, -2, 1e-6, 1e-5, 1},      // nothing positive at all
-      {10, 10, 1, 10, 1},           // empty: a decade below
-      {100, 1, 10, 100, 1},         // collapses onto the minimum
-      {1, kInf, 1, 1e300, 300},     //
-      {1e-320, 1, 1e-300, 1, 300},  //
-      {-kInf, kInf, 1e-6, 1e300, 306},
-      {kNan, kNan, 1e-6, 1, 6},
-  };
+  } cases[] = {{3, 70, 1, 100, 2},
+               {1, 1000, 1, 1000, 3},          // already whole
+               {0.002, 5, 0.001, 10, 4},       //
+               {0, 50, 1e-6, 100, 8},          // a minimum of zero
+               {-5, -2, 1e-6, 1e-5, 1},        // nothing positive at all
+               {10, 10, 1, 10, 1},             // empty: a decade below
+               {100, 1, 10, 100, 1},           // collapses onto the minimum
+               {1, kInfinity, 1, 1e300, 300},  //
+               {1e-320, 1, 1e-300, 1, 300},    //
+               {-kInfinity, kInfinity, 1e-6, 1e300, 306},
+               {kNan, kNan, 1e-6, 1, 6}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
     TAxis axis;
@@ -124,8 +109,7 @@ TEST(AxisTicks, OfATimeAxisFollowCalendarUnits) {
       {365, 30, 13, 26, "mm", "Date : month:1999"},
       {3650, 365, 10, 20, "yyyy", "Time [years]"},
       {36500, 3650, 10, 20, "yyyy", "Time [years]"},
-      {36501, 36500, 2, 20, "yyyy", "Time [years]"},
-  };
+      {36501, 36500, 2, 20, "yyyy", "Time [years]"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.days << " days");
     TAxis axis;
@@ -146,14 +130,12 @@ TEST(AxisTicks, OfATimeAxisSurviveRangesWithoutACalendar) {
   const struct {
     double min, max, start, end;
     int major;
-  } cases[] = {
-      {36526.3, 36526.3, 36526, 36527, 24},  // empty: its whole day
-      {36526, 36526, 36526, 36527, 24},      // empty at midnight: the day that begins
-      {-kInf, kInf, -693500, 2956500, 100},  // years 1 to 9994
-      {1e300, 1e308, 2956500, 2956501, 24},  // behind the calendar
-      {36527, 36526, 36527, 36528, 24},      // collapses onto the minimum
-      {kNan, kNan, 0, 1, 24},
-  };
+  } cases[] = {{36526.3, 36526.3, 36526, 36527, 24},  // empty: its whole day
+               {36526, 36526, 36526, 36527, 24},      // empty at midnight: the day that begins
+               {-kInfinity, kInfinity, -693500, 2956500, 100},  // years 1 to 9994
+               {1e300, 1e308, 2956500, 2956501, 24},            // behind the calendar
+               {36527, 36526, 36527, 36528, 24},                // collapses onto the minimum
+               {kNan, kNan, 0, 1, 24}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
     TAxis axis;
@@ -165,12 +147,7 @@ TEST(AxisTicks, OfATimeAxisSurviveRangesWithoutACalendar) {
 }
 
 /// A double of any magnitude, sign and kind.
-double AnyDouble(std::mt19937_64& random) {
-  const std::uint64_t bits = random();
-  double value;
-  std::memcpy(&value, &bits, sizeof value);
-  return value;
-}
+double AnyDouble(std::mt19937_64& random) { return std::bit_cast<double>(std::uint64_t(random())); }
 
 TEST(AxisTicks, AreFewAndFiniteWhateverTheRange) {
   std::mt19937_64 random(7);
@@ -179,7 +156,7 @@ TEST(AxisTicks, AreFewAndFiniteWhateverTheRange) {
     const auto scale = static_cast<TAxis::TAxisScale>(i % 3);
     const double min = AnyDouble(random);
     double max = AnyDouble(random);
-    if (i % 2) max = std::nextafter(min, i % 4 == 1 ? kInf : -kInf);
+    if (i % 2) max = std::nextafter(min, i % 4 == 1 ? kInfinity : -kInfinity);
     ShowRange(axis, scale, min, max);
     const TTick& major = *axis.GetMajorTick();
     SCOPED_TRACE(testing::Message() << "scale " << scale << ": " << min << " .. " << max);
@@ -217,11 +194,10 @@ TEST(AxisTicks, HoldTheWholeRangeOfOrdinaryData) {
 
 /// The first label that an earlier one equals; empty if all differ.
 QString EqualLabel(const TAxis& axis) {
-  QSet<QString> seen;
+  std::set<QString> seen;
   for (int i = 0; i <= axis.GetMajorTick()->Count(); ++i) {
     const QString text = axis.GetLabel()->TextOf(axis.GetMajorTick()->Value(i));
-    if (seen.contains(text)) return text;
-    seen.insert(text);
+    if (!seen.insert(text).second) return text;
   }
   return {};
 }
@@ -256,16 +232,14 @@ TEST(AxisTicks, HaveTheDigitsOfTheirStep) {
     double min, max;
     TNumberFormat::TFloatFormat format;
     const char* second;  // label
-  } cases[] = {
-      {TAxis::asLinear, 1e6, 1e6 + 1, TNumberFormat::ffGeneral, "1000000.1"},
-      {TAxis::asLinear, 0, 0.001, TNumberFormat::ffFixed, "0.0001"},
-      {TAxis::asLinear, 0, 10, TNumberFormat::ffFixed, "1.00"},  // enough as they are
-      {TAxis::asLog, 1e-9, 1e-7, TNumberFormat::ffFixed, "0.000000010"},
-      {TAxis::asTime, 36526, 36526 + 60 * kSecond, TNumberFormat::ffGeneral, "00:10"},
-      {TAxis::asTime, 36526, 36526 + 45 * kSecond, TNumberFormat::ffGeneral, "10"},
-      {TAxis::asTime, 36526, 36527, TNumberFormat::ffGeneral, "01 01:00"},
-      {TAxis::asTime, 36526, 36526 + 365, TNumberFormat::ffGeneral, "2000-01"},
-  };
+  } cases[] = {{TAxis::asLinear, 1e6, 1e6 + 1, TNumberFormat::ffGeneral, "1000000.1"},
+               {TAxis::asLinear, 0, 0.001, TNumberFormat::ffFixed, "0.0001"},
+               {TAxis::asLinear, 0, 10, TNumberFormat::ffFixed, "1.00"},  // enough as they are
+               {TAxis::asLog, 1e-9, 1e-7, TNumberFormat::ffFixed, "0.000000010"},
+               {TAxis::asTime, 36526, 36526 + 60 * kSecond, TNumberFormat::ffGeneral, "00:10"},
+               {TAxis::asTime, 36526, 36526 + 45 * kSecond, TNumberFormat::ffGeneral, "10"},
+               {TAxis::asTime, 36526, 36527, TNumberFormat::ffGeneral, "01 01:00"},
+               {TAxis::asTime, 36526, 36526 + 365, TNumberFormat::ffGeneral, "2000-01"}};
   for (const auto& c : cases) {
     TAxis axis;
     axis.GetLabel()->GetNumFormat()->SetFormat(c.format);

@@ -1,6 +1,6 @@
 #include "components/graphing/Datetimeformat.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/Testing.h"
 
 #include "model/Datetime.h"
 
@@ -22,122 +22,92 @@ QString Text(const char* pattern, TDateTime time, const char* locale = "en_US") 
 const TDateTime kMorning = At(64, 7, 8, 9, 45);
 const TDateTime kEvening = At(64, 19, 0, 59, 999);
 
-TEST(FormatDateTime, KnowsEverySpecifier) {
-  const struct {
-    const char *pattern, *text;
-  } cases[] = {
-      {"d", "5"},
-      {"dd", "05"},
-      {"ddd", "Sun"},
-      {"dddd", "Sunday"},
-      {"ddddd", "3/5/00"},
-      {"dddddd", "Sunday, March 5, 2000"},
-      {"ddddddddd", "Sunday, March 5, 2000"},
-      {"m", "3"},
-      {"mm", "03"},
-      {"mmm", "Mar"},
-      {"mmmm", "March"},
-      {"y", "00"},
-      {"yy", "00"},
-      {"yyyy", "2000"},
-      {"yyy", "2000"},
-      {"h", "7"},
-      {"hh", "07"},
-      {"hhh", "07"},
-      {"n", "8"},
-      {"nn", "08"},
-      {"s", "9"},
-      {"ss", "09"},
-      {"z", "45"},
-      {"zzz", "045"},
-      {"t", "7:08 AM"},
-      {"tt", "7:08:09 AM"},
-      {"c", "3/5/00 7:08:09 AM"},
-      {"", "3/5/00 7:08:09 AM"},
-      {"e.g.", ".."},
-      {"yyyy gg", "2000 "},
-      {"x1_", "x1_"},
-      {"é", "é"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Text(c.pattern, kMorning), QString::fromUtf8(c.text)) << c.pattern;
+using TPairs = std::initializer_list<std::pair<const char*, const char*>>;
+
+/// What each pattern gives.
+void ExpectTexts(TDateTime time, TPairs cases) {
+  for (const auto& [pattern, text] : cases) {
+    EXPECT_EQ(Text(pattern, time), QString::fromUtf8(text)) << pattern;
   }
 }
 
+TEST(FormatDateTime, KnowsEverySpecifier) {
+  ExpectTexts(kMorning,
+              {{"d", "5"},           {"dd", "05"},        {"ddd", "Sun"},   {"dddd", "Sunday"},
+               {"m", "3"},           {"mm", "03"},        {"mmm", "Mar"},   {"mmmm", "March"},
+               {"y", "00"},          {"yy", "00"},        {"yyyy", "2000"}, {"yyy", "2000"},
+               {"h", "7"},           {"hh", "07"},        {"hhh", "07"},    {"n", "8"},
+               {"nn", "08"},         {"s", "9"},          {"ss", "09"},     {"z", "45"},
+               {"zzz", "045"},       {"ddddd", "3/5/00"}, {"t", "7:08 AM"}, {"e.g.", ".."},
+               {"yyyy gg", "2000 "}, {"x1_", "x1_"},      {"é", "é"}});
+  ExpectTexts(kMorning, {{"dddddd", "Sunday, March 5, 2000"},
+                         {"ddddddddd", "Sunday, March 5, 2000"},
+                         {"tt", "7:08:09 AM"},
+                         {"c", "3/5/00 7:08:09 AM"},
+                         {"", "3/5/00 7:08:09 AM"}});
+}
+
 TEST(FormatDateTime, LettersMayBeOfEitherCase) {
-  EXPECT_EQ(Text("DD.MM.YYYY HH:NN:SS.ZZZ", kMorning), "05.03.2000 07:08:09.045");
-  EXPECT_EQ(Text("dD hH:Mm", kMorning), "05 07:08");
+  ExpectTexts(kMorning,
+              {{"DD.MM.YYYY HH:NN:SS.ZZZ", "05.03.2000 07:08:09.045"}, {"dD hH:Mm", "05 07:08"}});
 }
 
 TEST(FormatDateTime, AnMRightAfterTheHourMeansMinutes) {
-  const struct {
-    const char *pattern, *text;
-  } cases[] = {
-      {"hh:mm", "07:08"},       {"h m", "7 8"},           {"hh'h'mm", "07h08"},
-      {"mm:hh:mm", "03:07:08"}, {"hh:ss:mm", "07:09:03"}, {"hh:mm:mm", "07:08:03"},
-      {"hh mmm", "07 Mar"},     {"hh:dd/mm", "07:05/03"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Text(c.pattern, kMorning), c.text) << c.pattern;
-}
-
-TEST(FormatDateTime, AFormOfAmPmAfterTheHourTakesTheTwelveHourClock) {
-  const struct {
-    const char* pattern;
-    TDateTime time;
-    const char* text;
-  } cases[] = {
-      {"h:nn am/pm", kEvening, "7:00 pm"},
-      {"hh:nn AM/PM", kMorning, "07:08 AM"},
-      {"h a/p", kEvening, "7 p"},
-      {"h A/P", kMorning, "7 A"},
-      {"hAmPm", kEvening, "7PM"},
-      {"h Am/pM", kEvening, "7 pM"},
-      {"h am/pm", At(0, 0, 0, 0), "12 am"},
-      {"h am/pm", At(0, 12, 0, 0), "12 pm"},
-      {"h am/pm hh", kEvening, "7 pm 19"},
-      {"am/pm h", kEvening, "pm 19"},
-      {"h h a/p", kEvening, "19 7 p"},
-      {"h 'am/pm'", kEvening, "19 am/pm"},
-      {"h a", kEvening, "19 a"},
-      {"h am", kEvening, "19 a3"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Text(c.pattern, c.time), c.text) << c.pattern;
+  ExpectTexts(kMorning, {{"hh:mm", "07:08"},
+                         {"h m", "7 8"},
+                         {"hh'h'mm", "07h08"},
+                         {"mm:hh:mm", "03:07:08"},
+                         {"hh:ss:mm", "07:09:03"},
+                         {"hh:mm:mm", "07:08:03"},
+                         {"hh mmm", "07 Mar"},
+                         {"hh:dd/mm", "07:05/03"}});
 }
 
 TEST(FormatDateTime, QuotedTextStandsForItself) {
-  const struct {
-    const char *pattern, *text;
-  } cases[] = {
-      {"'day:'mm:yyyy", "day:03:2000"},
-      {"\"hh\" hh", "hh 07"},
-      {"'it\"s' d", "it\"s 5"},
-      {"d 'open dd", "5 open dd"},
-      {"''d", "5"},
-      {"dd'", "05"},
-      {"dd:mm:yyyy hh:nn:ss':msec'", "05:03:2000 07:08:09:msec"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Text(c.pattern, kMorning), c.text) << c.pattern;
+  ExpectTexts(kMorning, {{"'day:'mm:yyyy", "day:03:2000"},
+                         {"\"hh\" hh", "hh 07"},
+                         {"'it\"s' d", "it\"s 5"},
+                         {"d 'open dd", "5 open dd"},
+                         {"''d", "5"},
+                         {"dd'", "05"},
+                         {"dd:mm:yyyy hh:nn:ss':msec'", "05:03:2000 07:08:09:msec"}});
+}
+
+TEST(FormatDateTime, AFormOfAmPmAfterTheHourTakesTheTwelveHourClock) {
+  ExpectTexts(kEvening, {{"h:nn am/pm", "7:00 pm"},
+                         {"h a/p", "7 p"},
+                         {"hAmPm", "7PM"},
+                         {"h Am/pM", "7 pM"},
+                         {"h am/pm hh", "7 pm 19"},
+                         {"am/pm h", "pm 19"},
+                         {"h h a/p", "19 7 p"},
+                         {"h 'am/pm'", "19 am/pm"},
+                         {"h a", "19 a"},
+                         {"h am", "19 a3"}});
+  ExpectTexts(kMorning, {{"hh:nn AM/PM", "07:08 AM"}, {"h A/P", "7 A"}});
+  ExpectTexts(At(0, 0, 0, 0), {{"h am/pm", "12 am"}});
+  ExpectTexts(At(0, 12, 0, 0), {{"h am/pm", "12 pm"}});
 }
 
 TEST(FormatDateTime, MidnightIsShownAsADateAlone) {
-  EXPECT_EQ(Text("c", At(0, 0, 0, 0)), "1/1/00");
-  EXPECT_EQ(Text("c", At(0, 0, 0, 1)), "1/1/00 12:00:01 AM");
+  ExpectTexts(At(0, 0, 0, 0), {{"c", "1/1/00"}});
+  ExpectTexts(At(0, 0, 0, 1), {{"c", "1/1/00 12:00:01 AM"}});
+  // 02:30 does not exist in central Europe on that day, yet a logger may have run through it.
+  ExpectTexts(At(85, 2, 30, 0), {{"dd hh:nn", "26 02:30"}});
 }
 
 TEST(FormatDateTime, SpeaksTheLocalesLanguage) {
   const struct {
     const char *locale, *pattern, *text;
-  } cases[] = {
-      {"de_DE", "dddd, d. mmmm", "Sonntag, 5. März"},
-      {"de_DE", "dd/mm/yyyy hh:nn", "05.03.2000 07:08"},
-      {"de_DE", "c", "05.03.00 07:08:09"},
-      {"de_DE", "dddddd", "Sonntag, 5. März 2000"},
-      {"fi_FI", "hh:nn:ss", "07.08.09"},
-      {"en_GB", "ddddd", "05/03/2000"},
-      {"sv_SE", "ddddd tt", "2000-03-05 07:08:09"},
-      {"es_ES", "dddddd", "domingo, 5 de marzo de 2000"},
-      {"ja_JP", "tt", "7時08分09秒"},
-  };
+  } cases[] = {{"de_DE", "dddd, d. mmmm", "Sonntag, 5. März"},
+               {"de_DE", "dd/mm/yyyy hh:nn", "05.03.2000 07:08"},
+               {"de_DE", "c", "05.03.00 07:08:09"},
+               {"de_DE", "dddddd", "Sonntag, 5. März 2000"},
+               {"fi_FI", "hh:nn:ss", "07.08.09"},
+               {"en_GB", "ddddd", "05/03/2000"},
+               {"sv_SE", "ddddd tt", "2000-03-05 07:08:09"},
+               {"es_ES", "dddddd", "domingo, 5 de marzo de 2000"},
+               {"ja_JP", "tt", "7時08分09秒"}};
   for (const auto& c : cases) {
     EXPECT_EQ(Text(c.pattern, kMorning, c.locale), QString::fromUtf8(c.text))
         << c.locale << " " << c.pattern;
@@ -145,20 +115,15 @@ TEST(FormatDateTime, SpeaksTheLocalesLanguage) {
 }
 
 TEST(FormatDateTime, ReadsTheClockToTheNearestMillisecond) {
-  const struct {
-    double days;
-    const char* text;
-  } cases[] = {
-      {0.0, "1899-12-30 00:00:00.000"},
-      {-0.25, "1899-12-29 18:00:00.000"},
-      {36526.0 - 1e-12, "2000-01-01 00:00:00.000"},
-      {2958465.99999, "9999-12-31 23:59:59.136"},
-      {-693593.0, "0001-01-01 00:00:00.000"},
-      {2958466.0, "nothing"},
-      {-693594.0, "nothing"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Text("yyyy'-'mm'-'dd hh':'nn':'ss.zzz", TDateTime(c.days)), c.text);
+  const std::pair<double, const char*> cases[] = {{0.0, "1899-12-30 00:00:00.000"},
+                                                  {-0.25, "1899-12-29 18:00:00.000"},
+                                                  {36526.0 - 1e-12, "2000-01-01 00:00:00.000"},
+                                                  {2958465.99999, "9999-12-31 23:59:59.136"},
+                                                  {-693593.0, "0001-01-01 00:00:00.000"},
+                                                  {2958466.0, "nothing"},
+                                                  {-693594.0, "nothing"}};
+  for (const auto& [days, text] : cases) {
+    EXPECT_EQ(Text("yyyy'-'mm'-'dd hh':'nn':'ss.zzz", TDateTime(days)), text);
   }
 }
 
@@ -170,11 +135,6 @@ TEST(FormatDateTime, ReadsALongPatternOnce) {
     EXPECT_EQ(FormatDateTime(pattern, kMorning), pattern);
   }
   EXPECT_EQ(FormatDateTime(QString(kLetters, 'z'), kMorning), "045");
-}
-
-/// 26 March 2000, 02:30 does not exist in central Europe, yet a logger may have run through it.
-TEST(FormatDateTime, ShowsTheHourThatSummerTimeLeavesOut) {
-  EXPECT_EQ(Text("dd hh:nn", At(85, 2, 30, 0)), "26 02:30");
 }
 
 }  // namespace

@@ -1,20 +1,9 @@
 #include "components/graphing/Graph.h"
 
-#include <gtest/gtest.h>
-
-#include <QBuffer>
-#include <QClipboard>
-#include <QPainter>
-#include <QSignalSpy>
 #include <QSvgGenerator>
-#include <QTest>
-#include <QTimer>
-#include <QVBoxLayout>
-#include <cmath>
-#include <limits>
-#include <random>
 
 #include "tests/components/graphing/Panelfixture.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -63,12 +52,6 @@ class GraphTest : public testing::Test {
   }
 
   void Press(QPoint at) { QTest::mousePress(&graph, Qt::LeftButton, {}, at); }
-  void MoveTo(QPoint at) {
-    const QPointF position(at);
-    QMouseEvent move(QEvent::MouseMove, position, graph.mapToGlobal(position), Qt::NoButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&graph, &move);
-  }
   void Release(QPoint at) { QTest::mouseRelease(&graph, Qt::LeftButton, {}, at); }
 
   TSliderSeries* AddSlider(double x, double y) {
@@ -100,21 +83,39 @@ TEST(Graph, BeginsAsItsDefaultsSay) {
 }
 
 TEST(Graph, PublishesItsPropertiesInTheirSavedOrder) {
-  const auto published = [](const QMetaObject& meta) {
-    QStringList names;
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-      names << meta.property(i).name();
+  QStringList expected{"DataPanel.LineColor", "DataPanel.FillColor", "DataPanel.SeriesData"};
+  for (const QString axis : {"HorizontalAx.", "VerticalAx."}) {
+    for (const char* name : {"Title.Font",
+                             "Title.Pos",
+                             "Title.Caption",
+                             "Title.FontColor",
+                             "MajorTick.Pos",
+                             "MajorTick.Size",
+                             "MinorTick.Pos",
+                             "MinorTick.Size",
+                             "Label.Font",
+                             "Label.Pos",
+                             "Label.Spacing",
+                             "Label.NumFormat.Digits",
+                             "Label.NumFormat.Precision",
+                             "Label.NumFormat.Format",
+                             "Label.NumFormat.IsTimeFormat",
+                             "Label.NumFormat.TimeFormatStr",
+                             "Label.FontColor",
+                             "Min",
+                             "Max",
+                             "AutoMin",
+                             "AutoMax",
+                             "LineColor",
+                             "Scale"}) {
+      expected << axis + name;
     }
-    return names.join(' ');
-  };
-  EXPECT_EQ(published(TKorvalGraph::staticMetaObject),
-            "DataPanel HorizontalAx VerticalAx Color BorderColor BorderStyle Height Width Align "
-            "Anchors ShowCoordinates");
-  EXPECT_EQ(published(TAxis::staticMetaObject),
-            "Title MajorTick MinorTick Label Min Max AutoMin AutoMax LineColor Scale");
-  EXPECT_EQ(published(TTick::staticMetaObject), "Axis Pos Size");
-  EXPECT_EQ(published(TTickLabel::staticMetaObject), "Axis Font Pos Spacing NumFormat FontColor");
-  EXPECT_EQ(published(TAxisTitle::staticMetaObject), "Axis Font Pos Caption FontColor");
+  }
+  expected << QString("Color BorderColor BorderStyle Align Anchors ShowCoordinates").split(' ');
+  const QStringList names = PublishedNames(TKorvalGraph());
+  EXPECT_EQ(names.mid(names.indexOf("DataPanel.LineColor")), expected);
+  EXPECT_EQ(PublishedNames(TSeriesStyle()).join(' '),
+            "LineColor FillColor LineStyle LineWeight PointColor PointStyle");
 }
 
 TEST_F(GraphTest, LeavesItsAxesTheirRoomAndThePlotTheRest) {
@@ -156,24 +157,19 @@ TEST_F(GraphTest, DrawsOnceForManyRedraws) {
 
 TEST_F(GraphTest, LaysItselfOutWhenItsSizeChanges) {
   series->rangings = 0;
-  graph.resize(400, 300);
-  Settle();
-  EXPECT_EQ(series->rangings, 0) << "the same size";
-  graph.resize(500, 300);
-  Settle();
-  EXPECT_EQ(series->rangings, 1);
+  for (const int width : {400, 500}) {  // the first is the same
+    graph.resize(width, 300);
+    Settle();
+    EXPECT_EQ(series->rangings, width == 500);
+  }
   EXPECT_EQ(graph.PlotRect(), QRect(0, 0, 500, 300).marginsRemoved(graph.Overlap()));
 
   graph.hide();
   graph.SetWidth(350);
-  QImage picture = graph.Picture();
-  EXPECT_EQ(picture.width(), 350);
+  EXPECT_EQ(graph.Picture().width(), 350);
   EXPECT_EQ(graph.PlotRect().right(), 349) << "a hidden graph is laid out when it is drawn";
-}
-
-TEST_F(GraphTest, SurvivesASizeWithoutRoomForAPlot) {
-  for (const QSize size : {QSize(0, 0), QSize(1, 1), QSize(20, 400), QSize(400, 20)}) {
-    graph.resize(size);
+  for (const QSize noRoom : {QSize(0, 0), QSize(1, 1), QSize(20, 400), QSize(400, 20)}) {
+    graph.resize(noRoom);
     graph.Replay();
     EXPECT_FALSE(graph.Picture().isNull());
     EXPECT_GE(graph.PlotRect().width(), 0);
@@ -202,11 +198,13 @@ TEST_F(GraphTest, PaintsBackgroundFrameSeriesAndAxesInThisOrder) {
   EXPECT_EQ(picture.pixelColor(1, 1), QColor(10, 20, 30));
 }
 
-TEST_F(GraphTest, ShowsInItsWindowWhatItDraws) {
+TEST_F(GraphTest, ShowsInItsWindowAndCopiesWhatItDraws) {
   AddSlider(40, 60);
   Settle();
-  EXPECT_EQ(graph.grab().toImage().convertToFormat(QImage::Format_RGB32),
-            graph.Picture(graph.devicePixelRatioF()));
+  graph.CopyToClipboardAsBitmap();
+  const QImage drawn = graph.Picture(graph.devicePixelRatioF());
+  EXPECT_EQ(graph.grab().toImage().convertToFormat(QImage::Format_RGB32), drawn);
+  EXPECT_EQ(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32), drawn);
 }
 
 TEST_F(GraphTest, DrawsSharplyAtTwiceThePixels) {
@@ -231,7 +229,7 @@ TEST_F(GraphTest, SelectsARegionWithTheMouse) {
   QSignalSpy selections(&panel, &TDataPanel::OnSelection);
   double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
   Press(At(20, 30));
-  MoveTo(At(60, 80));
+  DragMouse(graph, At(60, 80));
   Release(At(60, 80));
   EXPECT_EQ(selections.count(), 0) << "selecting is not allowed";
 
@@ -239,8 +237,8 @@ TEST_F(GraphTest, SelectsARegionWithTheMouse) {
   Settle();
   series->draws = 0;
   Press(At(60, 30));
-  MoveTo(At(40, 70));
-  MoveTo(At(20, 80));
+  DragMouse(graph, At(40, 70));
+  DragMouse(graph, At(20, 80));
   Settle();
   EXPECT_EQ(series->draws, 1) << "the moves between two paint events share one picture";
   Release(At(20, 80));
@@ -273,14 +271,14 @@ TEST_F(GraphTest, HasNoRubberBandAfterAZoom) {
     for (TAxis* axis : {graph.GetHorizontalAx(), graph.GetVerticalAx()}) {
       axis->SetAutoMin(false);
       axis->SetAutoMax(false);
+      axis->SetMinMax(axis == graph.GetHorizontalAx() ? x1 : y1,
+                      axis == graph.GetHorizontalAx() ? x2 : y2);
     }
-    graph.GetHorizontalAx()->SetMinMax(x1, x2);
-    graph.GetVerticalAx()->SetMinMax(y1, y2);
   });
   for (const bool zoomed : {true, false}) {
     zooms = zoomed;
     Press(At(60, 30));
-    MoveTo(At(20, 80));
+    DragMouse(graph, At(20, 80));
     Release(At(20, 80));
     EXPECT_EQ(panel.SelectionAnchor() == panel.SelectionCorner(), zoomed);
   }
@@ -302,15 +300,15 @@ TEST_F(GraphTest, ALogarithmicAxisBeginsAtTheLeastPositiveValue) {
 }
 
 TEST_F(GraphTest, StartsNothingOutsideThePlotOrWithAnotherButton) {
-  graph.GetDataPanel()->SetAllowSelection(true);
+  TDataPanel& panel = *graph.GetDataPanel();
+  panel.SetAllowSelection(true);
   QTest::mousePress(&graph, Qt::RightButton, {}, At(50, 50));
-  EXPECT_FALSE(graph.GetDataPanel()->IsSelecting());
+  EXPECT_FALSE(panel.IsSelecting());
   Press(QPoint(2, 150));
-  EXPECT_FALSE(graph.GetDataPanel()->IsSelecting());
+  EXPECT_FALSE(panel.IsSelecting());
   Press(At(50, 50));
-  EXPECT_TRUE(graph.GetDataPanel()->IsSelecting());
   QTest::mouseRelease(&graph, Qt::RightButton, {}, At(60, 60));
-  EXPECT_TRUE(graph.GetDataPanel()->IsSelecting());
+  EXPECT_TRUE(panel.IsSelecting());
 }
 
 TEST_F(GraphTest, DragsASliderWhileTheAxesHoldStill) {
@@ -323,7 +321,7 @@ TEST_F(GraphTest, DragsASliderWhileTheAxesHoldStill) {
   ASSERT_EQ(graph.GetDataPanel()->SelSlider(), slider);
   EXPECT_FALSE(graph.GetDataPanel()->IsSelecting()) << "a slider goes before the selection";
   series->reach = 100000;
-  MoveTo(At(30, 50));
+  DragMouse(graph, At(30, 50));
   graph.UpdateGraph();
   EXPECT_EQ(graph.GetHorizontalAx()->WorkingMax(), 100.0);
   EXPECT_EQ(graph.GetVerticalAx()->WorkingMax(), 100.0);
@@ -331,7 +329,7 @@ TEST_F(GraphTest, DragsASliderWhileTheAxesHoldStill) {
 
   Settle();
   series->draws = 0;
-  MoveTo(At(30, 50));
+  DragMouse(graph, At(30, 50));
   Settle();
   EXPECT_EQ(series->draws, 0) << "the slider has not moved";
 
@@ -349,36 +347,22 @@ TEST_F(GraphTest, OpensTheEditorOfWhatIsDoubleClicked) {
   };
   graph.GetDataPanel()->GetSeriesList().Editor = [&](TSeriesList&) { opened << "series"; };
   const QRect plot = graph.PlotRect();
-  const struct {
-    QPoint at;
-    QStringList opens;
-  } cases[] = {
+  const std::pair<QPoint, QStringList> cases[] = {
       {{plot.center().x(), plot.bottom() + 1}, {"horizontal"}},
       {{plot.center().x(), 299}, {"horizontal"}},
       {{plot.left() - 1, plot.center().y()}, {"vertical"}},
       {{0, plot.center().y()}, {"vertical"}},
       {plot.center(), {"series"}},
       {{0, 299}, {}},
-      {{plot.center().x(), 0}, {}},
-  };
-  for (const auto& c : cases) {
+      {{plot.center().x(), 0}, {}}};
+  for (const auto& [at, opens] : cases) {
     opened.clear();
-    QTest::mouseDClick(&graph, Qt::LeftButton, {}, c.at);
-    EXPECT_EQ(opened, c.opens) << c.at.x() << ", " << c.at.y();
+    QTest::mouseDClick(&graph, Qt::LeftButton, {}, at);
+    EXPECT_EQ(opened, opens) << at.x() << ", " << at.y();
   }
   opened.clear();
   QTest::mouseDClick(&graph, Qt::RightButton, {}, plot.center());
   EXPECT_TRUE(opened.isEmpty());
-}
-
-TEST_F(GraphTest, RescalesWithoutAHiddenSeries) {
-  auto wide = std::make_unique<TCountingSeries>();
-  wide->reach = 5000;
-  TCustomGraphSeries* added = graph.GetDataPanel()->AddSeries(std::move(wide));
-  EXPECT_EQ(graph.GetHorizontalAx()->WorkingMax(), 5000.0);
-  added->SetVisible(false);
-  graph.UpdateGraph();
-  EXPECT_EQ(graph.GetHorizontalAx()->WorkingMax(), 100.0);
 }
 
 TEST_F(GraphTest, TellsTheValuesUnderTheMouse) {
@@ -392,7 +376,7 @@ TEST_F(GraphTest, TellsTheValuesUnderTheMouse) {
   const QImage without = graph.grab().toImage();
   graph.SetShowCoordinates(true);
   QTest::mouseMove(&graph, At(50, 50));
-  MoveTo(At(50, 50));
+  DragMouse(graph, At(50, 50));
   series->draws = 0;
   EXPECT_NE(graph.grab().toImage(), without);
   EXPECT_EQ(series->draws, 0) << "the curves are not drawn anew for it";
@@ -400,7 +384,8 @@ TEST_F(GraphTest, TellsTheValuesUnderTheMouse) {
   EXPECT_EQ(graph.grab().toImage(), without);
 }
 
-TEST_F(GraphTest, LetsGoOfASliderBeforeADialogTakesTheMouse) {
+/// As a dialog does that takes the mouse.
+TEST_F(GraphTest, LetsGoOfASliderWhenItIsBlocked) {
   AddSlider(100, 50);
   series->reach = 95;
   Settle();
@@ -448,12 +433,6 @@ TEST_F(GraphTest, PaintsDirectlyWhereABufferWouldTakeAllMemory) {
   }
 }
 
-TEST_F(GraphTest, CopiesItsPictureToTheClipboard) {
-  graph.CopyToClipboardAsBitmap();
-  EXPECT_EQ(QApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
-            graph.Picture(graph.devicePixelRatioF()));
-}
-
 TEST_F(GraphTest, CopiesSizeAxesAndPanelIntoAnother) {
   graph.GetHorizontalAx()->GetTitle()->SetCaption("Frequency [Hz]");
   graph.GetVerticalAx()->SetScale(TAxis::asLog);
@@ -469,7 +448,6 @@ TEST_F(GraphTest, CopiesSizeAxesAndPanelIntoAnother) {
 
 /// Values at the ends of what a double can hold, and others among them.
 double HostileValue(std::mt19937& random) {
-  static constexpr double kInfinity = std::numeric_limits<double>::infinity();
   static constexpr double kValues[] = {
       0.0,     -0.0,      1.0,        -1.0, 1e308, -1e308,    1e-6,        5e-324,
       -5e-324, kInfinity, -kInfinity, 1e17, 43000, 43000.001, 1.0 + 1e-15, std::nan("")};
@@ -541,64 +519,60 @@ TEST(Graph, TakesAnOpenEditorAlongWhenItGoes) {
   }
 }
 
+/// A graph in the midst of a form.
+struct TPlace {
+  TPlace() {
+    form.resize(300, 200);
+    graph = new TKorvalGraph(&form);
+    graph->setGeometry(20, 30, 100, 80);
+  }
+  QWidget form;
+  TKorvalGraph* graph;
+};
+
 TEST(GraphPlace, FollowsTheSizeOfItsParent) {
   using A = TAnchoring;
   const struct {
     A::TAlign align;
     A::TAnchors anchors;
     QRect place;
-  } cases[] = {
-      {A::alNone, A::akLeft | A::akTop, {20, 30, 100, 80}},
-      {A::alNone, A::akRight | A::akBottom, {120, 80, 100, 80}},
-      {A::alNone, A::akLeft | A::akTop | A::akRight | A::akBottom, {20, 30, 200, 130}},
-      {A::alNone, {}, {70, 55, 100, 80}},
-      {A::alClient, {}, {0, 0, 400, 250}},
-      {A::alTop, {}, {0, 0, 400, 80}},
-      {A::alBottom, {}, {0, 170, 400, 80}},
-      {A::alLeft, {}, {0, 0, 100, 250}},
-      {A::alRight, {}, {300, 0, 100, 250}},
-  };
+  } cases[] = {{A::alNone, A::akLeft | A::akTop, {20, 30, 100, 80}},
+               {A::alNone, A::akRight | A::akBottom, {120, 80, 100, 80}},
+               {A::alNone, A::akLeft | A::akTop | A::akRight | A::akBottom, {20, 30, 200, 130}},
+               {A::alNone, {}, {70, 55, 100, 80}},
+               {A::alClient, {}, {0, 0, 400, 250}},
+               {A::alTop, {}, {0, 0, 400, 80}},
+               {A::alBottom, {}, {0, 170, 400, 80}},
+               {A::alLeft, {}, {0, 0, 100, 250}},
+               {A::alRight, {}, {300, 0, 100, 250}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
-    QWidget form;
-    form.resize(300, 200);
-    auto* graph = new TKorvalGraph(&form);
-    graph->setGeometry(20, 30, 100, 80);
-    graph->SetAnchors(c.anchors);
-    graph->SetAlign(c.align);
-    form.show();
-    form.resize(400, 250);
+    TPlace p;
+    p.graph->SetAnchors(c.anchors);
+    p.graph->SetAlign(c.align);
+    p.form.show();
+    p.form.resize(400, 250);
     QCoreApplication::processEvents();
-    EXPECT_EQ(graph->geometry(), c.place);
+    EXPECT_EQ(p.graph->geometry(), c.place);
   }
 }
 
 TEST(GraphPlace, ComesBackAfterManySmallStepsAndASqueeze) {
   using A = TAnchoring;
-  const struct {
-    A::TAnchors anchors;
-    QRect wide, back;
-  } cases[] = {
-      {{}, {25, 30, 100, 80}, {20, 30, 100, 80}},
-      {A::akLeft | A::akTop | A::akRight, {20, 30, 110, 80}, {20, 30, 100, 80}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    QWidget form;
-    form.resize(300, 200);
-    auto* graph = new TKorvalGraph(&form);
-    graph->setGeometry(20, 30, 100, 80);
-    graph->SetAnchors(c.anchors);
-    form.show();
-    for (int width = 301; width <= 310; ++width) form.resize(width, 200);
-    EXPECT_EQ(graph->geometry(), c.wide);
-    form.resize(100, 200);
-    form.resize(300, 200);
-    EXPECT_EQ(graph->geometry(), c.back);
+  for (const A::TAnchors anchors : {A::TAnchors(), A::akLeft | A::akTop | A::akRight}) {
+    SCOPED_TRACE(anchors.toInt());
+    TPlace p;
+    p.graph->SetAnchors(anchors);
+    p.form.show();
+    for (int width = 301; width <= 310; ++width) p.form.resize(width, 200);
+    EXPECT_EQ(p.graph->geometry(), anchors ? QRect(20, 30, 110, 80) : QRect(25, 30, 100, 80));
+    p.form.resize(100, 200);
+    p.form.resize(300, 200);
+    EXPECT_EQ(p.graph->geometry(), QRect(20, 30, 100, 80));
 
-    graph->move(40, 50);  // its user's new place counts from now on
-    form.resize(302, 200);
-    EXPECT_EQ(graph->pos(), QPoint(c.anchors ? 40 : 41, 50));
+    p.graph->move(40, 50);  // its user's new place counts from now on
+    p.form.resize(302, 200);
+    EXPECT_EQ(p.graph->pos(), QPoint(anchors ? 40 : 41, 50));
   }
 }
 

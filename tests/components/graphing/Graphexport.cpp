@@ -1,15 +1,11 @@
 #include "components/graphing/Graphexport.h"
 
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QMenu>
-#include <QPainter>
 #include <QPdfWriter>
 #include <QSvgRenderer>
 
 #include "components/graphing/Graph.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Fulldisk.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -50,10 +46,7 @@ TEST_F(GraphExport, WritesSvgThatShowsTheSame) {
   EXPECT_TRUE(bytes.contains(">X-axis<")) << "texts stay texts";
   QSvgRenderer renderer(bytes);
   ASSERT_TRUE(renderer.isValid());
-  QImage picture(600, 400, QImage::Format_RGB32);
-  QPainter painter(&picture);
-  renderer.render(&painter);
-  ExpectAreas(picture);
+  ExpectAreas(Painted({600, 400}, [&](QPainter& painter) { renderer.render(&painter); }));
 }
 
 TEST_F(GraphExport, WritesPdfOfTheGraphsSize) {
@@ -64,19 +57,35 @@ TEST_F(GraphExport, WritesPdfOfTheGraphsSize) {
 }
 
 TEST_F(GraphExport, SavesByTheEndingOfTheName) {
-  const struct {
-    const char* name;
-    const char* begins;
-  } cases[] = {{"a.png", "\x89PNG"}, {"b.SVG", "<?xml"}, {"c.pdf", "%PDF"}};
-  for (const auto& c : cases) {
-    const QString name = TestFolder() + '/' + c.name;
+  const std::pair<const char*, const char*> cases[] = {
+      {"a.png", "\x89PNG"}, {"b.SVG", "<?xml"}, {"c.pdf", "%PDF"}};
+  for (const auto& [file, begins] : cases) {
+    const QString name = TestFolder() + '/' + file;
     QString message;
     EXPECT_TRUE(SaveGraph(graph, name, &message)) << message.toStdString();
-    QFile file(name);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().startsWith(c.begins)) << c.name;
+    EXPECT_TRUE(ContentOf(name).startsWith(begins)) << file;
   }
 }
+
+#ifdef Q_OS_UNIX
+TEST_F(GraphExport, ADiskThatFillsMidwayLeavesTheEarlierFile) {
+  for (const QString file : {"a.png", "a.svg"}) {
+    const QString name = WriteTestFile(file, "earlier");
+    QString message;
+    bool isSaved = true;
+    {
+      const TFullDisk disk(1000);  // for what the test says, too
+      isSaved = SaveGraph(graph, name, &message);
+    }
+    EXPECT_FALSE(isSaved) << file.toStdString();
+    EXPECT_TRUE(message.startsWith("Cannot write " + name + ": ")) << message.toStdString();
+    EXPECT_EQ(ContentOf(name), "earlier");
+    EXPECT_TRUE(SaveGraph(graph, name, &message));
+    EXPECT_GT(ContentOf(name).size(), 1000);
+  }
+  EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files | QDir::Hidden).size(), 2) << "nothing stays";
+}
+#endif
 
 TEST_F(GraphExport, SaysWhyItCannotSave) {
   QString message;
@@ -95,8 +104,7 @@ TEST_F(GraphExport, WritesNoFileWithoutAPicture) {
   } cases[] = {
       {{100000, 100000}, "a.png", ": a graph of 100000 x 100000 pixels has no such picture"},
       {{0, 50}, "b.svg", ": a graph of 0 x 50 pixels has no such picture"},
-      {{50, 0}, "c.pdf", ": a graph of 50 x 0 pixels has no such picture"},
-  };
+      {{50, 0}, "c.pdf", ": a graph of 50 x 0 pixels has no such picture"}};
   for (const auto& c : cases) {
     graph.resize(c.size);
     const QString name = TestFolder() + '/' + c.name;
@@ -114,9 +122,7 @@ TEST_F(GraphExport, PrintsAsLargeAsThePageAllows) {
   QPdfWriter page(name);
   page.setPageSize(QPageSize(QPageSize::A4));
   EXPECT_TRUE(PrintGraph(graph, page));
-  QFile file(name);
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(file.readAll().contains("/MediaBox [0 0 595"));
+  EXPECT_TRUE(ContentOf(name).contains("/MediaBox [0 0 595"));
 }
 
 TEST_F(GraphExport, OffersItselfInAMenu) {

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QImage>
-#include <QPainter>
 #include <QRect>
 #include <memory>
 #include <vector>
 
 #include "components/graphing/Axis.h"
 #include "components/graphing/Gseries.h"
+#include "tests/support/Pictures.h"
 
 /// A data panel with two axes from 0 to 10 (0.01 to 100 if logarithmic), in a picture of its own.
 /// Its rectangle begins at (20, 10) and is 101 x 201 pixels: 10 pixels a unit to the right, 20
@@ -36,11 +35,7 @@ struct TPanelFixture {
 
   /// The picture of the panel on white.
   QImage Picture() {
-    QImage image(150, 230, QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    panel.Draw(&painter);
-    return image;
+    return Painted({150, 230}, [this](QPainter& painter) { panel.Draw(&painter); });
   }
 
   /// Adds a series of these points without markers.
@@ -57,16 +52,34 @@ struct TPanelFixture {
     return series;
   }
 
+  TSliderSeries* AddSlider(TCoordinate position) {
+    auto* slider = panel.AddSeries(std::make_unique<TSliderSeries>());
+    slider->SetPosition(position);
+    return slider;
+  }
+  void UpdateRanges() {
+    panel.UpdateRangeX();
+    panel.UpdateRangeY();
+  }
+
   TAxis horizontal;
   TAxis vertical;
   TDataPanel panel{&horizontal, &vertical};
 };
 
-inline int CountPixels(const QImage& image, QColor color, const QRect& part = {}) {
-  const QRect where = part.isNull() ? image.rect() : part;
-  int count = 0;
-  for (int y = where.top(); y <= where.bottom(); ++y) {
-    for (int x = where.left(); x <= where.right(); ++x) count += image.pixelColor(x, y) == color;
-  }
-  return count;
+/// Has an axis ask for a range, as its graph's data would give it.
+inline void GiveRange(TAxis& axis, double min, double max) {
+  axis.OnQueryRange = [=](double& low, double& high) {
+    low = min;
+    high = max;
+  };
 }
+
+using TMinMax = std::pair<double, double>;
+
+/// What a range or an axis publishes, and what an axis shows.
+template <class T>
+TMinMax BoundsOf(const T& range) {
+  return {range.GetMin(), range.GetMax()};
+}
+inline TMinMax DrawnBounds(const TAxis& axis) { return {axis.WorkingMin(), axis.WorkingMax()}; }

@@ -1,10 +1,7 @@
 #include "components/graphing/Publishedrecord.h"
 
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-
 #include "components/graphing/editors/Propertyform.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -31,11 +28,7 @@ TEST(PublishedRecord, KeepsASetByTheNamesOfItsMembers) {
     bool isRead;
     int marks;
   } cases[] = {
-      {"maSpread|maExtremes", true, 6},
-      {"", true, 0},
-      {"maSpread|maRed", false, 5},
-      {6, false, 5},
-  };
+      {"maSpread|maExtremes", true, 6}, {"", true, 0}, {"maSpread|maRed", false, 5}, {6, false, 5}};
   for (const auto& c : cases) {
     TMarked read;
     QString error;

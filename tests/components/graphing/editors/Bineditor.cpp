@@ -1,19 +1,9 @@
 #include "components/graphing/editors/Bineditor.h"
 
-#include <gtest/gtest.h>
-
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTableView>
-#include <QTest>
-
 #include "components/graphing/Basichistogram.h"
 #include "components/graphing/Graph.h"
 #include "tests/components/graphing/Panelfixture.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -21,43 +11,32 @@ class BinEditor : public testing::Test {
  protected:
   template <class T>
   T& Find(const char* name) {
-    T* widget = editor->findChild<T*>(name);
-    if (!widget) throw std::runtime_error(name);
-    return *widget;
+    return Child<T>(*editor, name);
   }
   QAbstractButton& Button(QDialogButtonBox::StandardButton button) {
-    return *editor->findChild<QDialogButtonBox*>()->button(button);
+    return ButtonOf(*editor, button);
   }
-  void Enter(const char* name, const char* text) {
-    auto& line = Find<QLineEdit>(name);
-    line.selectAll();
-    QTest::keyClicks(&line, QLatin1String(text));
-  }
-  QString Cell(int row, int column) {
-    const QAbstractItemModel& model = *Find<QTableView>("Bins").model();
-    return model.data(model.index(row, column)).toString();
-  }
-  QString Summary() { return Find<QLabel>("Summary").text(); }
-  QString Hint() { return Find<QLabel>("Hint").text(); }
+  void Enter(const char* name, const char* text) { EnterText(Find<QLineEdit>(name), text, false); }
+  const QAbstractItemModel& Table() { return *Find<QTableView>("Bins").model(); }
+  QString Cell(int row, int column) { return Table().data(Table().index(row, column)).toString(); }
+  QString Text(const char* label) { return Find<QLabel>(label).text(); }
   /// The tenth of a second after which the editor looks at the bins again.
-  static void Wait() {
-    for (int tick = 0; tick < 10; ++tick) TTimerServer::Instance()->Timer();
-  }
+  static void Wait() { PassTicks(10); }
 
   TBinList bins;
   std::unique_ptr<TBinEditor> editor = std::make_unique<TBinEditor>(bins);
 };
 
 TEST_F(BinEditor, ShowsTheBinsWhileTheyFill) {
-  EXPECT_EQ(Summary(), "0 in 0 bins");
+  EXPECT_EQ(Text("Summary"), "0 in 0 bins");
   for (const double value : {0.5, 2.5, 2.5, 1e300}) bins.AddValues(1.0, value);
-  EXPECT_EQ(Find<QTableView>("Bins").model()->rowCount(), 0) << "not for every value";
+  EXPECT_EQ(Table().rowCount(), 0) << "not for every value";
   Wait();
-  EXPECT_EQ(Find<QTableView>("Bins").model()->rowCount(), 3);
+  EXPECT_EQ(Table().rowCount(), 3);
   EXPECT_EQ(Cell(2, 0), "2");
   EXPECT_EQ(Cell(2, 1), "3");
   EXPECT_EQ(Cell(2, 2), "2");
-  EXPECT_EQ(Summary(), "3 in 3 bins, 1 outside");
+  EXPECT_EQ(Text("Summary"), "3 in 3 bins, 1 outside");
   bins.AddValues(1.0, 2.5);
   QSignalSpy refreshed(editor.get(), &TBinEditor::OnRefresh);
   Wait();
@@ -85,14 +64,14 @@ TEST_F(BinEditor, TakesAnotherGridOnlyWhenItIsConfirmed) {
   bins.AddValues(1.0, 0.5);
   Enter("Step", "0.5");
   Enter("Anchor", "-0.25");
-  EXPECT_EQ(Hint(), "Another grid empties the bins.");
+  EXPECT_EQ(Text("Hint"), "Another grid empties the bins.");
   EXPECT_EQ(bins.GetStep(), 1.0);
   EXPECT_EQ(bins.Count(), 1);
   Button(QDialogButtonBox::Apply).click();
   EXPECT_EQ(bins.GetStep(), 0.5);
   EXPECT_EQ(bins.GetAnchor(), -0.25);
   EXPECT_TRUE(bins.Empty());
-  EXPECT_EQ(Hint(), "");
+  EXPECT_EQ(Text("Hint"), "");
 
   bins.AddValues(1.0, 0.5);
   Enter("Step", "3");
@@ -104,22 +83,13 @@ TEST_F(BinEditor, TakesAnotherGridOnlyWhenItIsConfirmed) {
 }
 
 TEST_F(BinEditor, RefusesWhatIsNoGrid) {
-  const struct {
-    const char *line, *text, *hint;
-  } cases[] = {
-      {"Step", "0", "The step must be a number above 0."},
-      {"Step", "-1", "The step must be a number above 0."},
-      {"Step", "inf", "The step must be a number above 0."},
-      {"Step", "1,5", "The step must be a number above 0."},
-      {"Step", " ", "The step must be a number above 0."},
-      {"Anchor", "nan", "The anchor must be a number."},
-      {"Anchor", "x", "The anchor must be a number."},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
+  for (const char* text : {"0", "-1", "inf", "1,5", " ", "nan", "x"}) {
+    SCOPED_TRACE(text);
+    const bool isStep = text[0] != 'n' && text[0] != 'x';
     editor = std::make_unique<TBinEditor>(bins);
-    Enter(c.line, c.text);
-    EXPECT_EQ(Hint(), c.hint);
+    Enter(isStep ? "Step" : "Anchor", text);
+    EXPECT_EQ(Text("Hint"),
+              isStep ? "The step must be a number above 0." : "The anchor must be a number.");
     EXPECT_FALSE(Button(QDialogButtonBox::Ok).isEnabled());
     EXPECT_FALSE(Button(QDialogButtonBox::Apply).isEnabled());
     editor->accept();
@@ -141,7 +111,7 @@ TEST_F(BinEditor, ResetEmptiesTheBins) {
   Wait();
   Button(QDialogButtonBox::Reset).click();
   EXPECT_TRUE(bins.Empty());
-  EXPECT_EQ(Find<QTableView>("Bins").model()->rowCount(), 0);
+  EXPECT_EQ(Table().rowCount(), 0);
 }
 
 /// A histogram with occurrences adds its own.
@@ -164,14 +134,14 @@ TEST_F(HistogramEditor, ShowsStatisticsAndSetsTheAddMode) {
   Open();
   for (const double value : {0.5, 1.5, 1.5, 1.5}) histogram->SetValue(value);
   Wait();
-  EXPECT_EQ(Find<QLabel>("Statistics").text(), "mean 1.25, standard deviation 0.5");
+  EXPECT_EQ(Text("Statistics"), "mean 1.25, standard deviation 0.5");
   Find<QComboBox>("AddMode").setCurrentIndex(1);
   EXPECT_EQ(histogram->GetAddMode(), TOccurrenceHistogram::amAddAll);
   Button(QDialogButtonBox::Apply).click();
   EXPECT_EQ(histogram->GetAddMode(), TOccurrenceHistogram::amAddIfBinChanged);
   EXPECT_EQ(histogram->GetBins()->Count(), 2) << "the grid is the same";
   Button(QDialogButtonBox::Reset).click();
-  EXPECT_EQ(Find<QLabel>("Statistics").text(), "mean 0, standard deviation 0");
+  EXPECT_EQ(Text("Statistics"), "mean 0, standard deviation 0");
 }
 
 TEST_F(HistogramEditor, MayLoseItsHistogramToAButton) {

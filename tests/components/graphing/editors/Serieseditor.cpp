@@ -1,22 +1,9 @@
 #include "components/graphing/editors/Serieseditor.h"
 
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QStackedWidget>
-#include <QTest>
-#include <QTimer>
-
-#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/Sliderseries.h"
 #include "components/graphing/editors/Pickers.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -32,18 +19,9 @@ class SeriesEditor : public testing::Test {
   /// The editor of a property on the page of a series.
   template <class T>
   T& Find(int page, const char* property) {
-    T* widget = editor->findChild<QStackedWidget*>()->widget(page)->findChild<T*>(property);
-    if (!widget) throw std::runtime_error(property);
-    return *widget;
+    return Child<T>(*Child<QStackedWidget>(*editor).widget(page), property);
   }
-  void Push(QDialogButtonBox::StandardButton button) {
-    editor->findChild<QDialogButtonBox*>()->button(button)->click();
-  }
-  static void Enter(QLineEdit& line, const char* text) {
-    line.selectAll();
-    QTest::keyClicks(&line, QLatin1String(text));
-    QTest::keyClick(&line, Qt::Key_Return);
-  }
+  void Push(QDialogButtonBox::StandardButton button) { ButtonOf(*editor, button).click(); }
 
   TSeriesList list;
   TSeries* curve;
@@ -52,7 +30,7 @@ class SeriesEditor : public testing::Test {
 };
 
 TEST_F(SeriesEditor, ChangesEveryPublishedPropertyAtOnce) {
-  Enter(Find<QLineEdit>(0, "Label"), "Velocity");
+  EnterText(Find<QLineEdit>(0, "Label"), "Velocity");
   EXPECT_EQ(curve->GetLabel(), QStringLiteral("Velocity"));
   EXPECT_EQ(editor->findChild<QListWidget*>("Names")->item(0)->text(), QStringLiteral("Velocity"));
   Find<QCheckBox>(0, "Visible").click();
@@ -67,7 +45,7 @@ TEST_F(SeriesEditor, ChangesEveryPublishedPropertyAtOnce) {
     emit Find<TColorPicker>(0, color).OnPick(TColor::Green());
     EXPECT_EQ(curve->GetStyle()->property(color).value<TColor>(), TColor::Green()) << color;
   }
-  Enter(Find<QLineEdit>(1, "PositionX"), "2.5");
+  EnterText(Find<QLineEdit>(1, "PositionX"), "2.5");
   Find<QCheckBox>(1, "ShowGridX").click();
   EXPECT_EQ(slider->GetPositionX(), 2.5);
   EXPECT_TRUE(slider->GetShowGridX());
@@ -76,7 +54,7 @@ TEST_F(SeriesEditor, ChangesEveryPublishedPropertyAtOnce) {
 TEST_F(SeriesEditor, ShowsWhatTheSeriesMakesOfAnEdit) {
   Find<QSpinBox>(0, "LineWeight").setValue(-3);
   EXPECT_EQ(Find<QSpinBox>(0, "LineWeight").value(), 1);
-  Enter(Find<QLineEdit>(1, "PositionX"), "far");
+  EnterText(Find<QLineEdit>(1, "PositionX"), "far");
   EXPECT_EQ(Find<QLineEdit>(1, "PositionX").text(), QStringLiteral("0"));
   slider->SetPosition({7.25, 0.0});
   EXPECT_EQ(Find<QLineEdit>(1, "PositionX").text(), QStringLiteral("7.25"));

@@ -1,23 +1,10 @@
 #include "components/graphing/painting/Linepath.h"
 
-#include <gtest/gtest.h>
-
-#include <QImage>
-#include <QPainter>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <set>
-#include <vector>
-
 #include "components/graphing/painting/Curvepainter.h"
 #include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 const QSize kPicture(220, 160);
 const QRect kPanel(20, 10, 180, 130);
@@ -34,28 +21,33 @@ TPlotArea LogArea(double min) {
           TPixelScale::Upwards({true, min, 129.0 / 4.0}, kPanel.top() + kPanel.height())};
 }
 
-template <class Paint>
-QImage Painted(Paint paint) {
-  QImage image(kPicture, QImage::Format_RGB32);
-  image.fill(Qt::white);
-  QPainter painter(&image);
-  painter.setClipRect(kPanel);
-  paint(painter);
-  return image;
+/// What a function paints inside the panel.
+template <class TPaint>
+QImage PaintedInside(TPaint paint) {
+  return Painted(kPicture, [&](QPainter& painter) {
+    painter.setClipRect(kPanel);
+    paint(painter);
+  });
+}
+
+TSeriesStyle& Line(TSeriesStyle& style, int weight,
+                   TSeriesStyle::TPenStyle pen = TSeriesStyle::psSolid) {
+  style.SetPointStyle(TSeriesStyle::psNone);
+  style.SetLineStyle(pen);
+  style.SetLineWeight(weight);
+  return style;
 }
 
 QImage Drawn(const std::vector<TCoordinate>& points, const TPlotArea& area, int weight = 1) {
-  return Painted([&](QPainter& painter) {
+  return PaintedInside([&](QPainter& painter) {
     TSeriesStyle style;
-    style.SetPointStyle(TSeriesStyle::psNone);
-    style.SetLineWeight(weight);
-    TCurvePainter(painter, style, area).Add(points);
+    TCurvePainter(painter, Line(style, weight), area).Add(points);
   });
 }
 
 /// A line from each point to the next, and a dot for a point without neighbours.
 QImage DrawnPlainly(const std::vector<TCoordinate>& points, const TPlotArea& area) {
-  return Painted([&](QPainter& painter) {
+  return PaintedInside([&](QPainter& painter) {
     painter.setPen(QPen(Qt::blue, 1));
     const auto pixel = [&area](const TCoordinate& point) {
       return QPoint(area.x.Pixel(point.X), area.y.Pixel(point.Y));
@@ -80,31 +72,20 @@ class TCurves {
     const double height = Chance(0.3) ? 3000.0 : Chance(0.5) ? 130.0 : Real(1.0, 40.0);
     const int kind = Int(0, 6);
     std::vector<TCoordinate> points;
+    // Noise, a smooth wave, plateaus, a walk, many points over one another and then a step, spikes,
+    // and whole pixels, where rounding has nothing to decide.
+    const std::function<double(int, double)> kinds[] = {
+        [&](int, double) { return 65.0 + height * Real(-0.5, 0.5); },
+        [&](int i, double) { return 65.0 + 0.5 * height * std::sin(0.2 * i); },
+        [&](int, double y) { return Chance(0.1) ? Real(0.0, 130.0) : y; },
+        [&](int, double y) { return y + Real(-4.0, 4.0); },
+        [&](int, double) { return Real(-20.0, 150.0); },
+        [&](int, double) { return Chance(0.05) ? 65.0 + height * Real(-5.0, 5.0) : 65.0; },
+        [&](int, double) { return Int(0, 129); }};
     double x = Chance(0.3) ? Real(-300.0, 100.0) : Real(0.0, 60.0);
     double y = 65.0;
     for (int i = 0; i < count; ++i) {
-      switch (kind) {
-        case 0:  // noise
-          y = 65.0 + height * Real(-0.5, 0.5);
-          break;
-        case 1:  // a smooth wave
-          y = 65.0 + 0.5 * height * std::sin(0.2 * i);
-          break;
-        case 2:  // plateaus
-          if (Chance(0.1)) y = Real(0.0, 130.0);
-          break;
-        case 3:  // a walk
-          y += Real(-4.0, 4.0);
-          break;
-        case 4:  // vertical runs: many points over one another, then a step
-          y = Real(-20.0, 150.0);
-          break;
-        case 5:  // spikes
-          y = Chance(0.05) ? 65.0 + height * Real(-5.0, 5.0) : 65.0;
-          break;
-        default:  // whole pixels, where rounding has nothing to decide
-          y = Int(0, 129);
-      }
+      y = kinds[kind](i, y);
       points.push_back({kind == 4 ? std::floor(x) : x, y});
       x += kind == 3 ? Real(-2.0, 3.0) * step : step;
       if (Chance(0.005)) points.push_back({x, kNan});
@@ -121,69 +102,64 @@ class TCurves {
   std::mt19937 random_{20260101};
 };
 
-/// Writes what differs into the build folder, for a look.
-void ExpectSamePicture(const QImage& drawn, const QImage& plain, int round) {
-  if (drawn == plain) return;
-  const QString file = BuiltFile("linepath-%1-%2.png").arg(round);
-  drawn.save(file.arg(QStringLiteral("merged")));
-  plain.save(file.arg(QStringLiteral("plain")));
-  ADD_FAILURE() << "curve " << round << " differs";
-}
-
-TEST(LinePath, MergingChangesNoPixelOfAThinSolidLine) {
+/// Merging changes no pixel of random curves, each of them changed by `change`.
+template <class TChange>
+void ExpectNoPixelChanged(int rounds, TChange change) {
   TCurves curves;
-  for (int round = 0; round < 2000 && !HasFailure(); ++round) {
-    const std::vector<TCoordinate> points = curves.Next();
-    const TPlotArea area = Area(1.0, 1.0);
-    ExpectSamePicture(Drawn(points, area), DrawnPlainly(points, area), round);
+  for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
+    std::vector<TCoordinate> points = curves.Next();
+    const TPlotArea area = change(points, round, curves);
+    const QImage drawn = Drawn(points, area), plain = DrawnPlainly(points, area);
+    EXPECT_TRUE(drawn == plain) << round;
+    if (drawn != plain) ExpectSamePicture(drawn, plain, "linepath-" + std::to_string(round), 0);
   }
 }
 
+TEST(LinePath, MergingChangesNoPixelOfAThinSolidLine) {
+  ExpectNoPixelChanged(2000, [](auto&, int, TCurves&) { return Area(1.0, 1.0); });
+}
+
 TEST(LinePath, MergingChangesNoPixelOnLogarithmicAxes) {
-  TCurves curves;
-  for (int round = 0; round < 1000 && !HasFailure(); ++round) {
+  ExpectNoPixelChanged(1000, [](auto& points, int round, TCurves& curves) {
     // What is not positive is drawn at 1e-6, left of the one axis, and where the other begins.
     const double min = round % 2 ? 0.01 : 1.0e-9;
-    std::vector<TCoordinate> points = curves.Next();
     for (TCoordinate& point : points) {
       point = {min * std::pow(10.0, point.X / 40.0), min * std::pow(10.0, point.Y / 40.0)};
       if (curves.Chance(0.05)) point.Y = -point.Y;
       if (curves.Chance(0.05)) point.X = 0.0;
     }
-    ExpectSamePicture(Drawn(points, LogArea(min)), DrawnPlainly(points, LogArea(min)), round);
-  }
+    return LogArea(min);
+  });
 }
 
 TEST(LinePath, MergesSteepAxesWhereRoundingIsCoarse) {
   // Values near 1e9 whose last bits are hundredths of a pixel.
-  TCurves curves;
-  const TPlotArea area{kPanel, TPixelScale::Rightwards({false, 1.0e9, 1.0e5}, kPanel.left()),
-                       TPixelScale::Upwards({false, 0.0, 1.0}, kPanel.top() + kPanel.height())};
-  for (int round = 0; round < 200 && !HasFailure(); ++round) {
-    std::vector<TCoordinate> points = curves.Next();
+  ExpectNoPixelChanged(200, [](auto& points, int, TCurves&) {
     for (TCoordinate& point : points) point.X = 1.0e9 + point.X * 1.0e-5;
-    ExpectSamePicture(Drawn(points, area), DrawnPlainly(points, area), round);
-  }
+    TPlotArea area = Area(1.0, 1.0);
+    area.x = TPixelScale::Rightwards({false, 1.0e9, 1.0e5}, kPanel.left());
+    return area;
+  });
 }
 
-/// What a sink is handed.
+/// What a sink is handed of a line.
 struct TRecorder : TLineSink {
+  explicit TRecorder(const TPlotArea& area) : path(area.x, area.y, kPanel, 1000, *this) {}
   void Join(const QLine& line) override { joins.push_back(line); }
   void Span(const TSpan& span) override { spans.push_back(span); }
   void Finish() override { ++finished; }
+  TLinePath path;
   std::vector<QLine> joins;
   std::vector<TSpan> spans;
   int finished = 0;
 };
 
 TEST(LinePath, AColumnGivesItsFirstLowestHighestAndLastPoint) {
-  const TPlotArea area = Area(1.0, 1.0);
-  TRecorder sink;
-  TLinePath path(area.x, area.y, kPanel, 1000, sink);
+  TRecorder sink(Area(1.0, 1.0));
   // Column 20 + 30 = 50; the row of y is 10 + 130 - y - 1.
-  for (const double y : {50.0, 90.0, 20.0, 60.0}) path.Add(30.2, y);
-  path.Add(31.0, 60.0);
-  path.Finish();
+  for (const double y : {50.0, 90.0, 20.0, 60.0}) sink.path.Add(30.2, y);
+  sink.path.Add(31.0, 60.0);
+  sink.path.Finish();
   ASSERT_EQ(sink.spans.size(), 1u);
   const TLineSink::TSpan& span = sink.spans[0];
   EXPECT_EQ(span.column, 50);
@@ -192,28 +168,20 @@ TEST(LinePath, AColumnGivesItsFirstLowestHighestAndLastPoint) {
   EXPECT_EQ(span.low, 119);
   EXPECT_EQ(span.last, 79);
   EXPECT_FALSE(span.lowIsFirst);
-  ASSERT_EQ(sink.joins.size(), 1u);
-  EXPECT_EQ(sink.joins[0], QLine(50, 79, 51, 79));
+  EXPECT_THAT(sink.joins, testing::ElementsAre(QLine(50, 79, 51, 79)));
   EXPECT_EQ(sink.finished, 1);
 }
 
-TEST(LinePath, AMillionPointsAreFewPieces) {
-  const TPlotArea area = Area(180.0 / 1.0e6, 1.0);
-  TRecorder sink;
-  TLinePath path(area.x, area.y, kPanel, 1000, sink);
-  for (int i = 0; i < 1'000'000; ++i) path.Add(i, i % 2 ? 10.0 : 100.0);
-  path.Finish();
+TEST(LinePath, AMillionPointsAreFewPiecesAndWhatLiesAsideIsLeftOut) {
+  TRecorder sink(Area(180.0 / 1.0e6, 1.0));
+  for (int i = 0; i < 1'000'000; ++i) sink.path.Add(i, i % 2 ? 10.0 : 100.0);
+  sink.path.Finish();
   EXPECT_LE(sink.spans.size(), 181u);
   EXPECT_LE(sink.joins.size(), 181u);
-}
-
-TEST(LinePath, WhatLiesAsideIsLeftOut) {
-  const TPlotArea area = Area(1.0, 1.0);
-  TRecorder sink;
-  TLinePath path(area.x, area.y, kPanel, 1000, sink);
-  for (int x = -5000; x < 5000; ++x) path.Add(x, x % 7);
-  path.Finish();
-  EXPECT_LE(sink.joins.size(), 182u);
+  TRecorder aside(Area(1.0, 1.0));
+  for (int x = -5000; x < 5000; ++x) aside.path.Add(x, x % 7);
+  aside.path.Finish();
+  EXPECT_LE(aside.joins.size(), 182u);
 }
 
 TEST(LinePath, AValueThatIsNotFiniteMakesAGap) {
@@ -263,9 +231,7 @@ TEST(LinePath, AWideLineIsAsWideAsItsWeight) {
   const TPlotArea area = Area(1.0, 1.0);
   for (const int weight : {2, 3, 7}) {
     const QImage image = Drawn({{0.0, 60.0}, {179.0, 60.0}}, area, weight);
-    int rows = 0;
-    for (int y = 0; y < image.height(); ++y) rows += image.pixelColor(100, y) == Qt::blue;
-    EXPECT_EQ(rows, weight);
+    EXPECT_EQ(CountPixels(image, Qt::blue, QRect(100, 0, 1, image.height())), weight);
   }
 }
 
@@ -314,19 +280,12 @@ TEST(LinePath, AWideLineIsPaintedOnceWhereItCrossesItself) {
   std::vector<TCoordinate> points;
   for (int i = 0; i < 500; ++i) points.push_back({0.3 * i, 65.0 + 60.0 * std::sin(12.9 * i)});
   for (const auto pen : {TSeriesStyle::psSolid, TSeriesStyle::psDash}) {
-    const QImage image = Painted([&](QPainter& painter) {
+    const QImage image = PaintedInside([&](QPainter& painter) {
       painter.setOpacity(0.5);
       TSeriesStyle style;
-      style.SetPointStyle(TSeriesStyle::psNone);
-      style.SetLineStyle(pen);
-      style.SetLineWeight(4);
-      TCurvePainter(painter, style, Area(1.0, 1.0)).Add(points);
+      TCurvePainter(painter, Line(style, 4, pen), Area(1.0, 1.0)).Add(points);
     });
-    std::set<QRgb> colors;
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) colors.insert(image.pixel(x, y));
-    }
-    EXPECT_EQ(colors.size(), 2u) << pen;
+    EXPECT_EQ(ColorsOf(image).size(), 2u) << pen;
   }
 }
 
@@ -339,15 +298,12 @@ std::vector<int> Runs(const std::vector<TCoordinate>& points, TSeriesStyle::TPen
   {
     QPainter painter(&image);
     TSeriesStyle style;
-    style.SetPointStyle(TSeriesStyle::psNone);
-    style.SetLineStyle(pen);
-    style.SetLineWeight(weight);
     const QRect rect(kPanel.topLeft() * ratio, kPanel.size() * ratio);
     const TPlotArea area{
         rect, TPixelScale::Rightwards({false, 0.0, 1.0}, kPanel.left(), ratio),
         TPixelScale::Upwards({false, 0.0, 1.0}, kPanel.top() + kPanel.height(), ratio),
         static_cast<double>(ratio)};
-    TCurvePainter(painter, style, area).Add(points);
+    TCurvePainter(painter, Line(style, weight, pen), area).Add(points);
   }
   const int row = (kPanel.top() + kPanel.height() - 1 - 60) * ratio;
   std::vector<int> runs;
@@ -363,8 +319,7 @@ TEST(LinePath, DashesAreMeasuredInPenWidthsAndRunOnOverThePoints) {
       {TSeriesStyle::psDash, {4, 2}},
       {TSeriesStyle::psDot, {1, 2}},
       {TSeriesStyle::psDashDot, {4, 2, 1, 2}},
-      {TSeriesStyle::psDashDotDot, {4, 2, 1, 2, 1, 2}},
-  };
+      {TSeriesStyle::psDashDotDot, {4, 2, 1, 2, 1, 2}}};
   std::vector<TCoordinate> many;
   for (int i = 0; i <= 1600; ++i) many.push_back({0.1 * i, 60.0});
   for (const auto& [pen, pattern] : pens) {
@@ -388,15 +343,13 @@ TEST(PixelScale, FirstAndLastPixelBelongToTheEndsOfTheAxis) {
   const struct {
     double value;
     int right, up;
-  } cases[] = {
-      {10.0, 7, 106},
-      {30.0, 106, 7},
-      {20.0, 57, 57},  // 49.5 pixels along: halves are rounded up
-      {5.0, -18, 131},
-      {kNan, -TPixelScale::kFar, -TPixelScale::kFar},
-      {kInfinity, TPixelScale::kFar, -TPixelScale::kFar},
-      {-1.0e200, -TPixelScale::kFar, TPixelScale::kFar},
-  };
+  } cases[] = {{10.0, 7, 106},
+               {30.0, 106, 7},
+               {20.0, 57, 57},  // 49.5 pixels along: halves are rounded up
+               {5.0, -18, 131},
+               {kNan, -TPixelScale::kFar, -TPixelScale::kFar},
+               {kInfinity, TPixelScale::kFar, -TPixelScale::kFar},
+               {-1.0e200, -TPixelScale::kFar, TPixelScale::kFar}};
   for (const auto& c : cases) {
     EXPECT_EQ(right.Pixel(c.value), c.right) << c.value;
     EXPECT_EQ(up.Pixel(c.value), c.up) << c.value;
