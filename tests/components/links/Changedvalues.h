@@ -16,6 +16,7 @@ inline QVariant Meaningful(const QString& name, const QString& old) {
       {"FileName", QCoreApplication::applicationFilePath()},
       {"PortNum", "COM7"},
       {"Separator", " "},
+      {"AnalysisTypes", 0},
       {"Items", "[{\"Label\":\"<a>\",\"ChannelCount\":1,\"Channels\":[{\"Label\":\"x\"}]}]"},
       {"StatData", "2 3 5"},
       {"Data", "1 1\n2 1"},
