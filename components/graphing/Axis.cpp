@@ -1,6 +1,7 @@
 #include "components/graphing/Axis.h"
 
 #include <QPainter>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QSet>
 #include <algorithm>
@@ -609,8 +610,9 @@ void TAxis::SubObjectChanged() {
 }
 
 void TAxis::Notify() {
+  const QPointer<TAxis> self(this);
   emit OnChange(this);
-  emit OnRepaint(this);
+  if (self) emit OnRepaint(this);
 }
 
 QRect TAxis::GetClientRect() const {

@@ -3,6 +3,7 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPen>
+#include <QPointer>
 #include <algorithm>
 #include <cstdlib>
 
@@ -45,8 +46,9 @@ TDataPanel::~TDataPanel() {
 }
 
 void TDataPanel::Changed() {
+  const QPointer<TDataPanel> self(this);
   emit OnChange(this);
-  emit OnRepaint(this);
+  if (self) emit OnRepaint(this);
 }
 
 void TDataPanel::SetLineColor(TColor color) {

@@ -1,5 +1,6 @@
 #include "components/graphing/Graphseries.h"
 
+#include <QPointer>
 #include <utility>
 
 #include "components/graphing/Publishedrecord.h"
@@ -21,8 +22,9 @@ void TCustomGraphSeries::SetVisible(bool visible) {
 }
 
 void TCustomGraphSeries::Changed() {
+  const QPointer<TCustomGraphSeries> self(this);
   emit OnChange(this);
-  if (panel_) emit panel_->OnRepaint(panel_);
+  if (self && panel_) emit panel_->OnRepaint(panel_);
 }
 
 void TCustomGraphSeries::WriteSeries(QJsonObject& record) const { record = WritePublished(*this); }

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QPointer>
 #include <algorithm>
 
 #include "components/graphing/Dataseries.h"
@@ -108,10 +109,12 @@ void TSeriesList::Clear() {
 }
 
 void TSeriesList::Changed() {
+  const QPointer<TSeriesPanel> panel(panel_);
+  const QPointer<TSeriesList> self(this);
   emit OnChange(this);
-  if (!panel_) return;
-  emit panel_->OnChange(panel_);
-  emit panel_->OnRepaint(panel_);
+  if (!self || !panel) return;
+  emit panel->OnChange(panel);
+  if (panel) emit panel->OnRepaint(panel);
 }
 
 void TSeriesList::ShowEditor() {

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QPen>
+#include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -115,7 +116,8 @@ bool TSliderSeries::Drag(QPoint pixel) {
   }
   position_ = position;
   // The graph draws anew after each move; asking for it here would do it twice.
+  const QPointer<TSliderSeries> self(this);
   emit OnChange(this);
-  emit OnDragged(this);
+  if (self) emit OnDragged(this);
   return true;
 }
