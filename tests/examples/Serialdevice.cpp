@@ -93,7 +93,7 @@ class SerialDevice : public testing::Test {
   void Tick(int times) {
     for (int i = 0; i < times; ++i) {
       StandStill(1);
-      Tick();
+      ::Tick();
     }
   }
   /// The time of so many ticks passes for the device alone.
@@ -235,7 +235,7 @@ TEST_F(SerialDevice, ACableThatIsPulledOutClosesThePort) {
   QSignalSpy closed(&port, &TQLXPort::OnClose);
   bench.line.Unplug();
   const QDeadlineTimer patience(5000);
-  while (port.GetConnected() && !patience.hasExpired()) Tick();
+  while (port.GetConnected() && !patience.hasExpired()) ::Tick();
   EXPECT_EQ(closed.count(), 1);
   EXPECT_THAT(port.GetErrorText().toStdString(), testing::HasSubstr("has gone"));
   port.SetAutoRun(true);

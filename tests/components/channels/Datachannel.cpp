@@ -1,5 +1,6 @@
 #include "components/channels/Datachannel.h"
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/panels/Published.h"
 #include "tests/components/sources/Providerfixture.h"

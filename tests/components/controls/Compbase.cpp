@@ -102,40 +102,6 @@ TEST(RotateText, TurnsTheTextCounterClockwiseAboutItsUpperLeftCorner) {
   EXPECT_LE(down.right(), 101);
 }
 
-TEST(IconImages, EveryNameIsDrawnUnlikeTheOthers) {
-  std::set<QByteArray> pictures;
-  const char* names[] = {"ChannelImage",        "DataChannelImage",  "VariableImage",
-                         "MacroImage",          "THistogram",        "TOccurrenceHistogram",
-                         "SimulatorActive",     "SimulatorIdle",     "SimulatorDown",
-                         "FileReaderIdle",      "TextConverterIdle", "NobodyKnowsMe",
-                         "NobodyKnowsMeActive", "AnotherOne"};
-  for (const char* name : names) {
-    QImage image = Canvas(24, 24);
-    QPainter painter(&image);
-    DrawIconImage(painter, QRectF(0, 0, 24, 24), name);
-    painter.end();
-    EXPECT_GT(PixelsNot(image, qRgb(255, 0, 0)), 24 * 24 / 2) << name;
-    pictures.insert(
-        QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()));
-  }
-  EXPECT_EQ(pictures.size(), std::size(names));
-}
-
-TEST(IconImages, ARegisteredPictureFillsItsSquare) {
-  EXPECT_FALSE(HasIconImage("Green"));
-  RegisterIconImage("Green", [](QPainter& painter) { painter.fillRect(0, 0, 24, 24, Qt::green); });
-  EXPECT_TRUE(HasIconImage("Green"));
-  QImage image = Canvas(60, 30);
-  QPainter painter(&image);
-  DrawIconImage(painter, QRectF(4, 2, 40, 20), "Green");
-  DrawIconImage(painter, QRectF(0, 0, 60, 30), "");
-  DrawIconImage(painter, QRectF(0, 0, -5, 30), "Green");
-  painter.end();
-  EXPECT_EQ(PixelsNot(image, qRgb(255, 0, 0)), 20 * 20);
-  EXPECT_EQ(image.pixel(14, 2), qRgb(0, 255, 0));
-  EXPECT_EQ(image.pixel(33, 21), qRgb(0, 255, 0));
-}
-
 TEST(LayOutIcon, PutsTheCaptionBesideThePicture) {
   const QSize image(24, 24), text(40, 14);
   const struct {

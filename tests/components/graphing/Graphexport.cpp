@@ -63,7 +63,7 @@ TEST_F(GraphExport, SavesByTheEndingOfTheName) {
     const QString name = TestFolder() + '/' + file;
     QString message;
     EXPECT_TRUE(SaveGraph(graph, name, &message)) << message.toStdString();
-    EXPECT_TRUE(ContentOf(name).startsWith(begins)) << file;
+    EXPECT_TRUE(Contents(name).startsWith(begins)) << file;
   }
 }
 
@@ -79,9 +79,9 @@ TEST_F(GraphExport, ADiskThatFillsMidwayLeavesTheEarlierFile) {
     }
     EXPECT_FALSE(isSaved) << file.toStdString();
     EXPECT_TRUE(message.startsWith("Cannot write " + name + ": ")) << message.toStdString();
-    EXPECT_EQ(ContentOf(name), "earlier");
+    EXPECT_EQ(Contents(name), "earlier");
     EXPECT_TRUE(SaveGraph(graph, name, &message));
-    EXPECT_GT(ContentOf(name).size(), 1000);
+    EXPECT_GT(Contents(name).size(), 1000);
   }
   EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files | QDir::Hidden).size(), 2) << "nothing stays";
 }
@@ -122,7 +122,7 @@ TEST_F(GraphExport, PrintsAsLargeAsThePageAllows) {
   QPdfWriter page(name);
   page.setPageSize(QPageSize(QPageSize::A4));
   EXPECT_TRUE(PrintGraph(graph, page));
-  EXPECT_TRUE(ContentOf(name).contains("/MediaBox [0 0 595"));
+  EXPECT_TRUE(Contents(name).contains("/MediaBox [0 0 595"));
 }
 
 TEST_F(GraphExport, OffersItselfInAMenu) {

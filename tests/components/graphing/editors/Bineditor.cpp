@@ -21,7 +21,7 @@ class BinEditor : public testing::Test {
   QString Cell(int row, int column) { return Table().data(Table().index(row, column)).toString(); }
   QString Text(const char* label) { return Find<QLabel>(label).text(); }
   /// The tenth of a second after which the editor looks at the bins again.
-  static void Wait() { PassTicks(10); }
+  static void Wait() { Tick(10); }
 
   TBinList bins;
   std::unique_ptr<TBinEditor> editor = std::make_unique<TBinEditor>(bins);

@@ -1,5 +1,6 @@
 #include "components/graphing/editors/Serieseditor.h"
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "components/graphing/Sliderseries.h"
 #include "components/graphing/editors/Pickers.h"
