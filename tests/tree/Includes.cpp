@@ -20,7 +20,7 @@ std::string UnitOf(const QString& path) {
 /// Which units each unit includes, from the lines of its header and its sources.
 const std::map<std::string, std::set<std::string>>& Includes() {
   static const auto result = [] {
-    const QRegularExpression include(R"(^\s*#\s*include\s+"([^"]+)\")");
+    const QRegularExpression include(R"(^\s*#\s*include\s+"([^"]+\.h)\")");
     const QString root = SourceFile("");
     std::map<std::string, std::set<std::string>> graph;
     for (const QString& room : QDir(root).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
