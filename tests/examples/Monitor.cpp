@@ -266,7 +266,8 @@ TEST_F(Monitor, ShowsWhatBothSourcesSend) {
   for (const auto& [limit, status] :
        {std::pair(1e3, "Normal"), std::pair(5.2, "Warning"), std::pair(4.0, "Alarm")}) {
     limits.SetLimitMax(limit);
-    ASSERT_TRUE(PassUntil([&] { return Cell("Input 2", TChannelTable::kStatus) == status; }));
+    ASSERT_TRUE(PassUntil(
+        [&, wanted = status] { return Cell("Input 2", TChannelTable::kStatus) == wanted; }));
     grounds.push_back(Table().item(Row("Input 2"), TChannelTable::kStatus)->background().color());
   }
   EXPECT_GT(grounds[0].green(), grounds[0].red());

@@ -448,9 +448,9 @@ TEST_F(GraphTest, CopiesSizeAxesAndPanelIntoAnother) {
 
 /// Values at the ends of what a double can hold, and others among them.
 double HostileValue(std::mt19937& random) {
-  static constexpr double kValues[] = {
-      0.0,     -0.0,      1.0,        -1.0, 1e308, -1e308,    1e-6,        5e-324,
-      -5e-324, kInfinity, -kInfinity, 1e17, 43000, 43000.001, 1.0 + 1e-15, std::nan("")};
+  static const double kValues[] = {0.0,   -0.0,      1.0,         -1.0,        1e308,      -1e308,
+                                   1e-6,  5e-324,    -5e-324,     kInfinity,   -kInfinity, 1e17,
+                                   43000, 43000.001, 1.0 + 1e-15, std::nan("")};
   return kValues[random() % std::size(kValues)];
 }
 
