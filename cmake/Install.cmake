@@ -13,7 +13,7 @@ set(private_units
   components/graphing/editors/Pickers components/graphing/editors/Propertyform
   components/graphing/editors/Serieseditor
   components/graphing/painting/Pixelmask components/graphing/painting/Plotfont
-  components/links/Random
+  components/links/Properties components/links/Random
   components/panels/Filenames components/panels/Formchecks components/panels/Formloader
   components/panels/Formtexts components/panels/Formwidgets
   components/sources/Datathread components/sources/Filename

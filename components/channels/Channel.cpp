@@ -124,12 +124,8 @@ bool TChannel::ReadProperties(QJsonObject record, QString* error) {
 void TChannel::AssignTo(TPersistent* destination) const {
   auto* channel = qobject_cast<TChannel*>(destination);
   if (!channel || channel == this) return;
-  CopyPublished(*this, *channel);
+  TPersistent::AssignTo(channel);
   channel->SetUnits(units_);
-}
-
-bool TChannel::SameAs(const TPersistent* other) const {
-  return other && SamePublished(*this, *other);
 }
 
 // TChannels

@@ -125,7 +125,6 @@ class TChannel : public TNotifyPersistent {
 
   /// Copies the published properties, and not what was measured.
   void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   friend class TChannels;

@@ -200,7 +200,6 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
 
   /// Copies the published properties, the channels' too, and not what was measured.
   void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  protected:
   void customEvent(QEvent* event) override;

@@ -75,10 +75,6 @@ void TChannelSet::AssignTo(TPersistent* destination) const {
   }
 }
 
-bool TChannelSet::SameAs(const TPersistent* other) const {
-  return other && SamePublished(*this, *other);
-}
-
 // TChannelSets
 
 TChannelSets::~TChannelSets() {

@@ -36,11 +36,6 @@ void TLimitLevels::AssignTo(TPersistent* destination) const {
   emit levels->OnChange(levels);
 }
 
-bool TLimitLevels::SameAs(const TPersistent* other) const {
-  const auto* levels = qobject_cast<const TLimitLevels*>(other);
-  return levels && levels->limits_ == limits_;
-}
-
 // TStatisticsOptions
 
 TStatisticsOptions::TStatisticsOptions(QObject* owner) : TPersistent(owner) { SetDescription(); }
@@ -62,18 +57,6 @@ void TStatisticsOptions::SetValueType(TStatValue value) {
 void TStatisticsOptions::SetDescription() {
   static constexpr const char* kValues[] = {"Mean", "Max", "Min", "StDev", "Time"};
   description_ = IntervalText(interval_) + QLatin1String(": ") + QLatin1String(kValues[value_]);
-}
-
-void TStatisticsOptions::AssignTo(TPersistent* destination) const {
-  auto* options = qobject_cast<TStatisticsOptions*>(destination);
-  if (!options || options == this) return;
-  options->SetSelInterval(interval_);
-  options->SetValueType(value_);
-}
-
-bool TStatisticsOptions::SameAs(const TPersistent* other) const {
-  const auto* options = qobject_cast<const TStatisticsOptions*>(other);
-  return options && options->interval_ == interval_ && options->value_ == value_;
 }
 
 // Ends of intervals
@@ -428,10 +411,4 @@ void TChannelStatistics::AssignTo(TPersistent* destination) const {
   statistics->SetSelIntervals(selected_);
   statistics->SetLimits(&limits_);
   statistics->SetStoreDataAsText(asText_);
-}
-
-bool TChannelStatistics::SameAs(const TPersistent* other) const {
-  const auto* statistics = qobject_cast<const TChannelStatistics*>(other);
-  return statistics && statistics->selected_ == selected_ && statistics->limits_.SameAs(&limits_) &&
-         statistics->asText_ == asText_;
 }

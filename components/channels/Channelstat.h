@@ -56,7 +56,6 @@ class TLimitLevels : public TPersistent {
   void SetCheckMin(bool check) { Store(limits_.CheckMin, check); }
 
   void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   TLimits limits_;
@@ -78,9 +77,6 @@ class TStatisticsOptions : public TPersistent {
 
   /// Interval and value in words, such as "Last minute: Mean".
   const QString& GetDescription() const { return description_; }
-
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   void SetDescription();
@@ -302,7 +298,6 @@ class TChannelStatistics : public TPersistent {
   /// Copies intervals, limits and form of storage, and not the histories: those are of what one
   /// channel has measured.
   void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   using THistories = std::vector<std::unique_ptr<TStatHistory>>;

@@ -120,11 +120,6 @@ void TStatistics::AssignTo(TPersistent* destination) const {
   other->SetSqSum(sqSum_);
 }
 
-bool TStatistics::SameAs(const TPersistent* other) const {
-  const auto* statistics = qobject_cast<const TStatistics*>(other);
-  return statistics && GetStatData() == statistics->GetStatData();
-}
-
 // Forms
 
 QString TStatistics::GetStatData() const {

@@ -116,8 +116,6 @@ class TStatistics : public TPersistent {
 
   /// Copies Count, Pos, Sum and SqSum. Maximum and minimum of the destination stay, on purpose.
   void AssignTo(TPersistent* destination) const override;
-  /// Compares what forms keep: Count, Sum and SqSum.
-  bool SameAs(const TPersistent* other) const override;
 
   /// In the shortest form that reads back to the same numbers.
   QString GetStatData() const;

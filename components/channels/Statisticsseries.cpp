@@ -30,16 +30,6 @@ void TStatSeriesStyle::SetBarStyle(TStatBarStyle style) {
   if (style >= bsXBar && style <= bsYBar) Set(barStyle_, style);
 }
 
-void TStatSeriesStyle::AssignTo(TPersistent* destination) const {
-  TBasicSeriesStyle::AssignTo(destination);
-  if (auto* style = qobject_cast<TStatSeriesStyle*>(destination)) style->SetBarStyle(barStyle_);
-}
-
-bool TStatSeriesStyle::SameAs(const TPersistent* other) const {
-  const auto* style = qobject_cast<const TStatSeriesStyle*>(other);
-  return style && TBasicSeriesStyle::SameAs(other) && barStyle_ == style->barStyle_;
-}
-
 // TStatisticsSeries
 
 TStatisticsSeries::TStatisticsSeries(QObject* owner)

@@ -27,9 +27,6 @@ class TStatSeriesStyle : public TBasicSeriesStyle {
   TStatBarStyle GetBarStyle() const { return barStyle_; }
   void SetBarStyle(TStatBarStyle style);
 
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
-
  private:
   TStatBarStyle barStyle_ = bsXBar;
 };

@@ -2,8 +2,6 @@
 
 #include <array>
 
-#include "components/graphing/Publishedrecord.h"
-
 namespace {
 
 template <std::size_t N>
@@ -55,18 +53,18 @@ void TQLXSettings::AssignTo(TPersistent* destination) const {
   const QPointer<TQLXSettings> settings(qobject_cast<TQLXSettings*>(destination));
   if (!settings) return;
   TQLXSettings others;
-  CopyPublished(*this, others);
+  TPersistent::AssignTo(&others);
   others.SetPortNum(settings->GetPortNum());
-  CopyPublished(others, *settings);
+  others.TPersistent::AssignTo(settings);
   if (settings) settings->SetPortNum(portNum_);
 }
 
 bool TQLXSettings::SameAs(const TPersistent* other) const {
   if (!qobject_cast<const TQLXSettings*>(other)) return false;
   TQLXSettings mine, theirs;  // of one class, whatever the two are
-  CopyPublished(*this, mine);
-  CopyPublished(*other, theirs);
-  return SamePublished(mine, theirs);
+  TPersistent::AssignTo(&mine);
+  other->TPersistent::AssignTo(&theirs);
+  return mine.TPersistent::SameAs(&theirs);
 }
 
 int BaudRateToInt(TBaudRate rate) {

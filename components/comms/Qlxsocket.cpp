@@ -112,16 +112,3 @@ void TQLXClientSocket::Failed() {
   if (socket_->error() == QAbstractSocket::RemoteHostClosedError) return;  // Disconnected says it
   emit OnError(this, socket_->errorString());
 }
-
-void TQLXClientSocket::AssignTo(TPersistent* destination) const {
-  auto* socket = qobject_cast<TQLXClientSocket*>(destination);
-  if (!socket) return;
-  socket->SetAddress(address_);
-  socket->SetHost(host_);
-  socket->SetPort(port_);
-}
-
-bool TQLXClientSocket::SameAs(const TPersistent* other) const {
-  const auto* socket = qobject_cast<const TQLXClientSocket*>(other);
-  return socket && address_ == socket->address_ && host_ == socket->host_ && port_ == socket->port_;
-}

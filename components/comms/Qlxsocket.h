@@ -54,9 +54,6 @@ class TQLXClientSocket : public TPersistent {
   /// Takes at most `size` of the bytes that wait. Returns how many.
   qsizetype Read(char* bytes, qsizetype size);
 
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
-
  signals:
   void OnConnecting(QObject* sender);
   void OnConnect(QObject* sender);

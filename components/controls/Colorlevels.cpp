@@ -50,13 +50,6 @@ int TColorLevels::LevelOf(double value, int last) const {
   return std::max(level, reached);
 }
 
-void TColorLevels::AssignTo(TPersistent* destination) const {
-  auto* levels = qobject_cast<TColorLevels*>(destination);
-  if (!levels || levels == this) return;
-  levels->SetLevels(texts_);
-  levels->SetHysteresis(hysteresis_);
-}
-
 bool TColorLevels::SameAs(const TPersistent* other) const {
   const auto* levels = qobject_cast<const TColorLevels*>(other);
   return levels && hysteresis_ == levels->hysteresis_ && levels_ == levels->levels_;

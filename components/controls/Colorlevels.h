@@ -48,7 +48,6 @@ class TColorLevels : public TPersistent {
   /// a value that is not a number.
   int LevelOf(double value, int last) const;
 
-  void AssignTo(TPersistent* destination) const override;
   bool SameAs(const TPersistent* other) const override;
 
  private:

@@ -204,18 +204,6 @@ void TTick::DrawLog(QPainter& painter) const {
   DrawTick(painter, ToPixel(first + count_ * decade));
 }
 
-void TTick::AssignTo(TPersistent* destination) const {
-  auto* tick = qobject_cast<TTick*>(destination);
-  if (!tick) return;
-  tick->SetPos(pos_);
-  tick->SetSize(size_);
-}
-
-bool TTick::SameAs(const TPersistent* other) const {
-  const auto* tick = qobject_cast<const TTick*>(other);
-  return tick && tick->pos_ == pos_ && tick->size_ == size_;
-}
-
 // Labels
 
 TTickLabel::TTickLabel(TAxis* axis)
@@ -375,22 +363,6 @@ bool TTickLabel::Draw(QPainter& painter, QPoint anchor, double value, QPoint& la
   return true;
 }
 
-void TTickLabel::AssignTo(TPersistent* destination) const {
-  auto* label = qobject_cast<TTickLabel*>(destination);
-  if (!label) return;
-  label->SetFont(font_);
-  label->SetFontColor(fontColor_);
-  label->SetPos(pos_);
-  label->SetSpacing(spacing_);
-  label->SetNumFormat(numFormat_.get());
-}
-
-bool TTickLabel::SameAs(const TPersistent* other) const {
-  const auto* label = qobject_cast<const TTickLabel*>(other);
-  return label && label->font_ == font_ && label->fontColor_ == fontColor_ && label->pos_ == pos_ &&
-         label->spacing_ == spacing_ && numFormat_->SameAs(label->numFormat_.get());
-}
-
 // Title
 
 TAxisTitle::TAxisTitle(TAxis* axis)
@@ -487,21 +459,6 @@ void TAxisTitle::DrawVertical(QPainter& painter, int distance) const {
     const int left = plot.left() - distance - TextHeight(metrics_) + kAir;
     RotateText(painter, QPointF(left, top + length), 90.0, text);
   }
-}
-
-void TAxisTitle::AssignTo(TPersistent* destination) const {
-  auto* title = qobject_cast<TAxisTitle*>(destination);
-  if (!title) return;
-  title->SetFont(font_);
-  title->SetFontColor(fontColor_);
-  title->SetPos(pos_);
-  title->SetCaption(caption_);
-}
-
-bool TAxisTitle::SameAs(const TPersistent* other) const {
-  const auto* title = qobject_cast<const TAxisTitle*>(other);
-  return title && title->font_ == font_ && title->fontColor_ == fontColor_ && title->pos_ == pos_ &&
-         title->caption_ == caption_;
 }
 
 // Axis
@@ -787,12 +744,4 @@ void TAxis::AssignTo(TPersistent* destination) const {
   axis->SetMajor(majorTick_.get());
   axis->SetMinor(minorTick_.get());
   axis->SetTitle(title_.get());
-}
-
-bool TAxis::SameAs(const TPersistent* other) const {
-  const auto* axis = qobject_cast<const TAxis*>(other);
-  return axis && axis->min_ == min_ && axis->max_ == max_ && axis->autoMax_ == autoMax_ &&
-         axis->autoMin_ == autoMin_ && axis->lineColor_ == lineColor_ && axis->scale_ == scale_ &&
-         label_->SameAs(axis->label_.get()) && majorTick_->SameAs(axis->majorTick_.get()) &&
-         minorTick_->SameAs(axis->minorTick_.get()) && title_->SameAs(axis->title_.get());
 }

@@ -66,9 +66,6 @@ class TTick : public TPersistent {
   /// Draws nine ticks per decade.
   void DrawLog(QPainter& painter) const;
 
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
-
  private:
   void DrawTick(QPainter& painter, int position) const;
   QPoint LabelAnchor(int position) const;
@@ -133,9 +130,6 @@ class TTickLabel : public TPersistent {
   /// each label that is drawn: the next one must start at or right of its x (horizontal axis), or
   /// end above its y (vertical axis). Returns whether the label was drawn.
   bool Draw(QPainter& painter, QPoint anchor, double value, QPoint& last) const;
-
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  public slots:
   void PropertiesChanged();
@@ -214,9 +208,6 @@ class TAxisTitle : public TPersistent {
   QMargins Overlap() const { return overlap_; }
   void CalculateOverlap();
   void Draw(QPainter& painter) const;
-
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  public slots:
   void PropertiesChanged();
@@ -367,7 +358,6 @@ class TAxis : public TPersistent {
   void Draw(QPainter& painter) const;
 
   void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  signals:
   /// The picture must be made anew. Follows each OnChange.

@@ -45,11 +45,7 @@ void TCustomGraphSeries::AssignTo(TPersistent* destination) const {
   auto* series = qobject_cast<TCustomGraphSeries*>(destination);
   if (!series || series == this) return;
   series->TakeSources(*this);
-  CopyPublished(*this, *series);
-}
-
-bool TCustomGraphSeries::SameAs(const TPersistent* other) const {
-  return other && SamePublished(*this, *other);
+  TPersistent::AssignTo(series);
 }
 
 TCustomDataSeries::TCustomDataSeries(std::unique_ptr<TBasicSeriesStyle> style, QObject* owner)

@@ -112,8 +112,6 @@ class TCustomGraphSeries : public TPersistent {
 
   /// Copies the published properties and the data sources.
   void AssignTo(TPersistent* destination) const override;
-  /// Compares the published properties.
-  bool SameAs(const TPersistent* other) const override;
 
  protected:
   /// Reports the change and asks the graph for a new picture.

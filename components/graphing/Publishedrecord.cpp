@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 
+#include "components/links/Properties.h"
 #include "model/Color.h"
 
 namespace {
@@ -77,13 +78,9 @@ bool ReadProperty(const QString& name, const QJsonValue& value, TPersistent& obj
 
 }  // namespace
 
-TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property) {
-  return qobject_cast<TPersistent*>(property.read(&object).value<QObject*>());
-}
-
 QJsonObject WritePublished(const TPersistent& object) {
   QJsonObject record;
-  ForEachPublished(object, [&](const QMetaProperty& property) {
+  ForEachOwnProperty(object, [&](const QMetaProperty& property) {
     const TPersistent* sub = SubObject(object, property);
     record[QLatin1String(property.name())] =
         sub ? QJsonValue(WritePublished(*sub)) : ToJson(property, property.read(&object));
@@ -96,32 +93,4 @@ bool ReadPublished(const QJsonObject& record, TPersistent& object, QString* erro
     if (!ReadProperty(it.key(), it.value(), object, error)) return false;
   }
   return true;
-}
-
-void CopyPublished(const TPersistent& source, TPersistent& destination) {
-  const QPointer<TPersistent> alive(&destination);  // a listener may destroy it
-  ForEachPublished(source, [&](const QMetaProperty& property) {
-    if (!alive) return;
-    const QMetaObject* meta = destination.metaObject();
-    const QMetaProperty target = meta->property(meta->indexOfProperty(property.name()));
-    if (!target.isValid()) return;
-    TPersistent* sub = SubObject(destination, target);
-    if (sub) {
-      sub->Assign(SubObject(source, property));
-    } else {
-      target.write(&destination, property.read(&source));
-    }
-  });
-}
-
-bool SamePublished(const TPersistent& a, const TPersistent& b) {
-  if (a.metaObject() != b.metaObject()) return false;
-  bool same = true;
-  ForEachPublished(a, [&](const QMetaProperty& property) {
-    const TPersistent* sub = SubObject(a, property);
-    same =
-        same && (sub ? sub->SameAs(SubObject(b, property))
-                     : ToJson(property, property.read(&a)) == ToJson(property, property.read(&b)));
-  });
-  return same;
 }

@@ -39,9 +39,6 @@ class TBasicSeriesStyle : public TPersistent {
   /// No line is visible with this style.
   bool IsLineClear() const { return lineStyle_ == psClear || lineColor_.IsNone(); }
 
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
-
  protected:
   /// The body of every setter.
   template <class T>
@@ -86,9 +83,6 @@ class TSeriesStyle : public TBasicSeriesStyle {
 
   void SetPointColor(TColor color) { Set(pointColor_, color); }
   void SetPointStyle(TPointStyle style);
-
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   TColor pointColor_ = TColor::Black();

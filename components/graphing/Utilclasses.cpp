@@ -179,16 +179,11 @@ QString TNumberFormat::GetFormatStr() const {
 }
 
 void TNumberFormat::AssignTo(TPersistent* destination) const {
-  auto* other = qobject_cast<TNumberFormat*>(destination);
-  if (!other) return;
-  other->SetFormat(format_);
-  other->SetPrecision(precision_);
-  other->SetDigits(digits_);
-  other->SetIsTimeFormat(isTimeFormat_);
-  other->SetTimeFormatStr(timeFormatStr_);
+  if (!qobject_cast<TNumberFormat*>(destination)) return;
+  const QPointer<TNumberFormat> self(const_cast<TNumberFormat*>(this));
+  TPersistent::AssignTo(destination);
   // The source reports too, although it did not change: its owner is notified of every copy.
-  auto* self = const_cast<TNumberFormat*>(this);
-  emit self->OnChange(self);
+  if (self) emit self->OnChange(self);
 }
 
 bool TNumberFormat::SameAs(const TPersistent* other) const {
@@ -236,19 +231,4 @@ void TRange::GetBounds(const TRange* other) {
   }
   min_ = std::min(min_, other->min_);
   max_ = std::max(max_, other->max_);
-}
-
-void TRange::AssignTo(TPersistent* destination) const {
-  auto* other = qobject_cast<TRange*>(destination);
-  if (!other) return;
-  other->SetMin(min_);
-  other->SetMax(max_);
-  other->SetAutoMin(autoMin_);
-  other->SetAutoMax(autoMax_);
-}
-
-bool TRange::SameAs(const TPersistent* other) const {
-  const auto* range = qobject_cast<const TRange*>(other);
-  return range && range->min_ == min_ && range->max_ == max_ && range->autoMin_ == autoMin_ &&
-         range->autoMax_ == autoMax_;
 }

@@ -61,6 +61,8 @@ class TNumberFormat : public TPersistent {
 /// an interval and is ignored everywhere.
 class TRange : public TPersistent {
   Q_OBJECT
+  // A copy takes them in this order: a new Min above the old Max makes that old Max its Min, and so
+  // stays in the result. Reset is not copied.
   Q_PROPERTY(double Min READ GetMin WRITE SetMin)
   Q_PROPERTY(double Max READ GetMax WRITE SetMax)
   Q_PROPERTY(bool AutoMin READ GetAutoMin WRITE SetAutoMin)
@@ -98,11 +100,6 @@ class TRange : public TPersistent {
     AddPositive(value);
   }
   void GetBounds(const TRange* other);
-
-  /// Sets Min, Max, AutoMin, AutoMax of the destination in this order: a new Min above its old Max
-  /// makes that old Max its Min, and so stays in the result. Reset is not copied.
-  void AssignTo(TPersistent* destination) const override;
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   void AddPositive(double value) {

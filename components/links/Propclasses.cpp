@@ -3,6 +3,68 @@
 #include <QCoreApplication>
 #include <algorithm>
 
+#include "components/links/Properties.h"
+
+namespace {
+
+/// Classes are related if they stand on one class behind the bases that publish nothing.
+const QMetaObject* FirstClass(const TPersistent& object) {
+  const QMetaObject* meta = object.metaObject();
+  const auto isBase = [](const QMetaObject* candidate) {
+    return candidate == &TPersistent::staticMetaObject ||
+           candidate == &TNotifyPersistent::staticMetaObject;
+  };
+  while (!isBase(meta) && !isBase(meta->superClass())) meta = meta->superClass();
+  return meta;
+}
+
+/// The last class of an object that publishes something.
+const QMetaObject* LastPublisher(const TPersistent& object) {
+  const QMetaObject* meta = object.metaObject();
+  while (meta != &TPersistent::staticMetaObject &&
+         meta->propertyCount() == meta->superClass()->propertyCount()) {
+    meta = meta->superClass();
+  }
+  return meta;
+}
+
+}  // namespace
+
+TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property) {
+  return qobject_cast<TPersistent*>(property.read(&object).value<QObject*>());
+}
+
+void TPersistent::AssignTo(TPersistent* destination) const {
+  if (!destination || destination == this || FirstClass(*destination) != FirstClass(*this)) return;
+  // A listener may destroy both.
+  const QPointer<const TPersistent> self(this);
+  const QPointer<TPersistent> other(destination);
+  const QMetaObject* meta = destination->metaObject();
+  ForEachOwnProperty(*this, [&](const QMetaProperty& property) {
+    const int index = meta->indexOfProperty(property.name());
+    if (!self || !other || index < 0) return;
+    const QMetaProperty target = meta->property(index);
+    if (TPersistent* sub = SubObject(*other, target)) {
+      sub->Assign(SubObject(*self, property));
+    } else {
+      target.write(other, property.read(self));
+    }
+  });
+}
+
+bool TPersistent::SameAs(const TPersistent* other) const {
+  if (other == this) return true;
+  if (!other || !LastPublisher(*other)->inherits(LastPublisher(*this))) return false;
+  bool same = true;
+  ForEachOwnProperty(*this, [&](const QMetaProperty& property) {
+    if (!same) return;
+    const TPersistent* sub = SubObject(*this, property);
+    same = sub ? sub->SameAs(SubObject(*other, property))
+               : property.read(this) == property.read(other);
+  });
+  return same;
+}
+
 void TNotifyPersistent::FreeNotification(QObject* object) {
   if (!object ||
       std::find(subscribers_.begin(), subscribers_.end(), object) != subscribers_.end()) {
@@ -71,9 +133,4 @@ void TSelectedCollItem::AssignTo(TPersistent* destination) const {
   other->item_ = item_;
   other->index_ = index_;
   emit other->OnChange(other);
-}
-
-bool TSelectedCollItem::SameAs(const TPersistent* other) const {
-  const auto* selected = qobject_cast<const TSelectedCollItem*>(other);
-  return selected && selected->item_ == item_;
 }

@@ -8,6 +8,8 @@
 #include <functional>
 #include <vector>
 
+class QMetaProperty;
+
 /// Base of every published sub-object: a value with named properties that belongs to one owner and
 /// reports each real change. GUI thread only.
 class TPersistent : public QObject {
@@ -19,13 +21,14 @@ class TPersistent : public QObject {
 
   QObject* Owner() const { return owner_; }
 
-  /// Copies this object into `destination` through the destination's setters. Null, or an object of
-  /// another class, changes nothing.
-  virtual void AssignTo(TPersistent* destination) const { Q_UNUSED(destination) }
+  /// Copies this object into `destination` through the destination's setters: the properties of one
+  /// name, in the order of publication. Null, or an object of an unrelated class, changes nothing.
+  virtual void AssignTo(TPersistent* destination) const;
   void Assign(const TPersistent* source) {
     if (source && source != this) source->AssignTo(this);
   }
-  virtual bool SameAs(const TPersistent* other) const { return other == this; }
+  /// The other has what this object's class publishes, and equal values of it.
+  virtual bool SameAs(const TPersistent* other) const;
 
  signals:
   /// A property has really changed; emitted last, when the state is consistent.
@@ -43,6 +46,9 @@ class TPersistent : public QObject {
  private:
   QObject* owner_;  ///< not owned
 };
+
+/// The sub-object behind a property; null for a plain value.
+TPersistent* SubObject(const TPersistent& object, const QMetaProperty& property);
 
 /// The object message that a TNotifyPersistent sends before it goes. Receivers take it in
 /// QObject::customEvent. The sender is still whole while it is delivered.
@@ -135,8 +141,6 @@ class TSelectedCollItem : public TPersistent {
 
   /// Copies the collection and the selection.
   void AssignTo(TPersistent* destination) const override;
-  /// Compares the selection.
-  bool SameAs(const TPersistent* other) const override;
 
  private:
   void Select(const QString& name, int index);

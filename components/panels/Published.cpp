@@ -5,16 +5,10 @@
 #include <QWidget>
 #include <climits>
 
+#include "components/links/Properties.h"
 #include "model/Colortext.h"
 
 namespace {
-
-/// Of the toolkit's class on which the component's own ones stand.
-int FirstOwnProperty(const QMetaObject& meta) {
-  const QMetaObject* base = &meta;
-  while (base && base->className()[0] != 'Q') base = base->superClass();
-  return base ? base->propertyCount() : 0;
-}
 
 bool IsSubObject(const QMetaProperty& property) {
   const QMetaObject* meta = property.metaType().metaObject();
@@ -28,20 +22,14 @@ QObject* SubObject(QObject* object, const QMetaProperty& property) {
 
 void Visit(QObject& object, const QString& prefix,
            const std::function<void(const TPublished&)>& visit) {
-  const QMetaObject* meta = object.metaObject();
-  for (int i = FirstOwnProperty(*meta); i < meta->propertyCount(); ++i) {
-    const QMetaProperty property = meta->property(i);
-    // A class may publish a property of its base anew.
-    if (meta->indexOfProperty(property.name()) != i) continue;
+  ForEachOwnProperty(object, [&](const QMetaProperty& property) {
     const QString path = prefix + QString::fromLatin1(property.name());
     if (!IsSubObject(property)) {
       if (property.isWritable()) visit({path, &object, property});
-      continue;
+    } else if (QObject* sub = SubObject(&object, property)) {
+      Visit(*sub, path + '.', visit);
     }
-    // A sub-object that is not stored belongs to somebody else.
-    if (!property.isStored()) continue;
-    if (QObject* sub = SubObject(&object, property)) Visit(*sub, path + '.', visit);
-  }
+  });
 }
 
 bool Refuse(QString* reason, const QString& text) {

@@ -11,8 +11,8 @@
 #include <algorithm>
 #include <climits>
 
-#include "components/graphing/Publishedrecord.h"
 #include "components/graphing/editors/Pickers.h"
+#include "components/links/Properties.h"
 #include "model/Color.h"
 
 namespace {
@@ -40,7 +40,7 @@ TPropertyForm::TPropertyForm(TPersistent& object, QWidget* parent) : QWidget(par
 
 void TPropertyForm::AddRows(QFormLayout& form, TPersistent& object) {
   connect(&object, &TPersistent::OnChange, this, &TPropertyForm::Refresh);
-  ForEachPublished(object, [&](const QMetaProperty& property) {
+  ForEachOwnProperty(object, [&](const QMetaProperty& property) {
     if (TPersistent* sub = SubObject(object, property)) {
       AddRows(form, *sub);
     } else if (QWidget* editor = MakeEditor({&object, property})) {

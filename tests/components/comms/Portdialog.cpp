@@ -1,6 +1,7 @@
 #include "components/comms/Portdialog.h"
 
 #include "components/graphing/Publishedrecord.h"
+#include "components/links/Properties.h"
 #include "tests/support/Testing.h"
 
 namespace {
@@ -29,7 +30,7 @@ TEST(TPortDialog, EditsEveryPublishedSettingAndStoresThemOnOk) {
   TPortDialog dialog(port);
   QJsonObject expected = WritePublished(port);
   // Every choice one further than it was, every number another one.
-  ForEachPublished(port, [&](const QMetaProperty& property) {
+  ForEachOwnProperty(port, [&](const QMetaProperty& property) {
     SCOPED_TRACE(property.name());
     auto* choice = dialog.findChild<QComboBox*>(QLatin1String(property.name()));
     if (choice) {

@@ -240,13 +240,27 @@ struct TDoomed {
   }
 };
 
+/// Classes that write out what they copy; they go on though a listener has destroyed the copy.
+bool CopiesByHand(const TPersistent& object) {
+  constexpr const char* kClasses[] = {"TAxis",       "TChannel",         "TChannels",
+                                      "TChannelSet", "TChannelSets",     "TChannelStatistics",
+                                      "TDataPanel",  "TCustomGraphLink", "TLimitLevels",
+                                      "TNeedle",     "TArrowEnd",        "TKorvalCompList"};
+  return std::ranges::any_of(kClasses, [&](const char* name) { return object.inherits(name); });
+}
+
 TEST(Contract, AListenerMayDestroyTheSender) {
   int destroyed = 0;
   ForEachProperty([&](const TKind& kind, const TPublished& published, const QString& path) {
     if (!Holds(kEndures, path)) return;
-    TDoomed doomed(kind);
-    Change(At(doomed.Subject, published.Path));
-    destroyed += !doomed.Subject.Root;
+    TDoomed set(kind);
+    Change(At(set.Subject, published.Path));
+    destroyed += !set.Subject.Root;
+    auto* source = qobject_cast<TPersistent*>(published.Object);
+    if (!source || CopiesByHand(*source)) return;
+    Change(published);
+    TDoomed copied(kind);
+    static_cast<TPersistent*>(At(copied.Subject, published.Path).Object)->Assign(source);
   });
   EXPECT_GT(destroyed, 100);
 }
