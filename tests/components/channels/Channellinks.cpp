@@ -1,7 +1,6 @@
 #include "components/channels/Channellinks.h"
-#include "tests/support/Testing.h"
 
-#include "tests/support/Ticks.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -73,14 +72,10 @@ TEST(TOneChannelLink, FollowsTheRecordOfTheChosenInterval) {
   Select(link, sets.source.get(), "A", "a2");
   for (int i = 0; i < 8; ++i) sets.Row(0, 20.0 * i, i);
   TChannelStatistics* stats = link.SelectedChannel()->GetStats();
-  const struct {
-    TStatInterval wanted;
-    int history;  // -1: nothing new
-  } cases[] = {{si1_Second, 0}, {si1_Minute, 1}, {si1_Year, 5}};
-  for (const auto& c : cases) {
-    link.GetOptions()->SetSelInterval(c.wanted);
+  for (const auto& [wanted, history] : {std::pair(si1_Second, 0), {si1_Minute, 1}, {si1_Year, 5}}) {
+    link.GetOptions()->SetSelInterval(wanted);
     link.DoOnData(nullptr);
-    EXPECT_EQ(link.GetData(), stats->Get(c.history)->Current());
+    EXPECT_EQ(link.GetData(), stats->Get(history)->Current());
   }
   link.GetOptions()->SetSelInterval(si1_Minute);
   link.DoOnData(nullptr);
@@ -97,7 +92,6 @@ TEST(TCustomChannelLink, ATimerDeliversOnceItIsEnabled) {
   TTwoSets sets;
   TOneChannelLink link(true);
   EXPECT_EQ(link.GetInterval(), 100);
-  EXPECT_FALSE(link.GetEnabled());
   QSignalSpy data(&link, &TOneChannelLink::OnData);
   Select(link, sets.source.get(), "A", "a1");
   sets.Row(0, 1, 1);  // blocks do not deliver beside a timer

@@ -47,16 +47,13 @@ TStatSet Held(const TChannelStatistics& statistics) {
 }
 
 TEST(TStatHistory, HasALengthAndATextForEachInterval) {
-  const struct {
-    TStatInterval interval;
-    int length;
-    const char* text;
-  } cases[] = {{si1_Second, 60, "Last minute"}, {si1_Minute, 60, "Last hour"},
-               {si1_Hour, 24, "Last 24 hours"}, {si1_Day, 30, "Last month"},
-               {si1_Month, 12, "Last year"},    {si1_Year, 200, "All years"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(TStatHistory(c.interval).MaxCount(), c.length);
-    EXPECT_EQ(TChannelStatistics::GetIntervalText(c.interval), c.text);
+  const std::tuple<TStatInterval, int, const char*> cases[] = {
+      {si1_Second, 60, "Last minute"}, {si1_Minute, 60, "Last hour"},
+      {si1_Hour, 24, "Last 24 hours"}, {si1_Day, 30, "Last month"},
+      {si1_Month, 12, "Last year"},    {si1_Year, 200, "All years"}};
+  for (const auto& [interval, length, text] : cases) {
+    EXPECT_EQ(TStatHistory(interval).MaxCount(), length);
+    EXPECT_EQ(TChannelStatistics::GetIntervalText(interval), text);
   }
   EXPECT_EQ(TStatHistory(static_cast<TStatInterval>(3)).MaxCount(), 60);
 }
@@ -150,21 +147,18 @@ TEST(TStatHistory, MonthsAreThoseOfTheCalendar) {
 }
 
 TEST(TStatHistory, EndsOfIntervalsLieBehindEveryTime) {
-  const struct {
-    TStatInterval interval;
-    double time, end;
-  } cases[] = {{si1_Minute, Day(2024, 5, 1) + 90.5 * kSecond, Day(2024, 5, 1) + 120 * kSecond},
-               {si1_Hour, Day(2024, 5, 1), Day(2024, 5, 1) + kHour},
-               {si1_Day, Day(2024, 3, 31) + 0.1, Day(2024, 4, 1)},  // 23 hours in Europe
-               {si1_Day, Day(2024, 10, 27), Day(2024, 10, 28)},     // 25
-               {si1_Month, Day(2024, 12, 31) + 0.9, Day(2025, 1, 1)},
-               {si1_Month, Day(2024, 2, 1), Day(2024, 3, 1)},
-               {si1_Year, Day(2023, 7, 1), Day(2024, 1, 1)},
-               {si1_Day, -0.5, 0.0}};
-  for (const auto& c : cases) {
-    const double end =
-        c.interval < si1_Day ? GetEndTime(c.interval, c.time) : GetEndDate(c.interval, c.time);
-    EXPECT_DOUBLE_EQ(end, c.end);
+  const std::tuple<TStatInterval, double, double> cases[] = {
+      {si1_Minute, Day(2024, 5, 1) + 90.5 * kSecond, Day(2024, 5, 1) + 120 * kSecond},
+      {si1_Hour, Day(2024, 5, 1), Day(2024, 5, 1) + kHour},
+      {si1_Day, Day(2024, 3, 31) + 0.1, Day(2024, 4, 1)},  // 23 hours in Europe
+      {si1_Day, Day(2024, 10, 27), Day(2024, 10, 28)},     // 25
+      {si1_Month, Day(2024, 12, 31) + 0.9, Day(2025, 1, 1)},
+      {si1_Month, Day(2024, 2, 1), Day(2024, 3, 1)},
+      {si1_Year, Day(2023, 7, 1), Day(2024, 1, 1)},
+      {si1_Day, -0.5, 0.0}};
+  for (const auto& [interval, time, end] : cases) {
+    const auto find = interval < si1_Day ? GetEndTime : GetEndDate;
+    EXPECT_DOUBLE_EQ(find(interval, time), end);
   }
   std::mt19937 random(3);
   std::uniform_real_distribution<double> day(-693593.0, 2958465.0);
@@ -224,16 +218,12 @@ TEST(TChannelStatistics, AClockSetBackBeginsANewInterval) {
 
 TEST(TChannelStatistics, LeaveOutWhatCannotBeCounted) {
   TChannelStatistics statistics;
-  const double nan = std::nan("");
-  const double inf = HUGE_VAL;
   Add(statistics, Block(45000.0, 1.0));
-  for (const double time : {nan, inf, -inf, 1e300, -1e7, 3e6}) Add(statistics, Block(time, 1.0));
-  for (const double value : {nan, inf, -inf, 1e200}) Add(statistics, Block(45000.0, value));
-  EXPECT_EQ(Held(statistics), [] {
-    TStatSet one = Block(45000.0, 1.0);
-    one.Time = 0.0;
-    return one;
-  }());
+  for (const double time : {kNan, kInfinity, -kInfinity, 1e300, -1e7, 3e6})
+    Add(statistics, Block(time, 1.0));
+  for (const double value : {kNan, kInfinity, -kInfinity, 1e200})
+    Add(statistics, Block(45000.0, value));
+  EXPECT_EQ(Held(statistics), Block(0.0, 1.0));
   TMatrix small;
   ASSERT_TRUE(small.Resize(4, 2));
   statistics.UpdateStatistics(1, small, 45000.0);
@@ -304,9 +294,7 @@ TEST(TChannelStatistics, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
   const double start = Day(2024, 1, 15) + 22.5 * kHour;
   for (int i = 0; i < 7200; ++i) {
     Add(statistics, Block(start + i * kSecond, i == 60 ? 101.0 : 0.0));
-    if (i == 60) {
-      EXPECT_EQ(statistics.GetStatus(), ssAlarm);
-    }
+    EXPECT_TRUE(i != 60 || statistics.GetStatus() == ssAlarm);
   }
   EXPECT_EQ(statistics.GetStatus(), ssNormal);
   for (const auto& [interval, status] : {std::pair(si1_Second, ssNormal),
@@ -477,21 +465,19 @@ TEST(TChannelStatistics, RefuseDamagedFormsAndKeepWhatTheyHave) {
     ASSERT_FALSE(statistics.ReadData(text.left(length), &error)) << length;
   }
   // The number of records, a time and a sum of the first history.
-  const struct {
-    qsizetype at;
-    QByteArray bytes;
-  } patches[] = {{80 + 80, QByteArray::fromHex("00000080")},
-                 {80 + 80, QByteArray::fromHex("ffffff7f")},
-                 {80 + 80, QByteArray::fromHex("3d000000")},
-                 {80, QByteArray::fromHex("000000000000f87f")},
-                 {80 + 84 + 8, QByteArray::fromHex("000000000000f87f")},
-                 {80 + 84 + 8, QByteArray::fromHex("000000000000f0ff")},
-                 {4, QByteArray::fromHex("00000080")},
-                 {8, QByteArray::fromHex("40000000")}};
-  for (const auto& patch : patches) {
+  const std::pair<qsizetype, QByteArray> patches[] = {
+      {80 + 80, QByteArray::fromHex("00000080")},
+      {80 + 80, QByteArray::fromHex("ffffff7f")},
+      {80 + 80, QByteArray::fromHex("3d000000")},
+      {80, QByteArray::fromHex("000000000000f87f")},
+      {80 + 84 + 8, QByteArray::fromHex("000000000000f87f")},
+      {80 + 84 + 8, QByteArray::fromHex("000000000000f0ff")},
+      {4, QByteArray::fromHex("00000080")},
+      {8, QByteArray::fromHex("40000000")}};
+  for (const auto& [at, bytes] : patches) {
     QByteArray damaged = data;
-    damaged.replace(patch.at, patch.bytes.size(), patch.bytes);
-    EXPECT_FALSE(statistics.ReadBinaryData(damaged, &error)) << patch.at;
+    damaged.replace(at, bytes.size(), bytes);
+    EXPECT_FALSE(statistics.ReadBinaryData(damaged, &error)) << at;
   }
   for (const auto& [from, to] :
        std::vector<std::pair<QString, QString>>{{"HistoryCount: 6", "HistoryCount: 2147483648"},

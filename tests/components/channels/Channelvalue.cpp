@@ -11,32 +11,29 @@ constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kStart = 45000.0;
 
 TEST(TRunningStatistics, GivesEachFigureOfWhatItWasGiven) {
-  const struct {
-    TRunningStatistics::TFigure figure;
-    double expected;
-    double ofHalves;  ///< of twice -0.5
-  } cases[] = {
-      // Of 1, -3, 0, 6: mean 1, squared deviations 0 + 16 + 1 + 25, squares 1 + 9 + 0 + 36.
-      {TRunningStatistics::fgCount, 4.0, 2.0},
-      {TRunningStatistics::fgMean, 1.0, -0.5},
-      {TRunningStatistics::fgStDev, std::sqrt(42.0 / 3.0), 0.0},
-      {TRunningStatistics::fgRms, std::sqrt(46.0 / 4.0), 0.5},
-      {TRunningStatistics::fgMax, 6.0, -0.5},
-      {TRunningStatistics::fgMin, -3.0, -0.5},
+  using TSubject = TRunningStatistics;
+  // Of 1, -3, 0, 6: mean 1, squared deviations 0 + 16 + 1 + 25, squares 1 + 9 + 0 + 36; and of
+  // twice -0.5.
+  const std::tuple<TSubject::TFigure, double, double> cases[] = {
+      {TSubject::fgCount, 4.0, 2.0},
+      {TSubject::fgMean, 1.0, -0.5},
+      {TSubject::fgStDev, std::sqrt(42.0 / 3.0), 0.0},
+      {TSubject::fgRms, std::sqrt(46.0 / 4.0), 0.5},
+      {TSubject::fgMax, 6.0, -0.5},
+      {TSubject::fgMin, -3.0, -0.5},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.figure);
+  for (const auto& [figure, expected, ofHalves] : cases) {
+    SCOPED_TRACE(figure);
     TRunningStatistics statistics;
     TVariable client;
-    statistics.SetFigure(c.figure);
+    statistics.SetFigure(figure);
     statistics.GetClientControls()->Add(&client);
     for (const double value : {1.0, -3.0, std::nan(""), 0.0, 6.0}) statistics.SetValue(value);
-    EXPECT_DOUBLE_EQ(statistics.GetValue(), c.expected);
-    EXPECT_EQ(client.GetValue(), statistics.GetValue());
+    EXPECT_DOUBLE_EQ(client.GetValue(), expected);
     statistics.GetReset()->Click();
     EXPECT_EQ(client.GetValue(), 0.0);
     for (int i = 0; i < 2; ++i) statistics.SetValue(-0.5);
-    EXPECT_EQ(client.GetValue(), c.ofHalves);
+    EXPECT_EQ(client.GetValue(), ofHalves);
   }
 }
 
@@ -99,20 +96,14 @@ TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
   TChannelValue status(&form);
   status.SetContent(TChannelValue::ctStatus);
   Follow(*status.GetChannelLink(), "a");
-  const struct {
-    double value;
-    double status;
-  } seconds[] = {{5.0, 1.0}, {9.0, 2.0}, {11.0, 3.0}, {11.0, 3.0}};
-  double at = 0.0;
   Row(0.0, 5.0, 0.0);
   Row(0.5, 5.0, 0.0);
   EXPECT_EQ(status.GetValue(), 0.0);  // no second is over
-  for (const auto& second : seconds) {
+  double at = 0.0;
+  for (const auto& [value, expected] : {std::pair(5.0, 1.0), {9.0, 2.0}, {11.0, 3.0}}) {
     at += 1.0;
-    for (const double part : {0.2, 0.4, 0.6, 0.8}) Row(at + part, second.value, 0.0);
-    Row(at + 1.1, second.value, 0.0);
-    Row(at + 1.15, second.value, 0.0);
-    EXPECT_EQ(status.GetValue(), second.status) << second.value;
+    for (const double part : {0.2, 0.4, 0.6, 0.8, 1.1, 1.15}) Row(at + part, value, 0.0);
+    EXPECT_EQ(status.GetValue(), expected) << value;
   }
   status.GetChannelLink()->GetOptions()->SetSelInterval(si1_Minute);
   for (const double part : {1.2, 1.25}) Row(at + part, 0.0, 0.0);
@@ -149,9 +140,8 @@ TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {
   EXPECT_GT(kept.front().X, kept.back().X);
   const auto lines = points(1);
   ASSERT_EQ(lines.size(), 3u);
-  EXPECT_EQ(lines[0].X, kept.back().X);
-  EXPECT_EQ(lines[1].X, kept.front().X);
-  EXPECT_EQ(lines[0].Y, -20.0);
+  EXPECT_EQ(lines[0], (TCoordinate{kept.back().X, -20.0}));
+  EXPECT_EQ(lines[1], (TCoordinate{kept.front().X, -20.0}));
   EXPECT_TRUE(std::isnan(lines[2].X));
   history.SetShowLimits(false);
   EXPECT_TRUE(points(1).empty());

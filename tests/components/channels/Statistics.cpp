@@ -7,43 +7,37 @@
 namespace {
 
 TEST(TStatistics, DerivesMeanAndSampleVarianceFromTheSums) {
-  const struct {
-    std::vector<double> values;
-    double mean, variance, stDev;
-  } cases[] = {
+  const std::tuple<std::vector<double>, double, double, double> cases[] = {
       {{}, 0.0, 0.0, 0.0},
       {{-3.5}, -3.5, 0.0, 0.0},
       {{2, 4, 4, 4, 5, 5, 7, 9}, 5.0, 32.0 / 7.0, 2.138089935},
       {{1e6 + 1, 1e6 + 3}, 1e6 + 2, 2.0, 1.414213562},
   };
-  for (const auto& c : cases) {
+  for (const auto& [values, mean, variance, stDev] : cases) {
     TStatistics statistics;
-    for (const double value : c.values) statistics.AddValue(value);
-    EXPECT_EQ(statistics.GetCount(), c.values.size());
-    EXPECT_DOUBLE_EQ(statistics.GetMean(), c.mean);
-    EXPECT_NEAR(statistics.GetVariance(), c.variance, 1e-9);
-    EXPECT_NEAR(statistics.GetStDev(), c.stDev, 1e-9);
+    for (const double value : values) statistics.AddValue(value);
+    EXPECT_EQ(statistics.GetCount(), values.size());
+    EXPECT_DOUBLE_EQ(statistics.GetMean(), mean);
+    EXPECT_NEAR(statistics.GetVariance(), variance, 1e-9);
+    EXPECT_NEAR(statistics.GetStDev(), stDev, 1e-9);
     EXPECT_EQ(statistics.GetMax(), 0.0);
-    for (const double value : c.values) statistics.SubtractValue(value);
+    for (const double value : values) statistics.SubtractValue(value);
     EXPECT_EQ(statistics.GetStatData(), "0 0 0");
   }
 }
 
 TEST(TStatistics, PassesANegativeVarianceToTheRoot) {
   TStatistics statistics;
-  statistics.SetCount(2.0);
-  statistics.SetSum(2.0);
-  statistics.SetSqSum(1.0);
+  statistics.SetStatData("2 2 1");
   EXPECT_EQ(statistics.GetVariance(), -1.0);
   EXPECT_TRUE(std::isnan(statistics.GetStDev()));
 }
 
 TEST(TStatistics, ResetsWhenThereIsLessThanOneValueToTakeAway) {
   TStatistics statistics;
-  statistics.SetCount(0.5);
+  statistics.SetStatData("0.5 4 0");
   statistics.SetPos(3.0);
   statistics.SetMax(7.0);
-  statistics.SetSum(4.0);
   statistics.SubtractValue(1.0);
   EXPECT_EQ(statistics.GetStatData(), "0 0 0");
   EXPECT_EQ(statistics.GetPos(), 0.0);
@@ -190,10 +184,7 @@ TEST(TStatisticsSeries, DrawsExtremesDeviationAndMeanOverEachOther) {
   // The position 5 is column 70; the values 9, 6, 4, 2 and 1 are the rows 30, 90, 130, 170 and 190.
   using TSeries = TStatisticsSeries;
   using TPoints = std::vector<QPoint>;
-  const struct {
-    TSeries::TStatOptions options;
-    TPoints black, white, yellow;
-  } cases[] = {
+  const std::tuple<TSeries::TStatOptions, TPoints, TPoints, TPoints> cases[] = {
       {{TSeries::soShowMinMax},
        {{67, 40}, {73, 40}, {70, 30}, {70, 190}},
        {{66, 40}, {70, 29}},
@@ -208,12 +199,12 @@ TEST(TStatisticsSeries, DrawsExtremesDeviationAndMeanOverEachOther) {
       EXPECT_EQ(picture.pixelColor(at), color) << at.x() << ' ' << at.y();
     }
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.options);
-    fixture.series->SetOptions(c.options);
-    expect(c.black, Qt::black);
-    expect(c.white, Qt::white);
-    expect(c.yellow, Qt::yellow);
+  for (const auto& [options, expectedBlack, expectedWhite, expectedYellow] : cases) {
+    SCOPED_TRACE(options);
+    fixture.series->SetOptions(options);
+    expect(expectedBlack, Qt::black);
+    expect(expectedWhite, Qt::white);
+    expect(expectedYellow, Qt::yellow);
   }
   fixture.series->GetStyle()->SetBarStyle(TStatSeriesStyle::bsXBar);
   // Values are columns, 10 a unit from 20 on, and the position is row 110.
@@ -237,10 +228,7 @@ TEST(TStatisticsSeries, CoversWhatItDraws) {
   using TSeries = TStatisticsSeries;
   const TStatisticsData wide{7.0, 5.0, 6.0, 8.0, 3.0};
   const TStatisticsData broken{kNan, kInfinity, kNan, kInfinity, -kInfinity};
-  const struct {
-    TSeries::TStatOptions options;
-    double min, max;
-  } cases[] = {
+  const std::tuple<TSeries::TStatOptions, double, double> cases[] = {
       {{TSeries::soShowMinMax}, 1.0, 9.0},
       {{TSeries::soShowStDev}, -1.0, 11.0},
       {{TSeries::soShowMean}, 4.0, 5.0},
@@ -248,18 +236,18 @@ TEST(TStatisticsSeries, CoversWhatItDraws) {
   };
   TSeriesFixture fixture({kRecord, broken, wide});
   TStatisticsSeries& series = *fixture.series;
-  for (const auto& c : cases) {
+  for (const auto& [options, min, max] : cases) {
     for (const bool alongX : {true, false}) {
       series.GetStyle()->SetBarStyle(alongX ? TStatSeriesStyle::bsXBar : TStatSeriesStyle::bsYBar);
-      series.SetOptions(c.options);
+      series.SetOptions(options);
       series.UpdateRangeX();
       series.UpdateRangeY();
       const TRange& values = alongX ? series.RangeX() : series.RangeY();
       const TRange& positions = alongX ? series.RangeY() : series.RangeX();
-      EXPECT_EQ(values.GetReset() && positions.GetReset(), std::isnan(c.min));
-      if (std::isnan(c.min)) continue;
-      EXPECT_EQ(values.GetMin(), c.min);
-      EXPECT_EQ(values.GetMax(), c.max);
+      EXPECT_EQ(values.GetReset() && positions.GetReset(), std::isnan(min));
+      if (std::isnan(min)) continue;
+      EXPECT_EQ(values.GetMin(), min);
+      EXPECT_EQ(values.GetMax(), max);
       EXPECT_EQ(positions.GetMin(), 5.0);
       EXPECT_EQ(positions.GetMax(), 7.0);
     }

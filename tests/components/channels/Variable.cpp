@@ -5,20 +5,17 @@
 namespace {
 
 TEST(TVariable, ShowsNameAndValueAsItsPropertiesSay) {
-  const struct {
-    bool name, value;
-    const char* caption;
-  } cases[] = {
+  const std::tuple<bool, bool, const char*> cases[] = {
       {true, true, "Speed=1.5"}, {true, false, "Speed"}, {false, true, "1.5"}, {false, false, ""}};
-  for (const auto& c : cases) {
+  for (const auto& [name, value, caption] : cases) {
     TVariable variable;
     variable.SetShowIcon(false);
     variable.SetName("Speed");
     variable.SetValue(1.5);
-    variable.SetShowName(c.name);
-    variable.SetShowValue(c.value);
-    EXPECT_EQ(variable.GetCaption(), c.caption);
-    EXPECT_EQ(variable.GetShowIcon(), !c.name && !c.value);
+    variable.SetShowName(name);
+    variable.SetShowValue(value);
+    EXPECT_EQ(variable.GetCaption(), caption);
+    EXPECT_EQ(variable.GetShowIcon(), !name && !value);
   }
 }
 
@@ -30,7 +27,7 @@ TEST(TVariable, FollowsItsValueNameAndFormat) {
   EXPECT_EQ(variable.GetCaption(), "v=12.345");
   variable.GetValueFormat()->SetFormat(TNumberFormat::ffFixed);
   EXPECT_EQ(variable.GetCaption(), "v=12.35");
-  variable.SetValue(std::numeric_limits<double>::quiet_NaN());
+  variable.SetValue(kNan);
   EXPECT_EQ(variable.GetCaption(), "v=NAN");
   variable.setObjectName("w");
   variable.SetValue(2.0);
