@@ -147,11 +147,10 @@ TEST(TThreadProvider, MayBeDestroyedByAClientOrAListener) {
       client.OnGiven = [&](double) {
         if (client.given.size() == 10) delete simulator;
       };
-    } else {
-      QObject::connect(simulator, &TStateControl::OnActiveChanged, &client, [&] {
-        if (!simulator->GetActive()) delete simulator;
-      });
     }
+    QObject::connect(simulator, &TStateControl::OnActiveChanged, &client, [&] {
+      if (!byClient && !simulator->GetActive()) delete simulator;
+    });
     simulator->SetActive(true);
     ASSERT_TRUE(RunUntil([&] { return !simulator; }));
     EXPECT_THAT(client.given, SizeIs(10));
@@ -180,7 +179,7 @@ TEST(TThreadProvider, LeavesTurnsToTheWindowWhenItRunsFlatOut) {
   window.show();
   simulator.SetActive(true);
   ASSERT_TRUE(RunUntil([&] { return simulator.given().size() > 10'000 && window.paints > 0; }));
-  for (int round = 1; round <= 20; ++round) {
+  for (int round = 0; round < 20; ++round) {
     int timeouts = 0;
     QTimer::singleShot(0, &window, [&] { ++timeouts; });
     const int before = window.paints;
@@ -261,15 +260,14 @@ TEST(TSignalSimulator, GoesOnWithTheSineWhereItStopped) {
 
 TEST(TSignalSimulator, FollowsItsDistributions) {
   constexpr int kCount = 20'000;
-  const struct {
-    TSignalSimulator::TSimFuncType function;
-    double deviation, bound;  // of the amplitude
-  } cases[] = {{TSignalSimulator::sfConstant, 0.0, 0.0},
-               {TSignalSimulator::sfNormalDistribution, 1.0, 7.0},
-               {TSignalSimulator::sfRandom, 1.0 / std::sqrt(3.0), 1.0}};
-  for (const auto& c : cases) {
+  // The deviation and a bound, by the amplitude.
+  const std::tuple<TSignalSimulator::TSimFuncType, double, double> cases[] = {
+      {TSignalSimulator::sfConstant, 0.0, 0.0},
+      {TSignalSimulator::sfNormalDistribution, 1.0, 7.0},
+      {TSignalSimulator::sfRandom, 1.0 / std::sqrt(3.0), 1.0}};
+  for (const auto& [function, deviation, bound] : cases) {
     TSignalSimulator simulator;
-    simulator.SetFunction(c.function);
+    simulator.SetFunction(function);
     simulator.SetAverage(50.0);
     simulator.SetAmplitude(2.0);
     const auto recorders = Simulate(simulator, 1, kCount);
@@ -280,10 +278,10 @@ TEST(TSignalSimulator, FollowsItsDistributions) {
       most = std::max(most, std::abs(value - 50.0));
     }
     // Five standard errors.
-    EXPECT_NEAR(sum / kCount, 50.0, 5.0 * 2.0 * c.deviation / std::sqrt(kCount));
-    EXPECT_NEAR(std::sqrt(squares / kCount), 2.0 * c.deviation, 0.05 * 2.0 * c.deviation);
-    EXPECT_LE(most, 2.0 * c.bound);
-    EXPECT_GE(most, 2.0 * c.deviation);
+    EXPECT_NEAR(sum / kCount, 50.0, 5.0 * 2.0 * deviation / std::sqrt(kCount));
+    EXPECT_NEAR(std::sqrt(squares / kCount), 2.0 * deviation, 0.05 * 2.0 * deviation);
+    EXPECT_LE(most, 2.0 * bound);
+    EXPECT_GE(most, 2.0 * deviation);
   }
 }
 

@@ -98,16 +98,14 @@ TEST(TFileReader, TakesOnlyNamesOfFilesThatCanBeRead) {
   TReading reader;
   const QString file = WriteTestFile("a.txt", "1\n");
   QSignalSpy errors(&reader, &TThreadProvider::OnError);
-  const struct {
-    QString name, taken;
-    int errors;
-  } cases[] = {{file, file, 0}, {TestFolder() + "/missing", {}, 1},
-               {file, file, 1}, {TestFolder(), {}, 2},
-               {file, file, 2}, {{}, {}, 2}};
-  for (const auto& c : cases) {
-    reader.SetFileName(c.name);
-    EXPECT_EQ(reader.GetFileName(), c.taken);
-    ASSERT_EQ(errors.count(), c.errors);
+  const std::tuple<QString, QString, int> cases[] = {
+      {file, file, 0}, {TestFolder() + "/missing", {}, 1},
+      {file, file, 1}, {TestFolder(), {}, 2},
+      {file, file, 2}, {{}, {}, 2}};
+  for (const auto& [name, taken, expectedErrors] : cases) {
+    reader.SetFileName(name);
+    EXPECT_EQ(reader.GetFileName(), taken);
+    ASSERT_EQ(errors.count(), expectedErrors);
   }
   EXPECT_EQ(errors[1][1], "Cannot open " + TestFolder() + ": it is a folder");
   EXPECT_THAT(reader.Run(), IsEmpty());
@@ -148,21 +146,19 @@ TEST(TFileReader, KnowsThePositionBehindTheDeliveredValue) {
 
 TEST(TFileReader, GoesOnAtTheLineOfAPosition) {
   const QString file = WriteTestFile("a.txt", Lines(100));
-  const struct {
-    qint64 position;
-    double first;
-  } cases[] = {{0, 0}, {1, 0}, {7, 0}, {8, 1}, {405, 50}, {799, 99}, {800, 0}, {5'000'000'000, 0}};
+  const std::pair<qint64, double> cases[] = {{0, 0},    {1, 0},    {7, 0},   {8, 1},
+                                             {405, 50}, {799, 99}, {800, 0}, {5'000'000'000, 0}};
   for (const bool opened : {false, true}) {
-    for (const auto& c : cases) {
-      SCOPED_TRACE(c.position);
+    for (const auto& [position, first] : cases) {
+      SCOPED_TRACE(position);
       TReading reader;
       SetPages(reader, 1);
       reader.SetFileName(file);
       if (opened) reader.Run();
-      reader.SetStreamPosition(c.position);
+      reader.SetStreamPosition(position);
       reader.SetStreamPosition(-1);
-      EXPECT_EQ(reader.GetStreamPosition(), opened ? c.position : 0);
-      EXPECT_THAT(reader.Run(), ElementsAre(c.first));
+      EXPECT_EQ(reader.GetStreamPosition(), opened ? position : 0);
+      EXPECT_THAT(reader.Run(), ElementsAre(first));
     }
   }
 }
@@ -255,9 +251,9 @@ TEST(TFileReader, ReportsProgressAboutTenTimesInAChunk) {
   std::vector<int> percents;
   QObject::connect(&reader, &TStreamProvider::OnProgress, &reader.client,
                    [&] { percents.push_back(reader.GetStreamPosPercent()); });
-  ASSERT_TRUE(RunToStop(reader));
-  ASSERT_THAT(reader.client.given, SizeIs(kLines));
-  for (int i = 0; i < kLines; ++i) ASSERT_EQ(reader.client.given[static_cast<std::size_t>(i)], i);
+  const std::vector<double> given = reader.Run();
+  ASSERT_THAT(given, SizeIs(kLines));
+  for (std::size_t i = 0; i < kLines; ++i) ASSERT_EQ(given[i], i);
   EXPECT_GE(percents.size(), 40u);
   EXPECT_LE(percents.size(), 50u);
   // The last two are of the end: reached, and left for the beginning.
@@ -355,12 +351,19 @@ TEST(TStreamProvider, StopsWhereTheStreamFails) {
   auto made = std::make_unique<TStrangeDevice>("1 2 3\n", 6, 6);
   TStrangeDevice& device = *made;
   TStreamProvider provider;
+  EXPECT_EQ(provider.GetStreamPosPercent(), 100);
+  EXPECT_TRUE(RunToStop(provider));  // without a stream
   provider.SetStream(std::move(made));
   device.failing = true;
   ASSERT_TRUE(RunToStop(provider));
   EXPECT_EQ(provider.GetErrorText(), "Cannot read the stream: the disk is gone");
-  provider.SetStream(std::make_unique<QBuffer>());
+  provider.SetStream(std::make_unique<QBuffer>());  // not open
+  int failures = 0;
+  QObject::connect(&provider, &TStateControl::OnActiveChanged, &provider, [&] {
+    if (!provider.GetActive() && ++failures < 5) provider.SetActive(true);
+  });
   ASSERT_TRUE(RunToStop(provider));
+  EXPECT_EQ(failures, 5);
   EXPECT_EQ(provider.GetErrorText(),
             "Cannot read the stream: it is not open, or offers no positions");
 }
@@ -377,13 +380,6 @@ TEST(TStreamProvider, GoesOnWithAnotherStreamFromWhereItStands) {
   };
   EXPECT_THAT(provider.Run(), ElementsAre(1, 2, 1, 8, 9));
   EXPECT_EQ(provider.GetStreamPosition(), 6);
-}
-
-TEST(TStreamProvider, StopsWithoutAStream) {
-  TStreamProvider provider;
-  EXPECT_EQ(provider.GetStreamPosPercent(), 100);
-  EXPECT_EQ(provider.GetStreamPosition(), 0);
-  EXPECT_TRUE(RunToStop(provider));
 }
 
 /// Its list and the place in it, as a form gives them.
@@ -406,17 +402,6 @@ TEST(TFileReader, ShowsAFormWhatItWasToldBeforeItStarts) {
     EXPECT_FALSE(reader.property("Active").toBool());
     EXPECT_EQ(reader.property("StreamPosition").toInt(), 0);
   }
-}
-
-TEST(TStreamProvider, MayBeSwitchedOnAgainByWhomItTellsOfAFailure) {
-  TStreamProvider provider;
-  provider.SetStream(std::make_unique<QBuffer>());  // not open
-  int failures = 0;
-  QObject::connect(&provider, &TStateControl::OnActiveChanged, &provider, [&] {
-    if (!provider.GetActive() && ++failures < 5) provider.SetActive(true);
-  });
-  ASSERT_TRUE(RunToStop(provider));
-  EXPECT_EQ(failures, 5);
 }
 
 }  // namespace

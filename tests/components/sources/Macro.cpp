@@ -7,26 +7,26 @@ namespace {
 class Macro : public testing::Test {
  protected:
   Macro() {
-    a = Make("a", 2.0);
-    b = Make("b", 3.0);
-    macro = new TMacro(&form);
-    macro->SetName(QStringLiteral("m"));
-    macro->GetVariables()->Add(a);
-    macro->GetVariables()->Add(b);
+    macro->SetName("m");
+    for (TVariable* variable : {a, b}) macro->GetVariables()->Add(variable);
   }
 
-  TVariable* Make(const char* name, double value, QWidget* parent = nullptr) {
-    auto* variable = new TVariable(parent ? parent : &form);
+  TVariable* Make(const char* name, double value) {
+    auto* variable = new TVariable(&form);
     variable->SetName(QLatin1String(name));
     variable->SetValue(value);
     return variable;
   }
+  void ExpectLinks(int ofA, int ofB) {
+    EXPECT_EQ(a->LinkCount(), ofA);
+    EXPECT_EQ(b->LinkCount(), ofB);
+  }
   void SetText(const char* text) { macro->SetMacroText(QLatin1String(text)); }
 
   QWidget form;
-  TVariable* a;
-  TVariable* b;
-  TMacro* macro;
+  TVariable* a = Make("a", 2.0);
+  TVariable* b = Make("b", 3.0);
+  TMacro* macro = new TMacro(&form);
 };
 
 TEST_F(Macro, FollowsTheVariablesThatItNames) {
@@ -34,24 +34,24 @@ TEST_F(Macro, FollowsTheVariablesThatItNames) {
   EXPECT_EQ(macro->GetValue(), 4.0);
   a->SetValue(5.0);
   EXPECT_EQ(macro->GetValue(), 10.0);
-  EXPECT_EQ(a->LinkCount(), 1);
-  EXPECT_EQ(b->LinkCount(), 0);
+  macro->SetValue(1000.0);  // takes its own, whatever it is given
+  EXPECT_EQ(macro->GetValue(), 10.0);
+  ExpectLinks(1, 0);
   SetText("[b]+1");
   EXPECT_EQ(macro->GetValue(), 4.0);
-  EXPECT_EQ(a->LinkCount(), 0);
-  EXPECT_EQ(b->LinkCount(), 1);
+  ExpectLinks(0, 1);
 }
 
 TEST_F(Macro, TellsTheErrorOfItsText) {
-  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("No errors"));
+  EXPECT_EQ(macro->GetErrorText(), "No errors");
   SetText("[a]*2");
   SetText("[a]*(2");
-  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("Missing parenthesis"));
+  EXPECT_EQ(macro->GetErrorText(), QString("Missing parenthesis"));
   EXPECT_EQ(macro->GetErrorCode(), TMacroCompiler::mcMissingParenthesis);
   EXPECT_EQ(macro->GetErrorPosition(), 7);
   EXPECT_EQ(macro->GetValue(), 0.0);
   SetText("");
-  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("No errors"));
+  EXPECT_EQ(macro->GetErrorText(), "No errors");
   EXPECT_EQ(macro->GetErrorPosition(), 0);
 }
 
@@ -66,28 +66,20 @@ TEST_F(Macro, TellsItsValueForEachVariableAndOnceMoreWhenCompiled) {
   EXPECT_EQ(told, (std::vector<double>{1.0, 1.0, 1.0, 7.0}));
 }
 
-TEST_F(Macro, TakesItsOwnValueWhateverItIsGiven) {
-  SetText("[a]+[b]");
-  macro->SetValue(1000.0);
-  EXPECT_EQ(macro->GetValue(), 5.0);
-}
-
 TEST_F(Macro, SubscribesByTheNameAsItStandsInTheText) {
   SetText("[ a ] + 1\n[b]");
   EXPECT_EQ(macro->GetValue(), 3.0);
-  EXPECT_FALSE(a->LinkCount());  // blanks: read, but not followed
-  EXPECT_TRUE(b->LinkCount());   // behind the end: followed, but not read
+  ExpectLinks(0, 1);  // blanks: read, but not followed; behind the end: followed, but not read
   TVariable* odd = Make("x[y", 4.0);
   macro->GetVariables()->Add(odd);
   SetText("[x[y]+[a[b]");
   EXPECT_TRUE(odd->LinkCount());
-  EXPECT_FALSE(a->LinkCount());
-  EXPECT_TRUE(b->LinkCount());
+  ExpectLinks(0, 1);
 }
 
 TEST_F(Macro, CompilesWhenAVariableThatItNamesComesOrGoes) {
   SetText("[c]");
-  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("Incorrect variable name"));
+  EXPECT_EQ(macro->GetErrorText(), QString("Incorrect variable name"));
   QSignalSpy changes(macro, &TMacro::OnChange);
   TVariable* d = Make("d", 1.0);
   macro->GetVariables()->Add(d);
@@ -95,40 +87,34 @@ TEST_F(Macro, CompilesWhenAVariableThatItNamesComesOrGoes) {
   TVariable* c = Make("c", 8.0);
   macro->GetVariables()->Add(c);
   EXPECT_EQ(macro->GetValue(), 8.0);
-  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("No errors"));
+  EXPECT_EQ(macro->GetErrorText(), "No errors");
   macro->GetVariables()->DeleteComponent(c);
   EXPECT_EQ(macro->GetValue(), 0.0);
-  EXPECT_EQ(macro->GetErrorText(), QStringLiteral("Incorrect variable name"));
+  EXPECT_EQ(macro->GetErrorText(), QString("Incorrect variable name"));
   EXPECT_EQ(c->LinkCount(), 0);
 }
 
 /// How a variable may go while the expression reads it.
 TEST_F(Macro, ForgetsVariablesHoweverTheyGo) {
-  const struct {
-    const char* text;
-    const char* rename;
-    bool destroy;
-  } cases[] = {
+  const std::tuple<const char*, const char*, bool> cases[] = {
       {"[a]+1", nullptr, true},  {"[a]+1", "z", true},  {"[ a ]+1", nullptr, true},
       {"[a]+1", nullptr, false}, {"[a]+1", "z", false}, {"[ a ]+1", nullptr, false},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.text) + (c.rename ? " renamed" : "") +
-                 (c.destroy ? " destroyed" : " removed"));
+  for (const auto& [text, rename, destroy] : cases) {
+    SCOPED_TRACE(std::string(text) + (rename ? " renamed" : "") +
+                 (destroy ? " destroyed" : " removed"));
     TVariable* variable = Make("a", 2.0);
     macro->GetVariables()->Clear();
     macro->GetVariables()->Add(variable);
     SetText("");
-    SetText(c.text);
+    SetText(text);
     EXPECT_EQ(macro->GetValue(), 3.0);
-    if (c.rename) variable->SetName(QLatin1String(c.rename));
-    if (c.destroy) {
-      delete variable;
-    } else {
+    if (rename) variable->SetName(QLatin1String(rename));
+    if (!destroy) {
       macro->GetVariables()->DeleteComponent(variable);
       EXPECT_EQ(variable->LinkCount(), 0);
-      delete variable;
     }
+    delete variable;
     EXPECT_EQ(macro->GetValue(), 0.0);
     EXPECT_EQ(macro->GetMacroValue(), 0.0);
     EXPECT_EQ(macro->GetErrorCode(), TMacroCompiler::mcIncorrectVariable);
@@ -171,9 +157,9 @@ TEST_F(Macro, CompilesOnceWhenItsFormIsComplete) {
   TMacro loaded(&form);
   QSignalSpy changes(&loaded, &TMacro::OnChange);
   loaded.BeginLoading();
-  loaded.SetMacroText(QStringLiteral("[a]*[b]"));
+  loaded.SetMacroText(QString("[a]*[b]"));
   loaded.GetVariables()->SetNames({"a", "b", "m", "unknown"});
-  EXPECT_EQ(loaded.GetErrorText(), QStringLiteral("No errors"));
+  EXPECT_EQ(loaded.GetErrorText(), "No errors");
   EXPECT_EQ(changes.count(), 0);
   loaded.Loaded();
   EXPECT_EQ(loaded.GetValue(), 6.0);
@@ -218,7 +204,7 @@ TEST_F(Macro, StandsASubscriberThatDestroysIt) {
     brief->AddLink(&link, false);
     brief->SetMacroText(QLatin1String(text));
     EXPECT_EQ(brief, nullptr);
-    EXPECT_EQ(a->LinkCount() + b->LinkCount(), 0);
+    ExpectLinks(0, 0);
   }
 }
 
@@ -226,10 +212,9 @@ TEST_F(Macro, StandsASubscriberThatChangesItsText) {
   TValueLink link([&](double) { SetText("[a]*10"); });
   macro->AddLink(&link, false);
   SetText("[a]+[b]");
-  EXPECT_EQ(macro->GetMacroText(), QStringLiteral("[a]*10"));
+  EXPECT_EQ(macro->GetMacroText(), QString("[a]*10"));
   EXPECT_EQ(macro->GetValue(), 20.0);
-  EXPECT_EQ(a->LinkCount(), 1);
-  EXPECT_EQ(b->LinkCount(), 0);
+  ExpectLinks(1, 0);
 }
 
 }  // namespace

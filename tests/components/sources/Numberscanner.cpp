@@ -32,10 +32,7 @@ std::vector<double> Scan(
 }
 
 TEST(TNumberScanner, TakesNumbersBetweenWhiteSpaceAndSkipsTheRest) {
-  const struct {
-    const char* text;
-    std::vector<double> values;
-  } cases[] = {
+  const std::pair<const char*, std::vector<double>> cases[] = {
       {"1 2 3\n", {1, 2, 3}},
       {"\t 1\r\n2\t3 ", {1, 2, 3}},
       {"7", {}},  // nothing ends it
@@ -56,9 +53,9 @@ TEST(TNumberScanner, TakesNumbersBetweenWhiteSpaceAndSkipsTheRest) {
       {"9007199254740993 0.1 2.2250738585072011e-308 4.9e-324 1e-400 ",
        {9007199254740992.0, 0.1, 2.2250738585072011e-308, 4.9e-324, 0}},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    for (const std::size_t size : {1, 2, 3, 5, 1000}) EXPECT_EQ(Scan(c.text, size), c.values);
+  for (const auto& [text, values] : cases) {
+    SCOPED_TRACE(text);
+    for (const std::size_t size : {1, 2, 3, 5, 1000}) EXPECT_EQ(Scan(text, size), values);
   }
   EXPECT_TRUE(std::signbit(Scan("-0 ")[0]));
   EXPECT_THAT(Scan(std::string("1\0 2\n3\n", 7)), ElementsAre(3));
@@ -85,10 +82,7 @@ TEST(TNumberScanner, ReportsWordsThatAreNoNumber) {
 TEST(TNumberScanner, RoundsNumbersOfAnyLengthAsTheyAreWritten) {
   const std::string million(1'000'000, '0');
   const std::string half = "9007199254740993";  // lies in the middle of two doubles
-  const struct {
-    std::string text;
-    double value;
-  } cases[] = {
+  const std::pair<std::string, double> cases[] = {
       {"0." + std::string(1'000'000, '3'), 1.0 / 3.0},
       {million + "7", 7.0},
       {"0." + million + "5E1000001", 5.0},
@@ -101,10 +95,10 @@ TEST(TNumberScanner, RoundsNumbersOfAnyLengthAsTheyAreWritten) {
       {"1E-" + std::string(1'000'000, '9'), 0.0},
       {std::string(1'000'000, '-') + "3", -3.0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text.substr(0, 30));
+  for (const auto& [text, value] : cases) {
+    SCOPED_TRACE(text.substr(0, 30));
     for (const std::size_t size : {std::string::npos, std::size_t{65536}}) {
-      EXPECT_THAT(Scan(c.text + ' ', size), ElementsAre(c.value));
+      EXPECT_THAT(Scan(text + ' ', size), ElementsAre(value));
     }
   }
   TNumberScanner scanner;
@@ -157,21 +151,17 @@ TEST(TNumberScanner, KeepsToTheRulesInRandomTextsCutAnywhere) {
 
 TEST(TNumberScanner, LosesANumberAtALinesEndButNotATag) {
   TNumberScanner scanner;
-  const struct {
-    const char* piece;
-    TResult result;
-    double value;
-  } pieces[] = {{"12", TResult::End, 0},   {"3 ", TResult::Number, 3},
-                {"head", TResult::End, 0}, {"4 ", TResult::Number, 4},
-                {"<a\n", TResult::End, 0}, {"5 > 6 ", TResult::Number, 6}};
+  const std::tuple<const char*, TResult, double> pieces[] = {
+      {"12", TResult::End, 0},    {"3 ", TResult::Number, 3}, {"head", TResult::End, 0},
+      {"4 ", TResult::Number, 4}, {"<a\n", TResult::End, 0},  {"5 > 6 ", TResult::Number, 6}};
   double value = 0.0;
-  for (const auto& p : pieces) {
+  for (const auto& [piece, result, expectedValue] : pieces) {
     std::size_t position = 0;
-    EXPECT_EQ(scanner.ScanValue(p.piece, position, value), p.result) << p.piece;
-    if (p.result == TResult::Number) {
-      EXPECT_EQ(value, p.value);
+    EXPECT_EQ(scanner.ScanValue(piece, position, value), result) << piece;
+    if (result == TResult::Number) {
+      EXPECT_EQ(value, expectedValue);
     }
-    if (p.result == TResult::End) scanner.EndLine();
+    if (result == TResult::End) scanner.EndLine();
   }
 }
 

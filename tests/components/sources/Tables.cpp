@@ -46,7 +46,6 @@ TEST_F(DataTable, TakesARowWithEachValueOfTheLastControl) {
   QSignalSpy added(&table, &TDataTable::OnRowAdded);
   for (int i = 0; i < 4; ++i) controls.Row(kNoon + i, i, 10 * i);
   controls.a.SetValue(99.0);  // completes no row
-  EXPECT_EQ(added.count(), 4);
   EXPECT_THAT(Column(0), ElementsAre(kNoon + 1, kNoon + 2, kNoon + 3));
   EXPECT_THAT(Column(1), ElementsAre(1, 2, 3));
   EXPECT_THAT(Column(2), ElementsAre(10, 20, 30));
@@ -84,14 +83,13 @@ TEST_F(DataTable, LetsGoOfTheOldestRowsWhenItGetsSmaller) {
   table.SetControls(&others);
   EXPECT_EQ(table.RowCount(), 0) << "the rows are of other columns";
 }
+
 TEST_F(DataTable, IsCopiedAndPastedAsSpreadsheetsDo) {
   for (int i = 0; i < 3; ++i) controls.Row(kNoon, 0.1 + i, -i);
   TDataSheet sheet;
   sheet.SetTable(&table);
   const auto at = [&](int row, int column) { return sheet.model()->index(row, column); };
-  sheet.setCurrentIndex(at(0, 1));
-  sheet.selectionModel()->select(QItemSelection(at(0, 1), at(1, 2)),
-                                 QItemSelectionModel::ClearAndSelect);
+  sheet.selectionModel()->select({at(0, 1), at(1, 2)}, QItemSelectionModel::ClearAndSelect);
   QTest::keyClick(&sheet, Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text(), "0.1\t0\n1.1\t-1\n");
 
@@ -109,39 +107,6 @@ TEST_F(DataTable, IsCopiedAndPastedAsSpreadsheetsDo) {
   sheet.Paste();
   sheet.DeleteSelectedRows();
   EXPECT_THAT(Column(1), ElementsAre(0.1, 1.1, 0.1, 1.1));
-}
-
-TEST(TDataSheet, CopiesAndPastesAsSpreadsheetsDo) {
-  TDataTable table;
-  TTwoControls controls(table.GetControls());
-  for (int i = 0; i < 3; ++i) controls.Row(kNoon, 0.1 + i, -i);
-  TDataSheet sheet;
-  sheet.SetTable(&table);
-  sheet.setCurrentIndex(sheet.model()->index(0, 1));
-  sheet.selectionModel()->select(
-      QItemSelection(sheet.model()->index(0, 1), sheet.model()->index(1, 2)),
-      QItemSelectionModel::ClearAndSelect);
-  QTest::keyClick(&sheet, Qt::Key_C, Qt::ControlModifier);
-  EXPECT_EQ(QApplication::clipboard()->text(), "0.1\t0\n1.1\t-1\n");
-
-  sheet.setCurrentIndex(sheet.model()->index(2, 1));
-  QTest::keyClick(&sheet, Qt::Key_V, Qt::ControlModifier);
-  ASSERT_EQ(table.RowCount(), 4);
-  EXPECT_EQ(table.GetValue(3, 1), 1.1);
-  EXPECT_EQ(table.GetValue(3, 2), -1.0);
-
-  QApplication::clipboard()->setText("7\nseven\n");
-  sheet.Paste();
-  EXPECT_THAT(TakeMessages(),
-              ElementsAre(QString("Cannot paste \"seven\" in line 2: it is not a number.")));
-  EXPECT_EQ(table.GetValue(2, 1), 0.1);
-
-  sheet.SetReadOnly(true);
-  QApplication::clipboard()->setText("7");
-  sheet.Paste();
-  sheet.DeleteSelectedRows();
-  EXPECT_EQ(table.GetValue(2, 1), 0.1);
-  EXPECT_EQ(table.RowCount(), 4);
 }
 
 TEST(TDataSheet, ShowsManyNewRowsAtOnceAndOutlivesTheTable) {
@@ -172,7 +137,7 @@ struct DataSheet : DataTable {
   QLineEdit* Edit(int row, int column) {
     sheet.setCurrentIndex(sheet.model()->index(row, column));
     sheet.edit(sheet.currentIndex());
-    return sheet.findChild<QLineEdit*>();
+    return &Child<QLineEdit>(sheet);
   }
   void Paste(const QString& text, int row, int column) {
     sheet.setCurrentIndex(sheet.model()->index(row, column));
@@ -187,9 +152,7 @@ TEST_F(DataSheet, IsEditedWhileRowsComeInAndMakeRoom) {
   table.SetMaxRows(3);
   QCoreApplication::processEvents();
   QLineEdit* editor = Edit(1, 1);
-  ASSERT_TRUE(editor);
-  editor->selectAll();
-  QTest::keyClicks(editor, "7.5");
+  EnterText(*editor, "7.5", false);
   controls.Row(kNoon + 3, 3, 30);  // the first row goes: the one that is edited is the first now
   QCoreApplication::processEvents();
   ASSERT_EQ(sheet.findChild<QLineEdit*>(), editor);
@@ -207,7 +170,6 @@ TEST_F(DataSheet, EditsTimesAsDates) {
   table.SetValue(0, 0, kNoon + 1e-9);
   QCoreApplication::processEvents();
   QLineEdit* editor = Edit(0, 0);
-  ASSERT_TRUE(editor);
   EXPECT_EQ(editor->text(), "2025-12-09 12:00:00.000");
   QTest::keyClick(editor, Qt::Key_Return);
   QCoreApplication::processEvents();
@@ -251,8 +213,8 @@ TEST_F(DataSheet, InsertsAndDeletesRowsByKey) {
   // The first two and the last one, cell by cell.
   QItemSelection cells;
   for (const int row : {3, 0, 1}) {
-    cells.merge({sheet.model()->index(row, 2), sheet.model()->index(row, 2)},
-                QItemSelectionModel::Select);
+    const QModelIndex cell = sheet.model()->index(row, 2);
+    cells.merge({cell, cell}, QItemSelectionModel::Select);
   }
   sheet.selectionModel()->select(cells, QItemSelectionModel::ClearAndSelect);
   QTest::keyClick(&sheet, Qt::Key_Delete);
@@ -296,7 +258,7 @@ TEST_F(DataLogger, WritesOneFilePerNameAndEachRowAtOnce) {
 /// A time that is none would make lines without one, and files of the year 0.
 TEST_F(DataLogger, TakesThePresentTimeForOneThatIsNone) {
   Start("log-%Y.txt");
-  controls.Row(std::numeric_limits<double>::quiet_NaN(), 1, 2);
+  controls.Row(kNan, 1, 2);
   controls.Row(1e300, 3, 4);
   const QString year = QString::number(QDate::currentDate().year());
   const QStringList lines = QString(Contents(logger.CurrentFile())).split('\n');

@@ -19,18 +19,14 @@ class MacroEditor : public testing::Test {
     editor = std::make_unique<TMacroEditor>(QLatin1String(text), list);
     applied = std::make_unique<QSignalSpy>(editor.get(), &TMacroEditor::OnApply);
   }
-  QPlainTextEdit& Text() { return *editor->findChild<QPlainTextEdit*>("Text"); }
-  std::string Label(const char* name) {
-    return editor->findChild<QLabel*>(name)->text().toStdString();
-  }
+  QPlainTextEdit& Text() { return Child<QPlainTextEdit>(*editor, "Text"); }
+  QString Label(const char* name) { return Child<QLabel>(*editor, name).text(); }
   /// What is underlined.
   std::string Marked() {
     const auto marks = Text().extraSelections();
     return marks.size() == 1 ? marks[0].cursor.selectedText().toStdString() : "none";
   }
-  void Push(QDialogButtonBox::StandardButton button) {
-    editor->findChild<QDialogButtonBox*>()->button(button)->click();
-  }
+  void Push(QDialogButtonBox::StandardButton button) { ButtonOf(*editor, button).click(); }
   /// A double click on the entry of a list that begins with `text`.
   void Choose(const char* name, const char* text) {
     auto* entries = editor->findChild<QListWidget*>(name);
@@ -57,26 +53,22 @@ TEST_F(MacroEditor, SaysAtOnceWhatIsWrongAndWhatIsTheValue) {
 }
 
 TEST_F(MacroEditor, PutsTheCursorWhereTheErrorIsAndMarksIt) {
-  const struct {
-    const char* text;
-    int cursor;
-    const char* marked;
-  } cases[] = {
+  const std::tuple<const char*, int, const char*> cases[] = {
       {"1+%2", 2, "%"},     {"2 3", 2, "3"},           {"(1+2", 4, "2"},  // the text ends too early
       {"1+", 2, "+"},       {"1+[Weight]*2", 10, "]"},                    // behind a wrong name
       {"1+LOG(2)", 5, "G"}, {"1+sin(1)", 2, "s"},      {"sin(1)", 0, "s"}, {"MAX(1)", 6, ")"},
       {" ", 1, " "},        {"[Speed]", 7, "none"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    Open(c.text);
-    EXPECT_EQ(Text().textCursor().position(), c.cursor);
-    EXPECT_EQ(Marked(), c.marked);
+  for (const auto& [text, cursor, marked] : cases) {
+    SCOPED_TRACE(text);
+    Open(text);
+    EXPECT_EQ(Text().textCursor().position(), cursor);
+    EXPECT_EQ(Marked(), marked);
   }
 }
 
 TEST_F(MacroEditor, ShowsAnErrorFarDown) {
-  Open(("1" + QStringLiteral(" + 1").repeated(2000) + '%').toLatin1());
+  Open(("1" + QString(" + 1").repeated(2000) + '%').toLatin1());
   editor->show();
   QApplication::processEvents();
   EXPECT_TRUE(Text().viewport()->rect().contains(Text().cursorRect()));
@@ -85,17 +77,17 @@ TEST_F(MacroEditor, ShowsAnErrorFarDown) {
 TEST_F(MacroEditor, ClosesWithOkOnlyOverATextWithoutErrors) {
   Open("1");
   editor->show();
-  Text().setPlainText(QStringLiteral("1+*2"));
+  Text().setPlainText(QString("1+*2"));
   Push(QDialogButtonBox::Ok);
   EXPECT_TRUE(editor->isVisible());
   EXPECT_EQ(applied->count(), 0);
   EXPECT_EQ(Text().textCursor().position(), 2);
   Push(QDialogButtonBox::Apply);
-  EXPECT_EQ(applied->takeFirst()[0].toString(), QStringLiteral("1+*2"));
-  Text().setPlainText(QStringLiteral("1+2"));
+  EXPECT_EQ(applied->takeFirst()[0].toString(), QString("1+*2"));
+  Text().setPlainText(QString("1+2"));
   Push(QDialogButtonBox::Ok);
   EXPECT_FALSE(editor->isVisible());
-  EXPECT_EQ(applied->takeFirst()[0].toString(), QStringLiteral("1+2"));
+  EXPECT_EQ(applied->takeFirst()[0].toString(), QString("1+2"));
   Open("1");
   Push(QDialogButtonBox::Cancel);
   EXPECT_EQ(applied->count(), 0);
@@ -107,24 +99,24 @@ TEST_F(MacroEditor, WritesVariablesAndFunctions) {
   Choose("Variables", "Load");
   Text().moveCursor(QTextCursor::NextCharacter);
   Choose("Functions", "PI");
-  EXPECT_EQ(Text().toPlainText(), QStringLiteral("MAX([Load];PI)"));
+  EXPECT_EQ(Text().toPlainText(), QString("MAX([Load];PI)"));
   EXPECT_EQ(Label("Value"), "= 4");
   Text().selectAll();
   Choose("Functions", "ABS");
   Choose("Variables", "Speed");
-  EXPECT_EQ(Text().toPlainText(), QStringLiteral("ABS([Speed])"));
+  EXPECT_EQ(Text().toPlainText(), QString("ABS([Speed])"));
 }
 
 TEST_F(MacroEditor, FollowsTheListOfVariables) {
   Open("[Late]");
   EXPECT_EQ(Label("Error"), "Incorrect variable name");
   TVariable late;
-  late.SetName(QStringLiteral("Late"));
+  late.SetName(QString("Late"));
   list.Add(&late);
   EXPECT_EQ(Label("Error"), "No errors");
   Text().clear();
   Choose("Variables", "Late");
-  EXPECT_EQ(Text().toPlainText(), QStringLiteral("[Late]"));
+  EXPECT_EQ(Text().toPlainText(), QString("[Late]"));
 }
 
 TEST_F(MacroEditor, OpensOnADoubleClickOnTheMacro) {
@@ -133,11 +125,11 @@ TEST_F(MacroEditor, OpensOnADoubleClickOnTheMacro) {
   QTimer::singleShot(0, [] {
     auto* opened = qobject_cast<TMacroEditor*>(QApplication::activeModalWidget());
     ASSERT_TRUE(opened);
-    opened->findChild<QPlainTextEdit*>("Text")->setPlainText(QStringLiteral("[Speed]^2"));
+    opened->findChild<QPlainTextEdit*>("Text")->setPlainText(QString("[Speed]^2"));
     opened->accept();
   });
   QTest::mouseDClick(&macro, Qt::LeftButton);
-  EXPECT_EQ(macro.GetMacroText(), QStringLiteral("[Speed]^2"));
+  EXPECT_EQ(macro.GetMacroText(), QString("[Speed]^2"));
   EXPECT_EQ(macro.GetValue(), 16.0);
 }
 
