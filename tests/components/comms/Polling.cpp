@@ -32,34 +32,31 @@ struct TLine {
 };
 
 TEST(TPolling, IsAsFastAsBeforeAfterLostAnswers) {
-  const struct {
-    int latency, lost, pause;
-    int least;  ///< requests in 100 ticks behind the pause
-  } cases[] = {
+  // At least so many requests come in 100 ticks behind the pause.
+  const std::tuple<int, int, int, int> cases[] = {
       {1, 1, 0, 100},  {1, 2, 24, 100}, {1, 3, 24, 100},
       {2, 1, 26, 100}, {2, 2, 26, 100}, {2, 5, 76, 100},  // two in 23 ticks are lost
       {3, 1, 130, 60},  // a line that is slower than the ticks anyway, and tried now and then
       {3, 2, 30, 60},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.latency << " ticks, " << c.lost << " lost");
-    TLine line{c.latency};
-    EXPECT_GE(line.Pass(300), 3 * c.least);
-    line.lose = c.lost;
-    line.Pass(1 + c.pause);
+  for (const auto& [latency, lost, pause, least] : cases) {
+    SCOPED_TRACE(testing::Message() << latency << " ticks, " << lost << " lost");
+    TLine line{latency};
+    EXPECT_GE(line.Pass(300), 3 * least);
+    line.lose = lost;
+    line.Pass(1 + pause);
     EXPECT_EQ(line.lose, 0);
-    EXPECT_GE(line.Pass(100), c.least);
+    EXPECT_GE(line.Pass(100), least);
   }
 }
 
 TEST(TPolling, AsksASilentDeviceTwiceIn23Ticks) {
   TLine line{1'000'000};
-  EXPECT_EQ(line.Pass(2), 2);
-  line.due.clear();
-  EXPECT_EQ(line.Pass(21), 0);
-  EXPECT_EQ(line.Pass(2), 2);
-  line.due.clear();
-  EXPECT_EQ(line.Pass(21), 0);
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(line.Pass(2), 2);
+    line.due.clear();
+    EXPECT_EQ(line.Pass(21), 0);
+  }
 }
 
 }  // namespace

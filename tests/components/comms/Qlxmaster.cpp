@@ -5,7 +5,6 @@
 #include "tests/components/comms/Memorydriver.h"
 #include "tests/components/comms/Rowrecorder.h"
 #include "tests/support/Testing.h"
-#include "tests/support/Ticks.h"
 
 namespace {
 
@@ -44,8 +43,8 @@ class TDeviceDriver : public TMemoryDriver {
 class TQLXMasterClientTest : public testing::Test {
  protected:
   TQLXMasterClientTest() {
-    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 2);
-    recorder.Add(QStringLiteral("data"), QStringLiteral("b"), 2);
+    recorder.Add("data", "a", 2);
+    recorder.Add("data", "b", 2);
     QObject::connect(&client, &TQLXClient::OnStatusChanged,
                      [this] { statuses << client.GetStatus(); });
     QObject::connect(&client, &TQLXClient::OnActiveChanged,
@@ -72,7 +71,6 @@ TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
   EXPECT_EQ(client.GetChSet()->Items(), QStringList({"ChannelSet1", "ChannelSet2"}));
   client.GetChSet()->SetItem(QStringLiteral("ChannelSet2"));
   client.SetActive(true);
-  EXPECT_EQ(client.GetStatus(), "Connected to COM1");
   device.SendPacket();
   Tick();
   EXPECT_TRUE(recorder.Rows(0).empty());
@@ -83,6 +81,8 @@ TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
   client.SetActive(false);
   EXPECT_EQ(client.GetStatus(), "Disconnected from COM1");
   EXPECT_THAT(active, ElementsAre(true, false));
+  for (int i = 0; i < 2; ++i) client.GetMiniCom()->Click();
+  EXPECT_EQ(client.findChildren<TQLXMiniCom*>().size(), 1);
   EXPECT_THAT(device.received, testing::EndsWith("lroff\rsloop1\r"));
 }
 
@@ -118,11 +118,6 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
   }
 }
 
-TEST_F(TQLXMasterClientTest, OpensOneConsole) {
-  for (int i = 0; i < 2; ++i) client.GetMiniCom()->Click();
-  EXPECT_EQ(client.findChildren<TQLXMiniCom*>().size(), 1);
-}
-
 TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
   EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
   client.SetActive(true);
@@ -147,10 +142,8 @@ TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBack) {
   Tick(61);
   EXPECT_EQ(statuses, QStringList({"Connected to COM1", "Disconnected from COM1", "no such device",
                                    "no such device", "no such device"}));
-  EXPECT_FALSE(client.GetActive());
   device.present = true;
   Tick(20);
-  EXPECT_TRUE(client.GetActive());
   EXPECT_EQ(client.GetStatus(), "Connected to COM1");
   EXPECT_THAT(active, ElementsAre(true, false, true));
 }
@@ -166,23 +159,20 @@ TEST_F(TQLXMasterClientTest, SaysWhichPortIsClosedWhenItsNumberChanges) {
 TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
   client.SetChannelSource(recorder.Source());
   client.SetActive(true);
-  const struct {
-    int noise, packets;
-    QStringList statuses;
-  } cases[] = {
+  const std::tuple<int, int, QStringList> cases[] = {
       {0, 100, {}},
       {3, 100, {"Connected to COM1, 1 gap, 3 bytes skipped"}},
       {0, 100, {}},
       {211'997, 1, {"Connected to COM1, but only noise comes: 2 gaps, 212 kB skipped"}},
       {0, 4000, {"Connected to COM1, 2 gaps, 212 kB skipped"}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [noise, packets, expectedStatuses] : cases) {
     statuses.clear();
-    device.waiting += QByteArray(c.noise, '\0');
-    device.SendPacket(c.packets);
+    device.waiting += QByteArray(noise, '\0');
+    device.SendPacket(packets);
     Tick(100);
-    EXPECT_EQ(statuses, c.statuses);
-    EXPECT_EQ(client.IsNoisy(), c.noise > 1000);
+    EXPECT_EQ(statuses, expectedStatuses);
+    EXPECT_EQ(client.IsNoisy(), noise > 1000);
   }
   client.SetActive(false);
   EXPECT_EQ(client.GetSkippedText(), "");

@@ -3,16 +3,12 @@
 #include "components/comms/Qlxport.h"
 #include "tests/components/comms/Memorydriver.h"
 #include "tests/support/Testing.h"
-#include "tests/support/Ticks.h"
 
 namespace {
 
 TEST(TTrafficText, ShowsTextAndBytesInLines) {
-  const struct {
-    bool hex;
-    std::vector<std::pair<QByteArray, bool>> pieces;  ///< bytes, and whether they were sent
-    const char* lines;
-  } cases[] = {
+  using TPieces = std::vector<std::pair<QByteArray, bool>>;  // bytes, and whether they were sent
+  const std::tuple<bool, TPieces, const char*> cases[] = {
       {false, {{"OK\r", false}}, "  OK<0D>\n"},
       {false, {{"O", false}, {"K\r4", false}}, "  OK<0D>\n  4\n"},
       {false, {{"\a\r", true}, {QByteArray("\0~\xFF", 3), false}}, "> <07><0D>\n  <00>~<FF>\n"},
@@ -28,12 +24,12 @@ TEST(TTrafficText, ShowsTextAndBytesInLines) {
        "  30 31 32 33 34 35 36 37 38 39 41 42 43 44 45 46  0123456789ABCDEF\n"
        "  47                                               G\n"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [hex, pieces, lines] : cases) {
     TTrafficText text;
-    text.SetHex(c.hex);
-    QString lines;
-    for (const auto& [bytes, sent] : c.pieces) lines += text.Take(bytes, sent);
-    EXPECT_EQ(lines + text.Finish(), c.lines);
+    text.SetHex(hex);
+    QString shown;
+    for (const auto& [bytes, sent] : pieces) shown += text.Take(bytes, sent);
+    EXPECT_EQ(shown + text.Finish(), lines);
   }
 }
 
@@ -52,11 +48,7 @@ class TEchoDriver : public TMemoryDriver {
 
 class TQLXMiniComTest : public testing::Test {
  protected:
-  template <class T>
-  T& Find(const char* name) {
-    return *console.findChild<T*>(QLatin1String(name));
-  }
-  QString Text() { return Find<QPlainTextEdit>("Traffic").toPlainText(); }
+  QString Text() { return Child<QPlainTextEdit>(console, "Traffic").toPlainText(); }
 
   QByteArray queue;
   std::unique_ptr<TQLXPort> port =
@@ -65,13 +57,12 @@ class TQLXMiniComTest : public testing::Test {
 };
 
 TEST_F(TQLXMiniComTest, SendsWhatIsTypedAndShowsWhatComes) {
-  EXPECT_FALSE(Find<QPushButton>("Send").isEnabled());
-  QTest::mouseClick(&Find<QPushButton>("Open"), Qt::LeftButton);
+  EXPECT_FALSE(Child<QPushButton>(console, "Send").isEnabled());
+  QTest::mouseClick(&Child<QPushButton>(console, "Open"), Qt::LeftButton);
   EXPECT_TRUE(port->GetConnected());
-  EXPECT_EQ(Find<QLabel>("State").text(), "COM1 is open");
-  QTest::keyClicks(&Find<QLineEdit>("Command"), "lron");
-  QTest::keyClick(&Find<QLineEdit>("Command"), Qt::Key_Return);
-  EXPECT_EQ(Find<QLineEdit>("Command").text(), "");
+  EXPECT_EQ(Child<QLabel>(console, "State").text(), "COM1 is open");
+  EnterText(Child<QLineEdit>(console, "Command"), "lron");
+  EXPECT_EQ(Child<QLineEdit>(console, "Command").text(), "");
   Tick(20);
   EXPECT_EQ(Text(), "> lron<0D>\n  lron<0D>");
 }
@@ -81,7 +72,7 @@ TEST_F(TQLXMiniComTest, AFloodIsCutAndCounted) {
   queue = QByteArray(1'000'000, 'x');
   Tick(2000);
   EXPECT_TRUE(queue.isEmpty());
-  EXPECT_LE(Find<QPlainTextEdit>("Traffic").blockCount(), 5000);
+  EXPECT_LE(Child<QPlainTextEdit>(console, "Traffic").blockCount(), 5000);
   EXPECT_TRUE(Text().contains(" more bytes)"));
 }
 
@@ -89,9 +80,9 @@ TEST_F(TQLXMiniComTest, OutlivesItsPort) {
   port->Open();
   port.reset();
   QCoreApplication::processEvents();
-  EXPECT_EQ(Find<QLabel>("State").text(), "There is no port any more");
-  EXPECT_FALSE(Find<QPushButton>("Open").isEnabled());
-  EXPECT_FALSE(Find<QPushButton>("Send").isEnabled());
+  EXPECT_EQ(Child<QLabel>(console, "State").text(), "There is no port any more");
+  EXPECT_FALSE(Child<QPushButton>(console, "Open").isEnabled());
+  EXPECT_FALSE(Child<QPushButton>(console, "Send").isEnabled());
   Tick(20);
 }
 

@@ -1,7 +1,5 @@
 #include "components/comms/Qlxpackage.h"
 
-#include <sstream>
-
 #include "model/Datetime.h"
 #include "tests/components/comms/Rowrecorder.h"
 #include "tests/support/Testing.h"
@@ -17,8 +15,8 @@ constexpr double kDay = 45413.0;  // 1 May 2024, as spreadsheets count
 class TQLXPackageTest : public testing::Test {
  protected:
   TQLXPackageTest() {
-    recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
-    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 2);
+    recorder.Add("w", "a", 3);
+    recorder.Add("data", "a", 2);
   }
   /// Forgets what has come, and takes the next package.
   void ExpectReady() {
@@ -32,10 +30,8 @@ class TQLXPackageTest : public testing::Test {
 };
 
 TEST_F(TQLXPackageTest, TakesTheLinesOfABodyAsRows) {
-  const struct {
-    const char* body;
-    TRows rows;  // time and three channels, which begin at 0
-  } cases[] = {
+  // Time and three channels, which begin at 0.
+  const std::pair<const char*, TRows> cases[] = {
       {"1 2 3\r\n4 5 6\r\n", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},
       {"\r\n\r\n1 2 3\n\n\r\n\n4 5 6\n", {{kDay, 1, 2, 3}, {kDay, 4, 5, 6}}},
       {" \t-1.5e3   .25\t+7 \t\r\n", {{kDay, -1500, 0.25, 7}}},
@@ -53,13 +49,13 @@ TEST_F(TQLXPackageTest, TakesTheLinesOfABodyAsRows) {
       {"", {}},
       {"\r\n", {}},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.body);
+  for (const auto& [body, rows] : cases) {
+    SCOPED_TRACE(body);
     TRowRecorder fresh;
-    fresh.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
+    fresh.Add("w", "a", 3);
     TQLXPackage parser(fresh.Sets());
-    parser.Parse(std::string("<w id=\"a\" time=\"20240501 000000000\">") + c.body + "</w>");
-    EXPECT_EQ(fresh.Rows(0), c.rows);
+    parser.Parse(std::string("<w id=\"a\" time=\"20240501 000000000\">") + body + "</w>");
+    EXPECT_EQ(fresh.Rows(0), rows);
   }
 }
 
@@ -80,12 +76,10 @@ TEST_F(TQLXPackageTest, StampsTheRowsOfDataPackagesLineByLine) {
 
 TEST_F(TQLXPackageTest, ChoosesTheSetByClosingNameAndId) {
   recorder.Add(QStringLiteral("w"), QString(), 1);
-  recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 1);  // in vain: the first one has it
+  recorder.Add("w", "a", 1);  // in vain: the first one has it
   recorder.Add(QStringLiteral("wänd"), QStringLiteral("ö"), 1);
-  const struct {
-    const char* text;
-    int set;  // that gets the row 1; -1 for none
-  } cases[] = {
+  // The set that gets the row 1; -1 for none.
+  const std::pair<const char*, int> cases[] = {
       {"<w id=\"a\">1</w>", 0},
       {"<other id=\"a\">1</w>", 0},
       {"<w id=\"a>1</w>", 2},  // no closing quote: no id
@@ -99,12 +93,12 @@ TEST_F(TQLXPackageTest, ChoosesTheSetByClosingNameAndId) {
       {"<w id=\"a\">1</w >", -1},
       {"rubbish > <w id=\"a\">1</w> rubbish", 0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
+  for (const auto& [text, set] : cases) {
+    SCOPED_TRACE(text);
     recorder.Clear();
-    package.Parse(c.text);
+    package.Parse(text);
     for (int i = 0; i < static_cast<int>(recorder.AllRows().size()); ++i) {
-      EXPECT_EQ(recorder.Rows(static_cast<std::size_t>(i)).size(), i == c.set ? 1u : 0u) << i;
+      EXPECT_EQ(recorder.Rows(static_cast<std::size_t>(i)).size(), i == set ? 1u : 0u) << i;
     }
     package.Reset();
     ExpectReady();
@@ -120,11 +114,7 @@ TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
   std::string longest = "<w id=\"a\">";
   while (longest.size() - 10 + row.size() <= TQLXPackage::kMaxBody) longest += row;
   recorder.Add(QString::fromStdString(name63), QStringLiteral("a"), 1);
-  const struct {
-    const char* what;
-    std::string text;
-    std::size_t rows, named, abandoned;
-  } cases[] = {
+  const std::tuple<const char*, std::string, std::size_t, std::size_t, std::size_t> cases[] = {
       {"closing name of 63", "<w id=\"a\">1</" + name63 + ">", 0, 1, 0},
       {"closing name of 64", "<w id=\"a\">1</" + name63 + "n>", 0, 0, 1},
       {"id ends at 256", "<w " + std::string(247, 'x') + " id=\"a\">1</w>", 1, 0, 0},
@@ -132,14 +122,14 @@ TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
       {"longest body", longest + "</w>", TQLXPackage::kMaxBody / row.size(), 0, 0},
       {"body too long", endless + "</w>", 0, 0, 1},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
+  for (const auto& [what, text, rows, named, abandoned] : cases) {
+    SCOPED_TRACE(what);
     recorder.Clear();
     const auto before = package.Counts().Abandoned;
-    package.Parse(c.text);
-    EXPECT_EQ(recorder.Rows(0).size(), c.rows);
-    EXPECT_EQ(recorder.Rows(2).size(), c.named);
-    EXPECT_EQ(package.Counts().Abandoned - before, c.abandoned);
+    package.Parse(text);
+    EXPECT_EQ(recorder.Rows(0).size(), rows);
+    EXPECT_EQ(recorder.Rows(2).size(), named);
+    EXPECT_EQ(package.Counts().Abandoned - before, abandoned);
     ExpectReady();
   }
 }
@@ -154,18 +144,16 @@ double ResidentBytes() {
 
 TEST_F(TQLXPackageTest, KeepsItsMemoryWhateverNeverEnds) {
   const std::string tag = "<w id=\"a\">";
-  const struct {
-    std::string start, more;
-  } cases[] = {{"", "rubbish "},  {"<", "t"},  {tag, "1 2 3\r\n"},
-               {tag, "1 2 3 "},   {tag, "<<"}, {tag, tag + "1\n2\n"},
-               {tag + "1</", "n"}};
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "rubbish "},      {"<", "t"},        {tag, "1 2 3\r\n"}, {tag, "1 2 3 "}, {tag, "<<"},
+      {tag, tag + "1\n2\n"}, {tag + "1</", "n"}};
   constexpr double kMega = 1e6, kSent = 128 * kMega;
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.start + c.more);
+  for (const auto& [start, more] : cases) {
+    SCOPED_TRACE(start + more);
     std::string piece;
-    while (piece.size() < kMega) piece += c.more;
+    while (piece.size() < kMega) piece += more;
     const double before = ResidentBytes();
-    package.Parse(c.start);
+    package.Parse(start);
     for (double sent = 0; sent < kSent; sent += kMega) package.Parse(piece);
     EXPECT_LT(ResidentBytes() - before, kSent / 2);
     package.Reset();
@@ -187,17 +175,14 @@ TEST_F(TQLXPackageTest, EndsThePackageAtTheValueBehind256) {
 }
 
 TEST(TQLXPackage, ReadsTimeStamps) {
-  const struct {
-    const char* text;
-    double days;
-  } cases[] = {
+  const std::pair<const char*, double> cases[] = {
       {"20240501 000000000", 45413.0}, {"20240501_120000000", 45413.5},
       {"19000101 060000000", 2.25},    {"18991229 000000000", -1.0},
       {"20240501 235960000", 45414.0},  // a leap second
       {"20240501T180000", 45413.75},   {"20240229 235959999", 45351.0 + 86399.999 / kSecondsPerDay},
   };
-  for (const auto& c : cases) {
-    EXPECT_DOUBLE_EQ(TQLXPackage::ExtractTime(c.text).Days(), c.days) << c.text;
+  for (const auto& [text, days] : cases) {
+    EXPECT_DOUBLE_EQ(TQLXPackage::ExtractTime(text).Days(), days) << text;
   }
   for (const char* none : {"20240501 1800", "20240501", "", "2024050", "20230229 000000000",
                            "20241301 000000000", "20240501 240000000", "20240501 006000000",
@@ -244,90 +229,24 @@ TEST_F(TQLXPackageTest, ReadsAStreamFromItsStart) {
 
 TEST_F(TQLXPackageTest, SurvivesWhatARowDoes) {
   const std::string text = "<w id=\"a\">1 2 3\r\n4 5 6\r\n</w><w id=\"a\">7 8 9</w>";
-  const struct {
-    const char* what;
-    std::function<void(TRowRecorder&, std::unique_ptr<TQLXPackage>&)> act;
-    std::size_t rows;
-  } cases[] = {
-      {"reset", [](auto&, auto& parser) { parser->Reset(); }, 1},
-      {"destroyed", [](auto&, auto& parser) { parser.reset(); }, 1},
-      {"sets gone", [](auto& rows, auto&) { rows.Sets()->Clear(); }, 1},
-      {"source gone", [](auto& rows, auto&) { rows.DestroySource(); }, 1},
-      {"without source", [](auto&, auto& parser) { parser->SetChannelSets(nullptr); }, 2},
+  using TAct = std::function<void(TRowRecorder&, std::unique_ptr<TQLXPackage>&)>;
+  const std::pair<TAct, std::size_t> cases[] = {
+      {[](auto&, auto& parser) { parser->Reset(); }, 1},
+      {[](auto&, auto& parser) { parser.reset(); }, 1},
+      {[](auto& rows, auto&) { rows.Sets()->Clear(); }, 1},
+      {[](auto& rows, auto&) { rows.DestroySource(); }, 1},
+      {[](auto&, auto& parser) { parser->SetChannelSets(nullptr); }, 2},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
+  for (const auto& each : cases) {
+    SCOPED_TRACE(&each - cases);
     TRowRecorder fresh;
-    fresh.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
+    fresh.Add("w", "a", 3);
     auto parser = std::make_unique<TQLXPackage>(fresh.Sets());
     fresh.OnRow = [&] {
-      if (fresh.Rows(0).size() == 1) c.act(fresh, parser);
+      if (fresh.Rows(0).size() == 1) each.first(fresh, parser);
     };
     parser->Parse(text);
-    EXPECT_EQ(fresh.Rows(0).size(), c.rows);
-  }
-}
-
-/// A set as the format is read once more, in a text as a whole and with the C library's numbers.
-struct TReference {
-  std::string tag, id;
-  std::size_t count;
-  std::vector<double> row = std::vector<double>(count + 1);
-  TRows rows{};
-
-  void Write(std::string line, std::string stamp) {
-    if (tag == "data") {
-      stamp = line;
-      line.erase(0, 19);
-    }
-    std::vector<double> values;
-    const char* next = line.c_str();
-    for (char* behind = nullptr; values.size() < count; next = behind) {
-      const double value = ReferenceNumber(next, &behind);
-      if (behind == next) break;
-      values.push_back(value);
-    }
-    if (values.empty()) return;
-    row[0] = TQLXPackage::ExtractTime(stamp).Days();
-    std::copy(values.begin(), values.end(), row.begin() + 1);
-    rows.push_back(row);
-  }
-};
-
-std::string Flag(const std::string& tag, const std::string& key) {
-  const std::size_t found = tag.find(key);
-  const std::size_t quote = found + key.size();
-  const std::size_t end = found == std::string::npos ? found : tag.find('"', quote);
-  return end == std::string::npos ? "" : tag.substr(quote, end - quote);
-}
-
-void Read(const std::string& text, std::vector<TReference>& sets) {
-  constexpr std::size_t kNone = std::string::npos, kName = 64;
-  for (std::size_t at = 0; (at = text.find('<', at)) != kNone;) {
-    const std::size_t open = text.find('>', at);
-    if (open == kNone) return;
-    const std::string tag = text.substr(at + 1, std::min<std::size_t>(open - at - 1, 256));
-    std::string body;
-    for (at = open + 1; at < text.size() && text.compare(at, 2, "</") != 0; ++at) {
-      if (text[at] == '<') {
-        ++at;  // takes the next byte along
-      } else if (text[at] != '\r') {
-        body += text[at];
-      }
-    }
-    const std::size_t name = at + 2, end = text.find('>', std::min(name, text.size()));
-    if (name > text.size()) return;
-    at = std::min(end, name + kName - 1) + 1;
-    if (end == kNone && name + kName > text.size()) return;
-    if (end == kNone || end - name >= kName) continue;
-    for (TReference& set : sets) {
-      if (set.tag != text.substr(name, end - name) || set.id != Flag(tag, " id=\"")) continue;
-      std::istringstream lines(body);
-      for (std::string line; std::getline(lines, line);) {
-        if (!line.empty()) set.Write(line, Flag(tag, " time=\""));
-      }
-      break;
-    }
+    EXPECT_EQ(fresh.Rows(0).size(), each.second);
   }
 }
 
@@ -355,22 +274,20 @@ TEST(TQLXPackage, GivesTheSameRowsHoweverTheTextIsCut) {
   std::size_t rows = 0;
   for (int run = 0; run < 3000; ++run) {
     const std::string text = Rubbish(random, 120);
-    std::vector<TReference> reference = {{"data", "a", 4}, {"w", "a", 3}};
-    Read(text, reference);
-
-    TRowRecorder recorder;
-    recorder.Add(QStringLiteral("data"), QStringLiteral("a"), 4);
-    recorder.Add(QStringLiteral("w"), QStringLiteral("a"), 3);
-    TQLXPackage package(recorder.Sets());
-    std::uniform_int_distribution<std::size_t> chunk(1, run % 3 == 0 ? 1 : 1 << (run % 9));
-    for (std::size_t i = 0; i < text.size();) {
-      const std::size_t size = std::min(chunk(random), text.size() - i);
-      package.Parse(std::string_view(text).substr(i, size));
-      i += size;
+    TRowRecorder whole, cut;
+    for (TRowRecorder* recorder : {&whole, &cut}) {
+      recorder->Add("data", "a", 4);
+      recorder->Add("w", "a", 3);
     }
-    ASSERT_EQ(recorder.Rows(0), reference[0].rows) << "run " << run;
-    ASSERT_EQ(recorder.Rows(1), reference[1].rows) << "run " << run;
-    rows += recorder.Rows(0).size() + recorder.Rows(1).size();
+    TQLXPackage(whole.Sets()).Parse(text);
+    TQLXPackage package(cut.Sets());
+    std::uniform_int_distribution<std::size_t> chunk(1, run % 3 == 0 ? 1 : 1 << (run % 9));
+    for (std::size_t i = 0, size = 0; i < text.size(); i += size) {
+      size = std::min(chunk(random), text.size() - i);
+      package.Parse(std::string_view(text).substr(i, size));
+    }
+    ASSERT_EQ(cut.AllRows(), whole.AllRows()) << "run " << run;
+    rows += cut.Rows(0).size() + cut.Rows(1).size();
   }
   EXPECT_GT(rows, 2000u) << "the text must have rows to be lost";
 }

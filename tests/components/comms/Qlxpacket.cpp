@@ -29,11 +29,7 @@ std::vector<std::vector<double>> Rows(TQLXDecoder& decoder, const TBytes& bytes,
 }
 
 TEST(TQLXDecoder, ReadsSamplesMostSignificantByteFirstAroundTheDevicesZero) {
-  const struct {
-    int bytesPerSample;
-    TBytes packet;
-    std::vector<double> values;
-  } cases[] = {
+  const std::tuple<int, TBytes, std::vector<double>> cases[] = {
       {3, {3, 0x7F, 0xFF, 0xF8}, {0}},
       {3, {3, 0x00, 0x00, 0x00}, {-8388600}},
       {3, {3, 0xFF, 0xFF, 0xFF}, {8388615}},
@@ -43,46 +39,43 @@ TEST(TQLXDecoder, ReadsSamplesMostSignificantByteFirstAroundTheDevicesZero) {
       {3, {5, 0x7F, 0xFF, 0xF8, 0x11, 0x22}, {0}},  // two bytes are no sample
       {2, {3, 0x80, 0x00, 0x11}, {8}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [bytesPerSample, packet, values] : cases) {
     TQLXDecoder decoder;
-    decoder.SetBytesPerSample(c.bytesPerSample);
-    decoder.SetPacketLength(c.packet[0]);
+    decoder.SetBytesPerSample(bytesPerSample);
+    decoder.SetPacketLength(packet[0]);
     decoder.SetMarkerTime(45000.5);
     std::vector<double> row = {45000.5};
-    row.insert(row.end(), c.values.begin(), c.values.end());
-    EXPECT_EQ(Rows(decoder, c.packet, static_cast<int>(c.values.size()), {256}),
+    row.insert(row.end(), values.begin(), values.end());
+    EXPECT_EQ(Rows(decoder, packet, static_cast<int>(values.size()), {256}),
               std::vector<std::vector<double>>{row});
     EXPECT_EQ(decoder.Waiting(), 0u);
   }
 }
 
 TEST(TQLXDecoder, DropsBytesUntilAPacketFitsAndMovesTheStampOnForEach) {
-  const struct {
-    std::uint8_t length;
-    TBytes bytes;
-    std::vector<std::vector<double>> rows;
-    std::size_t waiting, gaps, skipped;
-  } cases[] = {
-      {2, {0, 0, 2, 0x80, 0}, {{2.0, 8}}, 0, 1, 2},
-      {2, {1, 1, 1, 2, 0x80, 0, 0}, {{3.0, 8}}, 0, 2, 4},
-      {2, {2, 0x80}, {}, 2, 0, 0},        // the rest has not come
-      {2, {9, 2, 0x80, 0}, {}, 4, 0, 0},  // could be the start of nine bytes
-      {2, {3, 'T', 0, 0, 2, 0x80, 0}, {{}, {0.0, 8}}, 0, 0, 0},
-      {2, {0, 3, 'T', 0, 0, 0, 2, 0x80, 0}, {{}, {2.0, 8}}, 0, 2, 2},
-      {3, {3, 'T', 0, 0}, {{}}, 0, 0, 0},  // a marker, whatever is expected
-      {2, {3, 'T', 0}, {}, 3, 0, 0},
-      {0, {0, 0, 2, 0x80, 0}, {}, 2, 1, 3},  // nothing is expected
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.bytes));
+  const std::tuple<std::uint8_t, TBytes, std::vector<std::vector<double>>, std::size_t, std::size_t,
+                   std::size_t>
+      cases[] = {
+          {2, {0, 0, 2, 0x80, 0}, {{2.0, 8}}, 0, 1, 2},
+          {2, {1, 1, 1, 2, 0x80, 0, 0}, {{3.0, 8}}, 0, 2, 4},
+          {2, {2, 0x80}, {}, 2, 0, 0},        // the rest has not come
+          {2, {9, 2, 0x80, 0}, {}, 4, 0, 0},  // could be the start of nine bytes
+          {2, {3, 'T', 0, 0, 2, 0x80, 0}, {{}, {0.0, 8}}, 0, 0, 0},
+          {2, {0, 3, 'T', 0, 0, 0, 2, 0x80, 0}, {{}, {2.0, 8}}, 0, 2, 2},
+          {3, {3, 'T', 0, 0}, {{}}, 0, 0, 0},  // a marker, whatever is expected
+          {2, {3, 'T', 0}, {}, 3, 0, 0},
+          {0, {0, 0, 2, 0x80, 0}, {}, 2, 1, 3},  // nothing is expected
+      };
+  for (const auto& [length, bytes, rows, waiting, gaps, skipped] : cases) {
+    SCOPED_TRACE(testing::PrintToString(bytes));
     TQLXDecoder decoder;
     decoder.SetBytesPerSample(2);
-    decoder.SetPacketLength(c.length);
+    decoder.SetPacketLength(length);
     decoder.SetTimeIncrement(1.0);
-    EXPECT_EQ(Rows(decoder, c.bytes, 1, {256}), c.rows);
-    EXPECT_EQ(decoder.Waiting(), c.waiting);
-    EXPECT_EQ(decoder.Skipped().Gaps, c.gaps);
-    EXPECT_EQ(decoder.Skipped().Bytes, c.skipped);
+    EXPECT_EQ(Rows(decoder, bytes, 1, {256}), rows);
+    EXPECT_EQ(decoder.Waiting(), waiting);
+    EXPECT_EQ(decoder.Skipped().Gaps, gaps);
+    EXPECT_EQ(decoder.Skipped().Bytes, skipped);
   }
 }
 
@@ -106,13 +99,10 @@ TBytes Recording(std::mt19937& random) {
   for (int i = 0; i < 400; ++i) {
     const unsigned kind = random() % 10;
     const std::size_t count = kind == 0 ? random() % 40 : 48;
-    if (kind == 1) {
-      bytes.insert(bytes.end(), {3, 'T', 1, 2});
-    } else {
-      if (kind > 1) bytes.push_back(48);
-      for (std::size_t k = 0; k < count; ++k) {
-        bytes.push_back(static_cast<std::uint8_t>(random()));
-      }
+    if (kind == 1) bytes.insert(bytes.end(), {3, 'T', 1, 2});
+    if (kind > 1) bytes.push_back(48);
+    for (std::size_t k = 0; kind != 1 && k < count; ++k) {
+      bytes.push_back(static_cast<std::uint8_t>(random()));
     }
   }
   return bytes;
@@ -129,9 +119,7 @@ TEST(TQLXDecoder, MakesTheSameRowsOfAnyPieces) {
   };
   const auto whole = rows({bytes.size()});
   ASSERT_GT(whole.size(), 200u);
-  EXPECT_EQ(rows({1}), whole);
-  EXPECT_EQ(rows({48}), whole);
-  EXPECT_EQ(rows({1024}), whole);
+  for (const std::size_t size : {1, 48, 1024}) EXPECT_EQ(rows({size}), whole);
   std::vector<std::size_t> pieces(100);
   for (std::size_t& piece : pieces) piece = 1 + random() % 300;
   EXPECT_EQ(rows(pieces), whole);

@@ -64,9 +64,8 @@ class TFakeDriver : public TMemoryDriver {
 class TQLXPortTest : public testing::Test {
  protected:
   TQLXPortTest() {
-    QObject::connect(&port(), &TQLXPort::OnOpen, [this] { line.log << QStringLiteral("OnOpen"); });
-    QObject::connect(&port(), &TQLXPort::OnClose,
-                     [this] { line.log << QStringLiteral("OnClose"); });
+    QObject::connect(&port(), &TQLXPort::OnOpen, [this] { line.log << "OnOpen"; });
+    QObject::connect(&port(), &TQLXPort::OnClose, [this] { line.log << "OnClose"; });
     port().SetOnData([this](QObject*, const double* values, int count) {
       rows.emplace_back(values, values + count);
       if (onRow) onRow();
@@ -236,10 +235,14 @@ TEST_F(TQLXPortTest, AutoRunProbesTheDeviceAndStartsTheStream) {
 
   port().SetAutoRun(true);
   EXPECT_TRUE(line.log.isEmpty());
+  const QStringList quiet = {"purge in out", "<BEL><CR>",  "100 ms", "lroff<CR>",
+                             "100 ms",       "sloop1<CR>", "100 ms", "purge in out"};
   port().SetAutoRun(false);
-  EXPECT_THAT(line.TakeLog(), ElementsAre("purge in out", "<BEL><CR>", "100 ms", "lroff<CR>",
-                                          "100 ms", "sloop1<CR>", "100 ms", "purge in out",  //
-                                          "purge in out", "close", "OnClose"));
+  EXPECT_EQ(line.TakeLog(), quiet + QStringList({"purge in out", "close", "OnClose"}));
+  port().SetAutoRun(true);
+  line.log.clear();
+  owned.reset();
+  EXPECT_EQ(line.TakeLog(), quiet + QStringList("close"));
 }
 
 TEST_F(TQLXPortTest, APolledDeviceIsProbedIntoItsOwnLoop) {
@@ -249,13 +252,12 @@ TEST_F(TQLXPortTest, APolledDeviceIsProbedIntoItsOwnLoop) {
             QStringList({"lroff<CR>", "<BEL><CR>", "mr<CR>", "sloop1<CR>", "lroff<CR>"}));
   EXPECT_EQ(port().GetPacketLength(), 0);
   line.probeAnswer = QByteArray("\3T..\60ab", 7);  // a marker packet comes first
-  port().InitAutoRunParameters();
-  EXPECT_EQ(port().GetPacketLength(), 48);
-  EXPECT_EQ(port().GetValueCount(), 17);
-  line.probeAnswer.clear();
-  port().InitAutoRunParameters();
-  EXPECT_EQ(port().GetPacketLength(), 48);
-  EXPECT_EQ(port().GetValueCount(), 17);
+  for (int probe = 0; probe < 2; ++probe) {
+    port().InitAutoRunParameters();
+    EXPECT_EQ(port().GetPacketLength(), 48);
+    EXPECT_EQ(port().GetValueCount(), 17);
+    line.probeAnswer.clear();
+  }
 }
 
 TEST_F(TQLXPortTest, StreamedPacketsAreSpacedByTheSampleRateFromTheLastMarker) {
@@ -341,14 +343,10 @@ TEST_F(TQLXPortTest, AFloodIsSpreadOverTicksAndNothingOfItIsLost) {
   EXPECT_LT(rows.size(), 15'000u);
   Tick(10);
   EXPECT_EQ(rows.size(), 30'000u);
-}
-
-TEST_F(TQLXPortTest, MarkersThatComeFasterThanTheTicksLoseNoPacket) {
-  Run(TQLXPort::sfcHardware);
-  line.incoming = (kMarker + Packet()).repeated(5000);
+  line.incoming = (kMarker + Packet()).repeated(5000);  // markers faster than the ticks
   Tick(10);
   for (int i = 0; i < 10'000; ++i) port().ReadSignal("", 0);
-  EXPECT_EQ(rows.size(), 5000u);
+  EXPECT_EQ(rows.size(), 35'000u);
 }
 
 TEST_F(TQLXPortTest, ALineThatIsLostClosesThePort) {
@@ -365,22 +363,18 @@ TEST_F(TQLXPortTest, ALineThatIsLostClosesThePort) {
 }
 
 TEST_F(TQLXPortTest, SurvivesWhatItsEventsDoToIt) {
-  const struct {
-    const char* what;
-    std::function<void()> act;
-    std::size_t rows;
-  } cases[] = {
-      {"close", [this] { port().Close(); }, 1},
-      {"destroy", [this] { owned.reset(); }, 1},
-      {"stop", [this] { port().SetAutoRun(false); }, 1},
-      {"clear", [this] { port().ClearPort(); }, 1},
-      {"reopen", [this] { port().SetPortNum(port().GetPortNum() == "COM1" ? "2" : "1"); }, 1},
-      {"read", [this] { port().ReadPort(); }, 3},
-      {"no more events", [this] { port().SetOnData(nullptr); }, 1},
+  const std::pair<std::function<void()>, std::size_t> cases[] = {
+      {[this] { port().Close(); }, 1},
+      {[this] { owned.reset(); }, 1},
+      {[this] { port().SetAutoRun(false); }, 1},
+      {[this] { port().ClearPort(); }, 1},
+      {[this] { port().SetPortNum(port().GetPortNum() == "COM1" ? "2" : "1"); }, 1},
+      {[this] { port().ReadPort(); }, 3},
+      {[this] { port().SetOnData(nullptr); }, 1},
   };
-  for (const auto& c : cases) {
+  for (const auto& each : cases) {
     for (const bool atOpen : {false, true}) {
-      SCOPED_TRACE(std::string(c.what) + (atOpen ? " at open" : " at data"));
+      SCOPED_TRACE(testing::Message() << &each - cases << (atOpen ? " at open" : " at data"));
       owned = std::make_unique<TQLXPort>(nullptr, makeDriver);
       port().SetOnData([this](QObject*, const double*, int) {
         rows.emplace_back();
@@ -388,38 +382,25 @@ TEST_F(TQLXPortTest, SurvivesWhatItsEventsDoToIt) {
       });
       rows.clear();
       int opened = 0;
-      onRow = atOpen ? [] {} : c.act;
+      onRow = atOpen ? [] {} : each.first;
       QObject::connect(&port(), &TQLXPort::OnOpen, [&] {
-        if (atOpen && ++opened < 4) c.act();
+        if (atOpen && ++opened < 4) each.first();
       });
       Run(TQLXPort::sfcHardware);
       line.incoming = Packet().repeated(3);
       Tick();
-      if (!atOpen) {
-        EXPECT_EQ(rows.size(), c.rows);
-      }
+      EXPECT_TRUE(atOpen || rows.size() == each.second) << rows.size();
     }
   }
-}
-
-TEST_F(TQLXPortTest, LeavesADeviceThatItStartedQuiet) {
-  Run(TQLXPort::sfcHardware);
-  owned.reset();
-  EXPECT_THAT(line.TakeLog(),
-              ElementsAre("purge in out", "<BEL><CR>", "100 ms", "lroff<CR>", "100 ms",
-                          "sloop1<CR>", "100 ms", "purge in out", "close"));
 }
 
 TEST(TQLXSettings, KeepTheirBoundsAndReportRealChanges) {
   TQLXSettings settings;
   QSignalSpy changes(&settings, &TPersistent::OnChange);
-  const struct {
-    double rate;
-    double stored;
-  } rates[] = {{39, 100}, {801, 100}, {std::nan(""), 100}, {40, 40}, {40, 40}, {800, 800}};
-  for (const auto& c : rates) {
-    settings.SetQLXSampleRate(c.rate);
-    EXPECT_EQ(settings.GetQLXSampleRate(), c.stored);
+  for (const auto& [rate, stored] :
+       {std::pair(39.0, 100.0), {801, 100}, {kNan, 100}, {40, 40}, {40, 40}, {800, 800}}) {
+    settings.SetQLXSampleRate(rate);
+    EXPECT_EQ(settings.GetQLXSampleRate(), stored);
   }
   EXPECT_EQ(changes.count(), 2);
   settings.SetInBufSize(-1);
@@ -438,18 +419,15 @@ TEST(TQLXSettings, NameThePortWhateverIsTyped) {
 }
 
 TEST(TQLXSettings, ResolutionsHaveTheirRequestAndWidth) {
-  const struct {
-    TQLXSettings::TQLXResolution resolution;
-    const char* request;
-    int bytes;
-  } cases[] = {{TQLXSettings::rs16bits, "cr\r", 2},
-               {TQLXSettings::rs24bits, "mr\r", 3},
-               {TQLXSettings::rs16bitsOld, "sr\r", 2}};
-  for (const auto& c : cases) {
+  const std::tuple<TQLXSettings::TQLXResolution, const char*, int> cases[] = {
+      {TQLXSettings::rs16bits, "cr\r", 2},
+      {TQLXSettings::rs24bits, "mr\r", 3},
+      {TQLXSettings::rs16bitsOld, "sr\r", 2}};
+  for (const auto& [resolution, request, bytes] : cases) {
     TQLXSettings settings;
-    settings.SetResolution(c.resolution);
-    EXPECT_EQ(settings.DataRequest(), c.request);
-    EXPECT_EQ(settings.BytesPerSample(), c.bytes);
+    settings.SetResolution(resolution);
+    EXPECT_EQ(settings.DataRequest(), request);
+    EXPECT_EQ(settings.BytesPerSample(), bytes);
   }
 }
 
@@ -471,12 +449,6 @@ TEST(TQLXSettings, ConvertToTheDriversNumbers) {
   for (int i = 0; i < 5; ++i) {
     EXPECT_EQ(QLXBaudRateToInt(static_cast<TQLXSettings::TQLXBaudRate>(i)), device[i]);
   }
-  EXPECT_EQ(DataBitsToByte(TQLXSettings::dbFive), 5);
-  EXPECT_EQ(DataBitsToByte(TQLXSettings::dbEight), 8);
-  EXPECT_EQ(StopBitsToByte(TQLXSettings::sbOne5StopBits), 1);
-  EXPECT_EQ(ParityBitsToByte(TQLXSettings::prMark), 3);
-  EXPECT_EQ(DTRControlToInt(TQLXSettings::dtrHandshake), 2);
-  EXPECT_EQ(RTSControlToInt(TQLXSettings::rtsToggle), 3);
 }
 
 }  // namespace
