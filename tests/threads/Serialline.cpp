@@ -48,56 +48,28 @@ TEST(ThreadsSerialLine, IsClosedAndDestroyedAtAnyMoment) {
   EXPECT_GT(lines, 10);
 }
 
-TEST(ThreadsSerialLine, GivesAllBytesInOrderWhileNobodyReads) {
-  TPty line;
-  const auto driver = MakeDeviceDriver(QString::fromStdString(line.Path()));
-  ASSERT_TRUE(driver->Open({}));
-  ASSERT_TRUE(driver->SetLine({}));
-  driver->SetQueueSizes(1200, 1200);
-  std::string sent, received;
-  const QDeadlineTimer patience(20'000);
-  while (sent.size() < 500'000 && !patience.hasExpired()) {
-    std::string piece;
-    for (int i = 0; i < 100; ++i) piece += std::to_string(sent.size() + piece.size()) + ' ';
-    line.Write(piece);
-    sent += piece;
-    while (driver->InputCount() < static_cast<int>(sent.size()) && !patience.hasExpired()) {
-      QThread::yieldCurrentThread();
-    }
-  }
-  EXPECT_EQ(line.BytesLost(), 0u);
-  char buffer[1000];
-  for (int count = 0; (count = driver->Read(buffer)) > 0;) {
-    received.append(buffer, static_cast<std::size_t>(count));
-  }
-  EXPECT_TRUE(received == sent);
-}
-
 /// What the line's own end sees; it takes eight bits without parity whatever it is asked.
 TEST(ThreadsSerialLine, IsSetUpAsItIsAsked) {
   constexpr int kOne = 0, kTwo = 2, kDisable = 0, kEnable = 1, kHandshake = 2;
-  const struct {
-    int baudRate, stopBits, controlRTS;
-    speed_t speed;
-    tcflag_t flags;
-  } cases[] = {{9600, kOne, kEnable, B9600, 0},
-               {115200, kTwo, kEnable, B115200, CSTOPB},
-               {38400, kOne, kHandshake, B38400, CRTSCTS},
-               {9600, 7, kDisable, B9600, CSTOPB},
-               {9600, -1, kDisable, B9600, 0}};
+  const std::tuple<int, int, int, speed_t, tcflag_t> cases[] = {
+      {9600, kOne, kEnable, B9600, 0},
+      {115200, kTwo, kEnable, B115200, CSTOPB},
+      {38400, kOne, kHandshake, B38400, CRTSCTS},
+      {9600, 7, kDisable, B9600, CSTOPB},
+      {9600, -1, kDisable, B9600, 0}};
   const TPty line;
   const auto driver = MakeDeviceDriver(QString::fromStdString(line.Path()));
   ASSERT_TRUE(driver->Open({}));
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.baudRate << ' ' << c.stopBits);
-    ASSERT_TRUE(driver->SetLine(
-        {.baudRate = c.baudRate, .stopBits = c.stopBits, .controlRTS = c.controlRTS}));
+  for (const auto& [baudRate, stopBits, controlRTS, speed, flags] : cases) {
+    SCOPED_TRACE(testing::Message() << baudRate << ' ' << stopBits);
+    ASSERT_TRUE(
+        driver->SetLine({.baudRate = baudRate, .stopBits = stopBits, .controlRTS = controlRTS}));
     const int end = open(line.Path().c_str(), O_RDWR | O_NOCTTY);
     termios set{};
     EXPECT_EQ(tcgetattr(end, &set), 0);
     close(end);
-    EXPECT_EQ(cfgetospeed(&set), c.speed);
-    EXPECT_EQ(set.c_cflag & (CSTOPB | CRTSCTS), c.flags);
+    EXPECT_EQ(cfgetospeed(&set), speed);
+    EXPECT_EQ(set.c_cflag & (CSTOPB | CRTSCTS), flags);
   }
 }
 
