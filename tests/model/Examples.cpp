@@ -83,10 +83,7 @@ TEST(ExamplesDocument, WorkedExampleLoadsAsItSays) {
 
 TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
   // A fault put into the worked example's file that its message begins with.
-  const struct {
-    QByteArray text, instead;
-    QString message;
-  } cases[] = {
+  const std::tuple<QByteArray, QByteArray, QString> cases[] = {
       {"[Nodes]", "[Points]", "mast.mod: it holds no nodes"},
       {"2   1 6\n", "2   1 99\n",
        "mast.mod, line 23: element 6 names node 99, which does not exist; the element was "
@@ -122,15 +119,15 @@ TEST(ExamplesDocument, MessagesAreThoseOfTheReaders) {
     const QString first = model.LoadFromMemory(modelFile.toStdString()).Sentence("mast.mod");
     return first + data.LoadFromMemory(dataFile.toStdString(), model).Sentence("mast.dat");
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.message.toStdString());
-    EXPECT_TRUE(document.contains(c.message));
-    const bool inModel = c.message.startsWith("mast.mod");
+  for (const auto& [text, instead, message] : cases) {
+    SCOPED_TRACE(message.toStdString());
+    EXPECT_TRUE(document.contains(message));
+    const bool inModel = message.startsWith("mast.mod");
     QByteArray faulty = inModel ? modelText : dataText;
-    EXPECT_TRUE(faulty.contains(c.text));
-    faulty.replace(c.text, c.instead);
+    EXPECT_TRUE(faulty.contains(text));
+    faulty.replace(text, instead);
     const QString sentence = inModel ? said(faulty, dataText) : said(modelText, faulty);
-    EXPECT_TRUE(sentence.contains(c.message)) << sentence.toStdString();
+    EXPECT_TRUE(sentence.contains(message)) << sentence.toStdString();
   }
   const QString order =
       "mast.dat: the model's nodes are not in ascending order of their numbers, so shapes may be "

@@ -27,9 +27,16 @@ std::string Describe(const TModel& model) {
   return out.toStdString();
 }
 
-TEST(ModelFile, LoadsRecordsOptionsAndElements) {
+/// A model, read from a text.
+class ModelFile : public testing::Test {
+ protected:
+  bool Load(const std::string& text) { return model.LoadFromMemory(text).Ok(); }
+
   TModel model;
-  EXPECT_TRUE(model.LoadFromMemory(kOptions + kNodes + kElements).Ok());
+};
+
+TEST_F(ModelFile, LoadsRecordsOptionsAndElements) {
+  EXPECT_TRUE(Load(kOptions + kNodes + kElements));
   EXPECT_EQ(Describe(model),
             "5 0.5 0.125\n"
             "1: -1.5,-2,-0.5 0,0,0 2: 1.5,2,-0.5 0,0,0 7: -0.5,-1,0.5 0,0,0 \n"
@@ -40,10 +47,9 @@ TEST(ModelFile, LoadsRecordsOptionsAndElements) {
   EXPECT_TRUE(model.Loaded);
 }
 
-TEST(ModelFile, GivesEveryNodeADisplayNode) {
-  TModel model;
+TEST_F(ModelFile, GivesEveryNodeADisplayNode) {
   const TDataNodeList* display = &model.Display;
-  ASSERT_TRUE(model.LoadFromMemory(kOptions + kNodes).Ok());
+  ASSERT_TRUE(Load(kOptions + kNodes));
   ASSERT_EQ(model.Display.Count(), 3u);
   for (std::size_t i = 0; i < 3; ++i) {
     const TNode* node = model.Display.Get(i);
@@ -57,23 +63,19 @@ TEST(ModelFile, GivesEveryNodeADisplayNode) {
   EXPECT_EQ(display->Elements, &model.Elements);
 }
 
-TEST(ModelFile, TakesTheSectionsInAnyOrder) {
+TEST_F(ModelFile, TakesTheSectionsInAnyOrder) {
   TModel straight;
   ASSERT_TRUE(straight.LoadFromMemory(kOptions + kNodes + kElements).Ok());
   std::vector<std::string> parts = {kElements, kNodes, kOptions};
   std::sort(parts.begin(), parts.end());
   do {
-    TModel model;
     EXPECT_TRUE(model.LoadFromMemory(parts[0] + parts[1] + parts[2]).Ok());
     EXPECT_EQ(Describe(model), Describe(straight)) << parts[0];
   } while (std::next_permutation(parts.begin(), parts.end()));
 }
 
-TEST(ModelFile, FindsRadiiOnlyWithTheirSectionButAnywhere) {
-  const struct {
-    std::string text;
-    double nodeRadius, elementRadius;
-  } cases[] = {
+TEST_F(ModelFile, FindsRadiiOnlyWithTheirSectionButAnywhere) {
+  const std::tuple<std::string, double, double> cases[] = {
       {kNodes, 0.05, 0.025},  // by the size of the model
       {"NodeRadius=7\n" + kNodes, 0.05, 0.025},
       {"NodeRadius=7\n" + kNodes + "[Options]\n", 7, 3.5},
@@ -82,82 +84,73 @@ TEST(ModelFile, FindsRadiiOnlyWithTheirSectionButAnywhere) {
       {"[Options]\nNodeRadius=x\nElementRadius= 3\n" + kNodes, 0.05, 3},
       {"[Options]\nNodeRadius=-1\nElementRadius=0\n" + kNodes, 0.05, 0.025},
       {"[Options]\nNodeRadius=inf\nElementRadius=nan\n" + kNodes, 0.05, 0.025}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TModel model;
-    EXPECT_TRUE(model.LoadFromMemory(c.text).Ok());
-    EXPECT_DOUBLE_EQ(model.Nodes.NodeRadius, c.nodeRadius);
-    EXPECT_DOUBLE_EQ(model.Display.ElementRadius, c.elementRadius);
+  for (const auto& [text, nodeRadius, elementRadius] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_TRUE(Load(text));
+    EXPECT_DOUBLE_EQ(model.Nodes.NodeRadius, nodeRadius);
+    EXPECT_DOUBLE_EQ(model.Display.ElementRadius, elementRadius);
   }
 }
 
-TEST(ModelFile, MeasuresTheSizeFromTheOriginOfTheFile) {
-  TModel model;
-  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n2 3 4 0\n").Ok());
+TEST_F(ModelFile, MeasuresTheSizeFromTheOriginOfTheFile) {
+  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0\n2 3 4 0\n"));
   EXPECT_EQ(model.Size, 5.0);
   EXPECT_EQ(model.Nodes.Get(0)->Position, (TVertex{-1.5, -2, 0}));
-  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 1000 0 0\n2 1001 0 0\n").Ok());
+  ASSERT_TRUE(Load("[Nodes]\n1 1000 0 0\n2 1001 0 0\n"));
   EXPECT_EQ(model.Size, 1001.0);
   EXPECT_EQ(model.Nodes.Get(1)->Position, (TVertex{0.5, 0, 0}));
-  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n").Ok());
+  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0\n"));
   EXPECT_EQ(model.Size, 0.0);
 }
 
-TEST(ModelFile, ReadsAnglesWhereTheFirstRecordHasThem) {
-  TModel model;
-  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0 .1 .2 .3\n2 1 0 0 4 5 6\n").Ok());
+TEST_F(ModelFile, ReadsAnglesWhereTheFirstRecordHasThem) {
+  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0 .1 .2 .3\n2 1 0 0 4 5 6\n"));
   ASSERT_EQ(model.Nodes.Count(), 2u);
   EXPECT_EQ(model.Nodes.Get(1)->Angles, (TVertex{4, 5, 6}));
   // Three numbers on the next line are not angles, but the start of the next record.
-  EXPECT_FALSE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n5 6 7\n").Ok());
+  EXPECT_FALSE(Load("[Nodes]\n1 0 0 0\n5 6 7\n"));
   ASSERT_EQ(model.Nodes.Count(), 1u);
   EXPECT_EQ(model.Nodes.Get(0)->Angles, TVertex{});
 }
 
-TEST(ModelFile, ReadsEachTypeOfElementInItsForm) {
-  TModel model;
-  EXPECT_TRUE(model
-                  .LoadFromMemory(kNodes + "[Elements]\n4\n"
-                                           "1 2 0.5 0.25 0.125 -1 2 1 2\n"  // roll
-                                           "2 3 65280 3 1 2 7\n"            // face
-                                           "3 9 0.75 16711680 1 7\n"        // point
-                                           "4 300 1 -1 1 7\n")  // beyond 8 bits: a point too
-                  .Ok());
+TEST_F(ModelFile, ReadsEachTypeOfElementInItsForm) {
+  EXPECT_TRUE(Load(kNodes + R"([Elements]
+4
+1 2 0.5 0.25 0.125 -1 2 1 2
+2 3 65280 3 1 2 7
+3 9 0.75 16711680 1 7
+4 300 1 -1 1 7
+)"));
   const std::string text = Describe(model);
   EXPECT_EQ(text.substr(text.find("\n1 type") + 1),
-            "1 type 2 colour -1 radius 0.5 0.25 0.125 nodes 0 1\n"
-            "2 type 3 colour 65280 radius 0 0 0 nodes 0 1 2\n"
-            "3 type 9 colour 16711680 radius 0.75 0 0 nodes 2\n"
-            "4 type 255 colour -1 radius 1 0 0 nodes 2");
+            "1 type 2 colour -1 radius 0.5 0.25 0.125 nodes 0 1\n"  // roll
+            "2 type 3 colour 65280 radius 0 0 0 nodes 0 1 2\n"      // face
+            "3 type 9 colour 16711680 radius 0.75 0 0 nodes 2\n"    // point
+            "4 type 255 colour -1 radius 1 0 0 nodes 2");           // beyond 8 bits: a point too
 }
 
-TEST(ModelFile, RefersToTheFirstOfSeveralNodesWithOneId) {
+TEST_F(ModelFile, RefersToTheFirstOfSeveralNodesWithOneId) {
   for (const std::string far : {"3", "2000000000", "-2147483648"}) {  // IDs close and far apart
-    TModel model;
-    EXPECT_TRUE(model
-                    .LoadFromMemory("[Nodes]\n5 0 0 0\n" + far +
-                                    " 9 9 9\n5 1 1 1\n[Elements]\n1\n1 1 0 -1 2 5 " + far)
-                    .Ok());
+    EXPECT_TRUE(
+        Load("[Nodes]\n5 0 0 0\n" + far + " 9 9 9\n5 1 1 1\n[Elements]\n1\n1 1 0 -1 2 5 " + far));
     ASSERT_EQ(model.Elements.Count(), 1u) << far;
-    EXPECT_EQ(model.Elements.Get(0)->Nodes()[0], 0);
-    EXPECT_EQ(model.Elements.Get(0)->Nodes()[1], 1);
+    EXPECT_THAT(model.Elements.Get(0)->Nodes(), testing::ElementsAre(0, 1));
     EXPECT_EQ(model.Nodes.FindNode(5), model.Nodes.Get(0));
     EXPECT_EQ(model.Nodes.IndexOf(4), -1);
   }
 }
 
-TEST(ModelFile, TakesTheNodesOfASkippedRecordAsTheNextRecord) {
-  TModel model;
+TEST_F(ModelFile, TakesTheNodesOfASkippedRecordAsTheNextRecord) {
   // 5 1 0 -1 0 has no nodes; what follows is element 7 of type 1.
-  EXPECT_TRUE(model.LoadFromMemory(kNodes + "[Elements]\n2\n5 1 0 -1 0\n7 1 0 -1 2\n1 2\n").Ok());
+  EXPECT_TRUE(Load(kNodes + "[Elements]\n2\n5 1 0 -1 0\n7 1 0 -1 2\n1 2\n"));
   ASSERT_EQ(model.Elements.Count(), 1u);
   EXPECT_EQ(model.Elements.Get(0)->ID, 7);
   // Type 0 likewise, with its radius in the form of a bar.
-  EXPECT_TRUE(model.LoadFromMemory(kNodes + "[Elements]\n2\n5 0 .5 -1 2\n7 1 0 -1 2\n1 2\n").Ok());
+  EXPECT_TRUE(Load(kNodes + "[Elements]\n2\n5 0 .5 -1 2\n7 1 0 -1 2\n1 2\n"));
   EXPECT_EQ(model.Elements.Count(), 1u);
 }
 
-TEST(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
+TEST_F(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
   const struct {
     const char* what;
     std::string text;
@@ -202,7 +195,6 @@ TEST(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
        "3: a node number does not fit into 32 bits and was cut to the nearest that does."}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    TModel model;
     const TLoadReport report = model.LoadFromMemory(c.text);
     EXPECT_EQ(
         report.Sentence("/some/folder/m.mod").toStdString(),
@@ -215,35 +207,30 @@ TEST(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
   }
 }
 
-TEST(ModelFile, SeparatesNumbersByAnyWhiteSpaceAndSectionsByAnyText) {
-  TModel model;
-  EXPECT_TRUE(
-      model.LoadFromMemory("[Nodes]\r\n1 0\r\n0 0\t2 3\f4\v0 [Elements] 1 1 1\n0 -1 2 1 2").Ok());
+TEST_F(ModelFile, SeparatesNumbersByAnyWhiteSpaceAndSectionsByAnyText) {
+  EXPECT_TRUE(Load("[Nodes]\r\n1 0\r\n0 0\t2 3\f4\v0 [Elements] 1 1 1\n0 -1 2 1 2"));
   EXPECT_EQ(model.Nodes.Count(), 2u);
   EXPECT_EQ(model.Elements.Count(), 1u);
-  EXPECT_TRUE(
-      model.LoadFromMemory("A plate.\n" + kNodes + "; elements\n\n" + kElements + "end").Ok());
+  EXPECT_TRUE(Load("A plate.\n" + kNodes + "; elements\n\n" + kElements + "end"));
 }
 
-TEST(ModelFile, EndsQuicklyOnHostileText) {
+TEST_F(ModelFile, EndsQuicklyOnHostileText) {
   const std::size_t size = 64 << 20;
   std::string unfinished = "[Elements]\n2147483647\n";
   while (unfinished.size() < size / 8) unfinished += "- ";
   const std::string texts[] = {std::string(size, '['), "[Nodes]" + std::string(size, '\n'),
                                "[Nodes]\n1 " + std::string(size, '9'), unfinished};
   for (const std::string& text : texts) {
-    TModel model;
-    EXPECT_FALSE(model.LoadFromMemory(text).Ok());
+    EXPECT_FALSE(Load(text));
     EXPECT_EQ(model.Nodes.Count(), 0u);
   }
 }
 
-TEST(ModelFile, ReplacesTheEarlierModelAndNotifiesOnce) {
-  TModel model;
+TEST_F(ModelFile, ReplacesTheEarlierModelAndNotifiesOnce) {
   QSignalSpy changes(&model, &TModel::OnChange);
   QObject::connect(&model, &TModel::OnChange, [&] { EXPECT_TRUE(model.Loaded); });
-  ASSERT_TRUE(model.LoadFromMemory(kOptions + kNodes + kElements).Ok());
-  ASSERT_TRUE(model.LoadFromMemory("[Nodes]\n4 1 2 3\n").Ok());
+  ASSERT_TRUE(Load(kOptions + kNodes + kElements));
+  ASSERT_TRUE(Load("[Nodes]\n4 1 2 3\n"));
   EXPECT_EQ(model.Nodes.Count(), 1u);
   EXPECT_EQ(model.Elements.Count(), 0u);
   EXPECT_EQ(model.NodeIndex(4), 0);
@@ -262,9 +249,8 @@ std::string LargeModel() {
   return text;
 }
 
-TEST(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
-  TModel model;
-  ASSERT_TRUE(model.LoadFromMemory(kOptions + kNodes + kElements).Ok());
+TEST_F(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
+  ASSERT_TRUE(Load(kOptions + kNodes + kElements));
   const std::string before = Describe(model);
   const TNode* first = model.Nodes.Get(0);
   QSignalSpy changes(&model, &TModel::OnChange);
@@ -287,24 +273,17 @@ TEST(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
   EXPECT_EQ(changes.count(), 1);
 }
 
-TEST(ModelFile, ShowsProgressWithinOneLargeElement) {
+TEST_F(ModelFile, ShowsProgressWithinOneLargeElement) {
   std::string text = kNodes + "[Elements]\n1\n1 3 -1 2000000";
   for (int i = 0; i < 2'000'000; ++i) text += " 1";
-  TModel model;
-  std::vector<double> told;
-  EXPECT_TRUE(model
-                  .LoadFromMemory(text,
-                                  [&](double done) {
-                                    told.push_back(done);
-                                    return done < 0.4;
-                                  })
-                  .Cancelled());
-  EXPECT_LT(told.back(), 0.9) << "cancelled before the element ends";
+  double last = 0.0;
+  const auto cancelSoon = [&](double done) { return (last = done) < 0.4; };
+  EXPECT_TRUE(model.LoadFromMemory(text, cancelSoon).Cancelled());
+  EXPECT_LT(last, 0.9) << "cancelled before the element ends";
 }
 
-TEST(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {
-  TModel model;
-  ASSERT_TRUE(model.LoadFromMemory(kNodes).Ok());
+TEST_F(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {
+  ASSERT_TRUE(Load(kNodes));
   const TLoadReport report =
       model.LoadFromMemory(LargeModel(), [](double) -> bool { throw std::bad_alloc(); });
   EXPECT_EQ(report.Sentence("a.mod"), "Cannot read a.mod: not enough memory.");
@@ -312,8 +291,7 @@ TEST(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {
   EXPECT_TRUE(model.Loaded);
 }
 
-TEST(ModelFile, RefusesASecondLoadDuringTheFirst) {
-  TModel model;
+TEST_F(ModelFile, RefusesASecondLoadDuringTheFirst) {
   QString inner;
   const auto reenter = [&](double) {
     inner = model.LoadFromMemory(kNodes).Sentence("b.mod");

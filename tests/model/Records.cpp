@@ -58,12 +58,13 @@ TEST_F(Elements, AreOrderedByZThenYThenX) {
 }
 
 TEST(CompareNodesID, OrdersByIdAndTakesNullAsEqual) {
-  const TNode small(-2147483647 - 1, {}), large(2147483647, {9, 9, 9});
+  const TNode small(INT_MIN, {}), large(INT_MAX, {9, 9, 9});
   EXPECT_EQ(CompareNodesID(&small, &large), -1);
   EXPECT_EQ(CompareNodesID(&large, &small), 1);
-  EXPECT_EQ(CompareNodesID(&large, &large), 0);
-  EXPECT_EQ(CompareNodesID(nullptr, &large), 0);
-  EXPECT_EQ(CompareNodesID(&small, nullptr), 0);
+  for (const TNode* same : {&large, static_cast<const TNode*>(nullptr)}) {
+    EXPECT_EQ(CompareNodesID(same, &large), 0);
+    EXPECT_EQ(CompareNodesID(&large, same), 0);
+  }
 }
 
 /// Writes down when it is freed.

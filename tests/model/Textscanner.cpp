@@ -50,18 +50,28 @@ TEST(TTextScanner, TellsWhenAnIntegerHadToBeCut) {
 }
 
 TEST(TTextScanner, ReadsRealsAsFormattedInputDoes) {
-  const double infinity = std::numeric_limits<double>::infinity();
-  const TReadCase cases[] = {{"3", true, 3, 1},          {" -0.5e1x", true, -5, 7},
-                             {"+.25", true, 0.25, 4},    {"5.", true, 5, 2},
-                             {"1.5.5", true, 1.5, 3},    {"1,5", true, 1, 1},
-                             {"1e", true, 1, 2},         {"1e+ 2", true, 1, 3},
-                             {"0x1.8p3", true, 12, 7},   {"-0X.8", true, -0.5, 5},
-                             {"0x", false, 0, 2},        {"0xg", false, 0, 2},
-                             {"10x", true, 10, 2},       {"1e999", true, infinity, 5},
-                             {"inf", true, infinity, 3}, {"-INFINITY9", true, -infinity, 9},
-                             {"infix", false, 0, 4},     {"nax", false, 0, 2},
-                             {".e5", false, 0, 1},       {"-", false, 0, 1},
-                             {"--1", false, 0, 1},       {" x", false, 0, 1},
+  const TReadCase cases[] = {{"3", true, 3, 1},
+                             {" -0.5e1x", true, -5, 7},
+                             {"+.25", true, 0.25, 4},
+                             {"5.", true, 5, 2},
+                             {"1.5.5", true, 1.5, 3},
+                             {"1,5", true, 1, 1},
+                             {"1e", true, 1, 2},
+                             {"1e+ 2", true, 1, 3},
+                             {"0x1.8p3", true, 12, 7},
+                             {"-0X.8", true, -0.5, 5},
+                             {"0x", false, 0, 2},
+                             {"0xg", false, 0, 2},
+                             {"10x", true, 10, 2},
+                             {"1e999", true, kInfinity, 5},
+                             {"inf", true, kInfinity, 3},
+                             {"-INFINITY9", true, -kInfinity, 9},
+                             {"infix", false, 0, 4},
+                             {"nax", false, 0, 2},
+                             {".e5", false, 0, 1},
+                             {"-", false, 0, 1},
+                             {"--1", false, 0, 1},
+                             {" x", false, 0, 1},
                              {"", false, 0, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -132,29 +142,25 @@ TEST(TTextScanner, CountsLinesFromOne) {
 }
 
 TEST(SearchString, GoesForwardWrapsAroundAndNeverBacksUp) {
-  const struct {
-    const char* text;
-    std::size_t from;
-    bool found;
-    std::size_t position;
-  } cases[] = {{"[Nodes]", 0, true, 7},
-               {"..[Nodes][Nodes]", 3, true, 16},  // forward first
-               {"..[Nodes]..", 9, true, 9},        // from the top
-               {"..[Nodes]..", 5, false, 5},       // given up after as many characters as there are
-               {"..[Nodes]", 9, true, 9},          // from the end
-               {"[Node", 2, false, 2},             // stays
-               {"[[Nodes]", 0, false, 0},          // the second bracket fails, and is spent
-               {"[[[Nodes]", 0, true, 9},          // the third begins anew
-               {"[No[Nodes]", 0, false, 0},        //
-               {"[No [Nodes]", 0, true, 11},       //
-               {"des]....[No", 8, false, 8},       // end and top are no neighbours
-               {"", 0, false, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TTextScanner scanner(c.text);
-    scanner.SetPosition(c.from);
-    EXPECT_EQ(SearchString(scanner, "[Nodes]"), c.found);
-    EXPECT_EQ(scanner.Position(), c.position);
+  const std::tuple<const char*, std::size_t, bool, std::size_t> cases[] = {
+      {"[Nodes]", 0, true, 7},
+      {"..[Nodes][Nodes]", 3, true, 16},  // forward first
+      {"..[Nodes]..", 9, true, 9},        // from the top
+      {"..[Nodes]..", 5, false, 5},       // given up after as many characters as there are
+      {"..[Nodes]", 9, true, 9},          // from the end
+      {"[Node", 2, false, 2},             // stays
+      {"[[Nodes]", 0, false, 0},          // the second bracket fails, and is spent
+      {"[[[Nodes]", 0, true, 9},          // the third begins anew
+      {"[No[Nodes]", 0, false, 0},        //
+      {"[No [Nodes]", 0, true, 11},       //
+      {"des]....[No", 8, false, 8},       // end and top are no neighbours
+      {"", 0, false, 0}};
+  for (const auto& [text, from, found, position] : cases) {
+    SCOPED_TRACE(text);
+    TTextScanner scanner(text);
+    scanner.SetPosition(from);
+    EXPECT_EQ(SearchString(scanner, "[Nodes]"), found);
+    EXPECT_EQ(scanner.Position(), position);
   }
 }
 

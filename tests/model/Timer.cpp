@@ -1,7 +1,5 @@
 #include "model/Timer.h"
 
-#include <thread>
-
 #include "tests/support/Testing.h"
 
 namespace {
@@ -168,24 +166,17 @@ TEST(TStopWatch, WritesDatesAndTimes) {
 }
 
 TEST(TDateTime, CountsDaysFromThirtiethDecember1899) {
-  const struct {
-    double days;
-    QDate date;
-    QTime time;
-  } cases[] = {
-      {0.0, {1899, 12, 30}, {0, 0}},
-      {36526.5, {2000, 1, 1}, {12, 0}},
-      {1.0 + 1.0 / 86400, {1899, 12, 31}, {0, 0, 1}},
-      {-0.25, {1899, 12, 29}, {18, 0}},
-      {1.0 - 1e-12, {1899, 12, 31}, {0, 0}},  // rounds up to the next day
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.days);
-    const QDateTime time = TDateTime(c.days).ToQDateTime();
-    EXPECT_EQ(time, QDateTime(c.date, c.time));
-    EXPECT_NEAR(TDateTime::FromQDateTime(time).Days(), c.days, 1e-11);
+  const std::pair<double, QDateTime> cases[] = {
+      {0.0, {{1899, 12, 30}, {0, 0}}},
+      {36526.5, {{2000, 1, 1}, {12, 0}}},
+      {1.0 + 1.0 / 86400, {{1899, 12, 31}, {0, 0, 1}}},
+      {-0.25, {{1899, 12, 29}, {18, 0}}},
+      {1.0 - 1e-12, {{1899, 12, 31}, {0, 0}}}};  // rounds up to the next day
+  for (const auto& [days, time] : cases) {
+    EXPECT_EQ(TDateTime(days).ToQDateTime(), time);
+    EXPECT_NEAR(TDateTime::FromQDateTime(time).Days(), days, 1e-11);
   }
-  for (const double days : {std::nan(""), 1e18, -1e18, 2958466.0, -693594.0}) {
+  for (const double days : {kNan, 1e18, -1e18, 2958466.0, -693594.0}) {
     EXPECT_FALSE(TDateTime(days).ToQDateTime().isValid()) << days;
   }
   EXPECT_TRUE(std::isnan(TDateTime::FromQDateTime(QDateTime()).Days()));
