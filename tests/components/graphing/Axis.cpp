@@ -45,7 +45,7 @@ struct TAxisOnPaper {
   TAxis axis;
 };
 
-bool IsBlack(const QImage& picture, int x, int y) { return picture.pixel(x, y) == 0xff000000u; }
+bool IsBlack(const QImage& picture, QPoint at) { return picture.pixel(at) == 0xff000000u; }
 
 bool HasRed(const QImage& picture, const QRect& rect) {
   return CountIf(
@@ -68,51 +68,44 @@ int RedGroups(const QImage& picture, const QRect& band, int gap) {
 }
 
 TEST(Axis, PutsTheFirstAndTheLastTickOnTheFirstAndTheLastPixel) {
-  const struct {
-    TAxis::TAxisAlign align;
-    QPoint first, last, outward;
-  } cases[] = {{TAxis::alBottom, {60, 240}, {360, 240}, {0, 1}},
-               {TAxis::alTop, {60, 40}, {360, 40}, {0, -1}},
-               {TAxis::alLeft, {60, 240}, {60, 40}, {-1, 0}},
-               {TAxis::alRight, {360, 240}, {360, 40}, {1, 0}}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.align);
-    TAxisOnPaper paper(c.align);
+  const std::tuple<TAxis::TAxisAlign, QPoint, QPoint, QPoint> cases[] = {
+      {TAxis::alBottom, {60, 240}, {360, 240}, {0, 1}},
+      {TAxis::alTop, {60, 40}, {360, 40}, {0, -1}},
+      {TAxis::alLeft, {60, 240}, {60, 40}, {-1, 0}},
+      {TAxis::alRight, {360, 240}, {360, 40}, {1, 0}}};
+  for (const auto& [align, first, last, outward] : cases) {
+    SCOPED_TRACE(align);
+    TAxisOnPaper paper(align);
     paper.LeaveOutTexts();
     const QImage picture = paper.Draw();
-    const QPoint along = (c.last - c.first) / 10;
+    const QPoint along = (last - first) / 10;
     for (int tick = 0; tick <= 10; ++tick) {  // 0..1 has 10 steps of 30 or 20 pixels
-      const QPoint end = c.first + tick * along + 4 * c.outward;
-      EXPECT_TRUE(IsBlack(picture, end.x(), end.y())) << tick;
-      const QPoint beyond = end + c.outward;
-      EXPECT_FALSE(IsBlack(picture, beyond.x(), beyond.y())) << tick;
+      const QPoint end = first + tick * along + 4 * outward;
+      EXPECT_TRUE(IsBlack(picture, end)) << tick;
+      EXPECT_FALSE(IsBlack(picture, end + outward)) << tick;
     }
-    const QPoint before = c.first - along / std::max(std::abs(along.x()), std::abs(along.y()));
-    EXPECT_FALSE(IsBlack(picture, before.x(), before.y())) << "the line ends on the plot";
+    const QPoint before = first - along / std::max(std::abs(along.x()), std::abs(along.y()));
+    EXPECT_FALSE(IsBlack(picture, before)) << "the line ends on the plot";
   }
 }
 
 TEST(Axis, DrawsTicksOnTheSideThatTheirPositionNames) {
-  const struct {
-    TTick::TTickPos pos;
-    bool inside, outside;
-    int overlap;
-  } cases[] = {{TTick::tpNone, false, false, 0},
-               {TTick::tpInside, true, false, 0},
-               {TTick::tpCross, true, true, 6},
-               {TTick::tpOutside, false, true, 6}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.pos);
+  const std::tuple<TTick::TTickPos, bool, bool, int> cases[] = {{TTick::tpNone, false, false, 0},
+                                                                {TTick::tpInside, true, false, 0},
+                                                                {TTick::tpCross, true, true, 6},
+                                                                {TTick::tpOutside, false, true, 6}};
+  for (const auto& [pos, inside, outside, overlap] : cases) {
+    SCOPED_TRACE(pos);
     TAxisOnPaper paper(TAxis::alBottom);
     paper.axis.GetMinorTick()->SetPos(TTick::tpNone);
     paper.LeaveOutTexts();
     paper.axis.GetMajorTick()->SetSize(6);
-    paper.axis.GetMajorTick()->SetPos(c.pos);
+    paper.axis.GetMajorTick()->SetPos(pos);
     const QImage picture = paper.Draw();
-    EXPECT_EQ(IsBlack(picture, 60, 240 - 6), c.inside);
-    EXPECT_EQ(IsBlack(picture, 60, 240 + 6), c.outside);
-    EXPECT_TRUE(IsBlack(picture, 60, 240));
-    EXPECT_EQ(paper.axis.Overlap(), QMargins(0, 0, 0, c.overlap));
+    EXPECT_EQ(IsBlack(picture, {60, 240 - 6}), inside);
+    EXPECT_EQ(IsBlack(picture, {60, 240 + 6}), outside);
+    EXPECT_TRUE(IsBlack(picture, {60, 240}));
+    EXPECT_EQ(paper.axis.Overlap(), QMargins(0, 0, 0, overlap));
   }
 }
 
@@ -123,8 +116,8 @@ TEST(Axis, DrawsAFrameOrOneLine) {
   paper.axis.SetShape(TAxis::shFrame);
   const QImage frame = paper.Draw();
   for (const QPoint& p : middles) {
-    EXPECT_EQ(IsBlack(line, p.x(), p.y()), p.y() == 240);
-    EXPECT_TRUE(IsBlack(frame, p.x(), p.y()));
+    EXPECT_EQ(IsBlack(line, p), p.y() == 240);
+    EXPECT_TRUE(IsBlack(frame, p));
   }
 }
 
@@ -136,39 +129,30 @@ TEST(Axis, DrawsNineTicksPerDecade) {
   paper.axis.SetScale(TAxis::asLog);
   GiveRange(paper.axis, 1, 100);
   const QImage picture = paper.Draw();
-  // 100 pixels to a decade: log10 of 1 to 9, in pixels.
-  const int inDecade[] = {0, 30, 48, 60, 70, 78, 85, 90, 95};
-  std::vector<int> expected;
-  for (int start : {60, 160}) {
-    for (int x : inDecade) expected.push_back(start + x);
-  }
-  expected.push_back(260);
   std::vector<int> drawn;
   for (int x = 0; x < picture.width(); ++x) {
-    if (IsBlack(picture, x, 240 + 2)) drawn.push_back(x);
+    if (IsBlack(picture, {x, 240 + 2})) drawn.push_back(x - 60);
   }
-  EXPECT_EQ(drawn, expected);
+  // 100 pixels to a decade: log10 of 1 to 9, in pixels.
+  EXPECT_THAT(drawn, testing::ElementsAre(0, 30, 48, 60, 70, 78, 85, 90, 95, 100, 130, 148, 160,
+                                          170, 178, 185, 190, 195, 200));
 }
 
 TEST(Axis, LabelsEveryMajorTickThatHasRoom) {
-  const struct {
-    int width;
-    TTickLabel::TLabelSpacing spacing;
-    int labels;
-  } cases[] = {
+  const std::tuple<int, TTickLabel::TLabelSpacing, int> cases[] = {
       {301, TTickLabel::lsAuto, 11},  // 30 pixels a step: "0.1" and its gap fit
       {301, TTickLabel::lsMinMax, 2},
       {151, TTickLabel::lsAuto, 7},  // 15 pixels a step: 0, 0.1, then every other one, 0.9, 1
   };
   const int tallest = LabelHeight();
   ASSERT_GT(LabelMetrics().horizontalAdvance("0.1") + 4, 15) << "the font is smaller than expected";
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.width);
+  for (const auto& [width, spacing, labels] : cases) {
+    SCOPED_TRACE(width);
     TAxisOnPaper paper(TAxis::alBottom);
-    paper.plot.setWidth(c.width);
-    paper.axis.GetLabel()->SetSpacing(c.spacing);
+    paper.plot.setWidth(width);
+    paper.axis.GetLabel()->SetSpacing(spacing);
     const QImage picture = paper.Draw();
-    EXPECT_EQ(RedGroups(picture, QRect(0, 245, 420, tallest), 4), c.labels);
+    EXPECT_EQ(RedGroups(picture, QRect(0, 245, 420, tallest), 4), labels);
   }
 }
 
@@ -252,17 +236,14 @@ TEST(Axis, PlacesTheTitleAlongTheAxis) {
   const int h = LabelHeight();
   const int below = 241 + 4 + h;
   const int beside = 60 - 4 - 2 - LabelMetrics().horizontalAdvance("0.5") - h;
-  const struct {
-    TAxisTitle::TTitlePos pos;
-    QRect horizontal, vertical;
-  } cases[] = {
+  const std::tuple<TAxisTitle::TTitlePos, QRect, QRect> cases[] = {
       {TAxisTitle::tiLeft, {60, below, w, h}, {beside, 241 - w, h, w}},
       {TAxisTitle::tiCenter, {60 + (301 - w) / 2, below, w, h}, {beside, 40 + (201 - w) / 2, h, w}},
       {TAxisTitle::tiRight, {361 - w, below, w, h}, {beside, 40, h, w}}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.pos);
-    for (auto& [paper, box] : {std::pair(&bottom, c.horizontal), std::pair(&left, c.vertical)}) {
-      paper->axis.GetTitle()->SetPos(c.pos);
+  for (const auto& [pos, horizontal, vertical] : cases) {
+    SCOPED_TRACE(pos);
+    for (auto& [paper, box] : {std::pair(&bottom, horizontal), std::pair(&left, vertical)}) {
+      paper->axis.GetTitle()->SetPos(pos);
       QImage picture = paper->Draw();
       EXPECT_TRUE(HasRed(picture, box));
       QPainter(&picture).fillRect(box.adjusted(-1, -1, 1, 1), Qt::white);
@@ -377,7 +358,7 @@ TEST(Axis, DrawsNothingWithoutRoomAndSurvivesEveryRange) {
       TAxisOnPaper paper(TAxis::alBottom);
       paper.axis.SetScale(scale);
       GiveRange(paper.axis, -limit, limit);
-      EXPECT_TRUE(IsBlack(paper.Draw(), 60, 244));
+      EXPECT_TRUE(IsBlack(paper.Draw(), {60, 244}));
       paper.plot = QRect(60, 40, 1, 1);
       EXPECT_TRUE(InkBox(paper.Draw()).isEmpty());
     }

@@ -64,25 +64,23 @@ TEST(AxisTicks, OfALinearAxisAreRoundNumbers) {
 }
 
 TEST(AxisTicks, OfALogarithmicAxisAreWholeDecades) {
-  const struct {
-    double min, max, start, end;
-    int decades;
-  } cases[] = {{3, 70, 1, 100, 2},
-               {1, 1000, 1, 1000, 3},          // already whole
-               {0.002, 5, 0.001, 10, 4},       //
-               {0, 50, 1e-6, 100, 8},          // a minimum of zero
-               {-5, -2, 1e-6, 1e-5, 1},        // nothing positive at all
-               {10, 10, 1, 10, 1},             // empty: a decade below
-               {100, 1, 10, 100, 1},           // collapses onto the minimum
-               {1, kInfinity, 1, 1e300, 300},  //
-               {1e-320, 1, 1e-300, 1, 300},    //
-               {-kInfinity, kInfinity, 1e-6, 1e300, 306},
-               {kNan, kNan, 1e-6, 1, 6}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
+  const std::tuple<double, double, double, double, int> cases[] = {
+      {3, 70, 1, 100, 2},
+      {1, 1000, 1, 1000, 3},          // already whole
+      {0.002, 5, 0.001, 10, 4},       //
+      {0, 50, 1e-6, 100, 8},          // a minimum of zero
+      {-5, -2, 1e-6, 1e-5, 1},        // nothing positive at all
+      {10, 10, 1, 10, 1},             // empty: a decade below
+      {100, 1, 10, 100, 1},           // collapses onto the minimum
+      {1, kInfinity, 1, 1e300, 300},  //
+      {1e-320, 1, 1e-300, 1, 300},    //
+      {-kInfinity, kInfinity, 1e-6, 1e300, 306},
+      {kNan, kNan, 1e-6, 1, 6}};
+  for (const auto& [min, max, start, end, decades] : cases) {
+    SCOPED_TRACE(testing::Message() << min << " .. " << max);
     TAxis axis;
-    ShowRange(axis, TAxis::asLog, c.min, c.max);
-    ExpectTicks(axis, c.start, c.end, c.decades, c.decades);
+    ShowRange(axis, TAxis::asLog, min, max);
+    ExpectTicks(axis, start, end, decades, decades);
   }
 }
 
@@ -127,22 +125,20 @@ TEST(AxisTicks, OfATimeAxisFollowCalendarUnits) {
 }
 
 TEST(AxisTicks, OfATimeAxisSurviveRangesWithoutACalendar) {
-  const struct {
-    double min, max, start, end;
-    int major;
-  } cases[] = {{36526.3, 36526.3, 36526, 36527, 24},  // empty: its whole day
-               {36526, 36526, 36526, 36527, 24},      // empty at midnight: the day that begins
-               {-kInfinity, kInfinity, -693500, 2956500, 100},  // years 1 to 9994
-               {1e300, 1e308, 2956500, 2956501, 24},            // behind the calendar
-               {36527, 36526, 36527, 36528, 24},                // collapses onto the minimum
-               {kNan, kNan, 0, 1, 24}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
+  const std::tuple<double, double, double, double, int> cases[] = {
+      {36526.3, 36526.3, 36526, 36527, 24},            // empty: its whole day
+      {36526, 36526, 36526, 36527, 24},                // empty at midnight: the day that begins
+      {-kInfinity, kInfinity, -693500, 2956500, 100},  // years 1 to 9994
+      {1e300, 1e308, 2956500, 2956501, 24},            // behind the calendar
+      {36527, 36526, 36527, 36528, 24},                // collapses onto the minimum
+      {kNan, kNan, 0, 1, 24}};
+  for (const auto& [min, max, start, end, major] : cases) {
+    SCOPED_TRACE(testing::Message() << min << " .. " << max);
     TAxis axis;
-    ShowRange(axis, TAxis::asTime, c.min, c.max);
-    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Start(), c.start);
-    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->End(), c.end);
-    EXPECT_EQ(axis.GetMajorTick()->Count(), c.major);
+    ShowRange(axis, TAxis::asTime, min, max);
+    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Start(), start);
+    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->End(), end);
+    EXPECT_EQ(axis.GetMajorTick()->Count(), major);
   }
 }
 

@@ -159,31 +159,30 @@ TEST(TBasicHistogram, TheGraphFollowsTheValues) {
 TEST(TOccurrenceHistogram, CountsOnlyValuesThatChangeTheBinIfAskedTo) {
   constexpr auto kAll = TOccurrenceHistogram::amAddAll;
   constexpr auto kChanged = TOccurrenceHistogram::amAddIfBinChanged;
-  const struct {
-    const char* name;
-    TOccurrenceHistogram::THistogramAddMode mode;
-    std::vector<double> values;
-    std::vector<TBar> bins;
-  } cases[] = {
-      {"all", kAll, {0.5, 0.5, 0.5}, {{1, 3}}},
-      {"constant", kChanged, {0.5, 0.5, 0.7, 1.0}, {{1, 1}}},
-      {"alternating", kChanged, {0.5, 1.5, 0.5, 1.5}, {{1, 2}, {2, 2}}},
-      {"a bin has its upper edge, not its lower", kChanged, {2.0, 1.5, 1.0, 2.0}, {{1, 1}, {2, 2}}},
-      {"before the first value the last bin is the one that ends at 0",
-       kChanged,
-       {-0.5, 0.0, 0.5, -0.5},
-       {{0, 1}, {1, 1}}},
-      {"a value without a bin is no change",
-       kChanged,
-       {0.5, kNan, 0.5, kInfinity, 0.5, 1e300, 0.5},
-       {{1, 1}}}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  const std::tuple<const char*, TOccurrenceHistogram::THistogramAddMode, std::vector<double>,
+                   std::vector<TBar>>
+      cases[] = {{"all", kAll, {0.5, 0.5, 0.5}, {{1, 3}}},
+                 {"constant", kChanged, {0.5, 0.5, 0.7, 1.0}, {{1, 1}}},
+                 {"alternating", kChanged, {0.5, 1.5, 0.5, 1.5}, {{1, 2}, {2, 2}}},
+                 {"a bin has its upper edge, not its lower",
+                  kChanged,
+                  {2.0, 1.5, 1.0, 2.0},
+                  {{1, 1}, {2, 2}}},
+                 {"before the first value the last bin is the one that ends at 0",
+                  kChanged,
+                  {-0.5, 0.0, 0.5, -0.5},
+                  {{0, 1}, {1, 1}}},
+                 {"a value without a bin is no change",
+                  kChanged,
+                  {0.5, kNan, 0.5, kInfinity, 0.5, 1e300, 0.5},
+                  {{1, 1}}}};
+  for (const auto& [name, mode, values, bins] : cases) {
+    SCOPED_TRACE(name);
     TOccurrenceHistogram histogram;
-    histogram.SetAddMode(c.mode);
-    for (const double value : c.values) histogram.SetValue(value);
-    EXPECT_EQ(Bins(histogram), c.bins);
-    EXPECT_EQ(histogram.GetValue(), c.values.back());
+    histogram.SetAddMode(mode);
+    for (const double value : values) histogram.SetValue(value);
+    EXPECT_EQ(Bins(histogram), bins);
+    EXPECT_EQ(histogram.GetValue(), values.back());
   }
   TOccurrenceHistogram histogram;
   histogram.SetAddMode(kChanged);

@@ -7,24 +7,26 @@
 
 namespace {
 
+using testing::DoubleNear;
+using testing::IsEmpty;
+using testing::Pointwise;
+
 TEST(DataPanel, LocatesValuesOnPixelsAndBack) {
   TPanelFixture f;
-  const struct {
-    TCoordinate value;
-    QPoint pixel;
-  } cases[] = {{{0.0, 0.0}, {20, 210}},  // bottom is 211, one past the last row
-               {{10.0, 10.0}, {120, 10}},
-               {{5.0, 2.5}, {70, 160}},
-               {{-1.0, 11.0}, {10, -10}}};
-  for (const auto& c : cases) {
-    TCoordinate value = c.value;
+  const std::pair<TCoordinate, QPoint> cases[] = {
+      {{0.0, 0.0}, {20, 210}},  // bottom is 211, one past the last row
+      {{10.0, 10.0}, {120, 10}},
+      {{5.0, 2.5}, {70, 160}},
+      {{-1.0, 11.0}, {10, -10}}};
+  for (const auto& [expected, at] : cases) {
+    TCoordinate value = expected;
     QPoint pixel;
     f.panel.LocateValue(pixel, value);
-    EXPECT_EQ(pixel, c.pixel);
-    EXPECT_EQ(value, c.value);
-    f.panel.LocateCoordinate(c.pixel, value);
-    EXPECT_NEAR(value.X, c.value.X, 1e-12);
-    EXPECT_NEAR(value.Y, c.value.Y, 1e-12);
+    EXPECT_EQ(pixel, at);
+    EXPECT_EQ(value, expected);
+    f.panel.LocateCoordinate(at, value);
+    EXPECT_NEAR(value.X, expected.X, 1e-12);
+    EXPECT_NEAR(value.Y, expected.Y, 1e-12);
   }
 }
 
@@ -132,45 +134,37 @@ TEST(DataPanel, VisibleSeriesMakeTheRanges) {
 
 TEST(DataPanel, BarsWidenTheRangeToTheirOtherEndAndTheirFoot) {
   TPanelFixture f;
-  TSeries* series = nullptr;
-  const auto expect = [&](TSeriesStyle::TPointStyle style, double minX, double minY) {
+  const auto leastOf = [&f](TSeries* series, TSeriesStyle::TPointStyle style) {
     series->GetStyle()->SetPointStyle(style);
     f.UpdateRanges();
-    EXPECT_EQ(series->RangeX().GetMin(), minX) << style;
-    EXPECT_EQ(series->RangeY().GetMin(), minY) << style;
+    return TMinMax(series->RangeX().GetMin(), series->RangeY().GetMin());
   };
-  series = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 7.0});
-  for (const auto style : {TSeriesStyle::psXBar, TSeriesStyle::psYBar}) {
-    expect(style, style == TSeriesStyle::psXBar ? 0.5 : 0.0, -4.0);
-  }
-  series = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 0.5});
-  expect(TSeriesStyle::psCircle, 1.0, 3.0);
-  expect(TSeriesStyle::psXBar, 0.5, 0.0);
-  expect(TSeriesStyle::psYBar, 0.0, 2.5);
-  f.vertical.SetScale(TAxis::asTime);
-  expect(TSeriesStyle::psXBar, 0.5, 2.5);  // the day 0 of the calendar is no foot
+  TSeries* high = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 7.0});
+  EXPECT_EQ(leastOf(high, TSeriesStyle::psXBar), TMinMax(0.5, -4.0));
+  EXPECT_EQ(leastOf(high, TSeriesStyle::psYBar), TMinMax(0.0, -4.0));
+  TSeries* low = f.AddCurve({{1.0, 3.0}, {2.0, 4.0}}, {0.5, 0.5});
+  EXPECT_EQ(leastOf(low, TSeriesStyle::psCircle), TMinMax(1.0, 3.0));
+  EXPECT_EQ(leastOf(low, TSeriesStyle::psXBar), TMinMax(0.5, 0.0));
+  EXPECT_EQ(leastOf(low, TSeriesStyle::psYBar), TMinMax(0.0, 2.5));
+  f.vertical.SetScale(TAxis::asTime);  // the day 0 of the calendar is no foot
+  EXPECT_EQ(leastOf(low, TSeriesStyle::psXBar), TMinMax(0.5, 2.5));
 }
 
 TEST(DataPanel, ASelectionMustExceedThreePixelsBothWays) {
-  const struct {
-    int dx, dy;
-    bool isSelection;
-  } cases[] = {{3, 50, false}, {50, 3, false}, {4, 4, true}, {-4, -4, true}, {0, 0, false}};
-  for (const auto& c : cases) {
+  // Left, upper, right, lower from wherever it was dragged; 10 and 20 pixels a unit.
+  const std::pair<QPoint, std::vector<double>> cases[] = {{{3, 50}, {}},
+                                                          {{50, 3}, {}},
+                                                          {{0, 0}, {}},
+                                                          {{4, 4}, {4.0, 5.5, 4.4, 5.3}},
+                                                          {{-4, -4}, {3.6, 5.7, 4.0, 5.5}}};
+  for (const auto& [by, values] : cases) {
     TPanelFixture f;
     f.panel.SetAllowSelection(true);
     f.panel.StartSelection({}, 60, 100);
-    f.panel.EndSelection({}, 60 + c.dx, 100 + c.dy);
-    double x1 = -1.0, y1 = -1.0, x2 = -1.0, y2 = -1.0;
-    EXPECT_EQ(f.panel.SelectionValues(x1, y1, x2, y2), c.isSelection) << c.dx << ", " << c.dy;
-    // Left, upper, right, lower from wherever it was dragged; 10 and 20 pixels a unit.
-    const double left = std::min(c.dx, 0) / 10.0, top = std::min(c.dy, 0) / 20.0;
-    EXPECT_NEAR(x1, c.isSelection ? 4.0 + left : -1.0, 1e-12);
-    EXPECT_NEAR(y1, c.isSelection ? 5.5 - top : -1.0, 1e-12);
-    EXPECT_NEAR(x2, c.isSelection ? 4.4 + left : -1.0, 1e-12);
-    EXPECT_NEAR(y2, c.isSelection ? 5.3 - top : -1.0, 1e-12);
+    f.panel.EndSelection({}, 60 + by.x(), 100 + by.y());
+    EXPECT_THAT(SelectionOf(f.panel), Pointwise(DoubleNear(1e-12), values));
     f.panel.SetAllowSelection(false);
-    EXPECT_FALSE(f.panel.SelectionValues(x1, y1, x2, y2));
+    EXPECT_THAT(SelectionOf(f.panel), IsEmpty());
   }
 }
 

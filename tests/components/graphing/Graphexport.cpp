@@ -87,30 +87,19 @@ TEST_F(GraphExport, ADiskThatFillsMidwayLeavesTheEarlierFile) {
 }
 #endif
 
-TEST_F(GraphExport, SaysWhyItCannotSave) {
-  QString message;
-  EXPECT_FALSE(SaveGraph(graph, "graph.bmp", &message));
-  EXPECT_EQ(message, "Cannot write graph.bmp: its name must end in .png, .svg or .pdf");
-  const QString lost = TestFolder() + "/missing/graph.png";
-  EXPECT_FALSE(SaveGraph(graph, lost, &message));
-  EXPECT_EQ(message, "Cannot write " + lost + ": No such file or directory");
-}
-
-TEST_F(GraphExport, WritesNoFileWithoutAPicture) {
-  const struct {
-    QSize size;
-    const char* name;
-    const char* message;
-  } cases[] = {
-      {{100000, 100000}, "a.png", ": a graph of 100000 x 100000 pixels has no such picture"},
-      {{0, 50}, "b.svg", ": a graph of 0 x 50 pixels has no such picture"},
-      {{50, 0}, "c.pdf", ": a graph of 50 x 0 pixels has no such picture"}};
-  for (const auto& c : cases) {
-    graph.resize(c.size);
-    const QString name = TestFolder() + '/' + c.name;
+TEST_F(GraphExport, SaysWhyItCannotSaveAndWritesNoFile) {
+  const std::tuple<QSize, const char*, const char*> cases[] = {
+      {graph.size(), "graph.bmp", "its name must end in .png, .svg or .pdf"},
+      {graph.size(), "missing/graph.png", "No such file or directory"},
+      {{100000, 100000}, "a.png", "a graph of 100000 x 100000 pixels has no such picture"},
+      {{0, 50}, "b.svg", "a graph of 0 x 50 pixels has no such picture"},
+      {{50, 0}, "c.pdf", "a graph of 50 x 0 pixels has no such picture"}};
+  for (const auto& [size, file, why] : cases) {
+    graph.resize(size);
+    const QString name = TestFolder() + '/' + file;
     QString message;
     EXPECT_FALSE(SaveGraph(graph, name, &message));
-    EXPECT_EQ(message, "Cannot write " + name + c.message);
+    EXPECT_EQ(message, "Cannot write " + name + ": " + why);
     EXPECT_FALSE(QFile::exists(name));
   }
   QPdfWriter page(TestFolder() + "/page.pdf");

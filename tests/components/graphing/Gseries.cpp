@@ -5,32 +5,29 @@
 
 namespace {
 
-TEST(SeriesStyle, ReportsRealChangesUnlessAnUpdateIsOpen) {
+TEST(SeriesStyle, RefusesWhatIsNoStyleAndReportsAnOpenUpdateAtItsEnd) {
   TSeriesStyle style;
   QSignalSpy changes(&style, &TSeriesStyle::OnChange);
-  style.SetLineColor(TColor::Blue());  // the default
-  style.SetLineWeight(0);              // refused
+  style.SetLineWeight(0);
   style.SetLineStyle(static_cast<TSeriesStyle::TPenStyle>(6));
   style.SetPointStyle(static_cast<TSeriesStyle::TPointStyle>(-1));
-  EXPECT_EQ(changes.count(), 0);
-  style.SetPointStyle(TSeriesStyle::psCross);
-  EXPECT_EQ(changes.count(), 1);
   style.BeginUpdate();
   style.SetLineWeight(3);
   style.SetPointColor(TColor::Green());
-  EXPECT_EQ(changes.count(), 1);
+  EXPECT_EQ(changes.count(), 0);
   style.EndUpdate();
-  EXPECT_EQ(changes.count(), 2);
+  EXPECT_EQ(changes.count(), 1);
 }
 
 TEST(SeriesStyle, HasTheDefaultsOfANewSeries) {
   const TSeriesStyle style;
+  EXPECT_EQ(PublishedNames(style).join(' '),
+            "LineColor FillColor LineStyle LineWeight PointColor PointStyle");
   EXPECT_EQ(style.GetLineColor().Value(), 0xff0000);  // blue is the third byte
   EXPECT_EQ(style.GetFillColor().Value(), 0x00ffff);
-  EXPECT_EQ(style.GetLineStyle(), 0);
-  EXPECT_EQ(style.GetLineWeight(), 1);
-  EXPECT_EQ(style.GetPointStyle(), 1);
   EXPECT_EQ(style.GetPointColor().Value(), 0);
+  EXPECT_EQ(std::tuple(style.GetLineStyle(), style.GetLineWeight(), style.GetPointStyle()),
+            std::tuple(TSeriesStyle::psSolid, 1, TSeriesStyle::psCircle));
 }
 
 TEST(Series, EveryPointHasItsMarkerTheFirstAndAnOnlyOneToo) {
@@ -138,18 +135,15 @@ TEST(ArraySeries, HoldsAFixedNumberOfPoints) {
   TPanelFixture f;
   auto* series = f.panel.AddSeries(std::make_unique<TArraySeries>(3));
   series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
-  series->SetPoint(0, {0.0, 5.0});
-  series->SetPoint(1, {4.0, 5.0});
-  series->SetPoint(2, {4.0, 7.0});
-  series->SetPoint(3, {9.0, 9.0});
+  const TCoordinate points[] = {{0.0, 5.0}, {4.0, 5.0}, {4.0, 7.0}, {9.0, 9.0}};
+  for (int i = 0; i < 4; ++i) series->SetPoint(i, points[i]);
   series->SetPoint(-1, {9.0, 9.0});
   EXPECT_EQ(series->PointCount(), 3);
   EXPECT_EQ(series->GetPoint(3), TCoordinate());
   EXPECT_EQ(InkBox(f.Picture()), QRect(QPoint(20, 70), QPoint(60, 110)));
-  series->UpdateRangeX();
-  series->UpdateRangeY();
-  EXPECT_EQ(series->RangeX().GetMax(), 4.0);
-  EXPECT_EQ(series->RangeY().GetMin(), 5.0);
+  f.UpdateRanges();
+  EXPECT_EQ(BoundsOf(series->RangeX()), TMinMax(0.0, 4.0));
+  EXPECT_EQ(BoundsOf(series->RangeY()), TMinMax(5.0, 7.0));
   EXPECT_EQ(TArraySeries(-5).PointCount(), 0);
 }
 
@@ -252,20 +246,20 @@ TEST(SeriesList, WritingAndReadingGivesTheSameSeries) {
 
 TEST(SeriesList, APanelKeepsItsOwnSeriesOnly) {
   TSeriesList link;
-  link.Add(std::make_unique<TSeries>())->SetLabel(QStringLiteral("linked"));
+  link.Add(std::make_unique<TSeries>())->SetLabel("linked");
   TPanelFixture f;
   f.panel.AddSeries(link);
-  f.panel.AddSeries(std::make_unique<TSliderSeries>())->SetLabel(QStringLiteral("own"));
+  f.panel.AddSeries(std::make_unique<TSliderSeries>())->SetLabel("own");
   const QString text = f.panel.GetSeriesData();
-  EXPECT_FALSE(text.contains(QStringLiteral("linked")));
+  EXPECT_FALSE(text.contains("linked"));
 
   TPanelFixture other;
   other.panel.AddSeries(link);
   other.panel.SetSeriesData(text);
   ASSERT_EQ(other.panel.GetSeriesList().Count(), 2);
-  EXPECT_EQ(other.panel.GetSeriesList().Get(0)->GetLabel(), QStringLiteral("own"));
+  EXPECT_EQ(other.panel.GetSeriesList().Get(0)->GetLabel(), "own");
   EXPECT_EQ(other.panel.GetSeriesList().Get(0)->Panel(), &other.panel);
-  EXPECT_EQ(other.panel.GetSeriesList().Get(1)->GetLabel(), QStringLiteral("linked"));
+  EXPECT_EQ(other.panel.GetSeriesList().Get(1)->GetLabel(), "linked");
 }
 
 TEST(SeriesList, ADamagedTextIsRefusedWithAReasonAndChangesNothing) {

@@ -1,12 +1,15 @@
 #pragma once
 
-#include <QRect>
-#include <memory>
-#include <vector>
-
 #include "components/graphing/Axis.h"
 #include "components/graphing/Gseries.h"
-#include "tests/support/Pictures.h"
+#include "tests/support/Testing.h"
+
+/// Shows a range that its user has chosen.
+inline void FixRange(TAxis& axis, double min, double max) {
+  axis.SetAutoMin(false);
+  axis.SetAutoMax(false);
+  axis.SetMinMax(min, max);
+}
 
 /// A data panel with two axes from 0 to 10 (0.01 to 100 if logarithmic), in a picture of its own.
 /// Its rectangle begins at (20, 10) and is 101 x 201 pixels: 10 pixels a unit to the right, 20
@@ -26,10 +29,8 @@ struct TPanelFixture {
     axis.SetAlign(align);
     axis.SetFixedOrigin(true);
     axis.OnQueryPlotRect = [] { return kRect; };
-    axis.SetAutoMin(false);
-    axis.SetAutoMax(false);
     if (isLog) axis.SetScale(TAxis::asLog);
-    axis.SetMinMax(isLog ? 0.01 : 0.0, isLog ? 100.0 : 10.0);
+    FixRange(axis, isLog ? 0.01 : 0.0, isLog ? 100.0 : 10.0);
     axis.AdjustOrigin();
   }
 
@@ -73,6 +74,14 @@ inline void GiveRange(TAxis& axis, double min, double max) {
     low = min;
     high = max;
   };
+}
+
+/// The values of a selection: left, upper, right, lower; none if nothing is selected.
+inline std::vector<double> SelectionOf(const TDataPanel& panel) {
+  std::vector<double> values(4, -1.0);
+  if (panel.SelectionValues(values[0], values[1], values[2], values[3])) return values;
+  EXPECT_EQ(values, std::vector<double>(4, -1.0)) << "nothing is told";
+  return {};
 }
 
 using TMinMax = std::pair<double, double>;

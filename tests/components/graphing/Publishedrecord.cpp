@@ -23,18 +23,14 @@ class TMarked : public TPersistent {
 TEST(PublishedRecord, KeepsASetByTheNamesOfItsMembers) {
   TMarked object;
   EXPECT_EQ(WritePublished(object), (QJsonObject{{"Marks", "maMean|maExtremes"}}));
-  const struct {
-    QJsonValue written;
-    bool isRead;
-    int marks;
-  } cases[] = {
+  const std::tuple<QJsonValue, bool, int> cases[] = {
       {"maSpread|maExtremes", true, 6}, {"", true, 0}, {"maSpread|maRed", false, 5}, {6, false, 5}};
-  for (const auto& c : cases) {
+  for (const auto& [written, isRead, marks] : cases) {
     TMarked read;
     QString error;
-    EXPECT_EQ(ReadPublished({{"Marks", c.written}}, read, &error), c.isRead);
-    EXPECT_EQ(static_cast<int>(read.marks), c.marks);
-    EXPECT_EQ(error, c.isRead ? "" : "TMarked.Marks has a value of another kind");
+    EXPECT_EQ(ReadPublished({{"Marks", written}}, read, &error), isRead);
+    EXPECT_EQ(static_cast<int>(read.marks), marks);
+    EXPECT_EQ(error, isRead ? "" : "TMarked.Marks has a value of another kind");
   }
 }
 
