@@ -27,37 +27,32 @@ class ImageButton : public testing::Test {
 };
 
 /// The mouse comes and goes as the window system would report it.
-void Enter(QWidget& widget) {
-  QEnterEvent event(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
-  QCoreApplication::sendEvent(&widget, &event);
-}
-void Leave(QWidget& widget) {
-  QEvent event(QEvent::Leave);
-  QCoreApplication::sendEvent(&widget, &event);
+void MoveMouse(QWidget& widget, bool inside) {
+  QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
+  QEvent leave(QEvent::Leave);
+  QCoreApplication::sendEvent(&widget, inside ? &enter : &leave);
 }
 
 }  // namespace
 
 TEST_F(ImageButton, ChoosesItsFaceByState) {
   enum { up, highlight, down, disabled };
-  const struct {
-    bool enabled, isDown, pressed, inside;
-    int face;
-  } cases[] = {{true, false, false, false, up},        {true, false, false, true, highlight},
-               {true, true, false, false, down},       {true, true, false, true, down},
-               {true, false, true, false, down},       {true, false, true, true, down},
-               {false, false, false, false, disabled}, {false, true, false, false, disabled},
-               {false, false, false, true, disabled},  {false, true, false, true, disabled}};
+  const std::tuple<bool, bool, bool, bool, int> cases[] = {
+      {true, false, false, false, up},        {true, false, false, true, highlight},
+      {true, true, false, false, down},       {true, true, false, true, down},
+      {true, false, true, false, down},       {true, false, true, true, down},
+      {false, false, false, false, disabled}, {false, true, false, false, disabled},
+      {false, false, false, true, disabled},  {false, true, false, true, disabled}};
   button.SetStateButton(true);
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.enabled << c.isDown << c.pressed << c.inside);
-    button.setEnabled(c.enabled);
-    button.SetDown(c.isDown);
-    c.inside ? Enter(button) : Leave(button);
-    if (c.pressed) QTest::mousePress(&button, Qt::LeftButton);
-    EXPECT_EQ(button.FaceIndex(), c.face);
-    EXPECT_EQ(Middle(button.Picture()), Middle(images.Image(c.face, 1.0)));
-    if (c.pressed) QTest::mouseRelease(&button, Qt::LeftButton);
+  for (const auto& [enabled, isDown, pressed, inside, face] : cases) {
+    SCOPED_TRACE(testing::Message() << enabled << isDown << pressed << inside);
+    button.setEnabled(enabled);
+    button.SetDown(isDown);
+    MoveMouse(button, inside);
+    if (pressed) QTest::mousePress(&button, Qt::LeftButton);
+    EXPECT_EQ(button.FaceIndex(), face);
+    EXPECT_EQ(Middle(button.Picture()), Middle(images.Image(face, 1.0)));
+    if (pressed) QTest::mouseRelease(&button, Qt::LeftButton);
   }
 }
 

@@ -12,6 +12,8 @@ const QByteArray kData =
     "[F = 5]\n1 0 0 1\n2 0 0 0\n3 0 0 0\n[F = 20]\n1 0 0 0\n2 0 2 0\n3 0 0 0\n"
     "[F = 7.5]\n1 0 0 0\n2 0 0 0\n3 4 0 0\n";
 
+constexpr double kStep = 0.6283185307179586;  // a tenth of a turn
+
 /// A model whose reading takes several steps.
 QByteArray LargeModel() {
   QByteArray text = "[Nodes]\n";
@@ -103,9 +105,8 @@ TEST_F(Viewwnd, HasTheMenusOfTheProgram) {
 TEST_F(Viewwnd, StartsWithItsDefaults) {
   ExpectTitle("");
   const TAppearance& looks = window->Appearance();
-  EXPECT_EQ(looks.BackColor, TColor::Black());
-  EXPECT_EQ(looks.ElementColor, TColor::White());
-  EXPECT_EQ(looks.NodeColor, TColor::Green());
+  EXPECT_EQ(std::tuple(looks.BackColor, looks.ElementColor, looks.NodeColor),
+            std::tuple(TColor::Black(), TColor::White(), TColor::Green()));
   EXPECT_EQ(looks.NodeShape, TNodeShape::Sphere);
   EXPECT_EQ(Find<QSlider>("Speed")->value(), 50);
   EXPECT_EQ(Find<QSlider>("ScaleBar")->value(), 5);
@@ -170,17 +171,7 @@ TEST_F(Viewwnd, ADismissedDialogChangesNothing) {
   EXPECT_EQ(modelStart, "");
 }
 
-TEST_F(Viewwnd, UnloadingTheDataBringsEveryNodeBackToRest) {
-  LoadBoth();
-  Click("SumScale");
-  Click("AnimForward");
-  EXPECT_NE(window->Model().Display.Get(0)->Position, TVertex{});
-  Trigger("UnloadDataMenu");
-  EXPECT_EQ(window->Model().Nodes.Count(), 3u);
-  for (const TNode* node : window->Model().Display) EXPECT_EQ(node->Position, TVertex{});
-}
-
-TEST_F(Viewwnd, TheUndeformedModelIsShownWhileThereAreNoData) {
+TEST_F(Viewwnd, UnloadingTheDataShowsTheModelAndBringsEveryNodeBackToRest) {
   LoadModel(kModel);
   EXPECT_TRUE(IsChecked("ShowModelMenu"));
   LoadData(kData);
@@ -190,9 +181,14 @@ TEST_F(Viewwnd, TheUndeformedModelIsShownWhileThereAreNoData) {
     EXPECT_EQ(IsChecked("ShowModelMenu"), shown);
     EXPECT_EQ(window->Model().Loaded, shown);
   }
+  Click("SumScale");
+  Click("AnimForward");
+  EXPECT_NE(window->Model().Display.Get(0)->Position, TVertex{});
   Trigger("UnloadDataMenu");
   EXPECT_TRUE(IsChecked("ShowModelMenu"));
   EXPECT_TRUE(window->Model().Loaded);
+  EXPECT_EQ(window->Model().Nodes.Count(), 3u);
+  for (const TNode* node : window->Model().Display) EXPECT_EQ(node->Position, TVertex{});
 }
 
 TEST_F(Viewwnd, WhatCannotBeReadOrIsOfAnotherKindLeavesEverythingAndIsSaid) {
@@ -328,22 +324,14 @@ TEST_F(Viewwnd, WhatWasDroppedIsSaidAndTheRestIsKept) {
   LoadModel("[Nodes]\n1 0 0 0\n2 1 0 0\n[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 99\n", "b.mod");
   EXPECT_EQ(window->Model().Elements.Count(), 1u);
   ExpectTitle(" : b.mod");
-  const QStringList messages = TakeMessages();
-  ASSERT_EQ(messages.size(), 1);
-  EXPECT_TRUE(messages[0].startsWith("b.mod, line 7: ")) << messages[0].toStdString();
-  EXPECT_TRUE(messages[0].contains("99")) << messages[0].toStdString();
+  EXPECT_EQ(TakeMessages(), QStringList("b.mod, line 7: element 2 names node 99, which does not "
+                                        "exist; the element was dropped."));
 }
 
 TEST_F(Viewwnd, SpeedGivesTheInterval) {
-  for (const auto& [position, ticks] : {std::pair(10, 15u),
-                                        {11, 14u},
-                                        {50, 11u},
-                                        {55, 10u},
-                                        {60, 10u},
-                                        {61, 9u},
-                                        {140, 2u},
-                                        {141, 1u},
-                                        {150, 1u}}) {
+  const std::pair<int, quint32> cases[] = {{10, 15}, {11, 14}, {50, 11}, {55, 10}, {60, 10},
+                                           {61, 9},  {140, 2}, {141, 1}, {150, 1}};
+  for (const auto& [position, ticks] : cases) {
     Find<QSlider>("Speed")->setValue(position);
     EXPECT_EQ(window->AnimationTimer().GetInterval(), ticks) << position;
   }
@@ -352,21 +340,20 @@ TEST_F(Viewwnd, SpeedGivesTheInterval) {
 TEST_F(Viewwnd, TheAnimationStepsOnEveryIntervalAndTheStepButtonsWait) {
   LoadBoth();
   Find<QSlider>("Speed")->setValue(60);  // ten ticks
+  const double& phase = window->Animation().Phase;
   Click("Anim");
   EXPECT_FALSE(Find<TImageButton>("AnimBack")->isEnabled());
   EXPECT_FALSE(Find<TImageButton>("AnimForward")->isEnabled());
   Tick(9);
-  EXPECT_EQ(window->Animation().Phase, 0.0);
+  EXPECT_EQ(phase, 0.0);
   Tick(1);
-  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
-  EXPECT_EQ(Data().Shown.Get(2)->Phase, 0.6283185307179586);
+  EXPECT_EQ(phase, kStep);
+  EXPECT_EQ(Data().Shown.Get(2)->Phase, kStep);
   Click("Anim");
   Tick(50);
-  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  EXPECT_EQ(phase, kStep);
   Click("AnimBack");
-  EXPECT_EQ(window->Animation().Phase, 0.0);
-  Click("AnimForward");
-  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  EXPECT_EQ(phase, 0.0);
 }
 
 TEST_F(Viewwnd, TheScaleButtonsAreARadioGroup) {
@@ -411,11 +398,11 @@ TEST_F(Viewwnd, TheLegendChangesWhatIsAnimated) {
 }
 
 TEST_F(Viewwnd, TheViewButtonsTurnTheView) {
-  const std::pair<const char*, TVertex> cases[] = {{"ViewX", {0, -90, 0}},
-                                                   {"ViewY", {90, 0, 0}},
-                                                   {"ViewZ", {0, 0, 0}},
-                                                   {"View3D", {30, -45, 0}}};
-  for (const auto& [button, rotation] : cases) {
+  const TVertex oblique{30, -45, 0};
+  for (const auto& [button, rotation] : {std::pair("ViewX", TVertex{0, -90, 0}),
+                                         {"ViewY", {90, 0, 0}},
+                                         {"ViewZ", {0, 0, 0}},
+                                         {"View3D", oblique}}) {
     Panel().View.Rotation = {1, 2, 3};
     Click(button);
     EXPECT_EQ(Panel().View.Rotation, rotation) << button;
@@ -424,36 +411,34 @@ TEST_F(Viewwnd, TheViewButtonsTurnTheView) {
   Panel().View.PanPosX = 2.0;
   Panel().resize(400, 200);
   Click("View1_1");
-  EXPECT_EQ(Panel().View.Zoom, 1.0);
-  EXPECT_EQ(Panel().View.ScaleX, 2.0);
-  EXPECT_EQ(Panel().View.ScaleY, 1.0);
-  EXPECT_EQ(Panel().View.PanPosX, 0.0);
-  EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
+  const TViewTransform& view = Panel().View;
+  EXPECT_EQ(std::tuple(view.Zoom, view.ScaleX, view.ScaleY, view.PanPosX),
+            std::tuple(1.0, 2.0, 1.0, 0.0));
+  EXPECT_EQ(view.Rotation, oblique);
 }
 
 TEST_F(Viewwnd, ColorsAndShapeReachTheModelAndAllData) {
   LoadBoth();
-  const auto choose = [&](const char* item, const QColor& color) {
-    window->Dialogs.Color = [color](auto...) { return color; };
-    Trigger(item);
-  };
-  choose("ElementsMenu", QColor(1, 2, 3));
-  choose("NodesMenu", QColor(4, 5, 6));
-  choose("BackgroundMenu", QColor(7, 8, 9));
-  choose("FontMenu", QColor(10, 11, 12));
+  const QColor elements(1, 2, 3), nodes(4, 5, 6), back(7, 8, 9), font(10, 11, 12);
+  for (const auto& [menu, color] : {std::pair("ElementsMenu", elements),
+                                    {"NodesMenu", nodes},
+                                    {"BackgroundMenu", back},
+                                    {"FontMenu", font}}) {
+    window->Dialogs.Color = [chosen = color](auto...) { return chosen; };
+    Trigger(menu);
+  }
   Trigger("CubeMenu");
   EXPECT_FALSE(IsChecked("SphereMenu"));
   LoadData(kData);  // new data take the same colours
-  const auto check = [](const TDataNodeList& list) {
-    EXPECT_EQ(list.ElementColor, TColor::FromRgb(1, 2, 3));
-    EXPECT_EQ(list.NodeColor, TColor::FromRgb(4, 5, 6));
-    EXPECT_EQ(list.NodeShape, TNodeShape::Cube);
-  };
-  check(window->Model().Nodes);
-  check(window->Model().Display);
-  for (const TDataNodeList* list : Data().All) check(*list);
-  EXPECT_EQ(Panel().BackColor, QColor(7, 8, 9));
-  EXPECT_EQ(window->Appearance().FontColor, TColor::FromRgb(10, 11, 12));
+  std::vector<const TDataNodeList*> lists{&window->Model().Nodes, &window->Model().Display};
+  for (const TDataNodeList* list : Data().All) lists.push_back(list);
+  for (const TDataNodeList* list : lists) {
+    EXPECT_EQ(list->ElementColor.ToQColor(), elements);
+    EXPECT_EQ(list->NodeColor.ToQColor(), nodes);
+    EXPECT_EQ(list->NodeShape, TNodeShape::Cube);
+  }
+  EXPECT_EQ(Panel().BackColor, back);
+  EXPECT_EQ(window->Appearance().FontColor.ToQColor(), font);
 }
 
 TEST_F(Viewwnd, TheStatusBarSaysWhatIsThereAndWhereItStands) {
@@ -520,36 +505,32 @@ TEST_F(Viewwnd, NothingElseHappensWhileALoadIsOnItsWay) {
 }
 
 TEST_F(Viewwnd, DroppedFilesAreDistinguishedByTheirContent) {
-  const QString model = WriteTestFile("x.txt", kModel), data = WriteTestFile("y.txt", kData);
-  const auto drop = [&](const QStringList& names) {
-    QMimeData mime;
-    QList<QUrl> urls;
-    for (const QString& name : names) urls << QUrl::fromLocalFile(name);
-    mime.setUrls(urls);
+  const QUrl model = QUrl::fromLocalFile(WriteTestFile("x.txt", kModel));
+  const QUrl data = QUrl::fromLocalFile(WriteTestFile("y.txt", kData));
+  const auto isTaken = [&](const QMimeData& mime) {
     QDragEnterEvent enter({9, 9}, Qt::CopyAction, &mime, Qt::LeftButton, {});
     QCoreApplication::sendEvent(window.get(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
-    QDropEvent event({9, 9}, Qt::CopyAction, &mime, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(window.get(), &event);
-    QCoreApplication::processEvents();
+    return enter.isAccepted();
   };
-  drop({data, model});
-  ExpectTitle(" : x.txt + y.txt");
-  drop({model});
-  ExpectTitle(" : x.txt");
-  drop({data});
-  ExpectTitle(" : x.txt + y.txt");
-  EXPECT_TRUE(TakeMessages().isEmpty());
-  drop({model, model});
-  ExpectTitle(" : x.txt + y.txt");
+  const std::pair<QList<QUrl>, QString> cases[] = {{{data, model}, " : x.txt + y.txt"},
+                                                   {{model}, " : x.txt"},
+                                                   {{data}, " : x.txt + y.txt"},
+                                                   {{model, model}, " : x.txt + y.txt"}};
+  for (const auto& [files, title] : cases) {
+    EXPECT_TRUE(TakeMessages().isEmpty());
+    QMimeData mime;
+    mime.setUrls(files);
+    EXPECT_TRUE(isTaken(mime));
+    QDropEvent drop({9, 9}, Qt::CopyAction, &mime, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window.get(), &drop);
+    QCoreApplication::processEvents();
+    ExpectTitle(title);
+  }
   EXPECT_EQ(TakeMessages(),
             QStringList("Only one model file and one data file can be opened at a time."));
-
   QMimeData text;
   text.setText("no file");
-  QDragEnterEvent enter({9, 9}, Qt::CopyAction, &text, Qt::LeftButton, {});
-  QCoreApplication::sendEvent(window.get(), &enter);
-  EXPECT_FALSE(enter.isAccepted());
+  EXPECT_FALSE(isTaken(text));
 }
 
 TEST_F(Viewwnd, ComesBackAsItWasLeft) {
@@ -633,7 +614,6 @@ TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
 
 TEST_F(Viewwnd, InTheLegendTheSpaceBarIsTheLegends) {
   LoadBoth();
-  window->show();
   Trigger("ShowLegendMenu");
   ShowActive(window->Legend());
   Labels().setCurrentRow(1, QItemSelectionModel::NoUpdate);
@@ -641,7 +621,7 @@ TEST_F(Viewwnd, InTheLegendTheSpaceBarIsTheLegends) {
   EXPECT_EQ(window->Legend().MakeCheckString(), "101");
   EXPECT_FALSE(window->AnimationTimer().GetEnabled());
   QTest::keyClick(&Labels(), Qt::Key_Right);
-  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
+  EXPECT_EQ(window->Animation().Phase, kStep);
   TakeMessages();
 }
 
@@ -649,10 +629,10 @@ TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
   LoadBoth();
   ShowActive(*window);
   const auto press = [&](Qt::Key key) { QTest::keyClick(window.get(), key); };
-  press(Qt::Key_Right);
-  EXPECT_EQ(window->Animation().Phase, 0.6283185307179586);
-  press(Qt::Key_Left);
-  EXPECT_EQ(window->Animation().Phase, 0.0);
+  for (const auto& [key, phase] : {std::pair(Qt::Key_Right, kStep), {Qt::Key_Left, 0.0}}) {
+    press(key);
+    EXPECT_EQ(window->Animation().Phase, phase);
+  }
   for (const char* name : {"Speed", "ScaleBar"}) {  // which has the keyboard, moves
     auto* slider = Find<QSlider>(name);
     const int start = slider->value();
@@ -665,15 +645,15 @@ TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
   }
   press(Qt::Key_Space);
   EXPECT_TRUE(window->AnimationTimer().GetEnabled());
-  for (const auto& [key, type] :
-       {std::pair(Qt::Key_R, TScaleType::Relative), std::pair(Qt::Key_S, TScaleType::Sum),
-        std::pair(Qt::Key_A, TScaleType::Absolute)}) {
+  for (const auto& [key, type] : {std::pair(Qt::Key_R, TScaleType::Relative),
+                                  {Qt::Key_S, TScaleType::Sum},
+                                  {Qt::Key_A, TScaleType::Absolute}}) {
     press(key);
     EXPECT_EQ(window->Animation().ScaleType, type);
   }
-  press(Qt::Key_X);
-  EXPECT_EQ(Panel().View.Rotation.y, -90);
-  press(Qt::Key_3);
-  EXPECT_EQ(Panel().View.Rotation.y, -45);
+  for (const auto& [key, turn] : {std::pair(Qt::Key_X, -90.0), {Qt::Key_3, -45.0}}) {
+    press(key);
+    EXPECT_EQ(Panel().View.Rotation.y, turn);
+  }
   TakeMessages();
 }

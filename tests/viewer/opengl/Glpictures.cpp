@@ -113,21 +113,17 @@ class GlPictures : public testing::Test {
 
 TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
   MakeMixedModel(model_, list_);
-  const struct {
-    const char* name;
-    TVertex rotation;
-    TNodeShape shape;
-    double zoom;
-  } cases[] = {{"oblique", {30, -45, 0}, TNodeShape::Sphere, 1.0},
-               {"front", {0, 0, 0}, TNodeShape::Sphere, 0.9},
-               {"cubes", {-60, 130, 0}, TNodeShape::Cube, 1.0},
-               {"mirrored", {20, 200, 0}, TNodeShape::Sphere, -1.0},
-               {"close", {30, -45, 0}, TNodeShape::Sphere, 0.2}};
-  for (const auto& c : cases) {
-    view_.Rotation = c.rotation;
-    view_.Zoom = c.zoom;
-    list_.NodeShape = c.shape;
-    ExpectSame(c.name);
+  const std::tuple<const char*, TVertex, TNodeShape, double> cases[] = {
+      {"oblique", {30, -45, 0}, TNodeShape::Sphere, 1.0},
+      {"front", {0, 0, 0}, TNodeShape::Sphere, 0.9},
+      {"cubes", {-60, 130, 0}, TNodeShape::Cube, 1.0},
+      {"mirrored", {20, 200, 0}, TNodeShape::Sphere, -1.0},
+      {"close", {30, -45, 0}, TNodeShape::Sphere, 0.2}};
+  for (const auto& [name, rotation, shape, zoom] : cases) {
+    view_.Rotation = rotation;
+    view_.Zoom = zoom;
+    list_.NodeShape = shape;
+    ExpectSame(name);
   }
 }
 
@@ -135,7 +131,6 @@ TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
 TEST_F(GlPictures, LightStandsInsideALargeModel) {
   MakeMixedModel(model_, list_);
   for (TNode* node : model_.Nodes) node->Position = 10.0 * node->Position;
-  list_.NodesChanged();
   for (TElement* element : model_.Elements) {
     element->Radius *= 10.0;
     element->RollParam1 *= 10.0;

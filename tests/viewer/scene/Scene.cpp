@@ -50,29 +50,27 @@ struct TSceneTest : testing::Test {
 
 TEST(TCylinderFrame, TiltsTheAxesOfACylinderAlongZOntoItsDirection) {
   const double s = kHalf, e = 0.25 * std::sqrt(2.0);  // 0.5 sin 45 degrees
-  const struct {
-    TVertex along, right, up;
-  } cases[] = {{{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-               {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},  // 180 degrees about the y axis
-               {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-               {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
-               {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},
-               {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-               // 45 degrees about (-s, s, 0).
-               {{0.5, 0.5, s}, {0.5 + e, e - 0.5, -0.5}, {e - 0.5, 0.5 + e, -0.5}},
-               // 135 degrees about (s, s, 0).
-               {{0.5, -0.5, -s}, {0.5 - e, 0.5 + e, -0.5}, {0.5 + e, 0.5 - e, 0.5}}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.along.x << ' ' << c.along.y << ' ' << c.along.z);
+  const std::tuple<TVertex, TVertex, TVertex> cases[] = {
+      {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+      {{0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},  // 180 degrees about the y axis
+      {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+      {{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}},
+      {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}},
+      {{0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+      // 45 degrees about (-s, s, 0).
+      {{0.5, 0.5, s}, {0.5 + e, e - 0.5, -0.5}, {e - 0.5, 0.5 + e, -0.5}},
+      // 135 degrees about (s, s, 0).
+      {{0.5, -0.5, -s}, {0.5 - e, 0.5 + e, -0.5}, {0.5 + e, 0.5 - e, 0.5}}};
+  for (const auto& [along, right, up] : cases) {
+    SCOPED_TRACE(testing::Message() << along.x << ' ' << along.y << ' ' << along.z);
     const auto end = [&](double length) {
-      return TPoint{float(length * c.along.x), float(length * c.along.y),
-                    float(length * c.along.z)};
+      return TPoint{float(length * along.x), float(length * along.y), float(length * along.z)};
     };
     const TCylinderFrame frame({}, end(3.0));
     EXPECT_NEAR(frame.length, 3.0, 1e-6);
-    EXPECT_TRUE(Near(frame.along, c.along));
-    EXPECT_TRUE(Near(frame.right, c.right));
-    EXPECT_TRUE(Near(frame.up, c.up));
+    EXPECT_TRUE(Near(frame.along, along));
+    EXPECT_TRUE(Near(frame.right, right));
+    EXPECT_TRUE(Near(frame.up, up));
   }
   EXPECT_EQ(TCylinderFrame({1, 2, 3}, {1, 2, 3}).length, 0.0);
 }
@@ -194,23 +192,20 @@ TEST_F(TSceneTest, BarsInsideTheirNodesAreLeftOut) {
 
 TEST_F(TSceneTest, CapsAreLeftOutOnlyWhereNodesHideThem) {
   // A cube of edge 1 hides a ball of radius 0.5, a sphere one of radius 1.
-  const struct {
-    TNodeShape shape;
-    double radius;
-    bool own;
-  } cases[] = {{TNodeShape::Sphere, 0.99, true},  {TNodeShape::Sphere, 1.01, true},
-               {TNodeShape::Cube, 0.49, true},    {TNodeShape::Cube, 0.51, true},
-               {TNodeShape::Sphere, 0.99, false}, {TNodeShape::Cube, 0.51, false}};
+  const std::tuple<TNodeShape, double, bool> cases[] = {
+      {TNodeShape::Sphere, 0.99, true},  {TNodeShape::Sphere, 1.01, true},
+      {TNodeShape::Cube, 0.49, true},    {TNodeShape::Cube, 0.51, true},
+      {TNodeShape::Sphere, 0.99, false}, {TNodeShape::Cube, 0.51, false}};
   TElement* bar = Join(TElement::kBar, {{0, 0, -4}, {0, 0, 4}});
   model.Nodes.ShowNodes = true;
-  for (const auto& c : cases) {
-    model.Nodes.NodeShape = c.shape;
-    bar->Radius = c.own ? c.radius : 0.0;
-    model.Nodes.ElementRadius = c.radius;
+  for (const auto& [shape, radius, own] : cases) {
+    model.Nodes.NodeShape = shape;
+    bar->Radius = own ? radius : 0.0;
+    model.Nodes.ElementRadius = radius;
     Build({0.6, 0.0, 0.8});
     const bool cap = std::ranges::any_of(scene.Cylinders().vertices,
                                          [](const auto& v) { return v.normal.z == 127; });
-    EXPECT_EQ(cap, c.radius > (c.shape == TNodeShape::Cube ? 0.5 : 1.0)) << c.radius << c.own;
+    EXPECT_EQ(cap, radius > (shape == TNodeShape::Cube ? 0.5 : 1.0)) << radius << own;
   }
 }
 
@@ -371,19 +366,17 @@ TEST(TStamp, SpheresGetMoreSidesAsTheyGrow) {
 
 TEST(TViewTransform, AspectFollowsTheSize) {
   TViewTransform view;
-  view.ScaleViewPort(400, 200);
-  EXPECT_EQ(view.ScaleX, 2.0);
-  EXPECT_EQ(view.ScaleY, 1.0);
-  view.ScaleViewPort(200, 400);
-  EXPECT_EQ(view.ScaleX, 1.0);
-  EXPECT_EQ(view.ScaleY, 2.0);
-  view.ScaleViewPort(300, 0);  // a hidden panel
-  EXPECT_EQ(view.ScaleY, 2.0);
+  const std::pair<QSize, QSizeF> cases[] = {
+      {{400, 200}, {2, 1}}, {{200, 400}, {1, 2}}, {{300, 0}, {1, 2}}};
+  for (const auto& [size, scale] : cases) {  // without height the panel is hidden
+    view.ScaleViewPort(size.width(), size.height());
+    EXPECT_EQ(QSizeF(view.ScaleX, view.ScaleY), scale);
+  }
   view.ModelSize = 5.0;
-  view.Zoom = 2.0;
-  EXPECT_DOUBLE_EQ(view.PixelsPerUnit(200, 400), 10.0);
-  view.Zoom = 0.0;
-  EXPECT_EQ(view.PixelsPerUnit(200, 400), 0.0);
+  for (const auto& [zoom, pixels] : {std::pair(2.0, 10.0), {0.0, 0.0}}) {
+    view.Zoom = zoom;
+    EXPECT_DOUBLE_EQ(view.PixelsPerUnit(200, 400), pixels);
+  }
 }
 
 TEST(TViewTransform, TheRotatedDirectionPointsAtTheViewer) {

@@ -32,11 +32,9 @@ TEST(Commandline, TakesEveryOption) {
   const TCommandLine line =
       Parse({model, "--render", "p.png", data, "--frames", "12", "--size=640x480", "--view", "y",
              "--scale-type", "sum", "--settings", ini, "--animate"});
-  EXPECT_EQ(line.Fault, "");
-  EXPECT_EQ(line.ModelFile, model);
-  EXPECT_EQ(line.DataFile, data);
-  EXPECT_EQ(line.SettingsFile, ini);
-  EXPECT_EQ(line.RenderFile, "p.png");
+  EXPECT_THAT(
+      QStringList({line.Fault, line.ModelFile, line.DataFile, line.SettingsFile, line.RenderFile}),
+      testing::ElementsAre("", model, data, ini, "p.png"));
   EXPECT_EQ(line.Frames, 12);
   EXPECT_EQ(line.Size, QSize(640, 480));
   EXPECT_EQ(line.Rotation, (TVertex{90, 0, 0}));
@@ -110,19 +108,15 @@ TEST(Commandline, OverridesTheSettings) {
   const TSettings plain = SettingsOf(Parse({"--settings", ini}), "/opt/v/velmora-animator");
   EXPECT_EQ(plain.ModelFile, "/opt/v/bare.mod");
   EXPECT_EQ(plain.DataFile, "/there/b.dat");
-  EXPECT_EQ(plain.ScaleType, 2);
-  EXPECT_EQ(plain.RotX, 11);
-  EXPECT_FALSE(plain.AnimationOn);
+  EXPECT_EQ(std::tuple(plain.ScaleType, plain.RotX, plain.AnimationOn), std::tuple(2, 11, false));
   const TCommandLine line =
       Parse({"--settings", ini, model, "--view", "x", "--scale-type", "relative", "--animate"});
   TSettings other = SettingsOf(line, "/opt/v/velmora-animator");
   NameFiles(line, other);
   EXPECT_EQ(other.ModelFile, model);
   EXPECT_EQ(other.DataFile, "");  // the data of another model are of no use
-  EXPECT_EQ(other.ScaleType, 1);
-  EXPECT_EQ(other.RotX, 0);
-  EXPECT_EQ(other.RotY, -90);
-  EXPECT_TRUE(other.AnimationOn);
+  EXPECT_EQ(std::tuple(other.ScaleType, other.RotX, other.RotY, other.AnimationOn),
+            std::tuple(1, 0, -90, true));
 }
 
 TEST(Commandline, WithoutADisplayThereIsHelpAndASentenceForEverythingElse) {
@@ -146,16 +140,20 @@ TEST(Commandline, WithoutADisplayThereIsHelpAndASentenceForEverythingElse) {
   EXPECT_EQ(run.Out, "");
 }
 
-TEST(GlCommandline, RendersWithAndWithoutADisplay) {
-  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData);
+TEST(GlCommandline, RendersWithAndWithoutADisplayAndFollowsItsSettings) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData),
+                ini = WriteTestFile("a.ini", "[Colors]\nBackColor=255\n");
   const QMap<QString, QString> own{{"DISPLAY", qEnvironmentVariable("DISPLAY")}};
   for (const auto& display : {QMap<QString, QString>(), kNoSuchDisplay, own}) {
-    const TRun run = RunAnimator({model, data, "--render", "p.png", "--size", "320x200"}, display);
+    const TRun run = RunAnimator(
+        {model, data, "--settings", ini, "--render", "p.png", "--size", "320x200"}, display);
     EXPECT_EQ(run.Status, 0);
     EXPECT_EQ(run.Errors, "");
     EXPECT_EQ(Pictures(), QStringList("p.png"));
-    EXPECT_EQ(Picture("p.png").size(), QSize(320, 200));
-    EXPECT_GT(CountOther(Picture("p.png"), Qt::black), 200);
+    const QImage picture = Picture("p.png");
+    EXPECT_EQ(picture.size(), QSize(320, 200));
+    EXPECT_EQ(picture.pixelColor(0, 0), QColor(255, 0, 0));
+    EXPECT_GT(CountOther(picture, Qt::red), 200);
     QFile::remove(TestFolder() + "/p.png");
   }
 }
@@ -194,15 +192,6 @@ TEST(GlCommandline, WhatIsNearHidesWhatIsFar) {
   const QColor middle = Picture("p.png").pixelColor(100, 100);
   EXPECT_GT(middle.red(), 100);
   EXPECT_EQ(middle.blue(), 0);
-}
-
-TEST(GlCommandline, FollowsTheSettingsFile) {
-  const QString model = WriteTestFile("a.mod", kModel);
-  const QString ini = WriteTestFile(
-      "a.ini", "[General]\nModelFile=" + model.toUtf8() + "\n[Colors]\nBackColor=255\n");
-  const TRun run = RunAnimator({"--settings", ini, "--render", "p.bmp", "--size", "64x48"});
-  EXPECT_EQ(run.Status, 0) << run.Errors.toStdString();
-  EXPECT_EQ(Picture("p.bmp").pixelColor(0, 0), QColor(255, 0, 0));
 }
 
 TEST(GlCommandline, WhatWasDroppedIsSaidAndThePictureIsMade) {

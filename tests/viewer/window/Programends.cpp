@@ -54,10 +54,7 @@ class TProgram {
 };
 
 TEST(ProgramEnds, EachEndsInGoodOrderOnASignal) {
-  const struct {
-    const char* name;
-    QStringList arguments;
-  } programs[] = {
+  const std::pair<const char*, QStringList> programs[] = {
       {"examples/gallery/gallery", {}},
       {"examples/values/values", {}},
       {"examples/monitor/monitor", {"--device", "/none"}},
@@ -65,11 +62,11 @@ TEST(ProgramEnds, EachEndsInGoodOrderOnASignal) {
       {"examples/package-server/package-server", {"--port", "0"}},
       {"examples/device-simulator/device-simulator", {"--link", "device"}},
       {"velmora-animator", {"--panel", SourceFile("examples/panels/signal.ui")}}};
-  for (const auto& program : programs) {
+  for (const auto& [name, arguments] : programs) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-      SCOPED_TRACE((program.name + program.arguments.join(' ')).toStdString() + " " +
-                   std::to_string(signal));
-      TProgram run(program.name, program.arguments, "offscreen");
+      SCOPED_TRACE(testing::Message()
+                   << name << ' ' << arguments.join(' ').toStdString() << ' ' << signal);
+      TProgram run(name, arguments, "offscreen");
       ASSERT_TRUE(run.Works());
       EXPECT_EQ(run.End(signal), 0) << run.errors.toStdString();
     }

@@ -49,10 +49,9 @@ TEST(Settings, WhatIsSavedIsReadBackToTheLastBit) {
   EXPECT_EQ(std::tuple(s.Left, s.Top, s.Width, s.Height), std::tuple(-5, 6, 700, 800));
   EXPECT_EQ(std::tuple(s.LabelsLeft, s.LabelsTop, s.LabelsWidth, s.LabelsHeight),
             std::tuple(9, 10, 211, 212));
-  EXPECT_EQ(s.BackColor, TColor::FromRgb(1, 2, 3));
-  EXPECT_EQ(s.ElementColor, TColor::FromRgb(4, 5, 6));
-  EXPECT_EQ(s.NodeColor, TColor::FromRgb(7, 8, 9));
-  EXPECT_EQ(s.FontColor, TColor::FromRgb(250, 251, 252));
+  EXPECT_EQ(std::tuple(s.BackColor, s.ElementColor, s.NodeColor, s.FontColor),
+            std::tuple(TColor::FromRgb(1, 2, 3), TColor::FromRgb(4, 5, 6), TColor::FromRgb(7, 8, 9),
+                       TColor::FromRgb(250, 251, 252)));
   EXPECT_EQ(QString::fromUtf8(UpdateSettings({}, s)), QString::fromUtf8(kAllKeys));
   EXPECT_EQ(UpdateSettings(kAllKeys, s), kAllKeys);
 }
@@ -97,17 +96,13 @@ TEST(Settings, WhatIsMissingOrMakesNoSenseTakesItsDefault) {
     for (const auto& none : {s.AnimationSpeed, s.ViewScale, s.Left, s.Top, s.Width, s.Height}) {
       EXPECT_EQ(none, std::nullopt);
     }
-    EXPECT_EQ(s.RotX, std::nullopt);
-    EXPECT_EQ(s.RotY, std::nullopt);
+    EXPECT_FALSE(s.RotX || s.RotY || s.LabelsVisible);
     EXPECT_EQ(std::tuple(s.ScaleX, s.ScaleY, s.ScaleZ), std::tuple(1.0, 1.0, 1.0));
     EXPECT_EQ(std::tuple(s.PanPosX, s.PanPosY), std::tuple(0.0, 0.0));
     EXPECT_EQ(s.ScaleType, 0);
-    EXPECT_EQ(s.LabelsVisible, std::nullopt);
     EXPECT_EQ(s.CheckedLabels, "111");
-    EXPECT_EQ(s.BackColor.Value(), 0);
-    EXPECT_EQ(s.ElementColor.Value(), 16777215);
-    EXPECT_EQ(s.NodeColor.Value(), 65280);
-    EXPECT_EQ(s.FontColor.Value(), 16777215);
+    EXPECT_EQ(std::tuple(s.BackColor, s.ElementColor, s.NodeColor, s.FontColor),
+              std::tuple(TColor::Black(), TColor::White(), TColor::Green(), TColor::White()));
     EXPECT_EQ(s.NodeShape, 0);
   }
 }
@@ -182,7 +177,5 @@ TEST(Settings, TheFileStandsBesideTheExecutableAndSoDoBareNames) {
   EXPECT_EQ(SettingsFileFor("/opt/v a/velmora-animator"), "/opt/v a/velmora-animator.ini");
   EXPECT_EQ(SettingsFileFor("C:/v/velmora.2.exe"), "C:/v/velmora.2.ini");
   EXPECT_EQ(WithFolder("a.mod", "/opt"), "/opt/a.mod");
-  EXPECT_EQ(WithFolder("b/a.mod", "/opt"), "b/a.mod");
-  EXPECT_EQ(WithFolder("C:\\a.mod", "/opt"), "C:\\a.mod");
-  EXPECT_EQ(WithFolder("", "/opt"), "");
+  for (const char* name : {"b/a.mod", "C:\\a.mod", ""}) EXPECT_EQ(WithFolder(name, "/opt"), name);
 }

@@ -1,7 +1,5 @@
 #include "viewer/window/Windowplace.h"
 
-#include <climits>
-
 #include "tests/support/Testing.h"
 
 namespace {
@@ -13,21 +11,19 @@ const QRect kRight(1920, 0, 1280, 984);
 }  // namespace
 
 TEST(Windowplace, KeepsAWindowWhereTheUserCanReachIt) {
-  const struct {
-    const char* what;
-    QRect wanted, got;
-  } cases[] = {{"visible", {100, 50, 800, 600}, {100, 50, 800, 600}},
-               {"across both screens", {1700, 50, 800, 600}, {1700, 50, 800, 600}},
-               {"over the left edge", {-200, 50, 800, 600}, {0, 50, 800, 600}},
-               {"under the bottom", {100, 900, 800, 600}, {100, 440, 800, 600}},
-               {"mostly on the right", {2900, 500, 800, 600}, {2400, 384, 800, 600}},
-               {"on a screen that is gone", {-30000, -30000, 800, 600}, {0, 0, 800, 600}},
-               {"too small", {10, 20, 0, -7}, {10, 20, 400, 300}},
-               {"too large", {10, 20, 9000, 9000}, {0, 0, 1920, 1040}},
-               {"too large on the right", {2000, 20, 900, 9000}, {2000, 0, 900, 984}}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(FitToScreens(c.wanted.topLeft(), c.wanted.size(), {kLeft, kRight}, kMinimum), c.got)
-        << c.what;
+  const std::tuple<const char*, QRect, QRect> cases[] = {
+      {"visible", {100, 50, 800, 600}, {100, 50, 800, 600}},
+      {"across both screens", {1700, 50, 800, 600}, {1700, 50, 800, 600}},
+      {"over the left edge", {-200, 50, 800, 600}, {0, 50, 800, 600}},
+      {"under the bottom", {100, 900, 800, 600}, {100, 440, 800, 600}},
+      {"mostly on the right", {2900, 500, 800, 600}, {2400, 384, 800, 600}},
+      {"on a screen that is gone", {-30000, -30000, 800, 600}, {0, 0, 800, 600}},
+      {"too small", {10, 20, 0, -7}, {10, 20, 400, 300}},
+      {"too large", {10, 20, 9000, 9000}, {0, 0, 1920, 1040}},
+      {"too large on the right", {2000, 20, 900, 9000}, {2000, 0, 900, 984}}};
+  for (const auto& [what, wanted, got] : cases) {
+    EXPECT_EQ(FitToScreens(wanted.topLeft(), wanted.size(), {kLeft, kRight}, kMinimum), got)
+        << what;
   }
 }
 
