@@ -78,10 +78,13 @@ def main():
         arguments.build.resolve(), database(arguments.build.resolve()))
     CLEAN.mkdir(parents=True, exist_ok=True)
     settings = (output("clang-tidy", "--version") + (ROOT / ".clang-tidy").read_text()).encode()
+    faults = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        faults = [said for said in workers.map(lambda e: check(e, folder, settings), entries) if said]
-    print(*faults, sep="\n")
-    print(f"{len(entries)} sources, {len(faults)} with faults")
+        for said in workers.map(lambda e: check(e, folder, settings), entries):
+            if said:
+                faults += 1
+                print(said, flush=True)
+    print(f"{len(entries)} sources, {faults} with faults")
     sys.exit(bool(faults) or not entries and arguments.what == "all")
 
 

@@ -10,7 +10,7 @@ namespace {
 const QLatin1String kChannels("Channels");
 const QLatin1String kChannelCount("ChannelCount");
 
-bool Refuse(QString* error, const QString& reason) {
+bool RefuseItems(QString* error, const QString& reason) {
   if (error) *error = reason;
   return false;
 }
@@ -44,16 +44,16 @@ bool TChannelSet::ReadProperties(QJsonObject record, QString* error) {
   const QJsonArray channels = list.toArray();
   const auto count = static_cast<int>(channels.size());
   if (!list.isArray() || record.take(kChannelCount).toInt(-1) != count) {
-    return Refuse(error, QStringLiteral("ChannelCount is not the number of channels"));
+    return RefuseItems(error, QStringLiteral("ChannelCount is not the number of channels"));
   }
   SetCount(count);
   while (count == 0 && channels_.Count() > 0) DeleteChannel(channels_.Count() - 1);
-  if (channels_.Count() != count) return Refuse(error, QStringLiteral("Too many channels"));
+  if (channels_.Count() != count) return RefuseItems(error, QStringLiteral("Too many channels"));
   if (!ReadPublished(record, *this, error)) return false;
   for (int i = 0; i < count; ++i) {
     QString reason;
     if (!channels_.GetItem(i)->ReadProperties(channels[i].toObject(), &reason)) {
-      return Refuse(error, QStringLiteral("Channel %1: %2").arg(i + 1).arg(reason));
+      return RefuseItems(error, QStringLiteral("Channel %1: %2").arg(i + 1).arg(reason));
     }
   }
   return true;
@@ -146,12 +146,13 @@ bool TChannelSets::ReadProperties(const QString& text, QString* error) {
   QJsonParseError problem;
   const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &problem);
   if (problem.error != QJsonParseError::NoError) {
-    return Refuse(
+    return RefuseItems(
         error, QStringLiteral("Character %1: %2").arg(problem.offset).arg(problem.errorString()));
   }
   const QJsonArray records = document.array();
   if (!document.isArray() || records.size() > kMaxSets) {
-    return Refuse(error, QStringLiteral("The text is no list of at most %1 sets").arg(kMaxSets));
+    return RefuseItems(error,
+                       QStringLiteral("The text is no list of at most %1 sets").arg(kMaxSets));
   }
   std::vector<std::unique_ptr<TChannelSet>> read;
   qint64 cells = 0;
@@ -161,12 +162,13 @@ bool TChannelSets::ReadProperties(const QString& text, QString* error) {
     read.push_back(std::make_unique<TChannelSet>(Owner()));
     QString reason;
     if (!read.back()->ReadProperties(record.toObject(), &reason)) {
-      return Refuse(error, where + reason);
+      return RefuseItems(error, where + reason);
     }
     cells += qint64{read.back()->GetRows()} * read.back()->GetColumns();
-    if (cells > kMaxCells) return Refuse(error, where + QStringLiteral("too many rows"));
+    if (cells > kMaxCells) return RefuseItems(error, where + QStringLiteral("too many rows"));
     channels += read.back()->GetCount();
-    if (channels > kMaxChannels) return Refuse(error, where + QStringLiteral("too many channels"));
+    if (channels > kMaxChannels)
+      return RefuseItems(error, where + QStringLiteral("too many channels"));
   }
   Replace(std::move(read));
   return true;

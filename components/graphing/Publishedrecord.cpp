@@ -49,7 +49,7 @@ QVariant FromJson(const QMetaProperty& property, const QJsonValue& value) {
   return fits ? value.toVariant() : QVariant();
 }
 
-bool Refuse(QString* error, const QString& reason) {
+bool RefuseRecord(QString* error, const QString& reason) {
   if (error) *error = reason;
   return false;
 }
@@ -60,20 +60,20 @@ bool ReadProperty(const QString& name, const QJsonValue& value, TPersistent& obj
   const QString fullName = QStringLiteral("%1.%2").arg(meta->className(), name);
   const int index = meta->indexOfProperty(name.toLatin1());
   if (index < QObject::staticMetaObject.propertyCount()) {
-    return Refuse(error, QStringLiteral("There is no property %1").arg(fullName));
+    return RefuseRecord(error, QStringLiteral("There is no property %1").arg(fullName));
   }
   const QMetaProperty property = meta->property(index);
   if (TPersistent* sub = SubObject(object, property)) {
     if (value.isObject()) return ReadPublished(value.toObject(), *sub, error);
-    return Refuse(error, QStringLiteral("%1 is no record").arg(fullName));
+    return RefuseRecord(error, QStringLiteral("%1 is no record").arg(fullName));
   }
   const QVariant wanted = FromJson(property, value);
   if (!wanted.isValid()) {
-    return Refuse(error, QStringLiteral("%1 has a value of another kind").arg(fullName));
+    return RefuseRecord(error, QStringLiteral("%1 has a value of another kind").arg(fullName));
   }
   property.write(&object, wanted);
   if (ToJson(property, property.read(&object)) == ToJson(property, wanted)) return true;
-  return Refuse(error, QStringLiteral("%1 does not take its value").arg(fullName));
+  return RefuseRecord(error, QStringLiteral("%1 does not take its value").arg(fullName));
 }
 
 }  // namespace

@@ -109,9 +109,9 @@ TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
       {"one", "one.bmp", "BM"}, {"two.png", "two.png", "\x89PNG"}, {"v2.1", "v2.1", "BM"}};
   for (const auto& [chosen, file, magic] : cases) {
     QString start;
-    window.Dialogs.PictureFile = [&](QWidget*, const QString& folder) {
+    window.Dialogs.PictureFile = [&, name = chosen](QWidget*, const QString& folder) {
       start = folder;
-      return TestFolder() + '/' + chosen;
+      return TestFolder() + '/' + name;
     };
     Trigger("SaveBitmapMenu");
     EXPECT_TRUE(Contents(TestFolder() + '/' + file).startsWith(magic)) << file;
