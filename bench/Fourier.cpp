@@ -117,6 +117,7 @@ void BenchChannel(TBench& bench) {
   channel.SetSampleRate(kBlock);
   channel.SetUpperFilter(0.5 * kBlock);
   std::vector<double> sine;
+  sine.reserve(kBlock);
   for (int i = 0; i < kBlock; ++i) {
     sine.push_back(std::sin(2.0 * std::numbers::pi * 5.0 * i / kBlock));
   }

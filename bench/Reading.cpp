@@ -36,7 +36,8 @@ std::string MakeModel(int nodes) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> height(-1.0, 1.0);
   for (int i = 0; i < nodes; ++i) {
-    out.Add("%d %.7f %.7f %.8f\n", i + 1, 0.001 * (i % side), 0.001 * (i / side), height(random));
+    const int row = i / side;
+    out.Add("%d %.7f %.7f %.8f\n", i + 1, 0.001 * (i % side), 0.001 * row, height(random));
   }
   return out.Take();
 }

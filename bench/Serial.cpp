@@ -45,7 +45,7 @@ class TScope {
   }
 
  private:
-  std::vector<double> points_ = std::vector<double>(8 * kRateHz);
+  std::vector<double> points_ = std::vector<double>(std::size_t{8} * kRateHz);
   std::size_t next_ = 0;
   TKorvalGraph graph_;
   QTimer redraw_;

@@ -72,7 +72,7 @@ TSquareMatrix StiffnessPerMass(const TPlate& plate, const TBasis& basis) {
   const double nu = plate.poisson;
   const double scale =
       plate.modulus * plate.thickness * plate.thickness / (12.0 * (1.0 - nu * nu) * plate.density);
-  TSquareMatrix k(kTerms * kTerms);
+  TSquareMatrix k(std::size_t{kTerms} * kTerms);
   for (std::size_t row = 0; row < k.Size(); ++row) {
     const std::size_t m = row / kTerms, i = row % kTerms;
     for (std::size_t column = 0; column < k.Size(); ++column) {

@@ -187,7 +187,7 @@ void TValuesPanel::MakeSpectrum() {
   spectrum_ = Make<TFFTChannel>(this, "spectrum");
   spectrum_->SetSampleRate(pump::kSampleRate);
   spectrum_->SetPointCount(1024);
-  spectrum_->SetUpperFilter(pump::kSampleRate / 2);
+  spectrum_->SetUpperFilter(pump::kSampleRate / 2.0);
   TSeriesStyle& style = CurveStyle(*spectrum_->GetGraphLink());
   style.SetLineColor(kBlue);
   style.SetPointStyle(TSeriesStyle::psNone);
