@@ -1,29 +1,14 @@
 #include <QApplication>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <string>
 #include <vector>
 
+#include "bench/Allocations.h"
 #include "bench/Bench.h"
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
 
 // What a value costs on its road through data controls and channels, in time and in allocations.
-
-namespace {
-
-long allocations = 0;  ///< calls of operator new
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 

@@ -1,23 +1,8 @@
 #include <cmath>
-#include <new>
 
+#include "bench/Allocations.h"
 #include "bench/Bench.h"
 #include "model/Animation.h"
-
-namespace {
-
-std::size_t allocations = 0;
-
-}  // namespace
-
-// Counts what the frames allocate.
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -83,7 +68,7 @@ int main(int argc, char** argv) {
           }
         };
         frame();  // makes room for the positions
-        const std::size_t before = allocations;
+        const long before = allocations;
         const int frames = bench.Quick() ? 3 : 50;
         const double seconds = bench.Seconds(11, [&] {
           for (int i = 0; i < frames; ++i) frame();

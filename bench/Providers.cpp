@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "bench/Allocations.h"
 #include "bench/Bench.h"
 #include "components/channels/Datachannel.h"
 #include "components/sources/Numberscanner.h"
@@ -11,20 +12,6 @@
 
 // What a number costs on its road from text to a data channel: found and converted, and handed over
 // by a worker thread. Allocations are counted on the GUI thread.
-
-namespace {
-
-thread_local long allocations = 0;  ///< calls of operator new
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 

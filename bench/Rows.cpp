@@ -1,19 +1,15 @@
 // Rows of 16 channels into a channel set, with block statistics and six histories per channel: how
 // many per second, and whether the road of a row takes memory.
 
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
-#include <new>
 #include <numbers>
 
+#include "bench/Allocations.h"
 #include "bench/Bench.h"
 #include "components/channels/Channelset.h"
 #include "model/Datetime.h"
 
 namespace {
-
-std::atomic<long> allocations = 0;
 
 constexpr int kChannels = 16;
 constexpr double kRate = 800.0;  // rows per second of the device
@@ -60,14 +56,6 @@ void Measure(TBench& bench, int rowsPerBlock, long rows) {
 }
 
 }  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 int main(int argc, char** argv) {
   TBench bench(argc, argv);
