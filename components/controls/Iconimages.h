@@ -9,5 +9,5 @@ class QPainter;
 /// of `box`: the resource file ":/velmora/icons/NAME.svg". A name that ends in "Active", "Idle" or
 /// "Down" and has no picture of its own is the picture of the rest of the name with a lamp in the
 /// colour of the state. A name without a picture gets a tile with its first letter, so that every
-/// component can be seen and told from others. No name draws nothing. GUI thread only.
+/// component is seen and differs from others. No name draws nothing. GUI thread only.
 void DrawIconImage(QPainter& painter, const QRectF& box, const QString& name);
