@@ -6,7 +6,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 "$here/scripts/setup.sh" run
 (cd "$here" && cmake --preset release -DVELMORA_TESTS=OFF &&
-  cmake --build --preset release --target velmora-animator package-server device-simulator)
+  cmake --build --preset release --target velmora-animator device-simulator package-server monitor)
 program=$here/build/release/velmora-animator
 
 if [ $# -gt 0 ]; then
