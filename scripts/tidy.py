@@ -3,8 +3,8 @@
 
     scripts/tidy.py all [--build DIR]   all that a build folder, configured with clang, compiles of the
                                         program, its examples and benchmarks (build/asan)
-    scripts/tidy.py changed             the sources that differ from the main branch, in a folder
-                                        that is configured for it (build/lint)
+    scripts/tidy.py changed             the sources of units that differ from the main branch, in a
+                                        folder that is configured for it (build/lint)
 
 What was clean before is not read again while neither its text after the preprocessor nor the checks
 have changed.
@@ -60,12 +60,19 @@ def check(entry, folder, settings):
     return tidy.stdout + tidy.stderr
 
 
+def unit(name):
+    """What a header and its sources have in common: model/Timer.h, model/Timer_linux.cpp."""
+    path = pathlib.Path(name)
+    return path.with_name(path.stem.split("_")[0])
+
+
 def changed():
-    """The changed sources' entries in a folder in which each source is compiled by itself."""
+    """The changed units' entries in a folder in which each source is compiled by itself."""
     subprocess.run(["cmake", "--preset", "lint"], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
-    names = output("git", "diff", "--name-only", "--diff-filter=d", "main", "--", "*.cpp").split()
-    wanted = {str(ROOT / name) for name in names}
-    return ROOT / "build/lint", [e for e in database(ROOT / "build/lint") if e["file"] in wanted]
+    names = output("git", "diff", "--name-only", "main", "--", "*.cpp", "*.h").split()
+    names += output("git", "ls-files", "--others", "--exclude-standard", "*.cpp", "*.h").split()
+    wanted = {unit(ROOT / name) for name in names}
+    return ROOT / "build/lint", [e for e in database(ROOT / "build/lint") if unit(e["file"]) in wanted]
 
 
 def main():
