@@ -28,7 +28,7 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-ROOMS = ["model", "signals", "pictures", "shapes", "exchange", "components", "view3d", "export", "viewer"]
+SPARED = ["bench", "designer", "examples", "fuzz", "tests"]
 SWAPS = [("<=", "<"), (">=", ">"), ("==", "!="), ("!=", "=="), ("&&", "||"), ("||", "&&"),
          (" < ", " <= "), (" > ", " >= "), (" + ", " - "), (" - ", " + "), (" * ", " / "),
          (" / ", " * "), ("++", "--"), ("true", "false"), ("false", "true"), ("(!", "("),
@@ -42,7 +42,7 @@ LIMITS = ["env", "--default-signal", "prlimit", "--as=8000000000", "--core=0"]
 def sources(pattern="*.cpp"):
     listed = subprocess.run(["git", "ls-files", pattern], cwd=ROOT, check=True,
                             capture_output=True, text=True).stdout.split()
-    return [name for name in listed if name.split("/")[0] in ROOMS and not name.endswith("main.cpp")]
+    return [name for name in listed if name.split("/")[0] not in SPARED and not name.endswith("main.cpp")]
 
 
 def code_lines(text):
