@@ -16,7 +16,7 @@ packages=(
 if [ "${1:-}" != run ]; then
   packages+=(
     ccache clang clang-format clang-tidy designer-qt6 git libclang-rt-14-dev libgmock-dev libgtest-dev
-    locales python3 xauth xvfb
+    locales python3 xvfb
   )
 fi
 
