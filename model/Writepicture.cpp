@@ -1,14 +1,13 @@
 #include "model/Writepicture.h"
 
-#include <QFile>
+#include <QBuffer>
 #include <QImageWriter>
-#include <QSaveFile>
+
+#include "model/Wholefile.h"
 
 QString WritePictureFile(const QImage& picture, const QString& fileName, const QByteArray& format) {
-  QSaveFile file(fileName);
-  QImageWriter writer(&file, format);
-  if (file.open(QIODevice::WriteOnly) && writer.write(picture) && file.flush() && file.commit()) {
-    return {};
-  }
-  return file.error() != QFile::NoError ? file.errorString() : writer.errorString();
+  QBuffer bytes;
+  bytes.open(QIODevice::WriteOnly);
+  QImageWriter writer(&bytes, format);
+  return writer.write(picture) ? WriteWholeFile(fileName, bytes.data()) : writer.errorString();
 }

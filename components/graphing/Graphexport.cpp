@@ -9,13 +9,13 @@
 #include <QPdfWriter>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QSaveFile>
 #include <QSvgGenerator>
 #include <algorithm>
 #include <optional>
 
 #include "components/graphing/Graph.h"
 #include "model/Message.h"
+#include "model/Wholefile.h"
 
 namespace {
 
@@ -106,13 +106,9 @@ bool SaveGraph(TKorvalGraph& graph, const QString& fileName, QString* message) {
                    .arg(graph.height());
     return false;
   }
-  QSaveFile file(fileName);
-  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
-      file.commit()) {
-    return true;
-  }
-  *message = QStringLiteral("Cannot write %1: %2").arg(fileName, file.errorString());
-  return false;
+  const QString why = WriteWholeFile(fileName, bytes);
+  if (!why.isEmpty()) *message = QStringLiteral("Cannot write %1: %2").arg(fileName, why);
+  return why.isEmpty();
 }
 
 bool PrintGraph(TKorvalGraph& graph, QPagedPaintDevice& device) {

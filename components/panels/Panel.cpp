@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QSaveFile>
 #include <QSlider>
 #include <map>
 
@@ -18,6 +17,7 @@
 #include "model/Message.h"
 #include "model/Oneline.h"
 #include "model/Ordinaryfile.h"
+#include "model/Wholefile.h"
 
 namespace {
 
@@ -591,14 +591,13 @@ bool TPanel::IsChangedOnDisk() const {
 }
 
 bool TPanel::Save(const QString& fileName, QString* error) {
-  QSaveFile file(fileName);
   const QByteArray text = TextFor(QFileInfo(fileName).absolutePath()).toUtf8();
-  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() &&
-      file.commit()) {
-    fileName_ = fileName;
-    content_ = ContentHash(text);
-    return true;
+  const QString why = WriteWholeFile(fileName, text);
+  if (!why.isEmpty()) {
+    if (error) *error = QStringLiteral("Cannot write %1: %2").arg(fileName, why);
+    return false;
   }
-  if (error) *error = QStringLiteral("Cannot write %1: %2").arg(fileName, file.errorString());
-  return false;
+  fileName_ = fileName;
+  content_ = ContentHash(text);
+  return true;
 }

@@ -5,12 +5,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
 #include <algorithm>
 
 #include "model/Oneline.h"
+#include "model/Wholefile.h"
 
 namespace {
 
@@ -41,13 +41,8 @@ QString Remember(const QByteArray& line, const QByteArray& instead) {
   lines.removeIf([&](const QByteArray& one) { return one.startsWith(instead); });
   lines.append(line);
   lines = lines.mid(std::max<qsizetype>(0, lines.size() - kMaxLines));
-  const QByteArray text = lines.join('\n') + '\n';
-  QSaveFile file(name);
-  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() &&
-      file.commit()) {
-    return {};
-  }
-  return QStringLiteral("Cannot write %1: %2").arg(name, file.errorString());
+  const QString why = WriteWholeFile(name, lines.join('\n') + '\n');
+  return why.isEmpty() ? why : QStringLiteral("Cannot write %1: %2").arg(name, why);
 }
 
 /// "file PATH ", the begin of the line of a file.

@@ -3,12 +3,12 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <cstdio>
 
 #include "examples/Numberoption.h"
 #include "examples/package-server/Packageserver.h"
 #include "model/Ending.h"
+#include "model/Wholefile.h"
 
 namespace {
 
@@ -48,12 +48,9 @@ int Record(const QString& fileName, const QString& startText, double seconds) {
                               ? QDateTime::currentDateTime()
                               : QDateTime::fromString(startText, QStringLiteral("yyyyMMdd HHmmss"));
   if (!start.isValid()) return Fail(QStringLiteral("--start is not of the form YYYYMMDD HHMMSS"));
-  QSaveFile file(fileName);
   const QByteArray text = Recording(MastAndWeather(), TDateTime::FromQDateTime(start), seconds);
-  if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
-      !file.commit()) {
-    return Fail(QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString()));
-  }
+  const QString why = WriteWholeFile(fileName, text);
+  if (!why.isEmpty()) return Fail(QStringLiteral("cannot write %1: %2").arg(fileName, why));
   return EXIT_SUCCESS;
 }
 

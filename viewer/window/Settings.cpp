@@ -2,11 +2,11 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
 #include <cmath>
 
 #include "model/Readfile.h"
+#include "model/Wholefile.h"
 #include "viewer/window/Inifile.h"
 
 namespace {
@@ -198,11 +198,7 @@ void SaveSettings(const QString& fileName, const TSettings& settings) {
   const auto text = ReadText(fileName);
   if (!text || IsReadOnly(QFileInfo(fileName))) return;
   const QByteArray updated = UpdateSettings(*text, settings);
-  if (updated.size() > kMaxFileSize) return;
-  QSaveFile file(fileName);
-  if (file.open(QIODevice::WriteOnly) && file.write(updated) == updated.size() && file.flush()) {
-    file.commit();
-  }
+  if (updated.size() <= kMaxFileSize) static_cast<void>(WriteWholeFile(fileName, updated));
 }
 
 QString SettingsFileFor(const QString& executable) {

@@ -69,7 +69,7 @@ TEST_F(GraphExport, SavesByTheEndingOfTheName) {
 
 #ifdef Q_OS_UNIX
 TEST_F(GraphExport, ADiskThatFillsMidwayLeavesTheEarlierFile) {
-  for (const QString file : {"a.png", "a.svg"}) {
+  for (const QString file : {"a.png", "a.svg", "a.pdf"}) {
     const QString name = WriteTestFile(file, "earlier");
     QString message;
     bool isSaved = true;
@@ -83,7 +83,7 @@ TEST_F(GraphExport, ADiskThatFillsMidwayLeavesTheEarlierFile) {
     EXPECT_TRUE(SaveGraph(graph, name, &message));
     EXPECT_GT(Contents(name).size(), 1000);
   }
-  EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files | QDir::Hidden).size(), 2) << "nothing stays";
+  EXPECT_EQ(QDir(TestFolder()).entryList(QDir::Files | QDir::Hidden).size(), 3) << "nothing stays";
 }
 #endif
 
