@@ -119,7 +119,7 @@ void TChannelEnd::Refresh() {
 // TCustomChannelLink
 
 TCustomChannelLink::TCustomChannelLink(bool withTimer, QObject* owner)
-    : TPersistent(owner), source_(owner, &TChannelSource::staticMetaObject) {
+    : TPersistent(owner), source_(owner) {
   connect(&source_, &TPersistent::OnChange, this, &TCustomChannelLink::SourceChanged);
   if (!withTimer) return;
   timer_ = std::make_unique<TTimerClient>();
@@ -154,23 +154,15 @@ void TCustomChannelLink::SetEnabled(bool enabled) {
   if (timer_) timer_->SetEnabled(enabled);
 }
 
-TChannelSource* TCustomChannelLink::GetChannelSource() const {
-  return source_.Empty() ? nullptr : source_.Get<TChannelSource>(0);
-}
+TChannelSource* TCustomChannelLink::GetChannelSource() const { return source_.Get(); }
 
 void TCustomChannelLink::SetChannelSource(TChannelSource* source) {
   if (source == GetChannelSource()) return;
   {
     const QSignalBlocker once(&source_);
-    source_.Clear();
-    if (source) source_.Add(source);
+    source_.Set(source);
   }
   SourceChanged();
-}
-
-void TCustomChannelLink::SetChannelSourceName(const QString& name) {
-  if (name == GetChannelSourceName()) return;
-  source_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
 }
 
 void TCustomChannelLink::Loaded() {
@@ -183,7 +175,7 @@ void TCustomChannelLink::Loaded() {
     names.push_back({end->ChannelSet.GetItem(), end->Channel.GetItem()});
   }
   const QPointer<TCustomChannelLink> alive(this);
-  source_.GetComponentsByNames();
+  source_.Loaded();
   for (std::size_t i = 0; alive && i < ends_.size(); ++i) {
     ends_[i]->ChannelSet.SetItem(names[i].set);
     if (alive) ends_[i]->Channel.SetItem(names[i].channel);
@@ -193,7 +185,7 @@ void TCustomChannelLink::Loaded() {
 void TCustomChannelLink::SourceChanged() {
   // A name that waits for its form is no source yet, and takes no selection away.
   TChannelSource* source = GetChannelSource();
-  if (!source && !source_.GetNames().isEmpty()) return;
+  if (!source && !source_.GetName().isEmpty()) return;
   const QPointer<TCustomChannelLink> alive(this);
   for (std::size_t i = 0; alive && i < ends_.size(); ++i) ends_[i]->Clear();
   // Whoever was notified may have chosen another one.

@@ -9,7 +9,7 @@
 
 #include "components/channels/Channelset.h"
 #include "components/channels/Channelstat.h"
-#include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "components/links/Propclasses.h"
 #include "model/Timer.h"
 
@@ -113,8 +113,8 @@ class TCustomChannelLink : public TPersistent {
   /// Another source takes away what was selected.
   void SetChannelSource(TChannelSource* source);
   /// Its object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetChannelSourceName() const { return source_.GetNames().value(0); }
-  void SetChannelSourceName(const QString& name);
+  QString GetChannelSourceName() const { return source_.GetName(); }
+  void SetChannelSourceName(const QString& name) { source_.SetName(name); }
   /// To be called once the form of the owner is complete. Selections that were read are made.
   void Loaded();
 
@@ -142,7 +142,7 @@ class TCustomChannelLink : public TPersistent {
 
   std::unique_ptr<TTimerClient> timer_;
   int intervalMs_ = 100;
-  TKorvalCompList source_;  ///< one at most
+  TComponentRef<TChannelSource> source_;
   std::atomic<bool> posted_ = false;
   std::vector<std::unique_ptr<TChannelEnd>> ends_;
 };

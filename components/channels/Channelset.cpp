@@ -18,8 +18,7 @@ void TDataClient::SetChannelSet(TChannelSet* set) {
 
 // TChannelSet
 
-TChannelSet::TChannelSet(QObject* owner)
-    : TNotifyPersistent(owner), storage_(owner, &TBlockStorage::staticMetaObject) {
+TChannelSet::TChannelSet(QObject* owner) : TNotifyPersistent(owner), storage_(owner) {
   SetCount(4);
   connect(&channels_, &TChannels::OnChange, this, &TChannelSet::NotifyStorage);
   connect(&storage_, &TKorvalCompList::OnItemChanged, this,
@@ -417,16 +416,11 @@ void TChannelSet::ReadEnd() {
 // Storage
 
 void TChannelSet::SetStorage(TBlockStorage* storage) {
-  if (storage == storageNow_ && (storage || storage_.GetNames().isEmpty())) return;
-  storage_.Clear();
-  if (storage) storage_.Add(storage);
-  emit OnChange(this);
+  if (storage_.Set(storage)) emit OnChange(this);
 }
 
 void TChannelSet::SetStorageName(const QString& name) {
-  if (name == GetStorageName()) return;
-  storage_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
-  emit OnChange(this);
+  if (storage_.SetName(name)) emit OnChange(this);
 }
 
 /// A storage that is being destroyed is none any more, and has forgotten the set by itself.

@@ -13,7 +13,7 @@
 #include "components/channels/Channel.h"
 #include "components/channels/Matrix.h"
 #include "components/controls/Compbase.h"
-#include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "components/links/Propclasses.h"
 
 class TChannelSet;
@@ -126,10 +126,10 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   TBlockStorage* GetStorage() const { return storageNow_; }
   void SetStorage(TBlockStorage* storage);
   /// Its object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetStorageName() const { return storage_.GetNames().value(0); }
+  QString GetStorageName() const { return storage_.GetName(); }
   void SetStorageName(const QString& name);
   /// To be called once the form is complete.
-  void Loaded() { storage_.GetComponentsByNames(); }
+  void Loaded() { storage_.Loaded(); }
 
   /// Whether a row has ever come.
   bool GetActive() const { return active_; }
@@ -253,7 +253,7 @@ class TChannelSet : public TNotifyPersistent, public TChannelOwner {
   std::vector<TChannel*> analysed_;  ///< the channels by column, the first one being column 1
   std::atomic<bool> active_ = false;
 
-  TKorvalCompList storage_;  ///< one at most
+  TComponentRef<TBlockStorage> storage_;
   std::atomic<TBlockStorage*> storageNow_ = nullptr;
   /// Outlives the set while a client that destroys it is being notified.
   struct TClients {

@@ -20,8 +20,7 @@ constexpr std::size_t kMaxHeaders =
 
 }  // namespace
 
-TStatsStorage::TStatsStorage(QWidget* parent)
-    : TBlockStorage(parent), logger_(this, &QObject::staticMetaObject) {
+TStatsStorage::TStatsStorage(QWidget* parent) : TBlockStorage(parent) {
   SetIconImage(QStringLiteral("StatsStorageImage"));
   SetImageSize(QSize(17, 17));
   connect(&TEnding::Instance(), &TEnding::OnKeep, this, &TStatsStorage::WriteAll);
@@ -40,11 +39,6 @@ template <class T>
 void TStatsStorage::Set(T TStorageSettings::*field, const T& value) {
   const TLock lock(mutex_);
   settings_.*field = value;
-}
-
-void TStatsStorage::SetLoggerName(const QString& name) {
-  if (name == GetLoggerName()) return;
-  logger_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
 }
 
 void TStatsStorage::SetRootDir(const QString& folder) {
@@ -88,7 +82,7 @@ void TStatsStorage::SetActive(bool active) {
 }
 
 void TStatsStorage::Loaded() {
-  logger_.GetComponentsByNames();
+  logger_.Loaded();
   TBlockStorage::Loaded();
   UpdatePlace();
 }
@@ -258,7 +252,7 @@ void TStatsStorage::SetStatus(const QString& text) {
 
 void TStatsStorage::PublishStatus(const QString& text) {
   const QPointer<TStatsStorage> alive(this);
-  if (QObject* logger = logger_.Empty() ? nullptr : logger_.Get(0)) {
+  if (QObject* logger = logger_.Get()) {
     for (const char* slot : {"Log", "appendPlainText"}) {
       if (logger->metaObject()->indexOfMethod(QByteArray(slot) + "(QString)") < 0) continue;
       QMetaObject::invokeMethod(logger, slot, Q_ARG(QString, text));

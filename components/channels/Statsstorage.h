@@ -35,8 +35,8 @@ class TStatsStorage : public TBlockStorage {
 
   /// Object name of a component of the form that shows messages: any that has a slot
   /// "Log(QString)" or "appendPlainText(QString)".
-  QString GetLoggerName() const { return logger_.GetNames().value(0); }
-  void SetLoggerName(const QString& name);
+  QString GetLoggerName() const { return logger_.GetName(); }
+  void SetLoggerName(const QString& name) { logger_.SetName(name); }
 
   /// The folder, made when it is needed. If it is empty, the folder of the form, or the present one
   /// if no form brought the storage.
@@ -128,5 +128,5 @@ class TStatsStorage : public TBlockStorage {
   std::map<QString, QByteArray> headers_;  ///< the last one in each file
   QString status_;
   std::atomic<bool> active_ = false;
-  TKorvalCompList logger_;  ///< one at most
+  TComponentRef<QObject> logger_{this};
 };

@@ -8,8 +8,7 @@
 #include "model/Filesync.h"
 #include "model/Ordinaryfile.h"
 
-TQLXClient::TQLXClient(QWidget* parent)
-    : TIconControl(parent), source_(this, &TChannelSource::staticMetaObject) {
+TQLXClient::TQLXClient(QWidget* parent) : TIconControl(parent), source_(this) {
   constexpr quint32 kReconnectTicks = 20;  // 200 ms
   reconnect_.SetInterval(kReconnectTicks);
   reconnect_.SetOnTimer({this, &TQLXClient::Reconnect});
@@ -59,19 +58,10 @@ void TQLXClient::SetStatus(const QString& text) {
   if (self) emit OnStatusChanged(this);
 }
 
-TChannelSource* TQLXClient::GetChannelSource() const {
-  return source_.Empty() ? nullptr : source_.Get<TChannelSource>(0);
-}
+TChannelSource* TQLXClient::GetChannelSource() const { return source_.Get(); }
 
 void TQLXClient::SetChannelSource(TChannelSource* source) {
-  if (source == GetChannelSource()) return;
-  source_.Clear();
-  if (source) source_.Add(source);
-}
-
-void TQLXClient::SetChannelSourceName(const QString& name) {
-  if (name == GetChannelSourceName()) return;
-  source_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
+  if (source != GetChannelSource()) source_.Set(source);
 }
 
 TChannelSets* TQLXClient::GetSets() const {
@@ -131,7 +121,7 @@ void TQLXClient::Received(QByteArrayView text) {
 }
 
 void TQLXClient::Loaded() {
-  source_.GetComponentsByNames();
+  source_.Loaded();
   TIconControl::Loaded();
   Started();
 }

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "components/controls/Compbase.h"
-#include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "model/Timer.h"
 
 class QFile;
@@ -43,8 +43,8 @@ class TQLXClient : public TIconControl {
   TChannelSource* GetChannelSource() const;
   void SetChannelSource(TChannelSource* source);
   /// The source's object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetChannelSourceName() const { return source_.GetNames().value(0); }
-  void SetChannelSourceName(const QString& name);
+  QString GetChannelSourceName() const { return source_.GetName(); }
+  void SetChannelSourceName(const QString& name) { source_.SetName(name); }
 
   /// The file that logging writes; a new name counts from the next SetLogging on.
   const QString& GetLogFile() const { return logFile_; }
@@ -111,7 +111,7 @@ class TQLXClient : public TIconControl {
   bool loggingWhenLoaded_ = false;
   bool reportedActive_ = false;
   bool reconnecting_ = false;
-  TKorvalCompList source_;  ///< one at most
+  TComponentRef<TChannelSource> source_;
   QString logFile_;
   std::unique_ptr<QFile> log_;  ///< null: not logging
   QString status_;

@@ -46,8 +46,7 @@ QPoint Point(qint64 x, qint64 y) {
 
 // TArrowEnd
 
-TArrowEnd::TArrowEnd(TArrow* arrow)
-    : TPersistent(arrow), arrow_(arrow), control_(arrow, &QWidget::staticMetaObject) {
+TArrowEnd::TArrowEnd(TArrow* arrow) : TPersistent(arrow), arrow_(arrow), control_(arrow) {
   control_.OnBeforeChange = [](QObject* item, TListAction action, bool& allow) {
     if (action == laAdded) allow = !qobject_cast<TArrow*>(item);
   };
@@ -67,23 +66,6 @@ void TArrowEnd::SetAttachTo(TAttachPos side) {
   arrow_->EndMoved(*this);
   emit OnChange(this);
 }
-
-QWidget* TArrowEnd::GetControl() const {
-  return control_.Empty() ? nullptr : control_.Get<QWidget>(0);
-}
-
-void TArrowEnd::SetControl(QWidget* control) {
-  if (control && control == GetControl()) return;
-  control_.Clear();
-  if (control) control_.Add(control);
-}
-
-void TArrowEnd::SetControlName(const QString& name) {
-  if (name == GetControlName()) return;
-  control_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
-}
-
-void TArrowEnd::Loaded() { control_.GetComponentsByNames(); }
 
 void TArrowEnd::ControlChanged() {
   TrapControlPos(GetControl());

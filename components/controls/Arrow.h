@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "components/controls/Compbase.h"
-#include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "components/links/Objlists.h"
 #include "model/Color.h"
 
@@ -49,12 +49,12 @@ class TArrowEnd : public TPersistent {
 
   /// The control at which the line ends and which it follows; null for none. Any widget but an
   /// arrow. Not owned, may go first.
-  QWidget* GetControl() const;
-  void SetControl(QWidget* control);
+  QWidget* GetControl() const { return control_.Get(); }
+  void SetControl(QWidget* control) { control_.Set(control); }
   /// The control's object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetControlName() const { return control_.GetNames().value(0); }
-  void SetControlName(const QString& name);
-  void Loaded();
+  QString GetControlName() const { return control_.GetName(); }
+  void SetControlName(const QString& name) { control_.SetName(name); }
+  void Loaded() { control_.Loaded(); }
 
   QPoint GetPos() const { return pos_; }
   /// Finds the end point: the middle of the side of the attached control. A free end lies on the
@@ -87,7 +87,7 @@ class TArrowEnd : public TPersistent {
   TArrow* arrow_;
   QPoint shift_;
   TAttachPos attachTo_ = apControlBottom;
-  TKorvalCompList control_;                 ///< one at most
+  TComponentRef<QWidget> control_;
   std::vector<QPointer<QWidget>> watched_;  ///< the control, and what either of the two lies in
   QPoint pos_;
   TArrowStyle style_ = asNone;

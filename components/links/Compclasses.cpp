@@ -269,22 +269,6 @@ void TServerDataControl::Loaded() {
 
 namespace {
 
-/// The one component of a list that holds one at most.
-template <class T>
-T* Single(const TKorvalCompList& list) {
-  return list.Empty() ? nullptr : list.Get<T>(0);
-}
-
-void SetSingle(TKorvalCompList& list, QObject* component) {
-  list.Clear();
-  if (component) list.Add(component);
-}
-
-void SetSingleName(TKorvalCompList& list, const QString& name) {
-  if (name == list.GetNames().value(0)) return;
-  list.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
-}
-
 /// A subscriber to the new value may destroy the destination.
 template <class TPort>
 void CopyPort(const TPort& source, TPersistent* destination) {
@@ -299,7 +283,7 @@ void CopyPort(const TPort& source, TPersistent* destination) {
 // TInputData
 
 TInputData::TInputData(QObject* owner, double value)
-    : TPersistent(owner), value_(value), control_(owner, &TServerDataControl::staticMetaObject) {
+    : TPersistent(owner), value_(value), control_(owner) {
   connect(&control_, &TKorvalCompList::OnItemChanged, this,
           [this](QObject*, QObject* item, TListAction action) {
             // A control in its destruction is none any more, and has left the link by itself.
@@ -317,20 +301,14 @@ void TInputData::SetValue(double value) {
   emit OnChange(this);
 }
 
-TServerDataControl* TInputData::GetDataControl() const {
-  return Single<TServerDataControl>(control_);
-}
-
 void TInputData::SetDataControl(TServerDataControl* control) {
   if (control == GetDataControl()) return;
-  SetSingle(control_, control);
+  control_.Set(control);
   Listen();
 }
 
-void TInputData::SetDataControlName(const QString& name) { SetSingleName(control_, name); }
-
 void TInputData::Loaded() {
-  control_.GetComponentsByNames();
+  control_.Loaded();
   Listen();
 }
 
@@ -349,8 +327,7 @@ bool TInputData::SameAs(const TPersistent* other) const {
 
 // TOutputData
 
-TOutputData::TOutputData(QObject* owner)
-    : TPersistent(owner), control_(owner, &TDataControl::staticMetaObject) {}
+TOutputData::TOutputData(QObject* owner) : TPersistent(owner), control_(owner) {}
 
 void TOutputData::SetValue(double value) {
   value_ = value;
@@ -358,15 +335,11 @@ void TOutputData::SetValue(double value) {
   if (control && !IsLoading(Owner())) control->SetValue(value_);
 }
 
-TDataControl* TOutputData::GetDataControl() const { return Single<TDataControl>(control_); }
-
 void TOutputData::SetDataControl(TDataControl* control) {
   if (control == GetDataControl()) return;
-  SetSingle(control_, control);
+  control_.Set(control);
   if (control && !IsLoading(Owner())) control->SetValue(value_);
 }
-
-void TOutputData::SetDataControlName(const QString& name) { SetSingleName(control_, name); }
 
 void TOutputData::AssignTo(TPersistent* destination) const { CopyPort(*this, destination); }
 

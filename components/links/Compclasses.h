@@ -9,6 +9,7 @@
 
 #include "components/controls/Compbase.h"
 #include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "components/links/Linkclasses.h"
 #include "components/links/Propclasses.h"
 
@@ -301,12 +302,12 @@ class TInputData : public TPersistent {
   void SetValue(double value);
 
   /// The control it listens to; null for none. Not owned, may go first.
-  TServerDataControl* GetDataControl() const;
+  TServerDataControl* GetDataControl() const { return control_.Get(); }
   /// A new control gives its present value at once.
   void SetDataControl(TServerDataControl* control);
   /// The control's object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetDataControlName() const { return control_.GetNames().value(0); }
-  void SetDataControlName(const QString& name);
+  QString GetDataControlName() const { return control_.GetName(); }
+  void SetDataControlName(const QString& name) { control_.SetName(name); }
   /// To be called once the form of the owner is complete. The control that is found gives its
   /// present value at once.
   void Loaded();
@@ -321,7 +322,7 @@ class TInputData : public TPersistent {
   void Listen();
 
   double value_;
-  TKorvalCompList control_;  ///< one at most
+  TComponentRef<TServerDataControl> control_;
   TValueLink link_{[this](double value) { SetValue(value); }};
 };
 
@@ -339,20 +340,20 @@ class TOutputData : public TPersistent {
   void SetValue(double value);
 
   /// The control that gets the values; null for none. Not owned, may go first.
-  TDataControl* GetDataControl() const;
+  TDataControl* GetDataControl() const { return control_.Get(); }
   /// A new control gets the present value at once, but not while the owner is being loaded.
   void SetDataControl(TDataControl* control);
   /// The control's object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetDataControlName() const { return control_.GetNames().value(0); }
-  void SetDataControlName(const QString& name);
+  QString GetDataControlName() const { return control_.GetName(); }
+  void SetDataControlName(const QString& name) { control_.SetName(name); }
   /// To be called once the form of the owner is complete. The control that is found gets the next
   /// value, not the present one.
-  void Loaded() { control_.GetComponentsByNames(); }
+  void Loaded() { control_.Loaded(); }
 
   void AssignTo(TPersistent* destination) const override;
   bool SameAs(const TPersistent* other) const override;
 
  private:
   double value_ = 0.0;
-  TKorvalCompList control_;  ///< one at most
+  TComponentRef<TDataControl> control_;
 };

@@ -3,8 +3,7 @@
 #include "components/graphing/Graph.h"
 #include "components/graphing/Sliderseries.h"
 
-TCustomGraphLink::TCustomGraphLink(QObject* owner)
-    : TPersistent(owner), graph_(owner, &TKorvalGraph::staticMetaObject) {
+TCustomGraphLink::TCustomGraphLink(QObject* owner) : TPersistent(owner), graph_(owner) {
   connect(&graph_, &TKorvalCompList::OnItemChanged, this,
           [this](QObject*, QObject*, TListAction action) { GraphChanged(action); });
   connect(&series_, &TSeriesList::OnChange, this, &TCustomGraphLink::ShowSeries);
@@ -15,24 +14,11 @@ TCustomGraphLink::~TCustomGraphLink() {
   LeaveGraph();
 }
 
-TKorvalGraph* TCustomGraphLink::GetGraph() const {
-  return graph_.Empty() ? nullptr : graph_.Get<TKorvalGraph>(0);
-}
+TKorvalGraph* TCustomGraphLink::GetGraph() const { return graph_.Get(); }
 
 void TCustomGraphLink::SetGraph(TKorvalGraph* graph) {
-  if (graph == GetGraph()) return;
-  graph_.Clear();
-  if (graph) graph_.Add(graph);
+  if (graph != GetGraph()) graph_.Set(graph);
 }
-
-QString TCustomGraphLink::GetGraphName() const { return graph_.GetNames().value(0); }
-
-void TCustomGraphLink::SetGraphName(const QString& name) {
-  if (name == GetGraphName()) return;
-  graph_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
-}
-
-void TCustomGraphLink::Loaded() { graph_.GetComponentsByNames(); }
 
 void TCustomGraphLink::GraphChanged(TListAction action) {
   if (action == laAdded) {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "components/graphing/Serieslist.h"
-#include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "components/links/Propclasses.h"
 
 class TKorvalGraph;
@@ -31,10 +31,10 @@ class TCustomGraphLink : public TPersistent {
   bool IsAttached() const { return GetGraph() != nullptr; }
 
   /// The graph's object name, as forms keep it. A name set here is resolved by Loaded.
-  QString GetGraphName() const;
-  void SetGraphName(const QString& name);
+  QString GetGraphName() const { return graph_.GetName(); }
+  void SetGraphName(const QString& name) { graph_.SetName(name); }
   /// To be called once the form of the owner is complete: looks for the graph by its name.
-  void Loaded();
+  void Loaded() { graph_.Loaded(); }
 
   /// The series, in drawing order; owned. One that is added while the link is attached shows at
   /// once.
@@ -80,7 +80,7 @@ class TCustomGraphLink : public TPersistent {
   void LeaveGraph();
 
   TSeriesList series_{this};
-  TKorvalCompList graph_;  ///< one at most
+  TComponentRef<TKorvalGraph> graph_;
   int updateInterval_ = 1;
   int updates_ = 0;  ///< since the last redraw
 };

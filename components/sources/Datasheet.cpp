@@ -181,18 +181,8 @@ int TDataSheet::WidthOf(const QString& text) const {
 
 TDataSheet::~TDataSheet() { setModel(nullptr); }
 
-TDataTable* TDataSheet::GetTable() const {
-  return table_.Empty() ? nullptr : table_.Get<TDataTable>(0);
-}
-
 void TDataSheet::SetTable(TDataTable* table) {
-  if (table == GetTable()) return;
-  table_.Clear();
-  if (table) table_.Add(table);
-}
-
-void TDataSheet::SetTableName(const QString& name) {
-  if (name != GetTableName()) table_.SetNames(name.isEmpty() ? QStringList() : QStringList(name));
+  if (table != GetTable()) table_.Set(table);
 }
 
 void TDataSheet::TableChanged() {

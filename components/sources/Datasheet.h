@@ -6,7 +6,7 @@
 #include <set>
 
 #include "components/graphing/Utilclasses.h"
-#include "components/links/Complist.h"
+#include "components/links/Componentref.h"
 #include "components/sources/Tables.h"
 
 class TDataSheetModel;
@@ -27,11 +27,11 @@ class TDataSheet : public QTableView {
   ~TDataSheet() override;
 
   /// Null for none. Not owned, may go first.
-  TDataTable* GetTable() const;
+  TDataTable* GetTable() const { return table_.Get(); }
   void SetTable(TDataTable* table);
   /// The table's object name, as forms keep it; resolved by Loaded.
-  QString GetTableName() const { return table_.GetNames().value(0); }
-  void SetTableName(const QString& name);
+  QString GetTableName() const { return table_.GetName(); }
+  void SetTableName(const QString& name) { table_.SetName(name); }
 
   TNumberFormat* GetValueFormat() { return &valueFormat_; }
   void SetValueFormat(const TNumberFormat* format) { valueFormat_.Assign(format); }
@@ -42,7 +42,7 @@ class TDataSheet : public QTableView {
   void SetReadOnly(bool readOnly) { readOnly_ = readOnly; }
 
   /// To be called once the form is complete.
-  void Loaded() { table_.GetComponentsByNames(); }
+  void Loaded() { table_.Loaded(); }
 
  public slots:
   /// The selected cells, as text, to the clipboard.
@@ -69,7 +69,7 @@ class TDataSheet : public QTableView {
   std::set<int> SelectedRows() const;
   int WidthOf(const QString& text) const;
 
-  TKorvalCompList table_{this, &TDataTable::staticMetaObject};  ///< one at most
+  TComponentRef<TDataTable> table_{this};
   TNumberFormat valueFormat_{this};
   TNumberFormat timeFormat_{this};
   TDataSheetModel* model_;  ///< a child
