@@ -124,8 +124,8 @@ bool TChannel::ReadProperties(QJsonObject record, QString* error) {
 void TChannel::AssignTo(TPersistent* destination) const {
   auto* channel = qobject_cast<TChannel*>(destination);
   if (!channel || channel == this) return;
-  TPersistent::AssignTo(channel);
-  channel->SetUnits(units_);
+  CopyInSteps(
+      channel, [&] { TPersistent::AssignTo(channel); }, [&] { channel->SetUnits(units_); });
 }
 
 // TChannels
@@ -190,7 +190,11 @@ void TChannels::GetChannelsOfType(std::vector<TChannel*>& list, TSensorType type
 void TChannels::AssignTo(TPersistent* destination) const {
   auto* channels = qobject_cast<TChannels*>(destination);
   if (!channels || channels == this) return;
-  for (int i = 0; i < std::min(Count(), channels->Count()); ++i) channels->SetItem(i, GetItem(i));
+  const QPointer<const TChannels> self(this);
+  const QPointer<TChannels> other(channels);
+  for (int i = 0; self && other && i < std::min(Count(), other->Count()); ++i) {
+    other->SetItem(i, GetItem(i));
+  }
 }
 
 bool TChannels::SameAs(const TPersistent* other) const {

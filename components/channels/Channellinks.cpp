@@ -243,13 +243,16 @@ void Select(TSelectedCollItem& item, const TSelectedCollItem& wanted) {
 void TCustomChannelLink::AssignTo(TPersistent* destination) const {
   auto* link = qobject_cast<TCustomChannelLink*>(destination);
   if (!link || link == this || link->metaObject() != metaObject()) return;
-  const QPointer<TCustomChannelLink> alive(link);
-  link->SetInterval(intervalMs_);
-  if (alive) link->source_.Assign(&source_);
-  for (std::size_t i = 0; alive && i < ends_.size(); ++i) {
-    Select(link->ends_[i]->ChannelSet, ends_[i]->ChannelSet);
-    if (alive) Select(link->ends_[i]->Channel, ends_[i]->Channel);
-    if (alive) link->ends_[i]->Options.Assign(&ends_[i]->Options);
+  const QPointer<const TCustomChannelLink> self(this);
+  const QPointer<TCustomChannelLink> other(link);
+  CopyInSteps(
+      link, [&] { link->SetInterval(intervalMs_); }, [&] { link->source_.Assign(&source_); });
+  for (std::size_t i = 0; self && other && i < ends_.size(); ++i) {
+    const TChannelEnd& from = *ends_[i];
+    TChannelEnd& to = *link->ends_[i];
+    CopyInSteps(
+        link, [&] { Select(to.ChannelSet, from.ChannelSet); },
+        [&] { Select(to.Channel, from.Channel); }, [&] { to.Options.Assign(&from.Options); });
   }
 }
 

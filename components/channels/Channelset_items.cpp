@@ -62,17 +62,17 @@ bool TChannelSet::ReadProperties(QJsonObject record, QString* error) {
 void TChannelSet::AssignTo(TPersistent* destination) const {
   auto* set = qobject_cast<TChannelSet*>(destination);
   if (!set || set == this) return;
-  set->SetCount(channels_.Count());
-  set->SetRows(GetRows());
-  set->SetLabel(label_);
-  set->SetXMLTag(xmlTag_);
-  set->SetSetID(setId_);
-  set->channels_.Assign(&channels_);
-  if (storageNow_) {
-    set->SetStorage(storageNow_);
-  } else {
-    set->SetStorageName(GetStorageName());
-  }
+  CopyInSteps(
+      set, [&] { set->SetCount(channels_.Count()); }, [&] { set->SetRows(GetRows()); },
+      [&] { set->SetLabel(label_); }, [&] { set->SetXMLTag(xmlTag_); },
+      [&] { set->SetSetID(setId_); }, [&] { set->channels_.Assign(&channels_); },
+      [&] {
+        if (storageNow_) {
+          set->SetStorage(storageNow_);
+        } else {
+          set->SetStorageName(GetStorageName());
+        }
+      });
 }
 
 // TChannelSets
@@ -192,10 +192,12 @@ void TChannelSets::AssignTo(TPersistent* destination) const {
   auto* sets = qobject_cast<TChannelSets*>(destination);
   if (!sets || sets == this) return;
   // Not until the counts are equal: whoever is notified of a change may make another one.
-  const QPointer<TChannelSets> alive(sets);
-  for (int i = sets->Count() - Count(); alive && i > 0; --i) sets->Delete(sets->Count() - 1);
-  for (int i = Count() - (alive ? sets->Count() : 0); alive && i > 0; --i) sets->Add();
-  for (int i = 0; alive && i < Count(); ++i) sets->SetItem(i, GetItem(i));
+  const QPointer<const TChannelSets> self(this);
+  const QPointer<TChannelSets> other(sets);
+  const auto alive = [&] { return self && other; };
+  for (int i = sets->Count() - Count(); alive() && i > 0; --i) sets->Delete(sets->Count() - 1);
+  for (int i = alive() ? Count() - sets->Count() : 0; alive() && i > 0; --i) sets->Add();
+  for (int i = 0; alive() && i < Count(); ++i) sets->SetItem(i, GetItem(i));
 }
 
 bool TChannelSets::SameAs(const TPersistent* other) const {

@@ -408,7 +408,7 @@ int TChannelStatistics::ProvideGraphBlock(const TStatisticsOptions& options, int
 void TChannelStatistics::AssignTo(TPersistent* destination) const {
   auto* statistics = qobject_cast<TChannelStatistics*>(destination);
   if (!statistics || statistics == this) return;
-  statistics->SetSelIntervals(selected_);
-  statistics->SetLimits(&limits_);
-  statistics->SetStoreDataAsText(asText_);
+  CopyInSteps(
+      statistics, [&] { statistics->SetSelIntervals(selected_); },
+      [&] { statistics->SetLimits(&limits_); }, [&] { statistics->SetStoreDataAsText(asText_); });
 }

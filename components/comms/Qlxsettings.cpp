@@ -54,9 +54,10 @@ void TQLXSettings::AssignTo(TPersistent* destination) const {
   if (!settings) return;
   TQLXSettings others;
   TPersistent::AssignTo(&others);
+  const QString portNum = portNum_;  // a listener may destroy this object
   others.SetPortNum(settings->GetPortNum());
   others.TPersistent::AssignTo(settings);
-  if (settings) settings->SetPortNum(portNum_);
+  if (settings) settings->SetPortNum(portNum);
 }
 
 bool TQLXSettings::SameAs(const TPersistent* other) const {

@@ -159,9 +159,9 @@ void TArrowEnd::DrawArrow(QPainter& painter) const {
 void TArrowEnd::AssignTo(TPersistent* destination) const {
   auto* end = qobject_cast<TArrowEnd*>(destination);
   if (!end || end == this) return;
-  end->SetStyle(style_);
-  end->SetAttachTo(attachTo_);
-  end->control_.Assign(&control_);
+  CopyInSteps(
+      end, [&] { end->SetStyle(style_); }, [&] { end->SetAttachTo(attachTo_); },
+      [&] { end->control_.Assign(&control_); });
 }
 
 bool TArrowEnd::SameAs(const TPersistent* other) const {

@@ -134,20 +134,16 @@ void TNeedle::DrawOutline(QPainter& canvas, int shift, TColor line, TColor fill)
 void TNeedle::AssignTo(TPersistent* destination) const {
   auto* needle = qobject_cast<TNeedle*>(destination);
   if (!needle || needle == this) return;
-  needle->SetLineColor(lineColor_);
-  needle->SetFillColor(fillColor_);
-  needle->SetShaddowColor(shaddowColor_);
-  needle->SetHeight(height_);
-  needle->SetLineWidth(lineWidth_);
-  needle->SetType(type_);
-  needle->SetXYLength({x_, y_}, length_);
-  needle->SetAngle(angle_);
+  // Its place is one change.
+  CopyInSteps(
+      needle,
+      [&] {
+        needle->SetXYLength({x_, y_}, length_);
+      },
+      [&] { TPersistent::AssignTo(needle); }, [&] { needle->SetAngle(angle_); });
 }
 
 bool TNeedle::SameAs(const TPersistent* other) const {
   const auto* needle = qobject_cast<const TNeedle*>(other);
-  return needle && lineColor_ == needle->lineColor_ && fillColor_ == needle->fillColor_ &&
-         shaddowColor_ == needle->shaddowColor_ && height_ == needle->height_ &&
-         lineWidth_ == needle->lineWidth_ && type_ == needle->type_ && x_ == needle->x_ &&
-         y_ == needle->y_ && length_ == needle->length_ && angle_ == needle->angle_;
+  return needle && TPersistent::SameAs(needle) && angle_ == needle->angle_;
 }

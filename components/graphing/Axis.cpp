@@ -2,7 +2,6 @@
 
 #include <QPainter>
 #include <QPointer>
-#include <QScopedValueRollback>
 #include <QSet>
 #include <algorithm>
 #include <cmath>
@@ -501,7 +500,9 @@ void TAxis::SetMinMax(double a, double b) {
   min_ = std::min(a, b);
   max_ = std::max(a, b);
   TakeFixedBounds();
+  const QPointer<TAxis> self(this);
   if (!autoMin_ && !autoMax_) CalculateTickPos();
+  if (!self) return;
   CalculateOverlap();
   Notify();
 }
@@ -544,12 +545,12 @@ void TAxis::SetFixedOrigin(bool fixed) { Set(fixedOrigin_, fixed); }
 void TAxis::SetScale(TAxisScale scale) {
   if (scale == scale_ || scale < asLinear || scale > asTime) return;
   scale_ = scale;
-  {
-    const QScopedValueRollback<bool> quiet(choosingTicks_, true);
-    label_->GetNumFormat()->SetIsTimeFormat(scale == asTime);
-  }
+  const QPointer<TAxis> self(this);
+  Quietly([&] { label_->GetNumFormat()->SetIsTimeFormat(scale == asTime); });
+  if (!self) return;
   TakeFixedBounds();
   CalculateTickPos();
+  if (!self) return;
   CalculateOverlap();
   Notify();
 }
@@ -564,6 +565,15 @@ void TAxis::SubObjectChanged() {
   if (choosingTicks_) return;
   CalculateOverlap();
   Notify();
+}
+
+/// Changes a part, which is no change of the axis. A listener may destroy the axis.
+template <class TChange>
+void TAxis::Quietly(TChange change) {
+  const QPointer<TAxis> self(this);
+  const bool before = std::exchange(choosingTicks_, true);
+  change();
+  if (self) choosingTicks_ = before;
 }
 
 void TAxis::Notify() {
@@ -608,8 +618,9 @@ double TAxis::FarPixel(double value) const {
 }
 
 void TAxis::UpdateAxis() {
+  const QPointer<TAxis> self(this);
   AutoScale();
-  AdjustOrigin();
+  if (self) AdjustOrigin();
 }
 
 void TAxis::AutoScale() {
@@ -655,13 +666,14 @@ void TAxis::CalculateTickPos() {
   chosenForMin_ = workingMin_;
   chosenForMax_ = workingMax_;
   ValidateRange();
+  const QPointer<TAxis> self(this);
   if (scale_ == asTime) {
     CalculateTimeTickPos();
   } else {
     const TBounds range{workingMin_, workingMax_};
     TakeTicks(scale_ == asLog ? LogTicks(range) : LinearTicks(range));
   }
-  CalculateScaleFactor();
+  if (self) CalculateScaleFactor();
 }
 
 /// The drawn range always ends on whole major steps.
@@ -677,20 +689,20 @@ void TAxis::CalculateTimeTickPos() {
   const TTimeStep& step = TimeStep(range);
   TakeTicks(TimeTicks(range, step));
 
-  const QScopedValueRollback<bool> quiet(choosingTicks_, true);
-  label_->GetNumFormat()->SetTimeFormatStr(QLatin1String(step.LabelPattern));
   timeOrigin_ = TDateTime(workingMin_);
   timeCaptionPattern_ = QLatin1String(step.TitlePattern);
-  if (timeCaptionPattern_.isEmpty()) {
-    title_->SetTimeCaption(QStringLiteral("Time [years]"));
-    return;
-  }
+  const QPointer<TAxis> self(this);
+  Quietly([&] { label_->GetNumFormat()->SetTimeFormatStr(QLatin1String(step.LabelPattern)); });
+  if (self) Quietly([&] { title_->SetTimeCaption(TimeCaption(step)); });
+}
+
+QString TAxis::TimeCaption(const TTimeStep& step) const {
+  if (timeCaptionPattern_.isEmpty()) return QStringLiteral("Time [years]");
   TNumberFormat format;
   format.SetIsTimeFormat(true);
   format.SetTimeFormatStr(timeCaptionPattern_);
-  title_->SetTimeCaption(
-      (step.StepDays < 1.0 ? QStringLiteral("Date Time : ") : QStringLiteral("Date : ")) +
-      format.FormatedValue(workingMin_));
+  return (step.StepDays < 1.0 ? QStringLiteral("Date Time : ") : QStringLiteral("Date : ")) +
+         format.FormatedValue(workingMin_);
 }
 
 void TAxis::CalculateScaleFactor() {
@@ -734,14 +746,14 @@ void TAxis::DrawLine(QPainter& painter) const {
 void TAxis::AssignTo(TPersistent* destination) const {
   auto* axis = qobject_cast<TAxis*>(destination);
   if (!axis) return;
-  // Both bounds at once: alone, one that equals the other's old value would be refused.
-  if (axis->min_ != min_ || axis->max_ != max_) axis->SetMinMax(min_, max_);
-  axis->SetAutoMax(autoMax_);
-  axis->SetAutoMin(autoMin_);
-  axis->SetLineColor(lineColor_);
-  axis->SetScale(scale_);
-  axis->SetLabel(label_.get());
-  axis->SetMajor(majorTick_.get());
-  axis->SetMinor(minorTick_.get());
-  axis->SetTitle(title_.get());
+  CopyInSteps(
+      axis,
+      [&] {
+        // Both bounds at once: alone, one that equals the other's old value would be refused.
+        if (axis->min_ != min_ || axis->max_ != max_) axis->SetMinMax(min_, max_);
+      },
+      [&] { axis->SetAutoMax(autoMax_); }, [&] { axis->SetAutoMin(autoMin_); },
+      [&] { axis->SetLineColor(lineColor_); }, [&] { axis->SetScale(scale_); },
+      [&] { axis->SetLabel(label_.get()); }, [&] { axis->SetMajor(majorTick_.get()); },
+      [&] { axis->SetMinor(minorTick_.get()); }, [&] { axis->SetTitle(title_.get()); });
 }

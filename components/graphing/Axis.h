@@ -20,6 +20,7 @@ class QPainter;
 class TAxis;
 class TTickLabel;
 struct TTickChoice;
+struct TTimeStep;
 
 /// One set of ticks of an axis, major or minor. A member of its axis; GUI thread only.
 class TTick : public TPersistent {
@@ -367,10 +368,13 @@ class TAxis : public TPersistent {
   template <typename T>
   void Set(T& field, T value);
   void SubObjectChanged();
+  template <class TChange>
+  void Quietly(TChange change);
   void Notify();
   void TakeFixedBounds();
   void Hold(bool& automatic);
   void TakeTicks(const TTickChoice& ticks);
+  QString TimeCaption(const TTimeStep& step) const;
   double Span(double from, double to) const;
   void DrawLine(QPainter& painter) const;
 

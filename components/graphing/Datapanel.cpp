@@ -242,10 +242,9 @@ void TDataPanel::DrawSelection(QPainter* painter) const {
 void TDataPanel::AssignTo(TPersistent* destination) const {
   auto* panel = qobject_cast<TDataPanel*>(destination);
   if (!panel || panel == this) return;
-  panel->SetLineColor(lineColor_);
-  panel->SetFillColor(fillColor_);
-  panel->SetAllowSelection(allowSelection_);
-  panel->list_.Assign(&list_);
+  CopyInSteps(
+      panel, [&] { panel->SetLineColor(lineColor_); }, [&] { panel->SetFillColor(fillColor_); },
+      [&] { panel->SetAllowSelection(allowSelection_); }, [&] { panel->list_.Assign(&list_); });
 }
 
 bool TDataPanel::SameAs(const TPersistent* other) const {

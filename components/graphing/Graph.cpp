@@ -6,7 +6,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
-#include <QScopedValueRollback>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -131,20 +130,23 @@ void TKorvalGraph::SetUpAxis(TAxis& axis) {
 
 void TKorvalGraph::SetDataPanel(const TDataPanel* panel) {
   if (!panel) return;
+  const QPointer<TKorvalGraph> self(this);
   dataPanel_->Assign(panel);
-  Redraw();
+  if (self) Redraw();
 }
 
 void TKorvalGraph::SetHAx(const TAxis* axis) {
   if (!axis) return;
+  const QPointer<TKorvalGraph> self(this);
   horizontalAx_->Assign(axis);
-  UpdateGraph();
+  if (self) UpdateGraph();
 }
 
 void TKorvalGraph::SetVAx(const TAxis* axis) {
   if (!axis) return;
+  const QPointer<TKorvalGraph> self(this);
   verticalAx_->Assign(axis);
-  UpdateGraph();
+  if (self) UpdateGraph();
 }
 
 void TKorvalGraph::SetColor(TColor color) {
@@ -184,15 +186,24 @@ void TKorvalGraph::SetShowCoordinates(bool show) {
 
 void TKorvalGraph::UpdateGraph() {
   if (!ready_ || updating_) return;
-  const QScopedValueRollback<bool> guard(updating_, true);
+  const QPointer<TKorvalGraph> self(this);
+  updating_ = true;
+  LayOut();
+  if (self) updating_ = false;
+}
+
+/// A listener of the axes may destroy the graph.
+void TKorvalGraph::LayOut() {
   if (!HasBufferOfItsSize()) {
     const QSize pixels = BufferSize();
     backBuffer_ = Fits(pixels) ? QPixmap(pixels) : QPixmap();
     backBuffer_.setDevicePixelRatio(devicePixelRatioF());
     stale_ = true;
   }
+  const QPointer<TKorvalGraph> self(this);
   horizontalAx_->UpdateAxis();
-  verticalAx_->UpdateAxis();
+  if (self) verticalAx_->UpdateAxis();
+  if (!self) return;
   AdjustOrigin();
   const TShown shown{Shown(*horizontalAx_), Shown(*verticalAx_)};
   if (std::exchange(shown_, shown) != shown) dataPanel_->AxesChanged();
@@ -255,11 +266,12 @@ void TKorvalGraph::Loaded() { UpdateGraph(); }
 
 void TKorvalGraph::AssignTo(TKorvalGraph* destination) const {
   if (!destination || destination == this) return;
-  destination->resize(size());
-  destination->SetHAx(horizontalAx_.get());
-  destination->SetVAx(verticalAx_.get());
-  destination->SetDataPanel(dataPanel_.get());
-  destination->Replay();
+  const QPointer<TKorvalGraph> other(destination);
+  other->resize(size());
+  if (other) other->SetHAx(horizontalAx_.get());
+  if (other) other->SetVAx(verticalAx_.get());
+  if (other) other->SetDataPanel(dataPanel_.get());
+  if (other) other->Replay();
 }
 
 // Drawing
@@ -271,8 +283,9 @@ void TKorvalGraph::Redraw() {
 }
 
 void TKorvalGraph::Replay() {
+  const QPointer<TKorvalGraph> self(this);
   UpdateGraph();
-  Redraw();
+  if (self) Redraw();
 }
 
 void TKorvalGraph::RedrawGraph(QObject*) { Replay(); }

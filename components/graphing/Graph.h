@@ -120,6 +120,7 @@ class TKorvalGraph : public QWidget {
  private:
   void SetUpAxis(TAxis& axis);
   void Resize();
+  void LayOut();
   QSize BufferSize() const;
   bool HasBufferOfItsSize() const;
   void CalculateOverlap();

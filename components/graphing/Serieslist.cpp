@@ -165,7 +165,8 @@ bool TSeriesList::ReadProperties(const QString& text, QString* error) {
 void TSeriesList::RestoreProperties(const QString& text) {
   TSeriesList read;
   if (!read.ReadProperties(text)) return;
-  for (int i = 0; i < std::min(Count(), read.Count()); ++i) {
+  const QPointer<TSeriesList> self(this);
+  for (int i = 0; self && i < std::min(Count(), read.Count()); ++i) {
     if (Get(i)->metaObject() != read.Get(i)->metaObject()) continue;
     read.Get(i)->TakeSources(*Get(i));
     Get(i)->Assign(read.Get(i));

@@ -269,13 +269,14 @@ void TServerDataControl::Loaded() {
 
 namespace {
 
-/// A subscriber to the new value may destroy the destination.
+/// A subscriber to the new value may destroy the two.
 template <class TPort>
 void CopyPort(const TPort& source, TPersistent* destination) {
   const QPointer<TPort> port = qobject_cast<TPort*>(destination);
   if (!port || port == &source) return;
+  const QPointer<const TPort> alive(&source);
   port->SetValue(source.GetValue());
-  if (port) port->SetDataControl(source.GetDataControl());
+  if (port && alive) port->SetDataControl(source.GetDataControl());
 }
 
 }  // namespace

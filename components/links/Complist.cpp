@@ -35,20 +35,22 @@ bool TKorvalCompList::Allows(QObject* item, TListAction action) const {
 bool TKorvalCompList::Insert(int index, QObject* component) {
   if (index < 0 || index > Count() || !component || Contains(component)) return false;
   if (!component->metaObject()->inherits(baseClass_)) return false;
+  const QPointer<TKorvalCompList> self(this);
   const QPointer<QObject> alive = component;
   if (!Allows(component, laAdded)) return false;
   // Whoever was asked may have changed the list, or asked the user and let time pass.
-  if (!alive || Contains(component)) return false;
+  if (!self || !alive || Contains(component)) return false;
   items_.insert(items_.begin() + std::min(index, Count()), {component, alive});
   connect(component, &QObject::destroyed, this, &TKorvalCompList::Remove);
   emit OnItemChanged(this, component, laAdded);
-  Changed();
+  if (self) Changed();
   return true;
 }
 
 bool TKorvalCompList::Delete(int index) {
+  const QPointer<TKorvalCompList> self(this);
   QObject* item = index >= 0 && index < Count() ? Get(index) : nullptr;
-  if (!item || !Allows(item, laRemoved) || !Contains(item)) return false;
+  if (!item || !Allows(item, laRemoved) || !self || !Contains(item)) return false;
   Remove(item);
   return true;
 }
@@ -59,14 +61,17 @@ void TKorvalCompList::Remove(QObject* component) {
     return;
   }
   disconnect(component, &QObject::destroyed, this, &TKorvalCompList::Remove);
+  const QPointer<TKorvalCompList> self(this);
   emit OnItemChanged(this, component, laRemoved);
-  Changed();
+  if (self) Changed();
 }
 
 void TKorvalCompList::Clear() {
-  InOneChange([this] {
-    for (const TItem& item : ItemsFromEnd()) DeleteComponent(item.component);
-    pending_.clear();
+  InOneChange([this](const QPointer<TKorvalCompList>& self) {
+    for (const TItem& item : ItemsFromEnd()) {
+      if (self) DeleteComponent(item.component);
+    }
+    if (self) pending_.clear();
   });
 }
 
@@ -79,7 +84,9 @@ void TKorvalCompList::InOneChange(TChange change) {
   const std::vector<TItem> items = items_;
   const std::vector<TPending> pending = pending_;
   const bool outer = std::exchange(updating_, true);
-  change();
+  const QPointer<TKorvalCompList> self(this);
+  change(self);
+  if (!self) return;
   updating_ = outer;
   if (items_ != items || pending_ != pending) Changed();
 }
@@ -99,8 +106,9 @@ QStringList TKorvalCompList::GetNames() const {
 
 void TKorvalCompList::SetNames(const QStringList& names) {
   if (names == GetNames()) return;
-  InOneChange([&] {
+  InOneChange([&](const QPointer<TKorvalCompList>& self) {
     Clear();
+    if (!self) return;
     for (const QString& name : names) {
       pending_.push_back({name, static_cast<int>(pending_.size())});
     }
@@ -124,9 +132,10 @@ QObject* TKorvalCompList::Find(const QString& name) const {
 }
 
 void TKorvalCompList::GetComponentsByNames() {
-  InOneChange([this] {
+  InOneChange([this](const QPointer<TKorvalCompList>& self) {
     std::vector<TPending> unknown;
     for (const TPending& pending : std::exchange(pending_, {})) {
+      if (!self) return;
       QObject* found = Find(pending.name);
       if (found) {
         Insert(std::min(pending.place - static_cast<int>(unknown.size()), Count()), found);
@@ -135,7 +144,7 @@ void TKorvalCompList::GetComponentsByNames() {
         if (OnUnresolved) OnUnresolved(Owner(), pending.name);
       }
     }
-    pending_ = unknown;
+    if (self) pending_ = unknown;
   });
 }
 
@@ -145,16 +154,21 @@ void TKorvalCompList::AssignTo(TPersistent* destination) const {
   auto* other = qobject_cast<TKorvalCompList*>(destination);
   if (!other || other == this) return;
   const std::vector<TItem> items = items_;
-  other->InOneChange([this, other, &items] {
+  const std::vector<TPending> pending = pending_;
+  const auto place = [&items](const TItem& item) {
+    const auto at = std::ranges::find(items, item);
+    return at == items.end() ? -1 : at - items.begin();
+  };
+  other->InOneChange([&](const QPointer<TKorvalCompList>& alive) {
     for (const TItem& item : other->ItemsFromEnd()) {
-      if (!Contains(item.component)) other->DeleteComponent(item.component);
+      if (alive && place(item) < 0) other->DeleteComponent(item.component);
     }
-    for (const TItem& item : items) other->Add(item.alive);
-    std::stable_sort(other->items_.begin(), other->items_.end(),
-                     [this](const TItem& a, const TItem& b) {
-                       return IndexOf(a.component) < IndexOf(b.component);
-                     });
-    other->pending_ = pending_;
+    for (const TItem& item : items) {
+      if (alive) other->Add(item.alive);
+    }
+    if (!alive) return;
+    std::ranges::stable_sort(other->items_, {}, place);
+    other->pending_ = pending;
   });
 }
 

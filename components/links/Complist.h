@@ -101,7 +101,8 @@ class TKorvalCompList : public TPersistent {
   void Remove(QObject* component);
   QObject* Find(const QString& name) const;
   void Changed();
-  /// Runs `change` and fires OnChange once if anything is different then.
+  /// Runs `change`, which gets a pointer that is null once a listener has destroyed the list, and
+  /// fires OnChange once if anything is different then.
   template <class TChange>
   void InOneChange(TChange change);
 

@@ -15,8 +15,11 @@ class TComponentRef : public TKorvalCompList {
   /// Null takes a name away, too, that has not been found yet. False if nothing changes.
   bool Set(T* component) {
     if (component ? component == Get() : Empty() && GetName().isEmpty()) return false;
+    const QPointer<TKorvalCompList> self(this);
+    const QPointer<T> alive(component);
     Clear();
-    if (component) Add(component);
+    // Whoever was notified may have set another one.
+    if (self && alive && Empty()) Add(alive);
     return true;
   }
 

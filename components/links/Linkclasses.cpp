@@ -21,14 +21,15 @@ void TCustomGraphLink::SetGraph(TKorvalGraph* graph) {
 }
 
 void TCustomGraphLink::GraphChanged(TListAction action) {
+  const QPointer<TCustomGraphLink> self(this);
   if (action == laAdded) {
     Attached();
-    ShowSeries();
+    if (self) ShowSeries();
   } else {
     LeaveGraph();
   }
-  emit OnGraphChanged(this);
-  emit OnChange(this);
+  if (self) emit OnGraphChanged(this);
+  if (self) emit OnChange(this);
 }
 
 void TCustomGraphLink::ShowSeries() {
@@ -68,9 +69,9 @@ void TCustomGraphLink::Replay() {
 void TCustomGraphLink::AssignTo(TPersistent* destination) const {
   auto* link = qobject_cast<TCustomGraphLink*>(destination);
   if (!link || link == this) return;
-  link->SetGraph(GetGraph());
-  link->SetUpdateInterval(updateInterval_);
-  link->SetSeriesData(GetSeriesData());
+  CopyInSteps(
+      link, [&] { link->SetGraph(GetGraph()); }, [&] { link->SetUpdateInterval(updateInterval_); },
+      [&] { link->SetSeriesData(GetSeriesData()); });
 }
 
 bool TCustomGraphLink::SameAs(const TPersistent* other) const {
@@ -113,9 +114,12 @@ void TSliderLink::Attached() {
 }
 
 void TSliderLink::AssignTo(TPersistent* destination) const {
-  TCustomGraphLink::AssignTo(destination);
   auto* link = qobject_cast<TSliderLink*>(destination);
-  if (link && link != this) link->SetSliderAxis(axis_);
+  CopyInSteps(
+      destination, [&] { TCustomGraphLink::AssignTo(destination); },
+      [&] {
+        if (link && link != this) link->SetSliderAxis(axis_);
+      });
 }
 
 bool TSliderLink::SameAs(const TPersistent* other) const {

@@ -43,6 +43,15 @@ class TPersistent : public QObject {
     emit OnChange(this);
   }
 
+  /// The steps of a copy that is more than its properties, or takes them in another order. None is
+  /// made any more once a listener has destroyed the destination or this object.
+  template <class... TStep>
+  void CopyInSteps(TPersistent* destination, TStep... steps) const {
+    const QPointer<const TPersistent> self(this);
+    const QPointer<const TPersistent> other(destination);
+    (static_cast<void>(self && other && (steps(), true)), ...);
+  }
+
  private:
   QObject* owner_;  ///< not owned
 };
