@@ -43,6 +43,8 @@ TEST(Trust, AFolderCountsWithThoseBelowItUnlessOthersMayWriteThere) {
   ASSERT_TRUE(QFile::setPermissions(TestFolder() + "/panels/pumps", kMine));
   EXPECT_TRUE(IsTrusted(mark));
   EXPECT_EQ(UnsafeFolder(TestFolder() + "/panels/pumps"), "");
+  ASSERT_TRUE(QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOther));
+  EXPECT_FALSE(IsTrusted(mark)) << "others may write the file itself";
   EXPECT_NE(UnsafeFolder(QDir::homePath()), "");
   EXPECT_NE(UnsafeFolder("/"), "");
 }

@@ -179,3 +179,17 @@ TEST(Settings, TheFileStandsBesideTheExecutableAndSoDoBareNames) {
   EXPECT_EQ(WithFolder("a.mod", "/opt"), "/opt/a.mod");
   for (const char* name : {"b/a.mod", "C:\\a.mod", ""}) EXPECT_EQ(WithFolder(name, "/opt"), name);
 }
+
+TEST(Settings, OfAFileOfAnotherVersionTheKnownIsTakenAndTheRestKept) {
+  const QByteArray unknown = "[Camera]\nZoom=3\nRotY=9\n\n";
+  const QByteArray other = unknown + QByteArray(kAllKeys)
+                                         .replace("RotY=-0.3333333333333333\n", "Sharpness=3\n")
+                                         .replace("NodeShape=1\n", "");
+  TSettings known = OtherSettings();
+  known.RotY.reset();
+  known.NodeShape = 0;
+  EXPECT_EQ(UpdateSettings({}, ParseSettings(other)), UpdateSettings({}, known));
+  const QByteArray saved = UpdateSettings(other, OtherSettings());
+  EXPECT_TRUE(saved.startsWith(unknown) && saved.contains("\nSharpness=3\n"));
+  EXPECT_EQ(UpdateSettings({}, ParseSettings(saved)), kAllKeys);
+}
