@@ -89,7 +89,7 @@ void TQLXMasterClient::Close() {
 
 void TQLXMasterClient::PortOpened(QObject* sender) {
   Q_UNUSED(sender)
-  if (opening_) return;
+  if (opening_ || port_.IsStarting()) return;
   const QPointer<TQLXMasterClient> self(this);
   ShowConnected();
   if (self) UpdateReconnect();
@@ -99,7 +99,7 @@ void TQLXMasterClient::PortOpened(QObject* sender) {
 void TQLXMasterClient::PortClosed(QObject* sender) {
   Q_UNUSED(sender)
   showSkipped_.SetEnabled(false);
-  if (opening_) return;
+  if (opening_ || port_.IsStarting()) return;
   const QPointer<TQLXMasterClient> self(this);
   SetStatus(DisconnectedText());
   if (self) UpdateReconnect();

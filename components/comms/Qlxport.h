@@ -74,6 +74,8 @@ class TQLXPort : public TQLXSettings {
   /// leaves AutoRun off. Off: the device is left in its polled loop with loop-read off, and the
   /// port closed. Blocks for 100 ms per command.
   void SetAutoRun(bool on);
+  /// AutoRun is being switched on: the port opens and closes once, to try the device.
+  bool IsStarting() const { return starting_ && autoRun_; }
   /// Asks the device how long its packets are and selects its loop. Opens the port and closes it.
   void InitAutoRunParameters();
   /// A tick of polling: requests a packet unless two requests are unanswered; a lost answer is
