@@ -1,6 +1,7 @@
 // The main window on a real display: what the mouse, the clipboard and the files get to see.
 
 #include "tests/support/Testing.h"
+#include "viewer/Animatorabout.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
 #include "viewer/Viewwnd.h"
@@ -156,7 +157,8 @@ TEST_F(GlViewwnd, TakesFilesDroppedOnTheView) {
     EXPECT_TRUE(event->isAccepted()) << event->type();
   }
   QCoreApplication::processEvents();
-  EXPECT_EQ(window.windowTitle(), "Velmora Animator 2.2 : a.mod + dropped.dat");
+  EXPECT_EQ(window.windowTitle(),
+            QString("Velmora Animator %1 : a.mod + dropped.dat").arg(kProgramVersion));
 }
 
 TEST_F(GlViewwnd, CopiesThePictureToTheClipboard) {

@@ -1,6 +1,7 @@
 #include "viewer/Viewwnd.h"
 
 #include "tests/support/Testing.h"
+#include "viewer/Animatorabout.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
 
@@ -65,7 +66,7 @@ class Viewwnd : public testing::Test {
     LoadData(kData);
   }
   void ExpectTitle(const QString& loaded) {
-    EXPECT_EQ(window->windowTitle(), "Velmora Animator 2.2" + loaded);
+    EXPECT_EQ(window->windowTitle(), QString("Velmora Animator ") + kProgramVersion + loaded);
   }
   void ShowActive(QWidget& widget) {
     window->show();
@@ -148,7 +149,7 @@ TEST_F(Viewwnd, TheCaptionNamesWhatIsLoaded) {
   LoadModel(kModel, "a[*]\n[*][*].mod");
   window->show();
   EXPECT_EQ(window->windowHandle()->title(),
-            QString("Velmora Animator 2.2 : a[*]\ufffd[*][*].mod"));
+            QString("Velmora Animator %1 : a[*]\ufffd[*][*].mod").arg(kProgramVersion));
 }
 
 TEST_F(Viewwnd, ADismissedDialogChangesNothing) {
