@@ -10,6 +10,7 @@
 #include <QImage>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -134,13 +135,23 @@ struct TRedraws {
   }
 };
 
-/// The line covers about the same part of the picture at each ratio, dots of few pixels less
-/// exactly so; true if not.
-bool IsWrong(const double (&covered)[3], bool isDots) {
-  const double least = isDots ? 0.5 : 0.6;
-  const double most = isDots ? 1.8 : 1.6;
-  for (const double part : covered) {
-    if (part > least * covered[0] && part < most * covered[0] && part > 1e-3) continue;
+/// What a dotted line that crosses nothing covers, for each logical pixel of its length. A dot is a
+/// disc of whole pixels, and a small one has a third more or less of them than a circle.
+double DotInk(int weight, double ratio) {
+  constexpr int kDiscs[] = {1, 4, 5, 12, 21, 32, 37, 52};  // by their diameter
+  const auto diameter = std::lround(weight * ratio);
+  return kDiscs[diameter - 1] / (3.0 * static_cast<double>(diameter)) / ratio;
+}
+
+/// The line covers about the same part of the picture at each ratio, and dots that lie apart what
+/// their pixels make; true if not.
+bool IsWrong(const double (&covered)[3], int weight, bool isDots) {
+  const double most = isDots ? 1.25 : 1.6;
+  const double least = isDots ? 0.8 : 0.6;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double ink = isDots ? DotInk(weight, kRatios[i]) / DotInk(weight, 1.0) : 1.0;
+    const double part = covered[i] / ink;
+    if (part > least * covered[0] && part < most * covered[0] && covered[i] > 1e-3) continue;
     std::printf("WRONG: the line covers %.4f, %.4f, %.4f\n", covered[0], covered[1], covered[2]);
     return true;
   }
@@ -164,7 +175,7 @@ int RunRatioBench(bool quick) {
           std::printf("%-10d %-7s %-13s %-7d %9.3f %9.3f %9.3f %6.1f\n", count,
                       noisy ? "noisy" : "smooth", kPens[pen], weight, times[0], times[1], times[2],
                       times[2] / times[0]);
-          wrong |= IsWrong(redraws.covered, pen == TSeriesStyle::psDot);
+          wrong |= IsWrong(redraws.covered, weight, pen == TSeriesStyle::psDot && !noisy);
         }
       }
     }
