@@ -8,6 +8,8 @@
 #include <functional>
 #include <memory>
 
+#include "components/links/Componentref.h"
+
 namespace {
 
 /// A form with the labels a, b and c and the button x.
@@ -144,6 +146,12 @@ TEST_F(TKorvalCompListTest, AssignMakesTheOtherListHoldTheSameInTheSameOrder) {
   EXPECT_EQ(asked, 2) << "what stays is not taken out and put back";
   other.Assign(&list);
   EXPECT_EQ(changes.count(), 1);
+  other.OnBeforeChange = [](QObject*, TListAction action, bool& allow) {
+    allow = action == laAdded;
+  };
+  list.Delete(0);
+  other.Assign(&list);
+  EXPECT_EQ(other.GetNames().join(' '), "c a") << "what must stay comes first";
 
   TKorvalCompList buttons(&form, &QPushButton::staticMetaObject);
   buttons.Assign(&list);
@@ -162,6 +170,41 @@ TEST_F(TKorvalCompListTest, AllOthersGoThoughAListenerMovesThem) {
   QObject::connect(&list, &TKorvalCompList::OnItemChanged, [&] { list.Insert(0, At("x")); });
   list.SetBaseClass(&QPushButton::staticMetaObject);
   EXPECT_EQ(Names(), "x");
+}
+
+TEST_F(TKorvalCompListTest, AListenerMayDestroyIt) {
+  list.Add(At("c"));
+  const std::pair<bool, std::function<void(TKorvalCompList&)>> changes[] = {
+      {true, [this](TKorvalCompList& it) { it.Add(At("c")); }},
+      {true, [](TKorvalCompList& it) { it.Delete(0); }},
+      {true, [](TKorvalCompList& it) { it.SetNames({"c"}); }},
+      {true, [this](TKorvalCompList& it) { it.Assign(&list); }},
+      {false, [](TKorvalCompList& it) { it.GetComponentsByNames(); }}};
+  for (const auto& change : changes) {
+    for (const bool beforehand : {true, false}) {
+      auto doomed = std::make_unique<TKorvalCompList>(&form, &QLabel::staticMetaObject);
+      doomed->SetNames({"a", "b"});
+      if (change.first) doomed->GetComponentsByNames();
+      if (beforehand) {
+        doomed->OnBeforeChange = [&doomed](QObject*, TListAction, bool&) { doomed.reset(); };
+      } else {
+        QObject::connect(doomed.get(), &TKorvalCompList::OnItemChanged, [&] { doomed.reset(); });
+      }
+      change.second(*doomed);
+      EXPECT_FALSE(doomed);
+    }
+  }
+}
+
+TEST_F(TKorvalCompListTest, AReferenceHoldsOneComponentOrAName) {
+  TComponentRef<QWidget> ref(&form);
+  EXPECT_TRUE(ref.SetName("a") && !ref.SetName("a"));
+  EXPECT_TRUE(ref.Set(nullptr) && !ref.Set(nullptr));
+  EXPECT_EQ(ref.GetName(), "") << "a name that waits goes, too";
+  EXPECT_TRUE(ref.Set(At("a")) && !ref.Set(At("a")));
+  QObject::connect(&ref, &TKorvalCompList::OnItemChanged, [&] { ref.Set(At("x")); });
+  ref.Set(At("b"));
+  EXPECT_EQ(ref.GetNames().join(' '), "x") << "what the listener has set stays";
 }
 
 }  // namespace
