@@ -1,43 +1,18 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QLibraryInfo>
-#include <QProcess>
-#include <set>
-
 #include "components/channels/Datachannel.h"
 #include "components/graphing/Graph.h"
-#include "components/panels/Panel.h"
 #include "tests/components/links/Changedvalues.h"
 #include "tests/components/panels/Panelforms.h"
-#include "tests/support/Testsupport.h"
 
 namespace {
 
-using testing::ElementsAre;
+using TValues = std::map<std::string, std::string>;
 
-const QByteArray kForm =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ui version=\"4.0\">\n <class>Panel</class>\n"
-    " <widget class=\"QWidget\" name=\"Panel\">\n"
-    "  <property name=\"geometry\"><rect><x>0</x><y>0</y><width>800</width><height>600</height>"
-    "</rect></property>\n"
-    "  <widget class=\"TDataChannel\" name=\"speed\">\n"
-    "   <property name=\"geometry\"><rect><x>10</x><y>10</y><width>80</width><height>24</height>"
-    "</rect></property>\n"
-    "   <property name=\"InitialValue\"><double>10</double></property>\n"
-    "   <property name=\"Data.DataValues\" stdset=\"0\"><string>%1</string></property>\n"
-    "  </widget>\n"
-    "  <widget class=\"TKorvalGraph\" name=\"plot\">\n"
-    "   <property name=\"geometry\"><rect><x>10</x><y>60</y><width>300</width><height>200</height>"
-    "</rect></property>\n"
-    "   <property name=\"VerticalAx.Title.Caption\" stdset=\"0\"><string>m/s</string></property>\n"
-    "  </widget>\n"
-    "%2 </widget>\n</ui>\n";
+/// The property of a widget's place.
+QString PlaceOf(const QRect& rect) {
+  const auto text = QString("<x>%1</x><y>%2</y><width>%3</width><height>%4</height>");
+  return PropertyOf("geometry", "rect",
+                    text.arg(rect.x()).arg(rect.y()).arg(rect.width()).arg(rect.height()));
+}
 
 /// Runs Qt Designer with the plug-in on forms; see TProbe for the steps.
 QJsonObject RunDesigner(const QStringList& forms, const QByteArray& steps) {
@@ -57,18 +32,7 @@ QJsonObject RunDesigner(const QStringList& forms, const QByteArray& steps) {
   const QByteArray log = designer.readAll();
   EXPECT_EQ(log.toStdString(), "");
   EXPECT_EQ(designer.exitStatus(), QProcess::NormalExit);
-  QFile report(script);
-  EXPECT_TRUE(report.open(QIODevice::ReadOnly));
-  return QJsonDocument::fromJson(report.readAll()).object();
-}
-
-/// The rows of a list as forms keep them.
-QString Rows(const std::vector<double>& values) {
-  TDataChannel channel;
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    channel.SetTimeAndValue(static_cast<double>(i), values[i]);
-  }
-  return channel.GetData()->property("DataValues").toString();
+  return QJsonDocument::fromJson(Contents(script)).object();
 }
 
 /// A component of every class, named after it, none above another.
@@ -76,13 +40,8 @@ QString OneOfEach() {
   QString widgets;
   int place = 0;
   for (const TComponentClass& component : ComponentClasses()) {
-    widgets += QStringLiteral(
-                   "  <widget class=\"%1\" name=\"%2\">\n   <property name=\"geometry\"><rect>"
-                   "<x>%3</x><y>%4</y><width>70</width><height>40</height></rect></property>\n"
-                   "  </widget>\n")
-                   .arg(component.Name, component.Name.toLower())
-                   .arg(80 * (place % 10))
-                   .arg(280 + 50 * (place / 10));
+    const QRect rect(80 * (place % 10), 280 + 50 * (place / 10), 70, 40);
+    widgets += WidgetOf(component.Name, component.Name.toLower(), PlaceOf(rect));
     ++place;
   }
   return widgets;
@@ -102,8 +61,14 @@ QByteArray PressAll() {
 }
 
 TEST(GlDesigner, ShowsTheComponentsAndSavesWhatIsTypedIntoTheirSubObjects) {
-  const QString file = WriteTestFile(
-      "p.ui", QString::fromUtf8(kForm).arg(Rows({3.0, 4.0, 5.0}), OneOfEach()).toUtf8());
+  const QString channelText = PlaceOf({10, 10, 80, 24}) +
+                              PropertyOf("InitialValue", "double", "10") +
+                              PropertyOf("Data.DataValues", "string", "0 3&#10;1 4&#10;2 5");
+  const QString graphText =
+      PlaceOf({10, 60, 300, 200}) + PropertyOf("VerticalAx.Title.Caption", "string", "m/s");
+  const QString file =
+      WriteForm("p.ui", PlaceOf({0, 0, 800, 600}) + WidgetOf("TDataChannel", "speed", channelText) +
+                            WidgetOf("TKorvalGraph", "plot", graphText) + OneOfEach());
   const QByteArray steps =
       "type plot HorizontalAx.Title.Caption Time\n"
       "type speed GraphLink.Graph plot\n"
@@ -135,24 +100,20 @@ TEST(GlDesigner, ShowsTheComponentsAndSavesWhatIsTypedIntoTheirSubObjects) {
   QStringList faults;
   const auto panel = TPanel::Load(file, &faults);
   ASSERT_TRUE(panel);
-  EXPECT_THAT(faults, ElementsAre());
-  const auto* channel = panel->Root()->findChild<TDataChannel*>("speed");
-  auto* graph = panel->Root()->findChild<TKorvalGraph*>("plot");
-  ASSERT_TRUE(channel && graph);
-  EXPECT_FALSE(channel->isVisibleTo(panel->Root()));
-  EXPECT_TRUE(graph->isVisibleTo(panel->Root()));
-
-  EXPECT_EQ(graph->GetHorizontalAx()->GetTitle()->GetCaption(), "Time");
-  EXPECT_EQ(graph->GetVerticalAx()->GetTitle()->GetCaption(), "m/s");
-  EXPECT_EQ(graph->GetHorizontalAx()->GetScale(), TAxis::asLog);
-  EXPECT_EQ(graph->property("Anchors").toInt(), 0);
-  EXPECT_EQ(const_cast<TDataChannel*>(channel)->GetGraphLink()->GetGraph(), graph);
+  EXPECT_EQ(faults, QStringList());
+  auto& channel = Child<TDataChannel>(*panel->Root(), "speed");
+  auto& graph = Child<TKorvalGraph>(*panel->Root(), "plot");
+  EXPECT_FALSE(channel.isVisibleTo(panel->Root()));
+  EXPECT_TRUE(graph.isVisibleTo(panel->Root()));
+  EXPECT_EQ(graph.GetHorizontalAx()->GetTitle()->GetCaption(), "Time");
+  EXPECT_EQ(graph.GetVerticalAx()->GetTitle()->GetCaption(), "m/s");
+  EXPECT_EQ(graph.GetHorizontalAx()->GetScale(), TAxis::asLog);
+  EXPECT_EQ(graph.property("Anchors").toInt(), 0);
+  EXPECT_EQ(channel.GetGraphLink()->GetGraph(), &graph);
   // The button has moved another property: from the mean 4 to 10.
-  EXPECT_EQ(channel->GetShiftConstant(), 6.0);
-  EXPECT_EQ(channel->GetData()->Count(), 3);
+  EXPECT_EQ(channel.GetShiftConstant(), 6.0);
+  EXPECT_EQ(channel.GetData()->Count(), 3);
 }
-
-using TValues = std::map<std::string, std::string>;
 
 /// As the toolkit's form loader takes it: enumerations without their scope, sets in any order.
 std::string ToolkitValue(const TFormValue& value) {
@@ -215,7 +176,7 @@ QString ChangedForm() {
   std::map<QString, TFormFile::TNewProperties> properties;
   const auto add = [&](const TComponentClass& component, const QString& onlyThis) {
     const QString name = component.Name.toLower() + QString::number(properties.size());
-    widgets += QStringLiteral("  <widget class=\"%1\" name=\"%2\"/>\n").arg(component.Name, name);
+    widgets += WidgetOf(component.Name, name);
     const std::unique_ptr<QWidget> changed = Read(component, {});
     const TValues before = StoredOf(*changed);
     ForEachStored(*changed, [&](const TPublished& published) {
@@ -255,12 +216,6 @@ void ExpectSame(const TValues& found, const TValues& wanted) {
   EXPECT_EQ(found.size(), wanted.size());
 }
 
-QString TextOf(const QString& fileName) {
-  QFile file(fileName);
-  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << fileName.toStdString();
-  return QString::fromUtf8(file.readAll());
-}
-
 TEST(GlDesigner, LosesNothingOfAFormWhoseTitleIsChanged) {
   std::map<QString, TValues> before;
   const auto write = [&](const QString& name, const QString& text) {
@@ -270,18 +225,17 @@ TEST(GlDesigner, LosesNothingOfAFormWhoseTitleIsChanged) {
   };
   const QString every = write("every.ui", ChangedForm());
   const QDir examples(SourceFile("examples/panels"));
-  for (const QString& name : examples.entryList({"*.ui"}))
-    write(name, TextOf(examples.filePath(name)));
+  for (const QFileInfo& example : examples.entryInfoList({"*.ui"})) {
+    write(example.fileName(), QString::fromUtf8(Contents(example.filePath())));
+  }
   EXPECT_GT(before.size(), 4U);
   // What the properties do not take here, and one that the class does not have.
-  const QString refused =
-      write("refused.ui",
-            FormOf("<widget class=\"TFileReader\" name=\"reader\">\n"
-                   "<property name=\"FileName\"><string>missing.txt</string></property>\n"
-                   "</widget>\n<widget class=\"TDataChannel\" name=\"channel\">\n"
-                   "<property name=\"GraphLink.UpdateInterval\"><string>often</string>"
-                   "</property>\n<property name=\"Newer.Name\" stdset=\"0\"><number>7</number>"
-                   "</property>\n</widget>\n"));
+  const QString refused = write(
+      "refused.ui",
+      FormOf(WidgetOf("TFileReader", "reader", PropertyOf("FileName", "string", "missing.txt")) +
+             WidgetOf("TDataChannel", "channel",
+                      PropertyOf("GraphLink.UpdateInterval", "string", "often") +
+                          PropertyOf("Newer.Name", "number", "7"))));
   QStringList forms;
   for (const auto& [form, values] : before) forms.append(form);
 
@@ -292,7 +246,7 @@ TEST(GlDesigner, LosesNothingOfAFormWhoseTitleIsChanged) {
     EXPECT_EQ(RunDesigner(forms, step)["answers"].toArray()[0].toString(), step + ": done");
     for (const auto& [form, values] : before) {
       SCOPED_TRACE(form.toStdString());
-      QString text = TextOf(form);
+      QString text = QString::fromUtf8(Contents(form));
       EXPECT_TRUE(text.contains(title));
       ExpectSame(ValuesOf(text), values);
       text.remove(title);
@@ -302,17 +256,15 @@ TEST(GlDesigner, LosesNothingOfAFormWhoseTitleIsChanged) {
   for (const char* kept : {">missing.txt<", ">often<", "\"Newer.Name\"", ">7<"}) {
     EXPECT_TRUE(once.at(refused).contains(kept)) << kept;
   }
-  const struct {
-    const char* name;
-    const char* base;
-  } classes[] = {{"TKorvalGraph", "QWidget"},
-                 {"TLinkedLabel", "QLabel"},
-                 {"TDataSheet", "QTableView"},
-                 {"TValueEdit", "QAbstractSpinBox"},
-                 {"TOccurrenceHistogram", "TBasicHistogram"}};
-  for (const auto& c : classes) {
+  const std::pair<const char*, const char*> classes[] = {
+      {"TKorvalGraph", "QWidget"},
+      {"TLinkedLabel", "QLabel"},
+      {"TDataSheet", "QTableView"},
+      {"TValueEdit", "QAbstractSpinBox"},
+      {"TOccurrenceHistogram", "TBasicHistogram"}};
+  for (const auto& [name, base] : classes) {
     const QString entry = QStringLiteral("<class>%1</class>\n   <extends>%2</extends>");
-    EXPECT_TRUE(once.at(every).contains(entry.arg(c.name, c.base))) << c.name;
+    EXPECT_TRUE(once.at(every).contains(entry.arg(name, base))) << name;
   }
 }
 

@@ -1,23 +1,6 @@
 #include "tests/designer/Probe.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QCryptographicHash>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QLineEdit>
-#include <QListView>
-#include <QMainWindow>
-#include <QTest>
-#include <QTreeWidget>
-#include <QtDesigner/QDesignerFormWindowCursorInterface>
-#include <QtDesigner/QDesignerFormWindowInterface>
-#include <QtDesigner/QDesignerFormWindowManagerInterface>
-#include <QtDesigner/QDesignerPropertyEditorInterface>
-#include <QtDesigner/QDesignerWidgetBoxInterface>
+#include <QtTest>
 
 namespace {
 
@@ -29,10 +12,8 @@ QString Fingerprint(const QIcon& icon) {
   const QImage image = icon.pixmap(22, 22).toImage().convertToFormat(QImage::Format_ARGB32);
   const QByteArray bits(reinterpret_cast<const char*>(image.constBits()),
                         static_cast<qsizetype>(image.sizeInBytes()));
-  const bool blank = image.isNull() || bits.count('\0') == bits.size();
-  return blank
-             ? QString()
-             : QString::fromLatin1(QCryptographicHash::hash(bits, QCryptographicHash::Md5).toHex());
+  if (image.isNull() || bits.count('\0') == bits.size()) return {};
+  return QString::fromLatin1(QCryptographicHash::hash(bits, QCryptographicHash::Md5).toHex());
 }
 
 /// The editor in the row of a property; null if it does not open.
@@ -99,22 +80,21 @@ QString TProbe::Do(const QStringList& words) {
 
 /// Of every page the names that it shows, each with a fingerprint of its icon.
 QJsonObject TProbe::Palette() const {
-  QJsonObject pages;
   QDesignerWidgetBoxInterface* box = core_->widgetBox();
-  const auto views = box->findChildren<QListView*>();
+  std::map<QString, QString> icons;
+  for (const QListView* view : box->findChildren<QListView*>()) {
+    for (int row = 0; row < view->model()->rowCount(); ++row) {
+      const QModelIndex index = view->model()->index(row, 0);
+      icons[index.data().toString()] = Fingerprint(index.data(Qt::DecorationRole).value<QIcon>());
+    }
+  }
+  QJsonObject pages;
   for (int i = 0; i < box->categoryCount(); ++i) {
     const auto category = box->category(i);
     QJsonObject page;
     for (int w = 0; w < category.widgetCount(); ++w) {
       const QString name = category.widget(w).name();
-      page.insert(name, QString());
-      for (const QListView* view : views) {
-        for (int row = 0; row < view->model()->rowCount(); ++row) {
-          const QModelIndex index = view->model()->index(row, 0);
-          if (index.data().toString() != name) continue;
-          page.insert(name, Fingerprint(index.data(Qt::DecorationRole).value<QIcon>()));
-        }
-      }
+      page.insert(name, icons[name]);
     }
     pages.insert(category.name(), page);
   }

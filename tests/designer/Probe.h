@@ -1,12 +1,7 @@
 #pragma once
 
-#include <QJsonObject>
-#include <QPointer>
-#include <QTimer>
-#include <QtDesigner/QDesignerFormEditorInterface>
-#include <QtDesigner/QDesignerFormEditorPluginInterface>
-
-class QTreeWidgetItem;
+#include <QtDesigner/QtDesigner>
+#include <QtWidgets>
 
 /// A plug-in that takes a person's place at a running Designer: once the forms named on Designer's
 /// command line are open, it does the steps in the file VELMORA_PROBE with the mouse and the keys,

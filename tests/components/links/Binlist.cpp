@@ -1,19 +1,10 @@
 #include "components/links/Binlist.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <cmath>
-#include <limits>
-#include <random>
-
-using testing::ElementsAre;
+#include "tests/support/Testing.h"
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-const double kNan = std::nan("");
+using testing::ElementsAre;
 
 std::vector<std::pair<double, double>> Bins(const TBinList& list) {
   std::vector<std::pair<double, double>> bins;
@@ -35,20 +26,19 @@ TEST(TBinList, ABinHoldsTheValuesUpToItsUpperEdge) {
 }
 
 TEST(TBinList, CorrectPosIsTheUpperEdgeOfTheValuesBin) {
-  const struct {
-    double step, anchor, value, edge;
-  } cases[] = {
-      {1.0, 0.0, 0.0, 0.0},     {1.0, 0.0, 0.1, 1.0},   {1.0, 0.0, -0.1, 0.0},
-      {1.0, 0.25, 0.25, 0.25},  {1.0, 0.25, 0.3, 1.25}, {10.0, 5.0, -5.0, -5.0},
-      {10.0, 5.0, -5.01, -5.0}, {1.0, 0.0, kInf, kInf}, {1.0, 0.0, 1e300, 1e300},
+  const std::array<double, 4> cases[] = {
+      // step, anchor, value, edge
+      {1.0, 0.0, 0.0, 0.0},     {1.0, 0.0, 0.1, 1.0},     {1.0, 0.0, -0.1, 0.0},
+      {1.0, 0.25, 0.25, 0.25},  {1.0, 0.25, 0.3, 1.25},   {10.0, 5.0, -5.0, -5.0},
+      {10.0, 5.0, -5.01, -5.0}, {1.0, 0.0, 1e300, 1e300}, {1.0, 0.0, kInfinity, kInfinity},
       {1e-300, 0.0, 1.0, 1.0},  {1.0, 1e17, 3.0, 3.0},  // no bins of width 1 up there
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.step << ", " << c.anchor << ", " << c.value);
+  for (const auto& [step, anchor, value, edge] : cases) {
+    SCOPED_TRACE(testing::Message() << step << ", " << anchor << ", " << value);
     TBinList list;
-    list.SetStep(c.step);
-    list.SetAnchor(c.anchor);
-    EXPECT_EQ(list.CorrectPos(c.value), c.edge);
+    list.SetStep(step);
+    list.SetAnchor(anchor);
+    EXPECT_EQ(list.CorrectPos(value), edge);
     EXPECT_TRUE(list.Empty());
   }
   EXPECT_TRUE(std::isnan(TBinList().CorrectPos(kNan)));
@@ -66,7 +56,7 @@ TEST(TBinList, EdgesAndBinsAgreeToTheLastBit) {
     for (int bin = 1; bin < list.Count(); ++bin) {
       const double edge = list.GetPosition(bin);
       EXPECT_EQ(list.CorrectPos(edge), edge);
-      EXPECT_EQ(list.CorrectPos(std::nextafter(list.GetPosition(bin - 1), kInf)), edge);
+      EXPECT_EQ(list.CorrectPos(std::nextafter(list.GetPosition(bin - 1), kInfinity)), edge);
     }
     for (int draw = 0; draw < 1000; ++draw) list.AddValues(1.0, uniform(random));
     EXPECT_EQ(list.GetCycleCount(), 1000.0) << "nothing is lost";
@@ -76,10 +66,10 @@ TEST(TBinList, EdgesAndBinsAgreeToTheLastBit) {
 TEST(TBinList, HostileValuesTakeNoMemoryAndSpoilNothing) {
   TBinList list;
   list.AddValues(1.0, 0.5);
-  for (const double value : {kInf, -kInf, kNan, 1e300, -1e300, 70000.0, -65536.0}) {
+  for (const double value : {kInfinity, -kInfinity, kNan, 1e300, -1e300, 70000.0, -65536.0}) {
     list.AddValues(1.0, value);
   }
-  for (const double weight : {kInf, kNan}) list.AddValues(weight, 0.5);
+  for (const double weight : {kInfinity, kNan}) list.AddValues(weight, 0.5);
   EXPECT_THAT(Bins(list), ElementsAre(std::pair(1.0, 1.0)));
   EXPECT_EQ(list.GetLostCount(), 7.0);
 
@@ -90,10 +80,7 @@ TEST(TBinList, HostileValuesTakeNoMemoryAndSpoilNothing) {
   EXPECT_EQ(list.Count(), 65536);
   EXPECT_EQ(list.GetCycleCount(), 2.0);
   EXPECT_EQ(list.GetLostCount(), 9.0);
-}
 
-TEST(TBinList, MakesNoBinsThatCannotBeDistinguished) {
-  TBinList list;
   list.SetAnchor(1e17);  // where the next number is 16 away
   list.AddValues(1.0, 1e17 + 16.0);
   EXPECT_TRUE(list.Empty());
@@ -111,8 +98,8 @@ TEST(TBinList, ReportsValuesByCallbackAndChangesBySignal) {
   EXPECT_EQ(added, 2);
   EXPECT_EQ(changes.count(), 0);
 
-  for (const double refused : {1.0, 0.0, -2.0, kInf, kNan}) list.SetStep(refused);
-  for (const double refused : {0.0, kInf, kNan}) list.SetAnchor(refused);
+  for (const double refused : {1.0, 0.0, -2.0, kInfinity, kNan}) list.SetStep(refused);
+  for (const double refused : {0.0, kInfinity, kNan}) list.SetAnchor(refused);
   EXPECT_EQ(changes.count(), 0);
   EXPECT_EQ(list.Count(), 1);
   list.SetStep(2.0);
@@ -131,29 +118,21 @@ TEST(TBinList, SavesAndLoadsItsBinsWithTheirGrid) {
   TBinList copy;
   for (const char* name : {"Step", "Anchor", "Data"}) copy.setProperty(name, list.property(name));
   EXPECT_TRUE(copy.SameAs(&list));
-  TBinList assigned;
-  QSignalSpy changes(&assigned, &TBinList::OnChange);
-  assigned.Assign(&list);
-  EXPECT_TRUE(assigned.SameAs(&list));
-  EXPECT_EQ(changes.count(), 1);
 }
 
 TEST(TBinList, RefusesDamagedDataAndKeepsItsBins) {
-  const struct {
-    const char *text, *error;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"1 2\n3", "Row 2: 1 values instead of 2"},
       {"1 2\n1e300 1", "Row 2: no bin can be made at 1e+300"},
       {"1 2\n70000 1", "Row 2: no bin can be made at 70000"},
       {"1 inf", "Row 1: no bin can be made at 1"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TBinList list;
-    list.AddValues(1.0, 5.0);
+  TBinList list;
+  list.AddValues(1.0, 5.0);
+  for (const auto& [text, expected] : cases) {
     QString error;
-    EXPECT_FALSE(list.ReadData(c.text, &error));
-    EXPECT_EQ(error, c.error);
+    EXPECT_FALSE(list.ReadData(text, &error));
+    EXPECT_EQ(error, expected);
     EXPECT_THAT(Bins(list), ElementsAre(std::pair(5.0, 1.0)));
   }
 }

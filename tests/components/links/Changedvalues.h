@@ -72,3 +72,13 @@ inline std::map<std::string, std::string> StoredOf(QObject& component) {
   });
   return result;
 }
+
+/// As a form writes a property and a widget.
+inline QString PropertyOf(const QString& name, const QString& kind, const QString& value) {
+  return QStringLiteral("<property name=\"%1\" stdset=\"0\"><%2>%3</%2></property>\n")
+      .arg(name, kind, value);
+}
+inline QString WidgetOf(const QString& type, const QString& name, const QString& properties = {}) {
+  return QStringLiteral("<widget class=\"%1\" name=\"%2\">\n%3</widget>\n")
+      .arg(type, name, properties);
+}

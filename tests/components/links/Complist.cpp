@@ -1,12 +1,6 @@
 #include "components/links/Complist.h"
 
-#include <gtest/gtest.h>
-
-#include <QLabel>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <functional>
-#include <memory>
+#include "tests/support/Testing.h"
 
 #include "components/links/Componentref.h"
 
@@ -27,7 +21,10 @@ class TKorvalCompListTest : public testing::Test {
 };
 
 TEST_F(TKorvalCompListTest, HoldsEachComponentOfItsClassOnce) {
-  QSignalSpy changes(&list, &TKorvalCompList::OnChange);
+  QStringList told;
+  QObject::connect(&list, &TKorvalCompList::OnItemChanged,
+                   [&](QObject*, QObject* item) { told << item->objectName(); });
+  QObject::connect(&list, &TKorvalCompList::OnChange, [&] { told << Names(); });
   EXPECT_TRUE(list.Add(At("a")));
   EXPECT_TRUE(list.Insert(0, At("b")));
   EXPECT_FALSE(list.Add(At("a")));
@@ -39,8 +36,7 @@ TEST_F(TKorvalCompListTest, HoldsEachComponentOfItsClassOnce) {
   EXPECT_FALSE(list.Delete(2));
   EXPECT_TRUE(list.DeleteComponent(At("b")));
   EXPECT_FALSE(list.DeleteComponent(At("b")));
-  EXPECT_EQ(Names(), "a");
-  EXPECT_EQ(changes.count(), 3);
+  EXPECT_EQ(told, QStringList({"a", "a", "b", "b a", "b", "a"}));
 }
 
 TEST_F(TKorvalCompListTest, AsksBeforeEachChangeAndAcceptsAVeto) {
@@ -77,12 +73,9 @@ TEST_F(TKorvalCompListTest, ADestroyedComponentLeavesWithoutBeingAskedFor) {
 }
 
 TEST_F(TKorvalCompListTest, SurvivesAHookThatDestroysTheComponentItIsAskedAbout) {
-  list.OnBeforeChange = [](QObject* item, TListAction, bool&) { delete item; };
-  EXPECT_FALSE(list.Add(At("a")));
-  EXPECT_EQ(list.Count(), 0);
-  list.OnBeforeChange = nullptr;
   list.Add(At("b"));
   list.OnBeforeChange = [](QObject* item, TListAction, bool&) { delete item; };
+  EXPECT_FALSE(list.Add(At("a")));
   EXPECT_FALSE(list.Delete(0));
   EXPECT_EQ(list.Count(), 0);
 }
@@ -109,9 +102,8 @@ TEST_F(TKorvalCompListTest, ResolvesNamesInTheirPlacesAndKeepsUnknownOnes) {
   QSignalSpy changes(&list, &TKorvalCompList::OnChange);
   list.GetComponentsByNames();
   EXPECT_EQ(changes.count(), 1);
-  EXPECT_EQ(list.Count(), 2) << "x is a button";
+  ASSERT_EQ(list.Count(), 2) << "x is a button";
   EXPECT_EQ(list.Get(0), At("b"));
-  EXPECT_EQ(list.Get(1), At("a"));
   EXPECT_EQ(Names(), "later b x a");
 
   (new QLabel(&form))->setObjectName("later");
@@ -158,15 +150,11 @@ TEST_F(TKorvalCompListTest, AssignMakesTheOtherListHoldTheSameInTheSameOrder) {
   EXPECT_EQ(buttons.Count(), 0);
 }
 
-TEST_F(TKorvalCompListTest, ANewBaseClassSendsTheOthersAway) {
+TEST_F(TKorvalCompListTest, ANewBaseClassSendsTheOthersAwayThoughAListenerMovesThem) {
   list.SetBaseClass(&QWidget::staticMetaObject);
-  for (const char* name : {"a", "x"}) EXPECT_TRUE(list.Add(At(name)));
+  for (const char* name : {"x", "a", "b"}) EXPECT_TRUE(list.Add(At(name)));
   list.SetBaseClass(&QLabel::staticMetaObject);
-  EXPECT_EQ(Names(), "a");
-}
-
-TEST_F(TKorvalCompListTest, AllOthersGoThoughAListenerMovesThem) {
-  for (const char* name : {"a", "b", "c"}) list.Add(At(name));
+  EXPECT_EQ(Names(), "a b");
   QObject::connect(&list, &TKorvalCompList::OnItemChanged, [&] { list.Insert(0, At("x")); });
   list.SetBaseClass(&QPushButton::staticMetaObject);
   EXPECT_EQ(Names(), "x");

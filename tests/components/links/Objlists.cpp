@@ -1,21 +1,11 @@
 #include "components/links/Objlists.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <cmath>
-#include <limits>
-#include <set>
-
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
+#include "tests/support/Testing.h"
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-const double kNan = std::nan("");
+using testing::ElementsAre;
+using testing::ElementsAreArray;
 
 std::vector<double> Column(const TDataList& list, int column) {
   std::vector<double> values;
@@ -52,15 +42,6 @@ TEST(TDataList, PushedRowsAreNewUntilItIsFullAndThenTheOldestOnes) {
   EXPECT_EQ(Column(list, 1), Numbers(51, 150));
 }
 
-TEST(TDataList, PushRowIsTheMirrorImage) {
-  TFloatList list;
-  list.SetMaxCount(4);
-  for (int value = 1; value <= 10; ++value) list.Push(value);
-  EXPECT_THAT(Column(list, 1), ElementsAre(10, 9, 8, 7));
-  list.PushBack(1);
-  EXPECT_THAT(Column(list, 1), ElementsAre(9, 8, 7, 1)) << "both ends of one ring";
-}
-
 TEST(TDataList, AReusedRowComesWithItsOldValues) {
   TFloatList list;
   list.SetMaxCount(2);
@@ -71,32 +52,16 @@ TEST(TDataList, AReusedRowComesWithItsOldValues) {
   EXPECT_EQ(list.GetValues(1, TFloatList::kTime), 41.0);
 }
 
-TEST(TDataList, ARowMovesWithItsValuesInAListGrownBeyondItsMaximum) {
-  TDataList back(1), front(1);
-  for (TDataList* list : {&back, &front}) {
-    list->SetMaxCount(2);
-    Fill(*list, {1, 2, 3});
-  }
-  back.PushBackRow();
-  EXPECT_THAT(Column(back, 0), ElementsAre(2, 3, 1));
-  front.PushRow();
-  EXPECT_THAT(Column(front, 0), ElementsAre(3, 1, 2));
-}
-
 TEST(TDataList, WithoutAMaximumItGrowsTo65536RowsAndThenRecycles) {
   TDataList list(1);
   for (int value = 0; value < 65536; ++value) list.PushBackRow()[0] = value;
-  EXPECT_EQ(list.Count(), 65536);
+  EXPECT_EQ(Column(list, 0), Numbers(0, 65535));
   list.PushBackRow()[0] = 65536.0;
-  EXPECT_EQ(list.Count(), 65536);
-  EXPECT_EQ(list.GetValues(0, 0), 1.0);
-  EXPECT_EQ(list.GetValues(65535, 0), 65536.0);
-  list.AddRow();
-  EXPECT_EQ(list.Count(), 65537) << "AddRow knows no limit";
-  list.PushBackRow()[0] = 7.0;
-  EXPECT_EQ(list.Count(), 65537);
-  EXPECT_EQ(list.GetValues(65536, 0), 7.0);
-  EXPECT_EQ(list.GetValues(0, 0), 2.0);
+  EXPECT_EQ(Column(list, 0), Numbers(1, 65536));
+  list.AddRow()[0] = 65537.0;
+  EXPECT_EQ(Column(list, 0), Numbers(1, 65537)) << "AddRow knows no limit";
+  list.PushBackRow()[0] = 65538.0;
+  EXPECT_EQ(Column(list, 0), Numbers(2, 65538));
 }
 
 /// The ring against the simplest list there can be, whatever order the operations come in.
@@ -182,20 +147,17 @@ TEST(TDataList, PutValuesBeyondTheEndAddsOneRow) {
 }
 
 TEST(TDataList, ClearKeepsTheRoomThatWillBeNeeded) {
-  const struct {
-    int maximum, rows, capacity;
-  } cases[] = {{50, 20, 50}, {50, 70, 50}, {0, 20, 20}, {0, 300, 100}, {0, 0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.maximum << ", " << c.rows);
+  const std::array<int, 3> cases[] = {{50, 20, 50}, {50, 70, 50}, {0, 20, 20}, {0, 300, 100}, {}};
+  for (const auto& [maximum, rows, capacity] : cases) {
+    SCOPED_TRACE(testing::Message() << maximum << ", " << rows);
     TDataList list(2);
-    list.SetMaxCount(c.maximum);
-    for (int row = 0; row < c.rows; ++row) list.AddRow();
+    list.SetMaxCount(maximum);
+    for (int row = 0; row < rows; ++row) list.AddRow();
     QSignalSpy changes(&list, &TDataList::OnChange);
     list.Clear();
     EXPECT_EQ(list.Count(), 0);
-    EXPECT_EQ(list.Capacity(), c.capacity);
+    EXPECT_EQ(list.Capacity(), capacity);
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_THAT(Column(list, 0), IsEmpty());
   }
 }
 
@@ -229,7 +191,8 @@ TEST(TDataList, SortsWholeRowsStablyByOneColumn) {
   TDataList list(2);
   list.SetMaxCount(6);
   double order = 0.0;
-  for (const double value : {9.0, 9.0, 2.0, kNan, -1.0, 2.0, -kInf, 5.0}) {  // the first two go
+  for (const double value :
+       {9.0, 9.0, 2.0, kNan, -1.0, 2.0, -kInfinity, 5.0}) {  // the first two go
     double* row = list.PushBackRow();
     row[0] = value;
     row[1] = ++order;
@@ -280,7 +243,8 @@ TEST(TDataList, AKindOfListMayFillOrRefuseNewRows) {
 TEST(TDataList, SavesAndLoadsEveryNumber) {
   TFloatList list;
   list.SetMaxCount(5);
-  for (const double value : {0.0, 0.1, 1.0 / 3.0, -1e300, 5e-324, kInf, kNan}) list.PushBack(value);
+  for (const double value : {0.0, 0.1, 1.0 / 3.0, -1e300, 5e-324, kInfinity, kNan})
+    list.PushBack(value);
   const QString text = list.property("DataValues").toString();
 
   TFloatList copy;
@@ -306,40 +270,31 @@ TEST(TDataList, KeepsAllLoadedRowsUntilItsMaximumIsKnown) {
 }
 
 TEST(TDataList, RefusesADamagedTextAndKeepsItsRows) {
-  const struct {
-    const char *text, *error;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"1 2\n3", "Row 2: 1 values instead of 2"},     {"1 2 3", "Row 1: 3 values instead of 2"},
       {"1 2\n\n3 4", "Row 2: 0 values instead of 2"}, {"1 2\n3 4x", "Row 2: '4x' is not a number"},
       {"1,5 2", "Row 1: '1,5' is not a number"},      {"\xff\xfe", "Row 1: '?\?' is not a number"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TFloatList list;
-    list.Add(7.0);
-    QSignalSpy changes(&list, &TDataList::OnChange);
+  TFloatList list;
+  list.Add(7.0);
+  QSignalSpy changes(&list, &TDataList::OnChange);
+  for (const auto& [text, expected] : cases) {
     QString error;
-    EXPECT_FALSE(list.ReadProperties(QString::fromUtf8(c.text), &error));
-    EXPECT_EQ(error, c.error);
+    EXPECT_FALSE(list.ReadProperties(QString::fromUtf8(text), &error));
+    EXPECT_EQ(error, expected);
     EXPECT_THAT(Column(list, 1), ElementsAre(7.0));
-    EXPECT_EQ(changes.count(), 0);
   }
+  EXPECT_EQ(changes.count(), 0);
 }
 
-TEST(TDataList, AssignCopiesIntoListsOfAsManyColumns) {
+TEST(TDataList, AssignCopiesTheMaximumAndTheRoomForIt) {
   TFloatList source;
   source.SetMaxCount(3);
   for (const double value : {1, 2, 3, 4}) source.PushBack(value);
   TFloatList copy;
-  QSignalSpy changes(&copy, &TDataList::OnChange);
   copy.Assign(&source);
-  copy.Assign(&source);
-  EXPECT_TRUE(copy.SameAs(&source));
-  EXPECT_EQ(changes.count(), 1);
   copy.PushBack(5);
   EXPECT_THAT(Column(copy, 1), ElementsAre(3, 4, 5));
-  EXPECT_FALSE(copy.SameAs(&source));
-
   TDataList plain(2);
   source.SetMaxCount(50);
   plain.Assign(&source);
@@ -350,47 +305,37 @@ TEST(TDataList, AssignCopiesIntoListsOfAsManyColumns) {
 }
 
 TEST(TFloatList, FindsTheExtremesOfItsValues) {
-  const struct {
-    std::vector<double> values;
-    double min, max;
-  } cases[] = {{{}, 0.0, 0.0},
-               {{3, 7, 7, 1}, 1.0, 7.0},
-               {{-5, -2, -9}, -9.0, -2.0},
-               {{kNan, 4, kNan, 6}, 4.0, 6.0},
-               {{kNan}, 0.0, 0.0},
-               {{1, -kInf, kInf}, -kInf, kInf}};
-  for (const auto& c : cases) {
+  const std::tuple<std::vector<double>, double, double> cases[] = {
+      {{}, 0.0, 0.0},
+      {{3, 7, 7, 1}, 1.0, 7.0},
+      {{9, 1, 5, 6, 7, 8}, 5.0, 8.0},  // the first two go
+      {{-5, -2, -9}, -9.0, -2.0},
+      {{kNan, 4, kNan, 6}, 4.0, 6.0},
+      {{kNan}, 0.0, 0.0},
+      {{1, -kInfinity, kInfinity}, -kInfinity, kInfinity}};
+  for (const auto& [values, min, max] : cases) {
     TFloatList list;
     list.SetMaxCount(4);
-    for (const double dropped : {1e9, -1e9}) list.PushBack(dropped);
+    for (const double dropped : {1e9, -1e9}) list.Push(dropped);
     list.Clear();
-    for (const double value : c.values) list.PushBack(value);
+    for (const double value : values) list.PushBack(value);
     for (int row = 0; row < list.Count(); ++row) list.Row(row)[TFloatList::kTime] = 1e6;
-    EXPECT_EQ(list.Max(), c.max);
-    EXPECT_EQ(list.Min(), c.min);
+    EXPECT_EQ(list.Max(), max);
+    EXPECT_EQ(list.Min(), min);
   }
-}
-
-TEST(TFloatList, ExtremesFollowTheRingAroundItsEnd) {
-  TFloatList list;
-  list.SetMaxCount(3);
-  for (const double value : {9, 1, 5, 6, 7}) list.PushBack(value);
-  EXPECT_EQ(list.Min(), 5.0);
-  EXPECT_EQ(list.Max(), 7.0);
 }
 
 TEST(TFloatList, GivesAGraphItsRowNumbersAndValues) {
   TFloatList list;
   list.SetMaxCount(2);
-  for (const double value : {1, 2, 3}) list.PushBack(value);
+  list.Push(2);
+  list.PushBack(3);
+  list.PushBack(4);
   int index = 0;
   TCoordinate point, extent;
-  ASSERT_TRUE(list.ProvideGraphData(index, point, extent));
-  EXPECT_EQ(point, (TCoordinate{0.0, 2.0}));
-  ASSERT_TRUE(list.ProvideGraphData(index, point, extent));
-  EXPECT_EQ(point, (TCoordinate{1.0, 3.0}));
-  EXPECT_EQ(index, 2);
-  EXPECT_FALSE(list.ProvideGraphData(index, point, extent));
+  std::vector<TCoordinate> points;
+  while (list.ProvideGraphData(index, point, extent)) points.push_back(point);
+  EXPECT_THAT(points, ElementsAre(TCoordinate{0.0, 3.0}, TCoordinate{1.0, 4.0}));
   EXPECT_EQ(index, 2);
   index = -1;
   EXPECT_FALSE(list.ProvideGraphData(index, point, extent));

@@ -1,15 +1,8 @@
 #include "components/links/Outside.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QDir>
 #include <QDirIterator>
-#include <QElapsedTimer>
-#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <functional>
 
 #include "components/channels/Channelset.h"
 #include "components/channels/Statsstorage.h"
@@ -19,14 +12,20 @@
 #include "components/controls/Hyperlink.h"
 #include "components/sources/Datalogger.h"
 #include "model/Oneline.h"
-#include "model/Timer.h"
+#include "tests/components/links/Changedvalues.h"
 #include "tests/components/panels/Panelforms.h"
-#include "tests/support/Testsupport.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
+
+QString Text(const QString& name, const QString& value) {
+  return PropertyOf(name, "string", value);
+}
+QString On(const QString& name) { return PropertyOf(name, "bool", "true"); }
+QString Names(const QString& name, const QString& value) {
+  return PropertyOf(name, "stringlist", "<string>" + value + "</string>");
+}
 
 /// A folder "panel" with a form in it, beside it a folder "outside", and a server.
 class Outside : public testing::Test {
@@ -38,26 +37,14 @@ class Outside : public testing::Test {
   }
 
   void Load(const QString& widgets) {
-    WriteTestFile("panel/p.ui", FormOf(widgets).toUtf8());
     faults.clear();
-    panel = TPanel::Load(In("panel/p.ui"), &faults);
+    panel = TPanel::Load(WriteForm("panel/p.ui", widgets), &faults);
     ASSERT_TRUE(panel);
   }
   static QString In(const QString& name) { return TestFolder() + '/' + name; }
-  static QString Property(const QString& name, const QString& kind, const QString& value) {
-    return QStringLiteral("<property name=\"%1\" stdset=\"0\"><%2>%3</%2></property>\n")
-        .arg(name, kind, value);
-  }
-  static QString Text(const QString& name, const QString& value) {
-    return Property(name, "string", value);
-  }
-  static QString On(const QString& name) { return Property(name, "bool", "true"); }
-  static QString Widget(const QString& name, const QString& properties) {
-    return QStringLiteral("<widget class=\"%1\" name=\"it\">\n%2</widget>\n").arg(name, properties);
-  }
   template <class T>
-  T* It() const {
-    return panel->Root()->findChild<T*>("it");
+  T& It(const char* name = "it") const {
+    return Child<T>(*panel->Root(), name);
   }
   QStringList WishTexts() const {
     QStringList texts;
@@ -69,25 +56,15 @@ class Outside : public testing::Test {
     QStringList files;
     QDirIterator all(TestFolder(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (all.hasNext()) {
-      QFile file(all.next());
-      EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-      files << file.fileName() + ": " + QString::fromUtf8(file.readAll());
+      const QString name = all.next();
+      files << name + ": " + QString::fromUtf8(Contents(name));
     }
     files.sort();
     return files;
   }
-  static bool WaitFor(const std::function<bool()>& condition) {
-    constexpr int kLongest = 10'000;
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < kLongest) {
-      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return condition();
-  }
   static void LetTimePass() {
     for (int i = 0; i < 100; ++i) {
-      if (TTimerServer* ticks = TTimerServer::Instance()) ticks->Timer();
+      if (TTimerServer::Instance()) Tick();
       QCoreApplication::processEvents();
     }
   }
@@ -98,10 +75,7 @@ class Outside : public testing::Test {
 };
 
 TEST_F(Outside, ANameIsShownSoThatNothingHidesInIt) {
-  const struct {
-    QString name;
-    QString shown;
-  } cases[] = {
+  const std::pair<QString, QString> cases[] = {
       {"log/pump.csv", "log/pump.csv"},
       {"my log.csv", "\"my log.csv\""},
       {QString::fromUtf8("Prüfstand.csv"), QString::fromUtf8("Prüfstand.csv")},
@@ -111,7 +85,7 @@ TEST_F(Outside, ANameIsShownSoThatNothingHidesInIt) {
       {QString("a").repeated(500) + QString("z").repeated(80),
        QString("a").repeated(120) + "..." + QString("z").repeated(80)},
   };
-  for (const auto& c : cases) EXPECT_EQ(ShownName(c.name), c.shown);
+  for (const auto& [name, shown] : cases) EXPECT_EQ(ShownName(name), shown);
 }
 
 TEST_F(Outside, LinksAreFollowedEvenToWhatIsNotThere) {
@@ -138,44 +112,42 @@ TEST_F(Outside, AtRestNoClassReachesOutsideOrForgetsWhatItWants) {
     QString properties;
     QStringList places;
     ForEachStored(*fresh, [&](const TPublished& published) {
+      const QString& path = published.Path;
       const int type = published.Property.typeId();
-      const bool leads = place.match(published.Path).hasMatch();
-      const QString value = published.Path.endsWith("Address") || published.Path.endsWith("Host")
-                                ? QString("127.0.0.1")
-                                : In("outside/x");
-      if (type == QMetaType::Bool) properties += On(published.Path);
-      if (leads && type == QMetaType::QString) properties += Text(published.Path, value);
-      if (leads && type == QMetaType::QStringList) {
-        properties += Property(published.Path, "stringlist", "<string>" + value + "</string>");
+      const bool isHost = path.endsWith("Address") || path.endsWith("Host");
+      const QString value = isHost ? QString("127.0.0.1") : In("outside/x");
+      if (type == QMetaType::Bool) properties += On(path);
+      if (path.endsWith("Port")) {
+        properties += PropertyOf(path, "number", QString::number(server.serverPort()));
       }
-      if (leads) places << value;
-      if (published.Path.endsWith("Port")) {
-        properties += Property(published.Path, "number", QString::number(server.serverPort()));
-      }
+      if (!place.match(path).hasMatch()) return;
+      places << value;
+      if (type == QMetaType::QString) properties += Text(path, value);
+      if (type == QMetaType::QStringList) properties += Names(path, value);
     });
-    Load(Widget(component.Name, properties) + "<widget class=\"TVariable\" name=\"v\">" +
-         Property("ClientControls.Components", "stringlist", "<string>it</string>") + "</widget>");
+    Load(WidgetOf(component.Name, "it", properties) +
+         WidgetOf("TVariable", "v", Names("ClientControls.Components", "it")));
     const QStringList before = Files();
     const std::string settings = panel->Settings().toStdString();
     EXPECT_TRUE(panel->IsAtRest());
     for (const QString& one : places) {
       EXPECT_THAT(WishTexts().join('\n').toStdString(), testing::HasSubstr(one.toStdString()));
     }
-    auto* it = It<QWidget>();
+    auto& it = It<QWidget>();
     const auto switches = {"Active", "Logging", "AutoConnect"};
     for (const char* name : switches) {
-      if (it->metaObject()->indexOfProperty(name) >= 0) it->setProperty(name, true);
+      if (it.metaObject()->indexOfProperty(name) >= 0) it.setProperty(name, true);
     }
-    QTest::mouseClick(it, Qt::LeftButton);
-    QTest::mouseClick(it, Qt::LeftButton);
-    for (int i = 0; i < 3; ++i) panel->Root()->findChild<TVariable*>("v")->SetValue(i);
+    QTest::mouseClick(&it, Qt::LeftButton);
+    QTest::mouseClick(&it, Qt::LeftButton);
+    for (int i = 0; i < 3; ++i) It<TVariable>("v").SetValue(i);
     LetTimePass();
     EXPECT_FALSE(server.hasPendingConnections());
     EXPECT_EQ(Files(), before);
     EXPECT_EQ(panel->Settings().toStdString(), settings);
     // What the form has switched on is still to be done, and saved.
     for (const char* name : switches) {
-      EXPECT_TRUE(places.empty() || it->property(name) != QVariant(false)) << name;
+      EXPECT_TRUE(places.empty() || it.property(name) != QVariant(false)) << name;
     }
     TakeMessages();
   }
@@ -184,91 +156,95 @@ TEST_F(Outside, AtRestNoClassReachesOutsideOrForgetsWhatItWants) {
 
 TEST_F(Outside, StartedComponentsDoWhatTheirPropertiesSay) {
   WriteTestFile("panel/record.log", "earlier\n");
-  Load(Widget("TQLXXMLClient",
+  Load(WidgetOf("TQLXXMLClient", "it",
               On("Active") + On("Logging") + Text("LogFile", "record.log") +
                   Text("Socket.Host", "127.0.0.1") +
-                  Property("Socket.Port", "number", QString::number(server.serverPort()))) +
-       "<widget class=\"TVariable\" name=\"v\"/><widget class=\"TDataLogger\" name=\"logger\">" +
-       On("Active") + Text("FileName", "log/../pump.csv") + Text("Separator", ";") +
-       Property("Controls.Components", "stringlist", "<string>v</string>") + "</widget>");
-  EXPECT_THAT(faults, IsEmpty());
+                  PropertyOf("Socket.Port", "number", QString::number(server.serverPort()))) +
+       WidgetOf("TVariable", "v") +
+       WidgetOf("TDataLogger", "logger",
+              On("Active") + Text("FileName", "log/../pump.csv") + Text("Separator", ";") +
+                  Names("Controls.Components", "v")));
+  EXPECT_THAT(faults, ElementsAre());
   EXPECT_THAT(WishTexts(),
               ElementsAre(QString("write record.log beside the panel"),
                           QString("connect to 127.0.0.1 port %1").arg(server.serverPort()),
                           QString("write pump.csv beside the panel")));
-  auto* logger = panel->Root()->findChild<TDataLogger*>("logger");
-  auto* variable = panel->Root()->findChild<TVariable*>("v");
-  variable->SetValue(1.0);
+  It<TVariable>("v").SetValue(1.0);
   EXPECT_FALSE(QFile::exists(In("panel/pump.csv")));
   panel->Start();
   ASSERT_TRUE(server.waitForNewConnection(5000));
   QTcpSocket& peer = *server.nextPendingConnection();
-  ASSERT_TRUE(WaitFor([this] { return It<TQLXXMLClient>()->GetActive(); }));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return It<TQLXXMLClient>().GetActive(); }, 10'000));
   // What was recorded before is continued.
   peer.write("<data/>");
-  EXPECT_TRUE(WaitFor([] { return QFileInfo(In("panel/record.log")).size() == 15; }));
+  EXPECT_TRUE(
+      QTest::qWaitFor([] { return Contents(In("panel/record.log")).size() == 15; }, 10'000));
   // Below the folder, whatever the way there; the folder "log" is not made for it.
   QDir(In("panel")).mkdir("log");
-  variable->SetValue(2.0);
-  EXPECT_THAT(logger->GetStatusText().toStdString(), testing::StartsWith("Writing "));
+  It<TVariable>("v").SetValue(2.0);
+  EXPECT_TRUE(It<TDataLogger>("logger").GetStatusText().startsWith("Writing "));
   EXPECT_TRUE(QFile::exists(In("panel/pump.csv")));
 }
 
 TEST_F(Outside, OtherPlacesAreWrittenOnlyIfTheListNamedThem) {
   ASSERT_TRUE(QFile::link(In("outside"), In("panel/link")));
   double value = 0.0;
-  const auto log = [&] { panel->Root()->findChild<TVariable*>("v")->SetValue(++value); };
-  const QString variable =
-      "<widget class=\"TVariable\" name=\"v\"/><widget class=\"TDataLogger\" name=\"it\">" +
-      On("Active") + Property("Controls.Components", "stringlist", "<string>v</string>");
+  const auto log = [&] { It<TVariable>("v").SetValue(++value); };
+  const auto load = [&](const char* fileName) {
+    Load(WidgetOf("TVariable", "v") +
+         WidgetOf("TDataLogger", "it",
+                On("Active") + Names("Controls.Components", "v") + Text("FileName", fileName)));
+  };
   for (const char* name : {"../outside/a.csv", "link/a.csv"}) {
-    Load(variable + Text("FileName", name) + "</widget>");
+    load(name);
     EXPECT_THAT(WishTexts(), ElementsAre("write " + In("outside/a.csv")));
     panel->Start();
     log();
     EXPECT_TRUE(QFile::remove(In("outside/a.csv"))) << name;
   }
   // A name that comes later was in no list.
-  auto* logger = It<TDataLogger>();
-  logger->SetActive(false);
-  logger->SetFileName("../outside/b.csv");
-  logger->SetActive(true);
+  auto& logger = It<TDataLogger>();
+  logger.SetActive(false);
+  logger.SetFileName("../outside/b.csv");
+  logger.SetActive(true);
   log();
-  EXPECT_EQ(logger->GetStatusText(), "Cannot write " + In("panel/../outside/b.csv") +
-                                         ": it lies outside the folder of the panel; "
-                                         "1 row is missing");
+  EXPECT_EQ(logger.GetStatusText(), "Cannot write " + In("panel/../outside/b.csv") +
+                                        ": it lies outside the folder of the panel; "
+                                        "1 row is missing");
   // Nor does a link that is laid later lead out.
-  Load(variable + Text("FileName", "c.csv") + "</widget>");
+  load("c.csv");
   EXPECT_THAT(WishTexts(), ElementsAre(QString("write c.csv beside the panel")));
   panel->Start();
   ASSERT_TRUE(QFile::link(In("outside/x"), In("panel/c.csv")));
   log();
-  EXPECT_EQ(QFileInfo(In("outside/x")).size(), 4);
+  EXPECT_EQ(Contents(In("outside/x")), "kept");
   EXPECT_FALSE(QFile::exists(In("outside/b.csv")));
 }
 
 TEST_F(Outside, AStorageWritesBesideThePanelUnlessItsFolderWasNamed) {
-  Load(Widget("TStatsStorage", On("Active")));
+  Load(WidgetOf("TStatsStorage", "it", On("Active")));
   EXPECT_THAT(WishTexts(), ElementsAre(QString("write files into the folder of the panel")));
-  const auto store = [this] {
+  auto& storage = It<TStatsStorage>();
+  storage.SetSaveInterval(0);
+  const auto store = [&storage] {
     TChannelSource source;
     TChannelSet* set = source.GetSets()->Add();
-    set->SetStorage(It<TStatsStorage>());
-    It<TStatsStorage>()->SetSaveInterval(0);
+    set->SetStorage(&storage);
     for (int i = 0; i < 100; ++i) {
       const double row[] = {45000.0 + i, 1.0 * i};
       set->SetRow(row, 0, 2);
     }
   };
+  const QStringList before = Files();
   store();
-  EXPECT_THAT(QDir(In("panel")).entryList(QDir::Files), ElementsAre(QString("p.ui")));
+  EXPECT_EQ(Files(), before);
   panel->Start();
   store();
-  EXPECT_GT(QDir(In("panel")).entryList(QDir::Files).size(), 1);
-  const qsizetype outside = QDir(In("outside")).entryList(QDir::Files).size();
-  It<TStatsStorage>()->SetRootDir("../outside");
+  const QStringList stored = Files();
+  EXPECT_GT(stored.size(), before.size());
+  storage.SetRootDir("../outside");
   store();
-  EXPECT_EQ(QDir(In("outside")).entryList(QDir::Files).size(), outside);
+  EXPECT_EQ(Files(), stored);
 }
 
 TEST_F(Outside, APortAtRestAsksForNoDriver) {
@@ -287,15 +263,15 @@ TEST_F(Outside, APortAtRestAsksForNoDriver) {
 }
 
 TEST_F(Outside, ALinkAtRestOpensNothingAndAFileOnlyIfItWasNamed) {
-  Load(Widget("THyperlink", Text("URL", "x.pdf")));
+  Load(WidgetOf("THyperlink", "it", Text("URL", "x.pdf")));
   WriteTestFile("panel/x.pdf", "");
   EXPECT_THAT(WishTexts(),
               ElementsAre(QString("open x.pdf beside the panel when its link is clicked")));
-  It<THyperlink>()->Open();
+  It<THyperlink>().Open();
   panel->Start();
   WriteTestFile("panel/y.pdf", "");
-  It<THyperlink>()->SetURL("y.pdf");
-  It<THyperlink>()->Open();
+  It<THyperlink>().SetURL("y.pdf");
+  It<THyperlink>().Open();
   EXPECT_THAT(TakeMessages(),
               ElementsAre(QString("Cannot open x.pdf: the panel has not been started"),
                           QString("Cannot open y.pdf: nobody was asked about it")));

@@ -1,18 +1,11 @@
 #include "components/links/Propclasses.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QSignalSpy>
-#include <memory>
-
-using testing::ElementsAre;
+#include "tests/support/Testing.h"
 
 namespace {
 
-struct TLog {
-  std::vector<std::string> lines;
-};
+using testing::ElementsAre;
+using TLog = std::vector<std::string>;
 
 /// A subscriber that writes down what it is told and then does what the test asks.
 class TSubscriber : public QObject {
@@ -28,7 +21,7 @@ class TSubscriber : public QObject {
     const auto* message = static_cast<TObjectMessage*>(event);
     EXPECT_EQ(message->Sender, Expected);
     EXPECT_TRUE(message->Flag);
-    log_.lines.push_back(name_);
+    log_.push_back(name_);
     if (Then) Then();
   }
 
@@ -37,8 +30,7 @@ class TSubscriber : public QObject {
   TLog& log_;
 };
 
-class TNotifyPersistentTest : public testing::Test {
- protected:
+struct TNotifyPersistentTest : testing::Test {
   TNotifyPersistentTest() {
     for (TSubscriber* subscriber : {a.get(), b.get(), c.get()}) subscriber->Expected = sender.get();
   }
@@ -56,7 +48,7 @@ TEST_F(TNotifyPersistentTest, TellsEachSubscriberOnceInTheOrderOfSubscription) {
   sender->RemoveFreeNotification(a.get());
   sender->RemoveFreeNotification(a.get());
   sender.reset();
-  EXPECT_THAT(log.lines, ElementsAre("b", "c"));
+  EXPECT_THAT(log, ElementsAre("b", "c"));
 }
 
 TEST_F(TNotifyPersistentTest, ForgetsItsSubscribersOnceTheyAreNotified) {
@@ -64,7 +56,7 @@ TEST_F(TNotifyPersistentTest, ForgetsItsSubscribersOnceTheyAreNotified) {
   sender->BeforeDestruction();
   sender->BeforeDestruction();
   sender.reset();
-  EXPECT_THAT(log.lines, ElementsAre("a"));
+  EXPECT_THAT(log, ElementsAre("a"));
 }
 
 TEST_F(TNotifyPersistentTest, SurvivesSubscribersThatGoOrLeaveWhileOthersAreNotified) {
@@ -75,7 +67,7 @@ TEST_F(TNotifyPersistentTest, SurvivesSubscribersThatGoOrLeaveWhileOthersAreNoti
     dying->FreeNotification(a.get());
   };
   sender.reset();
-  EXPECT_THAT(log.lines, ElementsAre("a"));
+  EXPECT_THAT(log, ElementsAre("a"));
 }
 
 TEST(TClick, RunsTheOperationAndNeverReadsAsClicked) {
