@@ -21,9 +21,9 @@ QJsonObject RunDesigner(const QStringList& forms, const QByteArray& steps) {
   environment.insert("QT_PLUGIN_PATH", BuiltFile("") + ':' + BuiltFile("tests"));
   environment.insert("VELMORA_PROBE", script);
   // Neither reads nor changes what the user has set in it.
-  environment.insert("HOME", TestFolder());
-  environment.insert("XDG_CONFIG_HOME", TestFolder());
-  environment.insert("XDG_RUNTIME_DIR", TestFolder());
+  for (const char* folder : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) {
+    environment.insert(folder, TestFolder());
+  }
   QProcess designer;
   designer.setProcessEnvironment(environment);
   designer.setProcessChannelMode(QProcess::MergedChannels);

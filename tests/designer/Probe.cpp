@@ -35,6 +35,120 @@ T* OpenEditor(QTreeWidgetItem& item) {
   return QTest::qWaitFor(isOpen, kPatience) ? found : nullptr;
 }
 
+/// Of every page the names that it shows, each with a fingerprint of its icon.
+QJsonObject Palette(const QDesignerFormEditorInterface& core) {
+  QDesignerWidgetBoxInterface* box = core.widgetBox();
+  std::map<QString, QString> icons;
+  for (const QListView* view : box->findChildren<QListView*>()) {
+    for (int row = 0; row < view->model()->rowCount(); ++row) {
+      const QModelIndex index = view->model()->index(row, 0);
+      icons[index.data().toString()] = Fingerprint(index.data(Qt::DecorationRole).value<QIcon>());
+    }
+  }
+  QJsonObject pages;
+  for (int i = 0; i < box->categoryCount(); ++i) {
+    const auto category = box->category(i);
+    QJsonObject page;
+    for (int w = 0; w < category.widgetCount(); ++w) {
+      const QString name = category.widget(w).name();
+      page.insert(name, icons[name]);
+    }
+    pages.insert(category.name(), page);
+  }
+  return pages;
+}
+
+/// Of the form: whether it shows the widget, if need be after scrolling.
+QJsonObject ShownWidgets(const QDesignerFormEditorInterface& core) {
+  QJsonObject shown;
+  const auto* cursor = core.formWindowManager()->activeFormWindow()->cursor();
+  for (int i = 0; i < cursor->widgetCount(); ++i) {
+    const QWidget* widget = cursor->widget(i);
+    shown.insert(widget->objectName(), widget->isVisible() && !widget->size().isEmpty());
+  }
+  return shown;
+}
+
+QTreeWidgetItem* FindProperty(const QDesignerFormEditorInterface& core, const QString& component,
+                              const QString& name) {
+  QDesignerFormWindowInterface* form = core.formWindowManager()->activeFormWindow();
+  auto* widget = form->findChild<QWidget*>(component);
+  if (!widget) return nullptr;
+  // The form first: that closes what is still being edited.
+  for (QWidget* next : {form->mainContainer(), widget}) {
+    form->clearSelection();
+    form->selectWidget(next);
+    const auto isShown = [&] { return core.propertyEditor()->object() == next; };
+    if (!QTest::qWaitFor(isShown, kPatience)) return nullptr;
+  }
+  for (QTreeWidget* tree : core.propertyEditor()->findChildren<QTreeWidget*>()) {
+    for (QTreeWidgetItem* item : tree->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)) {
+      if (!item->isHidden()) return item;
+    }
+  }
+  return nullptr;
+}
+
+QString Type(QTreeWidgetItem& item, const QString& text) {
+  auto* edit = OpenEditor<QLineEdit>(item);
+  if (!edit) return "it cannot be edited";
+  edit->setFocus();
+  edit->selectAll();
+  QTest::keyClicks(edit, text);
+  QTest::keyClick(edit, Qt::Key_Return);
+  QTest::qWait(0);
+  return {};
+}
+
+QString Press(QTreeWidgetItem& item) {
+  const QPointer<QCheckBox> box = OpenEditor<QCheckBox>(item);
+  if (!box) return "it has no box to tick";
+  QTest::mouseClick(box, Qt::LeftButton);
+  const auto isEmpty = [&] { return !box || !box->isChecked(); };
+  return QTest::qWaitFor(isEmpty, kPatience) ? "" : "the box stays ticked";
+}
+
+QString Choose(QTreeWidgetItem& item, const QString& text) {
+  auto* box = OpenEditor<QComboBox>(item);
+  if (!box || box->findText(text) < 0) return "no such line drops down";
+  box->setCurrentIndex(box->findText(text));
+  return {};
+}
+
+QString Tick(QTreeWidgetItem& item, const QString& key) {
+  item.setExpanded(true);
+  for (int i = 0; i < item.childCount(); ++i) {
+    if (item.child(i)->text(0) != key) continue;
+    auto* box = OpenEditor<QCheckBox>(*item.child(i));
+    if (box) QTest::mouseClick(box, Qt::LeftButton);
+    return box ? "" : "it has no box to tick";
+  }
+  return "there is no such element";
+}
+
+QString Save(const QDesignerFormEditorInterface& core) {
+  for (const QWidget* widget : QApplication::allWidgets()) {
+    for (QAction* action : widget->actions()) {
+      if (action->objectName() != "__qt_save_form_action") continue;
+      action->trigger();
+      return core.formWindowManager()->activeFormWindow()->isDirty() ? "not saved" : "";
+    }
+  }
+  return "there is no such action";
+}
+
+QString Retitle(const QDesignerFormEditorInterface& core, const QString& title) {
+  QDesignerFormWindowManagerInterface* manager = core.formWindowManager();
+  for (int i = 0; i < manager->formWindowCount(); ++i) {
+    QDesignerFormWindowInterface* form = manager->formWindow(i);
+    manager->setActiveFormWindow(form);
+    form->cursor()->setWidgetProperty(form->mainContainer(), "windowTitle", title);
+    const QString fault = Save(core);
+    if (!fault.isEmpty()) return form->fileName() + ": " + fault;
+  }
+  return {};
+}
+
 }  // namespace
 
 void TProbe::initialize(QDesignerFormEditorInterface* core) {
@@ -61,132 +175,20 @@ void TProbe::Run() {
     const QString answer = Do(line.split(' '));
     answers.append(QString(line + ": " + (answer.isEmpty() ? "done" : answer)));
   }
-  const QJsonObject report{{"palette", Palette()}, {"shown", ShownWidgets()}, {"answers", answers}};
+  const QJsonObject report{
+      {"palette", Palette(*core_)}, {"shown", ShownWidgets(*core_)}, {"answers", answers}};
   file.resize(0);
   file.write(QJsonDocument(report).toJson());
 }
 
 /// Empty if it worked.
 QString TProbe::Do(const QStringList& words) {
-  if (words[0] == "save") return Save();
-  if (words[0] == "retitle") return Retitle(words[1]);
+  if (words[0] == "save") return Save(*core_);
+  if (words[0] == "retitle") return Retitle(*core_, words[1]);
   if (words[0] == "picture") return core_->topLevel()->grab().save(words[1]) ? "" : "not written";
-  QTreeWidgetItem* item = FindProperty(words[1], words[2]);
+  QTreeWidgetItem* item = FindProperty(*core_, words[1], words[2]);
   if (!item) return "the property editor does not show it";
   if (words[0] == "choose") return Choose(*item, words[3]);
   if (words[0] == "tick") return Tick(*item, words[3]);
   return words[0] == "type" ? Type(*item, words[3]) : Press(*item);
-}
-
-/// Of every page the names that it shows, each with a fingerprint of its icon.
-QJsonObject TProbe::Palette() const {
-  QDesignerWidgetBoxInterface* box = core_->widgetBox();
-  std::map<QString, QString> icons;
-  for (const QListView* view : box->findChildren<QListView*>()) {
-    for (int row = 0; row < view->model()->rowCount(); ++row) {
-      const QModelIndex index = view->model()->index(row, 0);
-      icons[index.data().toString()] = Fingerprint(index.data(Qt::DecorationRole).value<QIcon>());
-    }
-  }
-  QJsonObject pages;
-  for (int i = 0; i < box->categoryCount(); ++i) {
-    const auto category = box->category(i);
-    QJsonObject page;
-    for (int w = 0; w < category.widgetCount(); ++w) {
-      const QString name = category.widget(w).name();
-      page.insert(name, icons[name]);
-    }
-    pages.insert(category.name(), page);
-  }
-  return pages;
-}
-
-/// Of the form: whether it shows the widget, if need be after scrolling.
-QJsonObject TProbe::ShownWidgets() const {
-  QJsonObject shown;
-  const auto* cursor = core_->formWindowManager()->activeFormWindow()->cursor();
-  for (int i = 0; i < cursor->widgetCount(); ++i) {
-    const QWidget* widget = cursor->widget(i);
-    shown.insert(widget->objectName(), widget->isVisible() && !widget->size().isEmpty());
-  }
-  return shown;
-}
-
-QTreeWidgetItem* TProbe::FindProperty(const QString& component, const QString& name) const {
-  QDesignerFormWindowInterface* form = core_->formWindowManager()->activeFormWindow();
-  auto* widget = form->findChild<QWidget*>(component);
-  if (!widget) return nullptr;
-  // The form first: that closes what is still being edited.
-  for (QWidget* next : {form->mainContainer(), widget}) {
-    form->clearSelection();
-    form->selectWidget(next);
-    const auto isShown = [&] { return core_->propertyEditor()->object() == next; };
-    if (!QTest::qWaitFor(isShown, kPatience)) return nullptr;
-  }
-  for (QTreeWidget* tree : core_->propertyEditor()->findChildren<QTreeWidget*>()) {
-    for (QTreeWidgetItem* item : tree->findItems(name, Qt::MatchExactly | Qt::MatchRecursive)) {
-      if (!item->isHidden()) return item;
-    }
-  }
-  return nullptr;
-}
-
-QString TProbe::Type(QTreeWidgetItem& item, const QString& text) const {
-  auto* edit = OpenEditor<QLineEdit>(item);
-  if (!edit) return "it cannot be edited";
-  edit->setFocus();
-  edit->selectAll();
-  QTest::keyClicks(edit, text);
-  QTest::keyClick(edit, Qt::Key_Return);
-  QTest::qWait(0);
-  return {};
-}
-
-QString TProbe::Press(QTreeWidgetItem& item) const {
-  const QPointer<QCheckBox> box = OpenEditor<QCheckBox>(item);
-  if (!box) return "it has no box to tick";
-  QTest::mouseClick(box, Qt::LeftButton);
-  const auto isEmpty = [&] { return !box || !box->isChecked(); };
-  return QTest::qWaitFor(isEmpty, kPatience) ? "" : "the box stays ticked";
-}
-
-QString TProbe::Choose(QTreeWidgetItem& item, const QString& text) const {
-  auto* box = OpenEditor<QComboBox>(item);
-  if (!box || box->findText(text) < 0) return "no such line drops down";
-  box->setCurrentIndex(box->findText(text));
-  return {};
-}
-
-QString TProbe::Tick(QTreeWidgetItem& item, const QString& key) const {
-  item.setExpanded(true);
-  for (int i = 0; i < item.childCount(); ++i) {
-    if (item.child(i)->text(0) != key) continue;
-    auto* box = OpenEditor<QCheckBox>(*item.child(i));
-    if (box) QTest::mouseClick(box, Qt::LeftButton);
-    return box ? "" : "it has no box to tick";
-  }
-  return "there is no such element";
-}
-
-QString TProbe::Retitle(const QString& title) const {
-  QDesignerFormWindowManagerInterface* manager = core_->formWindowManager();
-  for (int i = 0; i < manager->formWindowCount(); ++i) {
-    QDesignerFormWindowInterface* form = manager->formWindow(i);
-    manager->setActiveFormWindow(form);
-    form->cursor()->setWidgetProperty(form->mainContainer(), "windowTitle", title);
-    const QString fault = Save();
-    if (!fault.isEmpty()) return form->fileName() + ": " + fault;
-  }
-  return {};
-}
-
-QString TProbe::Save() const {
-  for (const QWidget* widget : QApplication::allWidgets()) {
-    for (QAction* action : widget->actions()) {
-      if (action->objectName() != "__qt_save_form_action") continue;
-      action->trigger();
-      return core_->formWindowManager()->activeFormWindow()->isDirty() ? "not saved" : "";
-    }
-  }
-  return "there is no such action";
 }

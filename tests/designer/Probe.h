@@ -26,16 +26,6 @@ class TProbe : public QObject, public QDesignerFormEditorPluginInterface {
   void Run();
   QString Do(const QStringList& words);
 
-  QJsonObject Palette() const;
-  QJsonObject ShownWidgets() const;
-  QTreeWidgetItem* FindProperty(const QString& component, const QString& name) const;
-  QString Type(QTreeWidgetItem& item, const QString& text) const;
-  QString Press(QTreeWidgetItem& item) const;
-  QString Choose(QTreeWidgetItem& item, const QString& text) const;
-  QString Tick(QTreeWidgetItem& item, const QString& key) const;
-  QString Retitle(const QString& title) const;
-  QString Save() const;
-
   QPointer<QDesignerFormEditorInterface> core_;
   QTimer timer_;
 };

@@ -110,16 +110,6 @@ TEST(TBinList, ReportsValuesByCallbackAndChangesBySignal) {
   EXPECT_EQ(added, 2);
 }
 
-TEST(TBinList, SavesAndLoadsItsBinsWithTheirGrid) {
-  TBinList list;
-  list.SetStep(0.1);
-  list.SetAnchor(0.03);
-  for (const double value : {0.31, 0.5, -0.4}) list.AddValues(0.25, value);
-  TBinList copy;
-  for (const char* name : {"Step", "Anchor", "Data"}) copy.setProperty(name, list.property(name));
-  EXPECT_TRUE(copy.SameAs(&list));
-}
-
 TEST(TBinList, RefusesDamagedDataAndKeepsItsBins) {
   const std::pair<const char*, const char*> cases[] = {
       {"1 2\n3", "Row 2: 1 values instead of 2"},

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFont>
+#include <QMap>
 #include <QMetaEnum>
 #include <map>
 #include <string>
@@ -10,8 +11,8 @@
 #include "model/Color.h"
 
 /// For properties that take no text but one with a meaning, by the end of their path.
-inline QVariant Meaningful(const QString& name, const QString& old) {
-  static const std::map<QString, QVariant> kValues = {
+inline QVariant Meaningful(const QString& name, QString old) {
+  static const QMap<QString, QVariant> kValues = {
       {"Levels", QStringList{"1; #2e9e5b; #ffffff; Normal", "2; #f2b01e; #2b2100; Ä <&>"}},
       {"FileName", QCoreApplication::applicationFilePath()},
       {"PortNum", "COM7"},
@@ -19,18 +20,16 @@ inline QVariant Meaningful(const QString& name, const QString& old) {
       {"AnalysisTypes", 0},
       {"Items", "[{\"Label\":\"<a>\",\"ChannelCount\":1,\"Channels\":[{\"Label\":\"x\"}]}]"},
       {"StatData", "2 3 5"},
+      {"SeriesData", "[{\"Class\":\"TSeries\"}]"},
       {"Data", "1 1\n2 1"},
       {"DataValues", "1 2\n3 0.1"}};
-  const auto found = kValues.find(name);
   if (name == QLatin1String("SeriesData") && old.size() > 2) {
-    return QString(old).replace(QLatin1String("\"Visible\":true"),
-                                QLatin1String("\"Visible\":false"));
+    return old.replace(QLatin1String("\"Visible\":true"), QLatin1String("\"Visible\":false"));
   }
   if (name == QLatin1String("DataValues") && !old.isEmpty()) {
-    return QString(old).replace(QLatin1String(" 0 0"), QLatin1String(" 7 0"));
+    return old.replace(QLatin1String(" 0 0"), QLatin1String(" 7 0"));
   }
-  if (name == QLatin1String("SeriesData")) return QStringLiteral("[{\"Class\":\"TSeries\"}]");
-  return found == kValues.end() ? QVariant() : found->second;
+  return kValues.value(name);
 }
 
 /// Gives a property another value than it has, if its setter lets it.

@@ -157,13 +157,13 @@ TEST_F(Outside, AtRestNoClassReachesOutsideOrForgetsWhatItWants) {
 TEST_F(Outside, StartedComponentsDoWhatTheirPropertiesSay) {
   WriteTestFile("panel/record.log", "earlier\n");
   Load(WidgetOf("TQLXXMLClient", "it",
-              On("Active") + On("Logging") + Text("LogFile", "record.log") +
-                  Text("Socket.Host", "127.0.0.1") +
-                  PropertyOf("Socket.Port", "number", QString::number(server.serverPort()))) +
+                On("Active") + On("Logging") + Text("LogFile", "record.log") +
+                    Text("Socket.Host", "127.0.0.1") +
+                    PropertyOf("Socket.Port", "number", QString::number(server.serverPort()))) +
        WidgetOf("TVariable", "v") +
        WidgetOf("TDataLogger", "logger",
-              On("Active") + Text("FileName", "log/../pump.csv") + Text("Separator", ";") +
-                  Names("Controls.Components", "v")));
+                On("Active") + Text("FileName", "log/../pump.csv") + Text("Separator", ";") +
+                    Names("Controls.Components", "v")));
   EXPECT_THAT(faults, ElementsAre());
   EXPECT_THAT(WishTexts(),
               ElementsAre(QString("write record.log beside the panel"),
@@ -193,7 +193,7 @@ TEST_F(Outside, OtherPlacesAreWrittenOnlyIfTheListNamedThem) {
   const auto load = [&](const char* fileName) {
     Load(WidgetOf("TVariable", "v") +
          WidgetOf("TDataLogger", "it",
-                On("Active") + Names("Controls.Components", "v") + Text("FileName", fileName)));
+                  On("Active") + Names("Controls.Components", "v") + Text("FileName", fileName)));
   };
   for (const char* name : {"../outside/a.csv", "link/a.csv"}) {
     load(name);
@@ -227,12 +227,11 @@ TEST_F(Outside, AStorageWritesBesideThePanelUnlessItsFolderWasNamed) {
   auto& storage = It<TStatsStorage>();
   storage.SetSaveInterval(0);
   const auto store = [&storage] {
-    TChannelSource source;
-    TChannelSet* set = source.GetSets()->Add();
-    set->SetStorage(&storage);
+    TChannelSet set;
+    set.SetStorage(&storage);
     for (int i = 0; i < 100; ++i) {
       const double row[] = {45000.0 + i, 1.0 * i};
-      set->SetRow(row, 0, 2);
+      set.SetRow(row, 0, 2);
     }
   };
   const QStringList before = Files();

@@ -7,38 +7,37 @@ namespace {
 using testing::ElementsAre;
 using TLog = std::vector<std::string>;
 
-/// A subscriber that writes down what it is told and then does what the test asks.
+/// A subscriber that writes down its name when its sender goes, and then does what the test asks.
 class TSubscriber : public QObject {
  public:
-  TSubscriber(std::string name, TLog& log) : name_(std::move(name)), log_(log) {}
+  TSubscriber(const char* name, const QObject* sender, TLog& log)
+      : name_(name), sender_(sender), log_(log) {}
 
   std::function<void()> Then;
-  const QObject* Expected = nullptr;
 
  protected:
   void customEvent(QEvent* event) override {
     if (event->type() != QEvent::Type(1524)) return;
     const auto* message = static_cast<TObjectMessage*>(event);
-    EXPECT_EQ(message->Sender, Expected);
+    EXPECT_EQ(message->Sender, sender_);
     EXPECT_TRUE(message->Flag);
     log_.push_back(name_);
     if (Then) Then();
   }
 
  private:
-  const std::string name_;
+  const char* name_;
+  const QObject* sender_;
   TLog& log_;
 };
 
 struct TNotifyPersistentTest : testing::Test {
-  TNotifyPersistentTest() {
-    for (TSubscriber* subscriber : {a.get(), b.get(), c.get()}) subscriber->Expected = sender.get();
+  std::unique_ptr<TSubscriber> Subscriber(const char* name) {
+    return std::make_unique<TSubscriber>(name, sender.get(), log);
   }
   TLog log;
   std::unique_ptr<TNotifyPersistent> sender = std::make_unique<TNotifyPersistent>();
-  std::unique_ptr<TSubscriber> a = std::make_unique<TSubscriber>("a", log);
-  std::unique_ptr<TSubscriber> b = std::make_unique<TSubscriber>("b", log);
-  std::unique_ptr<TSubscriber> c = std::make_unique<TSubscriber>("c", log);
+  std::unique_ptr<TSubscriber> a = Subscriber("a"), b = Subscriber("b"), c = Subscriber("c");
 };
 
 TEST_F(TNotifyPersistentTest, TellsEachSubscriberOnceInTheOrderOfSubscription) {
@@ -79,21 +78,6 @@ TEST(TClick, RunsTheOperationAndNeverReadsAsClicked) {
   button.setProperty("Click", true);
   EXPECT_EQ(clicks.count(), 2);
   EXPECT_FALSE(button.property("Click").toBool());
-}
-
-TEST(TSelectedCollItem, ShowsItsCaptionWhileThereIsNoCollection) {
-  TSelectedCollItem selector;
-  selector.Caption = "ChannelSource not defined!";
-  selector.SetItem("Strain");
-  EXPECT_EQ(selector.Text(), "ChannelSource not defined!");
-  EXPECT_EQ(selector.GetIndex(), -1);
-
-  selector.SetCollection([] { return QStringList{"Wind", "Strain"}; });
-  EXPECT_EQ(selector.Text(), "Strain") << "a name loaded before its collection is kept";
-  EXPECT_EQ(selector.GetIndex(), 1);
-  selector.Clear();
-  EXPECT_EQ(selector.GetItem(), "");
-  EXPECT_FALSE(selector.HasCollection());
 }
 
 TEST(TSelectedCollItem, TellsItemsOfOneNameApartByTheirIndex) {
