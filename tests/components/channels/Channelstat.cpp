@@ -8,6 +8,9 @@
 
 namespace {
 
+using testing::Each;
+using testing::ElementsAre;
+
 constexpr double kSecond = 1.0 / kSecondsPerDay;
 constexpr double kHour = 1.0 / 24.0;
 
@@ -16,12 +19,7 @@ double Day(int year, int month, int day) {
 }
 
 TStatSet Block(double time, double value, double count = 1.0) {
-  return {.Count = count,
-          .Sum = count * value,
-          .SqSum = count * value * value,
-          .Max = value,
-          .Min = value,
-          .Time = time};
+  return {count, count * value, count * value * value, value, value, 0.0, 0.0, time};
 }
 
 void Add(TChannelStatistics& statistics, const TStatSet& block) {
@@ -30,6 +28,13 @@ void Add(TChannelStatistics& statistics, const TStatSet& block) {
   const double values[] = {block.Count, block.Sum, block.SqSum, block.Max, block.Min};
   for (int row = 0; row < 5; ++row) matrix.At(row, 1) = values[row];
   statistics.UpdateStatistics(1, matrix, block.Time);
+}
+
+/// How many values lie in each record of a history, the newest first.
+std::vector<double> CountsOf(const TStatHistory* history) {
+  std::vector<double> counts;
+  for (int i = 0; i < history->Count(); ++i) counts.push_back(history->Get(i).Count);
+  return counts;
 }
 
 /// All that a chain holds: what the last history has collected and what the others still have to
@@ -45,6 +50,14 @@ TStatSet Held(const TChannelStatistics& statistics) {
   }
   return held;
 }
+
+/// A chain of all histories, and blocks for it.
+struct TChannelStatisticsTest : testing::Test {
+  void Give(double time, double value, double count = 1.0) {
+    Add(statistics, Block(time, value, count));
+  }
+  TChannelStatistics statistics;
+};
 
 TEST(TStatHistory, HasALengthAndATextForEachInterval) {
   const std::tuple<TStatInterval, int, const char*> cases[] = {
@@ -70,13 +83,8 @@ TEST(TStatHistory, CompletesARecordWithTheBlockThatReachesItsEnd) {
   TStatSet record = history.Get(0);
   EXPECT_DOUBLE_EQ(record.StDev, std::sqrt(13.0));
   record.StDev = 0.0;
-  EXPECT_EQ(record, (TStatSet{.Count = 3.0,
-                              .Sum = 15.0,
-                              .SqSum = 101.0,
-                              .Max = 9.0,
-                              .Min = 2.0,
-                              .Mean = 5.0,
-                              .Time = start + 1.1 * kSecond}));
+  // Count, sum, sum of squares, largest, smallest, mean.
+  EXPECT_EQ(record, (TStatSet{3.0, 15.0, 101.0, 9.0, 2.0, 5.0, 0.0, start + 1.1 * kSecond}));
   EXPECT_EQ(history.Current().Count, 0.0);
   EXPECT_EQ(history.Current().Mean, 5.0);  // a display shows the last completed one
   EXPECT_EQ(history.StartTime(), record.Time);
@@ -88,17 +96,16 @@ TEST(TStatHistory, CompletesARecordWithTheBlockThatReachesItsEnd) {
   EXPECT_EQ(history.Current().Min, 7.0);
 }
 
-TEST(TStatHistory, SixtyOneSecondsKeepSixtyAndReachTheMinutes) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, SixtyOneSecondsKeepSixtyAndReachTheMinutes) {
   const double start = Day(2024, 5, 1) + 10 * kHour;
-  for (int i = 0; i <= 61; ++i) Add(statistics, Block(start + i * 1.0001 * kSecond, i));
+  for (int i = 0; i <= 61; ++i) Give(start + i * 1.0001 * kSecond, i);
   const TStatHistory* seconds = statistics.Get(0);
   EXPECT_EQ(seconds->Count(), 60);
   EXPECT_EQ(seconds->Get(0).Max, 61.0);
   EXPECT_EQ(seconds->Get(59).Max, 2.0);
   const TStatHistory* minutes = statistics.Get(1);
-  ASSERT_EQ(minutes->Count(), 1);
-  EXPECT_EQ(minutes->Get(0).Count, 61.0);  // blocks 0 to 60, the last of which passed the minute
+  // Blocks 0 to 60, the last of which passed the minute.
+  EXPECT_THAT(CountsOf(minutes), ElementsAre(61.0));
   EXPECT_EQ(minutes->Get(0).Max, 60.0);
   EXPECT_EQ(minutes->Get(0).Min, 0.0);
   EXPECT_EQ(minutes->StartText(), "10:00:01");  // of the first completed second
@@ -114,36 +121,22 @@ TEST(TStatHistory, ABlockASecondMakesARecordASecond) {
     const double start = Day(2024, 5, 1) + 10 * kHour - early * kSecond;
     for (int i = 0; i <= 3 * 3600; ++i) {
       Add(statistics, Block(start + i * kSecond, i));
-      const TStatHistory& seconds = *statistics.Get(0);
-      if (i > 1) {
-        ASSERT_EQ(seconds.Get(0).Count, 1.0) << i;
-      }
+      ASSERT_TRUE(i < 2 || statistics.Get(0)->Get(0).Count == 1.0) << i;
     }
     // The first second began with a block, and the first minute and hour with that second.
-    const TStatHistory& minutes = *statistics.Get(1);
-    for (int i = 0; i < minutes.Count(); ++i) ASSERT_EQ(minutes.Get(i).Count, 60.0) << i;
-    const TStatHistory& hours = *statistics.Get(2);
-    ASSERT_EQ(hours.Count(), 3);
-    EXPECT_EQ(hours.Get(0).Count, 3600.0);
-    EXPECT_EQ(hours.Get(2).Count, 3601.0);
+    EXPECT_THAT(CountsOf(statistics.Get(1)), Each(60.0));
+    EXPECT_THAT(CountsOf(statistics.Get(2)), ElementsAre(3600.0, 3600.0, 3601.0));
   }
 }
 
-TEST(TStatHistory, MonthsAreThoseOfTheCalendar) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, MonthsAreThoseOfTheCalendar) {
   statistics.SetIntervals(si1_Day, si1_Year);
-  const double start = Day(2024, 1, 1);
-  const int days = 366 + 365;
-  for (int hour = 1; hour <= days * 24; ++hour) Add(statistics, Block(start + hour * kHour, hour));
-  const TStatHistory* months = statistics.Get(1);
-  ASSERT_EQ(months->Count(), 12);
-  const double hours[] = {744, 720, 744, 720, 744, 744, 720, 744, 720, 744, 672, 744};  // back
-  for (int i = 0; i < 12; ++i) EXPECT_EQ(months->Get(i).Count, hours[i]) << i;
-  const TStatHistory* years = statistics.Get(2);
-  ASSERT_EQ(years->Count(), 2);
-  EXPECT_EQ(years->Get(1).Count, 8784.0);
-  EXPECT_EQ(years->Get(0).Count, 8760.0);
-  EXPECT_EQ(years->Get(0).Min, 8785.0);
+  const int hours = (366 + 365) * 24;
+  for (int hour = 1; hour <= hours; ++hour) Give(Day(2024, 1, 1) + hour * kHour, hour);
+  EXPECT_THAT(CountsOf(statistics.Get(1)),
+              ElementsAre(744, 720, 744, 720, 744, 744, 720, 744, 720, 744, 672, 744));
+  EXPECT_THAT(CountsOf(statistics.Get(2)), ElementsAre(8760, 8784));
+  EXPECT_EQ(statistics.Get(2)->Get(0).Min, 8785.0);
 }
 
 TEST(TStatHistory, EndsOfIntervalsLieBehindEveryTime) {
@@ -156,73 +149,57 @@ TEST(TStatHistory, EndsOfIntervalsLieBehindEveryTime) {
       {si1_Month, Day(2024, 2, 1), Day(2024, 3, 1)},
       {si1_Year, Day(2023, 7, 1), Day(2024, 1, 1)},
       {si1_Day, -0.5, 0.0}};
-  for (const auto& [interval, time, end] : cases) {
-    const auto find = interval < si1_Day ? GetEndTime : GetEndDate;
-    EXPECT_DOUBLE_EQ(find(interval, time), end);
-  }
+  const auto endOf = [](TStatInterval interval, double time) {
+    return interval < si1_Day ? GetEndTime(interval, time) : GetEndDate(interval, time);
+  };
+  for (const auto& [interval, time, end] : cases) EXPECT_DOUBLE_EQ(endOf(interval, time), end);
   std::mt19937 random(3);
   std::uniform_real_distribution<double> day(-693593.0, 2958465.0);
   for (int i = 0; i < 20000; ++i) {
     const double time = i % 2 ? day(random) : std::floor(day(random) * 1440.0) / 1440.0;
-    for (const auto interval : {si1_Second, si1_Minute, si1_Hour}) {
-      ASSERT_GT(GetEndTime(interval, time), time);
-    }
-    for (const auto interval : {si1_Day, si1_Month, si1_Year}) {
-      ASSERT_GT(GetEndDate(interval, time), time);
-    }
+    for (int k = 0; k < kStatIntervals; ++k) ASSERT_GT(endOf(IntervalAt(k), time), time);
   }
 }
 
 /// Ten years of blocks at irregular times: pauses, and a clock that is set an hour on in March and
 /// an hour back in October.
-TEST(TChannelStatistics, TenYearsLoseNothingAndCountNothingTwice) {
+TEST_F(TChannelStatisticsTest, TenYearsLoseNothingAndCountNothingTwice) {
   std::mt19937 random(4);
   std::uniform_int_distribution<int> value(-50, 50);
   std::uniform_real_distribution<double> pause(0.0, 1.0);
-  TChannelStatistics statistics;
   TStatSet given;
-  double shift = 0.0;
   for (double time = Day(2015, 1, 1), step = 0.2; time < Day(2025, 1, 1);) {
     const QDate date = QDate(1899, 12, 30).addDays(static_cast<qint64>(time));
-    shift = date.month() > 3 && date.month() < 11 ? kHour : 0.0;
+    const double shift = date.month() > 3 && date.month() < 11 ? kHour : 0.0;
     const TStatSet block = Block(time + shift, value(random), 1 + value(random) % 2);
     Add(statistics, block);
     given.Merge(block);
     if (pause(random) < 0.0005) step = std::exp(12.0 * pause(random) - 1.0);  // to 16 hours
     time += step * pause(random) * kSecond;
     if (step > 3000.0 && pause(random) < 0.2) step = 0.2;
-    if (pause(random) < 0.0001) {
-      const TStatSet held = Held(statistics);
-      for (const auto field :
-           {&TStatSet::Count, &TStatSet::Sum, &TStatSet::SqSum, &TStatSet::Max, &TStatSet::Min}) {
-        ASSERT_EQ(held.*field, given.*field) << date.toString(Qt::ISODate).toStdString();
-      }
-    }
+    if (pause(random) >= 0.0001) continue;
+    ASSERT_EQ(Held(statistics), given) << date.toString(Qt::ISODate).toStdString();
   }
   EXPECT_GE(statistics.Get(5)->Count(), 9);
   EXPECT_EQ(Held(statistics).Count, given.Count);
 }
 
-TEST(TChannelStatistics, AClockSetBackBeginsANewInterval) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, AClockSetBackBeginsANewInterval) {
   const double two = Day(2024, 10, 27) + 2 * kHour;
   for (int i = 0; i < 7200; ++i) {  // the hour from two to three comes twice
-    Add(statistics, Block(two + (i % 3600 + 0.5) * kSecond, 1.0));
+    Give(two + (i % 3600 + 0.5) * kSecond, 1.0);
   }
   EXPECT_EQ(Held(statistics).Count, 7200.0);
   EXPECT_EQ(statistics.Get(1)->Count(), 60);
   EXPECT_NEAR(statistics.Get(1)->Get(0).Count, 60.0, 1.0);
-  ASSERT_EQ(statistics.Get(2)->Count(), 1);  // the first of the two hours
-  EXPECT_NEAR(statistics.Get(2)->Get(0).Count, 3600.0, 60.0);
+  // The first of the two hours.
+  EXPECT_THAT(CountsOf(statistics.Get(2)), ElementsAre(testing::DoubleNear(3600.0, 60.0)));
 }
 
-TEST(TChannelStatistics, LeaveOutWhatCannotBeCounted) {
-  TChannelStatistics statistics;
-  Add(statistics, Block(45000.0, 1.0));
-  for (const double time : {kNan, kInfinity, -kInfinity, 1e300, -1e7, 3e6})
-    Add(statistics, Block(time, 1.0));
-  for (const double value : {kNan, kInfinity, -kInfinity, 1e200})
-    Add(statistics, Block(45000.0, value));
+TEST_F(TChannelStatisticsTest, LeaveOutWhatCannotBeCounted) {
+  Give(45000.0, 1.0);
+  for (const double time : {kNan, kInfinity, -kInfinity, 1e300, -1e7, 3e6}) Give(time, 1.0);
+  for (const double value : {kNan, kInfinity, -kInfinity, 1e200}) Give(45000.0, value);
   EXPECT_EQ(Held(statistics), Block(0.0, 1.0));
   TMatrix small;
   ASSERT_TRUE(small.Resize(4, 2));
@@ -233,10 +210,9 @@ TEST(TChannelStatistics, LeaveOutWhatCannotBeCounted) {
   EXPECT_EQ(Held(statistics).Count, 1.0);
 }
 
-TEST(TChannelStatistics, IntervalsBuildTheChain) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, IntervalsBuildTheChain) {
   ASSERT_EQ(statistics.Count(), 6);
-  Add(statistics, Block(45000.0, 1.0));
+  Give(45000.0, 1.0);
   statistics.SetMaxInterval(si1_Hour);
   EXPECT_EQ(statistics.Count(), 3);
   EXPECT_EQ(statistics.Get(2)->Next(), nullptr);
@@ -255,45 +231,38 @@ TEST(TChannelStatistics, IntervalsBuildTheChain) {
 }
 
 TEST(TStatHistory, StatusHasAWarningAndHysteresis) {
-  using TSteps = std::vector<std::pair<double, TStatStatus>>;
   TLimits limits;
   TStatHistory history(si1_Second, &limits);
   EXPECT_EQ(history.GetStatus(), ssNone);
-  const std::pair<TLimits, TSteps> cases[] = {
+  // The values, and whether each is normal, a warning or an alarm.
+  const std::tuple<TLimits, std::vector<double>, std::string> cases[] = {
       {{.Max = 100.0, .Min = -100.0, .WarningLevel = 10.0, .CheckMax = true, .CheckMin = false},
-       {{50, ssNormal},
-        {90, ssNormal},
-        {91, ssWarning},
-        {86, ssWarning},
-        {84, ssNormal},
-        {100, ssWarning},
-        {101, ssAlarm},
-        {96, ssAlarm},
-        {94, ssWarning},
-        {101, ssAlarm},
-        {20, ssNormal},
-        {-500, ssNormal}}},
+       {50, 90, 91, 86, 84, 100, 101, 96, 94, 101, 20, -500},
+       "nnwwnwaawann"},
       {{.Max = 0.0, .Min = -100.0, .WarningLevel = 0.0, .CheckMax = false, .CheckMin = true},
-       {{-100, ssNormal}, {-101, ssAlarm}, {-100, ssNormal}, {900, ssNormal}}}};
+       {-100, -101, -100, 900},
+       "nann"}};
+  const std::map<TStatStatus, char> letters = {{ssNormal, 'n'}, {ssWarning, 'w'}, {ssAlarm, 'a'}};
   double time = 45000.0;
-  for (const auto& [checked, steps] : cases) {
+  for (const auto& [checked, values, expected] : cases) {
     limits = checked;
-    for (const auto& [value, status] : steps) {
+    std::string found;
+    for (const double value : values) {
       history.AddToHistory(Block(time += kSecond, value));
       history.CheckStatus();
-      EXPECT_EQ(history.GetStatus(), status) << value;
+      found += letters.at(history.GetStatus());
     }
+    EXPECT_EQ(found, expected);
   }
 }
 
-TEST(TChannelStatistics, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
   statistics.GetLimits()->SetLimitMax(100.0);
   statistics.GetLimits()->SetCheckMax(true);
   EXPECT_EQ(statistics.GetStatus(), ssNone);
   const double start = Day(2024, 1, 15) + 22.5 * kHour;
   for (int i = 0; i < 7200; ++i) {
-    Add(statistics, Block(start + i * kSecond, i == 60 ? 101.0 : 0.0));
+    Give(start + i * kSecond, i == 60 ? 101.0 : 0.0);
     EXPECT_TRUE(i != 60 || statistics.GetStatus() == ssAlarm);
   }
   EXPECT_EQ(statistics.GetStatus(), ssNormal);
@@ -308,26 +277,26 @@ TEST(TChannelStatistics, ABadSecondIsOverAfterASecondAndStaysInTheDay) {
   EXPECT_EQ(statistics.GetStatus(si1_Second), ssNone);
 }
 
-TEST(TChannelStatistics, AGraphShowsTheHistoryAndValueOfTheOptions) {
-  TChannelStatistics statistics;
-  for (int i = 0; i < 5; ++i) Add(statistics, Block(45000.0 + 1.5 * i * kSecond, i));
+TEST_F(TChannelStatisticsTest, AGraphShowsTheHistoryAndValueOfTheOptions) {
+  for (int i = 0; i < 5; ++i) Give(45000.0 + 1.5 * i * kSecond, i);
   TStatisticsOptions options;
   EXPECT_EQ(options.GetDescription(), "Last minute: Mean");
   options.SetValueType(svMax);
   EXPECT_EQ(options.GetDescription(), "Last minute: Max");
   int index = 0;
-  TCoordinate point;
-  TCoordinate extent;
+  TCoordinate point, extent;
   std::vector<TCoordinate> points;
   while (statistics.ProvideGraphData(options, index, point, extent)) points.push_back(point);
-  ASSERT_EQ(points.size(), 4u);
-  EXPECT_EQ(points[0], (TCoordinate{45000.0 + 6.0 * kSecond, 4.0}));
-  EXPECT_EQ(points[3].Y, 1.0);
+  const auto at = [](double seconds, double value) {
+    return TCoordinate{45000.0 + seconds * kSecond, value};
+  };
+  EXPECT_THAT(points, ElementsAre(at(6.0, 4.0), at(4.5, 3.0), at(3.0, 2.0), at(1.5, 1.0)));
   TCoordinate block[3];
   EXPECT_EQ(statistics.ProvideGraphBlock(options, 2, block), 2);
   EXPECT_EQ(block[1], points[3]);
-  EXPECT_EQ(statistics.ProvideGraphBlock(options, -5, block), 0);
-  EXPECT_EQ(statistics.ProvideGraphBlock(options, INT_MAX, block), 0);
+  for (const int beside : {-5, INT_MAX}) {
+    EXPECT_EQ(statistics.ProvideGraphBlock(options, beside, block), 0);
+  }
   EXPECT_EQ(statistics.Get(0)->GetMax(), 4.0);
   EXPECT_EQ(statistics.Get(0)->GetMin(), 0.0);
   options.SetSelInterval(si1_Day);
@@ -347,13 +316,7 @@ void Fill(TChannelStatistics& statistics) {
   }
 }
 
-bool SameHistories(const TChannelStatistics& a, const TChannelStatistics& b) {
-  bool same = a.Count() == b.Count();
-  for (int i = 0; same && i < a.Count(); ++i) same = *a.Get(i) == *b.Get(i);
-  return same;
-}
-
-TEST(TStatHistory, HasABinaryFormOfFixedLayout) {
+TEST(TStatHistory, HasABinaryFormOfFixedLayoutAndATextFormWithFullStops) {
   TStatHistory history(si1_Minute);
   history.UpdateStatistics(Block(45000.0, 3.0, 2.0));
   history.UpdateStatistics(Block(45000.5, 5.0, 2.0));
@@ -362,59 +325,52 @@ TEST(TStatHistory, HasABinaryFormOfFixedLayout) {
   stream.setByteOrder(QDataStream::LittleEndian);
   history.WriteProperties(stream);
   ASSERT_EQ(data.size(), 8 + 8 + 64 + 4 + 64);
-  const auto number = [&](qsizetype at) {
+  const auto expect = [&](qsizetype at, double expected) {
     double value = 0.0;
     std::memcpy(&value, data.constData() + at, sizeof value);  // on a little endian machine
-    return value;
+    EXPECT_DOUBLE_EQ(value, expected) << at;
   };
-  EXPECT_EQ(number(0), 45000.5);                 // start
-  EXPECT_EQ(number(8), 45000.5 + 1.0 / 1440.0);  // end
-  EXPECT_EQ(number(16), 0.0);                    // current count
-  EXPECT_EQ(number(16 + 56), 45000.5);           // current time
+  expect(0, 45000.5);                 // start
+  expect(8, 45000.5 + 1.0 / 1440.0);  // end
+  expect(16, 0.0);                    // current count
+  expect(16 + 56, 45000.5);           // current time
   EXPECT_EQ(data.mid(80, 4), QByteArray("\1\0\0\0", 4));
   const double record[] = {4.0, 16.0, 68.0, 5.0, 3.0, 4.0, std::sqrt(4.0 / 3.0), 45000.5};
-  for (int i = 0; i < 8; ++i) EXPECT_DOUBLE_EQ(number(84 + 8 * i), record[i]) << i;
-}
+  for (int i = 0; i < 8; ++i) expect(84 + 8 * i, record[i]);
 
-TEST(TStatHistory, HasATextFormWithFullStops) {
   const QLocale before;
   QLocale::setDefault(QLocale::German);
   const std::string locale = std::setlocale(LC_NUMERIC, nullptr);
   std::setlocale(LC_NUMERIC, "de_DE.UTF-8");  // where the machine has it
-  TStatHistory history(si1_Minute);
-  history.UpdateStatistics(Block(45000.0, 3.0, 2.0));
-  history.UpdateStatistics(Block(45000.5, 5.0, 2.0));
-  const QStringList lines = history.WritePropertiesAsText();
-  const char* const record =
+  const QString text =
       "45000.50000000 4.00000E+00 5.00000E+00 3.00000E+00 1.15470E+00 4 1.600000E+01 6.800000E+01";
-  ASSERT_EQ(lines.size(), 4);
-  EXPECT_EQ(lines[0], "StartTime: 45000.50000000 EndTime: 45000.50069444 ItemCount: 1");
-  EXPECT_EQ(lines[1], "ItemID si1_Minute");
-  EXPECT_EQ(lines[2],
-            "Last: 45000.50000000 4.00000E+00 5.00000E+00 3.00000E+00 1.15470E+00 0 0.000000E+00 "
-            "0.000000E+00");
-  EXPECT_EQ(lines[3], record);
+  EXPECT_EQ(history.WritePropertiesAsText(),
+            QStringList({"StartTime: 45000.50000000 EndTime: 45000.50069444 ItemCount: 1",
+                         "ItemID si1_Minute",
+                         "Last: 45000.50000000 4.00000E+00 5.00000E+00 3.00000E+00 1.15470E+00 0 "
+                         "0.000000E+00 0.000000E+00",
+                         text}));
   EXPECT_EQ(TStatSet::GetStatSetHeader(), "Time Mean Max Min StDev Count Sum Sum2");
-  TStatSet read;
-  EXPECT_TRUE(read.ScanFromText(lines[3]));
-  EXPECT_EQ(read.GetAsText(), record);
-  EXPECT_TRUE(read.ScanFromText(QStringLiteral("Last: ") + record));
+  for (const char* name : {"", "Last: "}) {
+    TStatSet read;
+    EXPECT_TRUE(read.ScanFromText(name + text));
+    EXPECT_EQ(read.GetAsText(), text);
+  }
   std::setlocale(LC_NUMERIC, locale.c_str());
   QLocale::setDefault(before);
 }
 
-TEST(TChannelStatistics, BothFormsReadBackEqual) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, BothFormsReadBackEqual) {
   Fill(statistics);
   for (int i = 0; i < 5; ++i) ASSERT_GT(statistics.Get(i)->Count(), 0) << i;
   TChannelStatistics binary;
   ASSERT_TRUE(binary.ReadHistories(statistics.WriteHistories()));
-  EXPECT_TRUE(SameHistories(binary, statistics));
+  EXPECT_EQ(binary.WriteBinaryData(), statistics.WriteBinaryData());
   // And go on as if nothing had happened.
   for (auto* chain : {&binary, &statistics}) {
     for (int i = 0; i < 2000; ++i) Add(*chain, Block(Day(2024, 3, 2) + i * kHour, i));
   }
-  EXPECT_TRUE(SameHistories(binary, statistics));
+  EXPECT_EQ(binary.WriteBinaryData(), statistics.WriteBinaryData());
 
   statistics.SetStoreDataAsText(true);
   TChannelStatistics text;
@@ -425,11 +381,10 @@ TEST(TChannelStatistics, BothFormsReadBackEqual) {
   EXPECT_NEAR(Held(text).Sum / Held(statistics).Sum, 1.0, 1e-5);
 }
 
-TEST(TChannelStatistics, WhatTheyHoldCanAlwaysBeReadBack) {
-  TChannelStatistics statistics;
+TEST_F(TChannelStatisticsTest, WhatTheyHoldCanAlwaysBeReadBack) {
   // The squares of a minute exceed the range of a double, those of a second do not.
-  for (int i = 0; i < 300; ++i) Add(statistics, Block(45000.0 + 1.5 * i * kSecond, 1e153, 100.0));
-  Add(statistics, Block(45000.5, 1e300, 1e-300));  // less than one value
+  for (int i = 0; i < 300; ++i) Give(45000.0 + 1.5 * i * kSecond, 1e153, 100.0);
+  Give(45000.5, 1e300, 1e-300);  // less than one value
   EXPECT_LT(statistics.Get(0)->Current().Time, 45000.1);
   EXPECT_GT(statistics.Get(1)->Count(), 5);
   TChannelStatistics read;
@@ -444,13 +399,12 @@ TEST(TChannelStatistics, WhatTheyHoldCanAlwaysBeReadBack) {
   EXPECT_EQ(Held(read).Count, 2.0);
 }
 
-TEST(TChannelStatistics, RefuseDamagedFormsAndKeepWhatTheyHave) {
+TEST_F(TChannelStatisticsTest, RefuseDamagedFormsAndKeepWhatTheyHave) {
   TChannelStatistics source;
   Fill(source);
   const QByteArray data = source.WriteBinaryData();
   const QString text = source.WriteData();
-  TChannelStatistics statistics;
-  Add(statistics, Block(45000.0, 1.0));
+  Give(45000.0, 1.0);
   const QByteArray kept = statistics.WriteBinaryData();
   QString error;
   for (qsizetype length = 0; length < data.size(); ++length) {
@@ -459,35 +413,34 @@ TEST(TChannelStatistics, RefuseDamagedFormsAndKeepWhatTheyHave) {
   }
   EXPECT_FALSE(statistics.ReadBinaryData(data + 'x', &error));
   EXPECT_EQ(error, "Something stands behind the histories");
-  for (qsizetype length = 0; length < text.size(); length += 7) {
-    // Cut within its last number a text may still be whole.
-    if (length > text.lastIndexOf('.')) continue;
+  // Cut within its last number a text may still be whole.
+  for (qsizetype length = 0; length <= text.lastIndexOf('.'); length += 7) {
     ASSERT_FALSE(statistics.ReadData(text.left(length), &error)) << length;
   }
   // The number of records, a time and a sum of the first history.
-  const std::pair<qsizetype, QByteArray> patches[] = {
-      {80 + 80, QByteArray::fromHex("00000080")},
-      {80 + 80, QByteArray::fromHex("ffffff7f")},
-      {80 + 80, QByteArray::fromHex("3d000000")},
-      {80, QByteArray::fromHex("000000000000f87f")},
-      {80 + 84 + 8, QByteArray::fromHex("000000000000f87f")},
-      {80 + 84 + 8, QByteArray::fromHex("000000000000f0ff")},
-      {4, QByteArray::fromHex("00000080")},
-      {8, QByteArray::fromHex("40000000")}};
-  for (const auto& [at, bytes] : patches) {
+  const std::pair<qsizetype, const char*> patches[] = {{80 + 80, "00000080"},
+                                                       {80 + 80, "ffffff7f"},
+                                                       {80 + 80, "3d000000"},
+                                                       {80, "000000000000f87f"},
+                                                       {80 + 84 + 8, "000000000000f87f"},
+                                                       {80 + 84 + 8, "000000000000f0ff"},
+                                                       {4, "00000080"},
+                                                       {8, "40000000"}};
+  for (const auto& [at, hex] : patches) {
     QByteArray damaged = data;
-    damaged.replace(at, bytes.size(), bytes);
-    EXPECT_FALSE(statistics.ReadBinaryData(damaged, &error)) << at;
+    const QByteArray bytes = QByteArray::fromHex(hex);
+    EXPECT_FALSE(statistics.ReadBinaryData(damaged.replace(at, bytes.size(), bytes), &error)) << at;
   }
-  for (const auto& [from, to] :
-       std::vector<std::pair<QString, QString>>{{"HistoryCount: 6", "HistoryCount: 2147483648"},
-                                                {"ItemCount: 60", "ItemCount: 2147483647"},
-                                                {"ItemCount: 60", "ItemCount: -1"},
-                                                {"ItemID si1_Second", "ItemID si1_Year"},
-                                                {"Last: ", "Last: nan "},
-                                                {"E+00", "E+999"}}) {
+  const std::pair<const char*, const char*> changes[] = {
+      {"HistoryCount: 6", "HistoryCount: 2147483648"},
+      {"ItemCount: 60", "ItemCount: 2147483647"},
+      {"ItemCount: 60", "ItemCount: -1"},
+      {"ItemID si1_Second", "ItemID si1_Year"},
+      {"Last: ", "Last: nan "},
+      {"E+00", "E+999"}};
+  for (const auto& [from, to] : changes) {
     QString damaged = text;
-    EXPECT_FALSE(statistics.ReadHistories(damaged.replace(from, to), &error)) << to.toStdString();
+    EXPECT_FALSE(statistics.ReadData(damaged.replace(from, to), &error)) << to;
   }
   EXPECT_FALSE(statistics.ReadHistories("not base64!", &error));
   EXPECT_EQ(error, "These are no stored histories");

@@ -69,11 +69,8 @@ TEST_F(ChannelValue, GivesTheMeanOfEachBlockOnce) {
   std::vector<double> taken;
   TValueLink link([&](double x) { taken.push_back(x); });
   value.AddLink(&link, false);
-  Row(0.1, 7.0, 1.0);
-  EXPECT_TRUE(taken.empty());
-  Row(0.2, 7.0, 2.0);
-  Row(0.3, 7.0, -4.0);
-  Row(0.4, 7.0, 10.0);
+  double seconds = 0.0;
+  for (const double b : {1.0, 2.0, -4.0, 10.0}) Row(seconds += 0.1, 7.0, b);
   EXPECT_EQ(taken, std::vector<double>({1.5, 3.0}));
 
   value.setObjectName("v");
@@ -96,8 +93,7 @@ TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
   TChannelValue status(&form);
   status.SetContent(TChannelValue::ctStatus);
   Follow(*status.GetChannelLink(), "a");
-  Row(0.0, 5.0, 0.0);
-  Row(0.5, 5.0, 0.0);
+  for (const double seconds : {0.0, 0.5}) Row(seconds, 5.0, 0.0);
   EXPECT_EQ(status.GetValue(), 0.0);  // no second is over
   double at = 0.0;
   for (const auto& [value, expected] : {std::pair(5.0, 1.0), {9.0, 2.0}, {11.0, 3.0}}) {
@@ -117,12 +113,11 @@ TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {
   history.GetGraphLink()->SetGraph(&graph);
   Follow(*history.GetChannelLink(), "a");
   EXPECT_EQ(graph.GetHorizontalAx()->GetScale(), TAxis::asTime);
-  const auto points = [&](int series) {
+  const auto points = [&history](int series) {
+    const auto& give = history.GetGraphLink()->GetSeriesList().Get(series)->DataSource;
     std::vector<TCoordinate> result;
     TCoordinate point, extent;
-    for (int i = 0;
-         history.GetGraphLink()->GetSeriesList().Get(series)->DataSource(i, point, extent);)
-      result.push_back(point);
+    for (int i = 0; give(i, point, extent);) result.push_back(point);
     return result;
   };
   TLimitLevels& limits = *set->GetChannels()->GetItem(0)->GetStats()->GetLimits();

@@ -1,7 +1,5 @@
 #include "components/channels/Statsstorage.h"
 
-#include "components/panels/Panel.h"
-#include "model/Datetime.h"
 #include "model/Filesync.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testing.h"
@@ -10,7 +8,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kSecond = 1.0 / kSecondsPerDay;
 const double kDay = static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(2024, 5, 31)));
 
 /// A set of one channel, "Load" in kN, whose blocks of two rows go to a storage in the test's
@@ -23,10 +21,11 @@ struct TStored {
     set->SetCount(1);
     set->SetRows(2);
     set->SetLabel("Crane");
-    set->GetChannels()->GetItem(0)->SetLabel("Load");
-    set->GetChannels()->GetItem(0)->SetUnits("kN");
+    Channel().SetLabel("Load");
+    Channel().SetUnits("kN");
     set->SetStorage(storage.get());
   }
+  TChannel& Channel() const { return *set->GetChannels()->GetItem(0); }
   /// Two rows half a second apart that end so many seconds after midnight, of value - 1 and value
   /// + 1.
   void Block(double seconds, double value) const {
@@ -49,11 +48,18 @@ TStatsContent Content(const QString& name = TStored::File()) {
   return content;
 }
 
-/// The means of the first channel, line by line.
+/// Of the first channel, line by line: one figure after the other.
+std::vector<double> Figures(double TStatSet::*figure, const QString& name) {
+  std::vector<double> figures;
+  for (const TStatsBlock& block : Content(name).Blocks)
+    figures.push_back(block.Channels[0].*figure);
+  return figures;
+}
 std::vector<double> Means(const QString& name = TStored::File()) {
-  std::vector<double> means;
-  for (const TStatsBlock& block : Content(name).Blocks) means.push_back(block.Channels[0].Mean);
-  return means;
+  return Figures(&TStatSet::Mean, name);
+}
+std::vector<double> Counts(const QString& name = TStored::File()) {
+  return Figures(&TStatSet::Count, name);
 }
 
 const QByteArray kHeader =
@@ -108,36 +114,18 @@ TEST(TStatsStorage, ALineThatACrashHasCutIsSkippedAndNothingElse) {
   stored.Block(1, 1.0);
   stored.Block(2, 12345.678);
   const QByteArray whole = Contents(stored.File());
-  const qsizetype last = whole.lastIndexOf('\n', -2) + 1;
-  for (qsizetype length = last; length <= whole.size(); ++length) {
-    SCOPED_TRACE(whole.mid(last, length - last).toStdString());
+  for (qsizetype length = whole.lastIndexOf('\n', -2) + 1; length <= whole.size(); ++length) {
+    SCOPED_TRACE(length);
     WriteTestFile("stats/Crane_20240531.csv", whole.left(length));
     std::vector<double> means = {1.0};
     if (length == whole.size()) means.push_back(12345.678);
     EXPECT_EQ(Means(), means);
-    TStored again;  // the program is started anew
-    again.Block(3, 3.0);
+    TStored().Block(3, 3.0);  // the program is started anew
     // The cut line may have all but the end of its line.
     if (length == whole.size() - 1) means.push_back(12345.678);
     means.push_back(3.0);
     EXPECT_EQ(Means(), means);
   }
-}
-
-TEST(TStatsStorage, WaitsForAFolderThatHasGone) {
-  TStored stored;
-  stored.Block(1, 1.0);
-  ASSERT_TRUE(QDir(TestFolder() + "/stats").removeRecursively());
-  WriteTestFile("stats", "a file where the folder was");
-  stored.Block(2, 2.0);
-  stored.Block(3, 3.0);
-  QCoreApplication::processEvents();
-  EXPECT_TRUE(stored.storage->GetStatus().startsWith("Cannot write " + stored.File() + ": "));
-  ASSERT_TRUE(QFile::remove(TestFolder() + "/stats"));
-  stored.Block(4, 4.0);
-  EXPECT_THAT(Means(), ElementsAre(3.0));  // what could not be written is in the next line
-  EXPECT_EQ(Content().Blocks[0].Channels[0].Count, 6.0);
-  EXPECT_EQ(stored.storage->GetStatus(), "Saving to " + stored.File());
 }
 
 #ifdef Q_OS_UNIX
@@ -155,8 +143,9 @@ TEST(TStatsStorage, WaitsForAFullDisk) {
   EXPECT_EQ(Contents(stored.File()), before);
   stored.Block(4, 4.0);
   EXPECT_THAT(Means(), ElementsAre(1.0, 3.0));
+  EXPECT_THAT(Counts(), ElementsAre(2.0, 6.0));  // what could not be written is in the next line
+  EXPECT_EQ(stored.storage->GetStatus(), "Saving to " + stored.File());
   EXPECT_EQ(Content().Skipped, 0);
-  EXPECT_EQ(Content().Blocks[1].Channels[0].Count, 6.0);
 }
 
 #endif
@@ -165,39 +154,32 @@ TEST(TStatsStorage, TellsTheLoggerOfItsForm) {
   QWidget form;
   auto* log = new QPlainTextEdit(&form);
   log->setObjectName("Log");
-  auto* storage = new TStatsStorage(&form);
-  storage->SetLoggerName("Log");
-  storage->Loaded();
-  storage->SetRootDir("/proc/none");
-  storage->SetSaveInterval(0);
-  storage->SetActive(true);
   TStored stored;
-  stored.set->SetStorage(storage);
+  stored.storage->setParent(&form);
+  stored.storage->SetLoggerName("Log");
+  stored.storage->Loaded();
+  stored.storage->SetRootDir("/proc/none");
   stored.Block(1, 1.0);
   QCoreApplication::processEvents();
   EXPECT_TRUE(log->toPlainText().startsWith("Cannot write /proc/none/Crane_20240531.csv: "))
       << log->toPlainText().toStdString();
 }
 
-TEST(TStatsStorage, NewChannelsGetANewHeader) {
+TEST(TStatsStorage, NewChannelsGetANewHeaderAndANewSetAnotherFile) {
   TStored stored(3600);
   stored.Block(1, 1.0);
-  stored.set->GetChannels()->GetItem(0)->SetLabel("Force");  // what is collected is written first
+  stored.Channel().SetLabel("Force");  // what is collected is written first
   stored.Block(2, 2.0);
-  stored.storage->SetActive(false);
+  stored.set->SetLabel("Hoist");
   stored.Block(3, 3.0);
+  stored.storage->SetActive(false);
+  stored.Block(4, 4.0);
   const TStatsContent content = Content();
   ASSERT_EQ(content.Layouts.size(), 2u);
   EXPECT_EQ(content.Layouts[1][0].Label, "Force");
   EXPECT_THAT(Means(), ElementsAre(1.0, 2.0));
   EXPECT_EQ(content.Blocks[1].Layout, 1);
-  TStored renamed(3600);
-  renamed.Block(3, 3.0);
-  renamed.set->SetLabel("Hoist");
-  renamed.Block(4, 4.0);
-  renamed.storage->SetActive(false);
-  EXPECT_THAT(Means(), ElementsAre(1.0, 2.0, 3.0));
-  EXPECT_THAT(Means(TStored::File("Hoist_20240531.csv")), ElementsAre(4.0));
+  EXPECT_THAT(Means(stored.File("Hoist_20240531.csv")), ElementsAre(3.0));
 }
 
 /// How many rows are written once the folder is there again, by what happened to the set meanwhile.
@@ -205,9 +187,8 @@ TEST(TStatsStorage, DropsNothingOfAFolderThatWasAwayWhateverChanges) {
   const std::tuple<const char*, double, void (*)(TStored&)> changes[] = {
       {"nothing", 6, [](TStored&) {}},
       {"label", 6, [](TStored& stored) { stored.set->SetLabel("Hoist"); }},
-      {"channel label", 6,
-       [](TStored& stored) { stored.set->GetChannels()->GetItem(0)->SetLabel("Force"); }},
-      {"unit", 6, [](TStored& stored) { stored.set->GetChannels()->GetItem(0)->SetUnits("N"); }},
+      {"channel label", 6, [](TStored& stored) { stored.Channel().SetLabel("Force"); }},
+      {"unit", 6, [](TStored& stored) { stored.Channel().SetUnits("N"); }},
       {"count", 6, [](TStored& stored) { stored.set->SetCount(2); }},
       {"storage", 2, [](TStored& stored) { stored.set->SetStorage(nullptr); }},
       {"set", 2, [](TStored& stored) { stored.set = std::make_unique<TChannelSet>(); }},
@@ -228,9 +209,7 @@ TEST(TStatsStorage, DropsNothingOfAFolderThatWasAwayWhateverChanges) {
     stored.storage.reset();
     double count = 0.0;
     for (const QFileInfo& file : QDir(TestFolder() + "/stats").entryInfoList(QDir::Files)) {
-      for (const TStatsBlock& block : Content(file.filePath()).Blocks) {
-        count += block.Channels[0].Count;
-      }
+      for (const double written : Counts(file.filePath())) count += written;
     }
     EXPECT_EQ(count, rows);
     ASSERT_TRUE(QDir(TestFolder() + "/stats").removeRecursively());
@@ -244,24 +223,26 @@ TEST(TStatsStorage, AnIntervalOfABlockHasALinePerBlock) {
     SCOPED_TRACE(phase);
     TStored stored(1);
     for (int second = 1; second <= 600; ++second) stored.Block(second + phase, second);
-    const TStatsContent content = Content();
-    EXPECT_GE(content.Blocks.size(), 599u);
-    for (const TStatsBlock& block : content.Blocks) EXPECT_EQ(block.Channels[0].Count, 2.0);
+    EXPECT_GE(Counts().size(), 599u);
+    EXPECT_THAT(Counts(), testing::Each(2.0));
     QFile::remove(stored.File());
   }
 }
 
 TEST(TStatsStorage, WritesTheRestWhenEitherSideOrTheSessionGoes) {
-  for (const char* goes : {"storage", "set", "session"}) {
-    SCOPED_TRACE(goes);
+  const std::function<void(TStored&)> ends[] = {
+      [](TStored& stored) {
+        stored.storage.reset();
+        stored.Block(2, 2.0);
+      },
+      [](TStored& stored) { stored.set.reset(); },
+      [](TStored&) { EndSession(); },
+  };
+  for (const auto& end : ends) {
+    SCOPED_TRACE(&end - ends);
     TStored stored(60);
     stored.Block(1, 1.0);
-    if (goes == std::string("session")) EndSession();
-    if (goes == std::string("set")) stored.set.reset();
-    if (goes == std::string("storage")) {
-      stored.storage.reset();
-      stored.Block(2, 2.0);
-    }
+    end(stored);
     EXPECT_TRUE(TFileSync::Instance().Waiting().contains(TStored::File()));
     EXPECT_THAT(Means(), ElementsAre(1.0));
     QFile::remove(TStored::File());
@@ -282,12 +263,11 @@ TEST(TStatsStorage, WhatCameBeforeAPauseHasALineInTheFileOfItsDay) {
 
 TEST(TStatsStorage, CountsIntervalsFromMidnight) {
   TStored stored(50000);
-  stored.Block(40000, 1.0);
-  stored.Block(50001, 1.0);  // ends the first
-  EXPECT_EQ(Means().size(), 1u);
-  stored.Block(80000, 1.0);
-  stored.Block(86400.5, 1.0);  // the second ends with the day
-  stored.Block(86400 + 49999, 1.0);
+  // The second ends the first interval, and the day the other.
+  for (const double at : {40000.0, 50001.0, 80000.0, 86400.5, 86400.0 + 49999.0}) {
+    stored.Block(at, 1.0);
+    EXPECT_EQ(QFile::exists(stored.File()), at > 50000.0);
+  }
   EXPECT_EQ(Means(stored.File("Crane_20240601.csv")).size(), 1u);
 }
 
@@ -306,30 +286,6 @@ TEST(TStatsStorage, NamesFilesSoThatEverySystemTakesThem) {
   EXPECT_TRUE(QFile::exists(stored.File("x_20240531.txt")));
 }
 
-TEST(TStatsStorage, IsFoundByItsSetsWhenAPanelIsLoaded) {
-  const auto panel = TPanel::FromText(
-      "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"Panel\">"
-      "<widget class=\"TChannelSource\" name=\"source\"/>"
-      "<widget class=\"TStatsStorage\" name=\"store\"/></widget></ui>",
-      "p.ui", nullptr);
-  ASSERT_TRUE(panel);
-  TChannelSet* set = panel->Root()->findChild<TChannelSource*>()->GetSets()->Add();
-  set->SetStorage(panel->Root()->findChild<TStatsStorage*>());
-  for (int i = 0; i < 50; ++i) {
-    const double row[] = {kDay + i * kSecond, 1.0 * i};
-    set->SetRow(row, 0, 2);
-  }
-  QStringList faults;
-  const auto again = TPanel::FromText(panel->Text(), "p.ui", &faults);
-  EXPECT_EQ(faults, QStringList());
-  ASSERT_TRUE(again);
-  TChannelSets* sets = again->Root()->findChild<TChannelSource*>()->GetSets();
-  ASSERT_EQ(sets->Count(), 1);
-  EXPECT_EQ(sets->GetItem(0)->GetStorage(), again->Root()->findChild<TStatsStorage*>());
-  EXPECT_EQ(sets->GetItem(0)->GetChannels()->GetItem(0)->GetStats()->WriteHistories(),
-            set->GetChannels()->GetItem(0)->GetStats()->WriteHistories());
-}
-
 TEST(ReadStatsFile, RefusesWhatIsNoFile) {
   TStatsContent content;
   QString error;
@@ -341,7 +297,7 @@ TEST(ReadStatsFile, RefusesWhatIsNoFile) {
 
 TEST(ParseStats, SkipsWhatIsNoBlock) {
   const QByteArray line = "2024-05-31 00:00:10.500,20,31,9,9,6,6\n";
-  const std::tuple<QByteArray, int, int> cases[] = {
+  const std::tuple<QByteArray, std::size_t, int> cases[] = {
       {"", 0, 0},
       {line, 0, 1},  // no header
       {kHeader + line + line, 2, 0},
@@ -357,7 +313,7 @@ TEST(ParseStats, SkipsWhatIsNoBlock) {
   for (const auto& [text, blocks, skipped] : cases) {
     SCOPED_TRACE(text.toStdString());
     const TStatsContent content = ParseStats(text);
-    EXPECT_EQ(content.Blocks.size(), static_cast<std::size_t>(blocks));
+    EXPECT_EQ(content.Blocks.size(), blocks);
     EXPECT_EQ(content.Skipped, skipped);
   }
 }

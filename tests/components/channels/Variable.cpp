@@ -21,8 +21,12 @@ TEST(TVariable, ShowsNameAndValueAsItsPropertiesSay) {
 
 TEST(TVariable, FollowsItsValueNameAndFormat) {
   TVariable variable;
+  variable.BeginLoading();
   variable.setObjectName("v");
-  EXPECT_EQ(variable.GetCaption(), "v=0");
+  variable.setProperty("Value", 3.0);
+  variable.setProperty("Caption", "v=99");
+  variable.Loaded();
+  EXPECT_EQ(variable.GetCaption(), "v=3");
   variable.SetValue(12.345);
   EXPECT_EQ(variable.GetCaption(), "v=12.345");
   variable.GetValueFormat()->SetFormat(TNumberFormat::ffFixed);
@@ -42,24 +46,6 @@ TEST(TVariable, GrowsWithItsTextOnceControlIsBackInTheEventLoop) {
   QCoreApplication::sendPostedEvents(variable);
   EXPECT_GT(variable->width(), width);
   EXPECT_EQ(variable->size(), variable->sizeHint());
-}
-
-TEST(TVariable, MakesItsCaptionAnewWhenItsFormIsComplete) {
-  TVariable variable;
-  variable.BeginLoading();
-  variable.setObjectName("v");
-  variable.setProperty("Value", 3.0);
-  variable.setProperty("Caption", "v=99");
-  variable.Loaded();
-  EXPECT_EQ(variable.GetCaption(), "v=3");
-}
-
-TEST(TVariable, MayBeDestroyedByWhomItTells) {
-  auto* variable = new TVariable;
-  TValueLink link([&](double) { delete variable; });
-  variable->AddLink(&link, false);
-  variable->SetValue(1.0);
-  QCoreApplication::sendPostedEvents();
 }
 
 }  // namespace
