@@ -29,8 +29,7 @@ QJsonObject RunDesigner(const QStringList& forms, const QByteArray& steps) {
   designer.setProcessChannelMode(QProcess::MergedChannels);
   designer.start(QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/designer", forms);
   EXPECT_TRUE(designer.waitForFinished(120'000)) << designer.errorString().toStdString();
-  const QByteArray log = designer.readAll();
-  EXPECT_EQ(log.toStdString(), "");
+  EXPECT_EQ(designer.readAll().toStdString(), "");
   EXPECT_EQ(designer.exitStatus(), QProcess::NormalExit);
   return QJsonDocument::fromJson(Contents(script)).object();
 }

@@ -38,10 +38,8 @@ TEST(TRunningStatistics, GivesEachFigureOfWhatItWasGiven) {
 }
 
 /// A set "Mast" with the channels "a" and "b", and what follows it.
-class ChannelValue : public testing::Test {
- protected:
+struct ChannelValue : testing::Test {
   ChannelValue() {
-    source.setObjectName("source");
     set->SetLabel("Mast");
     set->SetCount(2);
     set->SetRows(2);
@@ -58,13 +56,13 @@ class ChannelValue : public testing::Test {
     set->SetRow(row, 0, 3);
   }
 
-  QWidget form;
-  TChannelSource source{&form};
+  TChannelSource source;
   TChannelSet* set = source.GetSets()->Add();
+  TLimitLevels& limits = *set->GetChannels()->GetItem(0)->GetStats()->GetLimits();
 };
 
 TEST_F(ChannelValue, GivesTheMeanOfEachBlockOnce) {
-  TChannelValue value(&form);
+  TChannelValue value;
   Follow(*value.GetChannelLink(), "b");
   std::vector<double> taken;
   TValueLink link([&](double x) { taken.push_back(x); });
@@ -86,11 +84,10 @@ TEST_F(ChannelValue, GivesTheMeanOfEachBlockOnce) {
 }
 
 TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
-  TLimitLevels& limits = *set->GetChannels()->GetItem(0)->GetStats()->GetLimits();
   limits.SetLimitMax(10.0);
   limits.SetWarningLevel(2.0);
   limits.SetCheckMax(true);
-  TChannelValue status(&form);
+  TChannelValue status;
   status.SetContent(TChannelValue::ctStatus);
   Follow(*status.GetChannelLink(), "a");
   for (const double seconds : {0.0, 0.5}) Row(seconds, 5.0, 0.0);
@@ -107,9 +104,8 @@ TEST_F(ChannelValue, TellsHowTheChannelStandsToItsLimits) {
 }
 
 TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {
-  TKorvalGraph graph(&form);
-  graph.setObjectName("graph");
-  THistoryGraph history(&form);
+  TKorvalGraph graph;
+  THistoryGraph history;
   history.GetGraphLink()->SetGraph(&graph);
   Follow(*history.GetChannelLink(), "a");
   EXPECT_EQ(graph.GetHorizontalAx()->GetScale(), TAxis::asTime);
@@ -120,7 +116,6 @@ TEST_F(ChannelValue, AHistoryIsDrawnOverTimeWithTheLimitsThatAreChecked) {
     for (int i = 0; give(i, point, extent);) result.push_back(point);
     return result;
   };
-  TLimitLevels& limits = *set->GetChannels()->GetItem(0)->GetStats()->GetLimits();
   limits.SetLimitValues(20.0, -20.0);
   limits.SetCheckMin(true);
   history.GetChannelLink()->DoOnData(nullptr);

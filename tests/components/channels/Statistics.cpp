@@ -26,15 +26,11 @@ TEST(TStatistics, DerivesMeanAndSampleVarianceFromTheSums) {
   }
 }
 
-TEST(TStatistics, PassesANegativeVarianceToTheRoot) {
+TEST(TStatistics, PassesANegativeVarianceOnAndResetsWhenThereIsLessThanOneValueToTakeAway) {
   TStatistics statistics;
   statistics.SetStatData("2 2 1");
   EXPECT_EQ(statistics.GetVariance(), -1.0);
   EXPECT_TRUE(std::isnan(statistics.GetStDev()));
-}
-
-TEST(TStatistics, ResetsWhenThereIsLessThanOneValueToTakeAway) {
-  TStatistics statistics;
   statistics.SetStatData("0.5 4 0");
   statistics.SetPos(3.0);
   statistics.SetMax(7.0);

@@ -8,8 +8,7 @@ namespace {
 
 /// A form with the labels a, b and c and the button x, and what its list tells: who comes and goes,
 /// and then whom it holds.
-class TKorvalCompListTest : public testing::Test {
- protected:
+struct TKorvalCompListTest : testing::Test {
   TKorvalCompListTest() {
     for (const char* name : {"a", "b", "c"}) (new QLabel(&form))->setObjectName(name);
     (new QPushButton(&form))->setObjectName("x");

@@ -28,8 +28,7 @@ QString Names(const QString& name, const QString& value) {
 }
 
 /// A folder "panel" with a form in it, beside it a folder "outside", and a server.
-class Outside : public testing::Test {
- protected:
+struct Outside : testing::Test {
   Outside() {
     for (const char* name : {"panel", "outside"}) QDir(TestFolder()).mkdir(name);
     WriteTestFile("outside/x", "kept");
