@@ -2,7 +2,6 @@
 
 #include "components/graphing/painting/Plotfont.h"
 #include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
@@ -98,26 +97,21 @@ TEST(Axis, DrawsTicksOnTheSideThatTheirPositionNames) {
     SCOPED_TRACE(pos);
     TAxisOnPaper paper(TAxis::alBottom);
     paper.axis.GetMinorTick()->SetPos(TTick::tpNone);
-    paper.LeaveOutTexts();
+    paper.axis.GetTitle()->SetPos(TAxisTitle::tiNone);
     paper.axis.GetMajorTick()->SetSize(6);
     paper.axis.GetMajorTick()->SetPos(pos);
-    const QImage picture = paper.Draw();
-    EXPECT_EQ(IsBlack(picture, {60, 240 - 6}), inside);
-    EXPECT_EQ(IsBlack(picture, {60, 240 + 6}), outside);
-    EXPECT_TRUE(IsBlack(picture, {60, 240}));
+    EXPECT_EQ(HasRed(paper.Draw(), QRect(0, 0, 420, 300)), pos != TTick::tpNone) << "labels";
+    paper.LeaveOutTexts();
+    const QImage line = paper.Draw();
+    EXPECT_EQ(IsBlack(line, {60, 240 - 6}), inside);
+    EXPECT_EQ(IsBlack(line, {60, 240 + 6}), outside);
     EXPECT_EQ(paper.axis.Overlap(), QMargins(0, 0, 0, overlap));
-  }
-}
-
-TEST(Axis, DrawsAFrameOrOneLine) {
-  TAxisOnPaper paper(TAxis::alBottom);
-  const QPoint middles[] = {{60, 141}, {211, 40}, {360, 141}, {211, 240}};
-  const QImage line = paper.Draw();
-  paper.axis.SetShape(TAxis::shFrame);
-  const QImage frame = paper.Draw();
-  for (const QPoint& p : middles) {
-    EXPECT_EQ(IsBlack(line, p), p.y() == 240);
-    EXPECT_TRUE(IsBlack(frame, p));
+    paper.axis.SetShape(TAxis::shFrame);
+    const QImage frame = paper.Draw();
+    for (const QPoint middle : {QPoint(60, 145), {215, 40}, {360, 145}, {215, 240}}) {
+      EXPECT_EQ(IsBlack(line, middle), middle.y() == 240);
+      EXPECT_TRUE(IsBlack(frame, middle));
+    }
   }
 }
 
@@ -136,6 +130,8 @@ TEST(Axis, DrawsNineTicksPerDecade) {
   // 100 pixels to a decade: log10 of 1 to 9, in pixels.
   EXPECT_THAT(drawn, testing::ElementsAre(0, 30, 48, 60, 70, 78, 85, 90, 95, 100, 130, 148, 160,
                                           170, 178, 185, 190, 195, 200));
+  paper.axis.SetLineColor(TColor::None());
+  EXPECT_TRUE(InkBox(paper.Draw()).isEmpty());
 }
 
 TEST(Axis, LabelsEveryMajorTickThatHasRoom) {
@@ -154,14 +150,9 @@ TEST(Axis, LabelsEveryMajorTickThatHasRoom) {
     const QImage picture = paper.Draw();
     EXPECT_EQ(RedGroups(picture, QRect(0, 245, 420, tallest), 4), labels);
   }
-}
-
-TEST(Axis, LabelsAVerticalAxisFromItsLowestTick) {
-  TAxisOnPaper paper(TAxis::alLeft);
-  const QImage picture = paper.Draw();
-  const int half = LabelHeight() / 2;
+  const QImage upright = TAxisOnPaper(TAxis::alLeft).Draw();
   for (int tick = 0; tick <= 10; ++tick) {
-    EXPECT_TRUE(HasRed(picture, QRect(30, 240 - 20 * tick - half, 24, 2 * half))) << tick;
+    EXPECT_TRUE(HasRed(upright, QRect(30, 240 - 20 * tick - tallest / 2, 24, tallest))) << tick;
   }
 }
 
@@ -171,27 +162,22 @@ TEST(Axis, KeepsLabelsApart) {
   QPainter painter(&picture);
   const int w = LabelMetrics().horizontalAdvance("0.5");
   const int h = LabelHeight();
-
-  TAxisOnPaper bottom(TAxis::alBottom);
-  const TTickLabel& label = *bottom.axis.GetLabel();
-  QPoint last(0, 0);
-  EXPECT_FALSE(label.Draw(painter, {w / 2 - 1, 100}, 0.5, last)) << "would start left of 0";
-  EXPECT_EQ(last, QPoint(0, 0));
-  EXPECT_TRUE(label.Draw(painter, {w / 2, 100}, 0.5, last));
-  EXPECT_EQ(last.x(), w + 4);
-  EXPECT_FALSE(label.Draw(painter, {w + 3 + w / 2, 100}, 0.5, last)) << "3 pixels apart";
-  EXPECT_EQ(last.x(), w + 4) << "the next one is tried against the same end";
-  EXPECT_TRUE(label.Draw(painter, {w + 4 + w / 2, 100}, 0.5, last));
-  EXPECT_EQ(last.x(), 2 * (w + 4));
-
-  TAxisOnPaper left(TAxis::alLeft);
-  last = QPoint(0, 200);
-  const TTickLabel& upright = *left.axis.GetLabel();
-  EXPECT_FALSE(upright.Draw(painter, {100, 200 - h + h / 2 + 1}, 0.5, last));
-  EXPECT_TRUE(upright.Draw(painter, {100, 200 - h + h / 2}, 0.5, last));
-  EXPECT_EQ(last.y(), 200 - h);
-  EXPECT_FALSE(upright.Draw(painter, {100, 200 - 2 * h + h / 2 + 1}, 0.5, last));
-  EXPECT_TRUE(upright.Draw(painter, {100, 200 - 2 * h + h / 2}, 0.5, last));
+  const TAxisOnPaper bottom(TAxis::alBottom), left(TAxis::alLeft);
+  const std::tuple<const TAxisOnPaper&, QPoint, bool, QPoint> cases[] = {
+      {bottom, {w / 2 - 1, 100}, false, {0, 200}},  // would start left of 0
+      {bottom, {w / 2, 100}, true, {w + 4, 200}},
+      {bottom, {w + 3 + w / 2, 100}, false, {w + 4, 200}},  // 3 pixels apart; the same end
+      {bottom, {w + 4 + w / 2, 100}, true, {2 * (w + 4), 200}},
+      {left, {100, 200 - h + h / 2 + 1}, false, {2 * (w + 4), 200}},
+      {left, {100, 200 - h + h / 2}, true, {2 * (w + 4), 200 - h}},
+      {left, {100, 200 - 2 * h + h / 2 + 1}, false, {2 * (w + 4), 200 - h}},
+      {left, {100, 200 - 2 * h + h / 2}, true, {2 * (w + 4), 200 - 2 * h}}};
+  QPoint last(0, 200);
+  for (const auto& [paper, at, isDrawn, end] : cases) {
+    SCOPED_TRACE(testing::Message() << at.x() << ' ' << at.y());
+    EXPECT_EQ(paper.axis.GetLabel()->Draw(painter, at, 0.5, last), isDrawn);
+    EXPECT_EQ(last, end);
+  }
 }
 
 TEST(Axis, MovesTheLastLabelIntoTheBounds) {
@@ -274,21 +260,18 @@ TEST(Axis, ShortensATitleThatIsTooLongForIt) {
 }
 
 TEST(Axis, RefusesABoundThatWouldCollapseTheRange) {
-  const struct {
-    void (TAxis::*set)(double);
-    double value, min, max;
-    int changes;
-  } cases[] = {{&TAxis::SetMin, 0.0, 0.0, 1.0, 0},  {&TAxis::SetMin, 1.0, 0.0, 1.0, 0},
-               {&TAxis::SetMin, 0.5, 0.5, 1.0, 1},  {&TAxis::SetMin, 5.0, 1.0, 5.0, 1},
-               {&TAxis::SetMax, 0.0, 0.0, 1.0, 0},  {&TAxis::SetMax, -2.0, -2.0, 0.0, 1},
-               {&TAxis::SetMax, kNan, 0.0, 1.0, 0}, {&TAxis::SetMin, -kInfinity, 0.0, 1.0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.value);
+  const std::tuple<void (TAxis::*)(double), double, TMinMax, int> cases[] = {
+      {&TAxis::SetMin, 0.0, {0.0, 1.0}, 0},  {&TAxis::SetMin, 1.0, {0.0, 1.0}, 0},
+      {&TAxis::SetMin, 0.5, {0.5, 1.0}, 1},  {&TAxis::SetMin, 5.0, {1.0, 5.0}, 1},
+      {&TAxis::SetMax, 0.0, {0.0, 1.0}, 0},  {&TAxis::SetMax, -2.0, {-2.0, 0.0}, 1},
+      {&TAxis::SetMax, kNan, {0.0, 1.0}, 0}, {&TAxis::SetMin, -kInfinity, {0.0, 1.0}, 0}};
+  for (const auto& [set, value, bounds, fired] : cases) {
+    SCOPED_TRACE(value);
     TAxis axis;
     QSignalSpy changes(&axis, &TAxis::OnChange);
-    (axis.*c.set)(c.value);
-    EXPECT_EQ(BoundsOf(axis), TMinMax(c.min, c.max));
-    EXPECT_EQ(changes.count(), c.changes);
+    (axis.*set)(value);
+    EXPECT_EQ(BoundsOf(axis), bounds);
+    EXPECT_EQ(changes.count(), fired);
     EXPECT_EQ(axis.WorkingMax(), 1.0) << "both bounds are automatic";
   }
   TAxis axis, copy;
@@ -301,8 +284,7 @@ TEST(Axis, DrawsTheUsersRangeOnceItIsNotAutomatic) {
   TAxis axis;
   axis.SetAutoMin(false);
   axis.SetMinMax(-20, 30);
-  EXPECT_EQ(axis.WorkingMin(), -20.0);
-  EXPECT_EQ(axis.WorkingMax(), 1.0) << "still automatic";
+  EXPECT_EQ(DrawnBounds(axis), TMinMax(-20.0, 1.0)) << "one is still automatic";
   axis.SetAutoMax(false);
   axis.SetMinMax(2.5, 0);
   EXPECT_EQ(axis.GetMajorTick()->Count(), 3);
@@ -331,8 +313,6 @@ TEST(Axis, AsksForARepaintAfterEachChangeOfItselfOrAPart) {
     news.clear();
     change();
     EXPECT_EQ(news, QStringList({"change", "repaint"})) << &change - changes;
-    change();
-    EXPECT_EQ(news.size(), 2) << "an equal value is no news: " << &change - changes;
   }
   axis.SetFixedOrigin(true);
   news.clear();
@@ -343,13 +323,13 @@ TEST(Axis, AsksForARepaintAfterEachChangeOfItselfOrAPart) {
 
 TEST(Axis, ShowsTimesExactlyWhenItsScaleIsTime) {
   TAxis axis;
-  EXPECT_EQ(axis.GetTitle()->Text(), "Title");
-  axis.SetScale(TAxis::asTime);
-  EXPECT_TRUE(axis.GetLabel()->GetNumFormat()->GetIsTimeFormat());
-  EXPECT_EQ(axis.GetTitle()->Text(), "Date Time : 30:12:1899 hour:min");
-  axis.SetScale(TAxis::asLog);
-  EXPECT_FALSE(axis.GetLabel()->GetNumFormat()->GetIsTimeFormat());
-  EXPECT_EQ(axis.GetTitle()->Text(), "Title");
+  for (const auto& [scale, title] : {std::pair(TAxis::asLinear, "Title"),
+                                     {TAxis::asTime, "Date Time : 30:12:1899 hour:min"},
+                                     {TAxis::asLog, "Title"}}) {
+    axis.SetScale(scale);
+    EXPECT_EQ(axis.GetLabel()->GetNumFormat()->GetIsTimeFormat(), scale == TAxis::asTime);
+    EXPECT_EQ(axis.GetTitle()->Text(), title);
+  }
 }
 
 TEST(Axis, DrawsNothingWithoutRoomAndSurvivesEveryRange) {

@@ -3,7 +3,6 @@
 #include "components/graphing/Axis.h"
 #include "components/graphing/Tickrules.h"
 #include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
@@ -15,52 +14,55 @@ void ShowRange(TAxis& axis, TAxis::TAxisScale scale, double min, double max) {
   axis.AutoScale();
 }
 
-void ExpectTicks(const TAxis& axis, double start, double end, int major, int minor) {
+/// The ticks that an axis chooses for a range, on which the drawn range ends.
+void ExpectTicks(TAxis& axis, TAxis::TAxisScale scale, double min, double max, double start,
+                 double end, int major, int minor) {
+  SCOPED_TRACE(testing::Message() << min << " .. " << max);
+  ShowRange(axis, scale, min, max);
   for (const TTick* tick : {axis.GetMajorTick(), axis.GetMinorTick()}) {
     EXPECT_DOUBLE_EQ(tick->Start(), start);
     EXPECT_DOUBLE_EQ(tick->End(), end);
     EXPECT_EQ(tick->Count(), tick == axis.GetMajorTick() ? major : minor);
   }
-  EXPECT_DOUBLE_EQ(axis.WorkingMin(), start) << "the drawn range ends on ticks";
+  EXPECT_DOUBLE_EQ(axis.WorkingMin(), start);
   EXPECT_DOUBLE_EQ(axis.WorkingMax(), end);
 }
 
 TEST(AxisTicks, OfALinearAxisAreRoundNumbers) {
-  const struct {
-    double min, max, start, end;
-    int major, minor;
-  } cases[] = {{0, 1, 0, 1, 10, 20},                  // exactly one decade: steps of 0.1
-               {0, 2, 0, 2, 10, 20},                  // exactly two: steps of 0.2
-               {0, 2.5, 0, 3, 3, 30},                 // more: steps of 1
-               {0, 1.01, 0, 1.2, 6, 30},              // just above one: steps of 0.2
-               {0, 9.9, 0, 10, 10, 20},               //
-               {0.3, 1.3, 0.3, 1.3, 10, 20},          // 0.3 / 0.1 is 2.9999999999999996
-               {0.6, 0.8, 0.6, 0.8, 10, 20},          // 0.8 - 0.6 is a little more than 0.2
-               {-0.35, 0.72, -0.4, 0.8, 6, 30},       // across zero
-               {-7, -3, -7, -3, 4, 40},               // negative
-               {1e-9, 3e-9, 1e-9, 3e-9, 10, 20},      // tiny
-               {1.1e6, 9.8e6, 1e6, 1e7, 9, 45},       // huge
-               {1e6, 1e6 + 1, 1e6, 1e6 + 1, 10, 20},  // far from zero
-               {0, 0, -1, 1, 10, 20},                 // empty at zero: 1 on both sides
-               {350, 350, 240, 460, 11, 22},          // empty: becomes 250..450 with steps of 20
-               {-350, -350, -460, -240, 11, 22},      //
-               {5, 2, 4, 6, 10, 20},                  // collapses onto the minimum, then widens
-               {1, 1 + 2.220446049250313e-16, 1, 1 + 2.220446049250313e-16, 2,
-                20},                                // one ulp: steps of 1e-16
-               {1e-320, 2e-320, 0, 1e-300, 1, 10},  // too narrow for a step: part of the smallest
-               {0, 3e-300, 0, 3e-300, 3, 30},       //
-               {-kInfinity, kInfinity, -5e307, 5e307, 10, 20},  // cut where the width is finite
-               {0, kInfinity, 0, 5e307, 5, 25},                 //
-               {1e308, 1.1e308, 4e307, 6e307, 10, 20},          // beyond the cut: empty there
-               {kNan, kNan, 0, 1, 10, 20},                      // says nothing
-               {kNan, 7, 6, 8, 10, 20},                         // only the other bound counts: 7..7
-               {7, kNan, 6, 8, 10, 20}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.min << " .. " << c.max);
+  const std::tuple<double, double, double, double, int, int> cases[] = {
+      {0, 1, 0, 1, 10, 20},                     // exactly one decade: steps of 0.1
+      {0, 2, 0, 2, 10, 20},                     // exactly two: steps of 0.2
+      {0, 2.5, 0, 3, 3, 30},                    // more: steps of 1
+      {0, 1.01, 0, 1.2, 6, 30},                 // just above one: steps of 0.2
+      {0, 9.9, 0, 10, 10, 20},                  //
+      {0.3, 1.3, 0.3, 1.3, 10, 20},             // 0.3 / 0.1 is 2.9999999999999996
+      {0.6, 0.8, 0.6, 0.8, 10, 20},             // 0.8 - 0.6 is a little more than 0.2
+      {-0.35, 0.72, -0.4, 0.8, 6, 30},          // across zero
+      {-7, -3, -7, -3, 4, 40},                  // negative
+      {1e-9, 3e-9, 1e-9, 3e-9, 10, 20},         // tiny
+      {1.1e6, 9.8e6, 1e6, 1e7, 9, 45},          // huge
+      {1e6, 1e6 + 1, 1e6, 1e6 + 1, 10, 20},     // far from zero
+      {0, 0, -1, 1, 10, 20},                    // empty at zero: 1 on both sides
+      {350, 350, 240, 460, 11, 22},             // empty: becomes 250..450 with steps of 20
+      {-350, -350, -460, -240, 11, 22},         //
+      {5, 2, 4, 6, 10, 20},                     // collapses onto the minimum, then widens
+      {1, 1 + 0x1p-52, 1, 1 + 0x1p-52, 2, 20},  // one ulp: steps of 1e-16
+      {1e-320, 2e-320, 0, 1e-300, 1, 10},       // too narrow for a step: part of the smallest
+      {0, 3e-300, 0, 3e-300, 3, 30},            //
+      {-kInfinity, kInfinity, -5e307, 5e307, 10, 20},  // cut where the width is finite
+      {0, kInfinity, 0, 5e307, 5, 25},                 //
+      {1e308, 1.1e308, 4e307, 6e307, 10, 20},          // beyond the cut: empty there
+      {kNan, kNan, 0, 1, 10, 20},                      // says nothing
+      {kNan, 7, 6, 8, 10, 20},                         // only the other bound counts: 7..7
+      {7, kNan, 6, 8, 10, 20}};
+  for (const auto& [min, max, start, end, major, minor] : cases) {
     TAxis axis;
-    ShowRange(axis, TAxis::asLinear, c.min, c.max);
-    ExpectTicks(axis, c.start, c.end, c.major, c.minor);
+    ExpectTicks(axis, TAxis::asLinear, min, max, start, end, major, minor);
   }
+  TAxis axis;
+  ShowRange(axis, TAxis::asLinear, -0.09, 0.01);  // nine steps up the sum is -1.4e-17
+  EXPECT_EQ(axis.GetMajorTick()->Value(9), 0.0);
+  EXPECT_NEAR(axis.GetMajorTick()->Value(10), 0.01, 1e-15);
 }
 
 TEST(AxisTicks, OfALogarithmicAxisAreWholeDecades) {
@@ -77,68 +79,60 @@ TEST(AxisTicks, OfALogarithmicAxisAreWholeDecades) {
       {-kInfinity, kInfinity, 1e-6, 1e300, 306},
       {kNan, kNan, 1e-6, 1, 6}};
   for (const auto& [min, max, start, end, decades] : cases) {
-    SCOPED_TRACE(testing::Message() << min << " .. " << max);
     TAxis axis;
-    ShowRange(axis, TAxis::asLog, min, max);
-    ExpectTicks(axis, start, end, decades, decades);
+    ExpectTicks(axis, TAxis::asLog, min, max, start, end, decades, decades);
   }
 }
 
 TEST(AxisTicks, OfATimeAxisFollowCalendarUnits) {
   constexpr double kDay = 36500.0;  // 6 December 1999; 100 steps of 365 days, 10 of 3650
-  const struct {
-    double days, step;
-    int major, minor;
-    const char* label;
-    const char* title;
-  } cases[] = {
-      {0.010 * kSecond, 0.001 * kSecond, 10, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
-      {0.011 * kSecond, 0.01 * kSecond, 2, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
-      {0.1 * kSecond, 0.01 * kSecond, 10, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
-      {1 * kSecond, 0.1 * kSecond, 10, 20, "i", "Date Time : 06:12:1999 00:00:00:msec"},
-      {10 * kSecond, 1 * kSecond, 10, 20, "s", "Date Time : 06:12:1999 00:00:sec"},
-      {11 * kSecond, 10 * kSecond, 2, 20, "s", "Date Time : 06:12:1999 00:00:sec"},
-      {45 * kSecond, 10 * kSecond, 5, 25, "s", "Date Time : 06:12:1999 00:00:sec"},
-      {60 * kSecond, 10 * kSecond, 6, 30, "s", "Date Time : 06:12:1999 00:00:sec"},
-      {600 * kSecond, 60 * kSecond, 10, 20, "hh:nn", "Date Time : 06:12:1999 hour:min"},
-      {3600 * kSecond, 600 * kSecond, 6, 30, "hh:nn", "Date Time : 06:12:1999 hour:min"},
-      {1, 3600 * kSecond, 24, 48, "hh:nn", "Date Time : 06:12:1999 hour:min"},
+  const std::string date = "Date Time : 06:12:1999 ";
+  const std::string milliseconds = date + "00:00:00:msec", seconds = date + "00:00:sec";
+  const std::string minutes = date + "hour:min";
+  const std::tuple<double, double, int, int, const char*, std::string> cases[] = {
+      {0.010 * kSecond, 0.001 * kSecond, 10, 20, "i", milliseconds},
+      {0.011 * kSecond, 0.01 * kSecond, 2, 20, "i", milliseconds},
+      {0.1 * kSecond, 0.01 * kSecond, 10, 20, "i", milliseconds},
+      {1 * kSecond, 0.1 * kSecond, 10, 20, "i", milliseconds},
+      {10 * kSecond, 1 * kSecond, 10, 20, "s", seconds},
+      {11 * kSecond, 10 * kSecond, 2, 20, "s", seconds},
+      {45 * kSecond, 10 * kSecond, 5, 25, "s", seconds},
+      {60 * kSecond, 10 * kSecond, 6, 30, "s", seconds},
+      {600 * kSecond, 60 * kSecond, 10, 20, "hh:nn", minutes},
+      {3600 * kSecond, 600 * kSecond, 6, 30, "hh:nn", minutes},
+      {1, 3600 * kSecond, 24, 48, "hh:nn", minutes},
       {30, 1, 30, 60, "dd", "Date : day:12:1999"},
       {365, 30, 13, 26, "mm", "Date : month:1999"},
       {3650, 365, 10, 20, "yyyy", "Time [years]"},
       {36500, 3650, 10, 20, "yyyy", "Time [years]"},
       {36501, 36500, 2, 20, "yyyy", "Time [years]"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.days << " days");
+  for (const auto& [days, step, majorCount, minorCount, label, title] : cases) {
+    SCOPED_TRACE(testing::Message() << days << " days");
     TAxis axis;
-    ShowRange(axis, TAxis::asTime, kDay, kDay + c.days);
+    ShowRange(axis, TAxis::asTime, kDay, kDay + days);
     const TTick& major = *axis.GetMajorTick();
-    EXPECT_EQ(major.Count(), c.major);
-    EXPECT_EQ(axis.GetMinorTick()->Count(), c.minor);
-    EXPECT_NEAR((major.End() - major.Start()) / c.step, c.major, 0.01);
+    EXPECT_EQ(major.Count(), majorCount);
+    EXPECT_EQ(axis.GetMinorTick()->Count(), minorCount);
+    EXPECT_NEAR((major.End() - major.Start()) / step, majorCount, 0.01);
     EXPECT_LE(major.Start(), kDay + 1e-11);
-    EXPECT_GE(major.End(), kDay + c.days - 1e-11);
-    EXPECT_EQ(axis.GetLabel()->GetNumFormat()->GetTimeFormatStr(), c.label);
-    EXPECT_EQ(axis.GetTitle()->Text(), c.title);
+    EXPECT_GE(major.End(), kDay + days - 1e-11);
+    EXPECT_EQ(axis.GetLabel()->GetNumFormat()->GetTimeFormatStr(), label);
+    EXPECT_EQ(axis.GetTitle()->Text().toStdString(), title);
     EXPECT_EQ(axis.TimeOrigin().Days(), axis.WorkingMin());
   }
 }
 
 TEST(AxisTicks, OfATimeAxisSurviveRangesWithoutACalendar) {
-  const std::tuple<double, double, double, double, int> cases[] = {
-      {36526.3, 36526.3, 36526, 36527, 24},            // empty: its whole day
-      {36526, 36526, 36526, 36527, 24},                // empty at midnight: the day that begins
-      {-kInfinity, kInfinity, -693500, 2956500, 100},  // years 1 to 9994
-      {1e300, 1e308, 2956500, 2956501, 24},            // behind the calendar
-      {36527, 36526, 36527, 36528, 24},                // collapses onto the minimum
-      {kNan, kNan, 0, 1, 24}};
-  for (const auto& [min, max, start, end, major] : cases) {
-    SCOPED_TRACE(testing::Message() << min << " .. " << max);
+  const std::tuple<double, double, double, double, int, int> cases[] = {
+      {36526.3, 36526.3, 36526, 36527, 24, 48},  // empty: its whole day
+      {36526, 36526, 36526, 36527, 24, 48},      // empty at midnight: the day that begins
+      {-kInfinity, kInfinity, -693500, 2956500, 100, 200},  // years 1 to 9994
+      {1e300, 1e308, 2956500, 2956501, 24, 48},             // behind the calendar
+      {36527, 36526, 36527, 36528, 24, 48},                 // collapses onto the minimum
+      {kNan, kNan, 0, 1, 24, 48}};
+  for (const auto& [min, max, start, end, major, minor] : cases) {
     TAxis axis;
-    ShowRange(axis, TAxis::asTime, min, max);
-    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->Start(), start);
-    EXPECT_DOUBLE_EQ(axis.GetMajorTick()->End(), end);
-    EXPECT_EQ(axis.GetMajorTick()->Count(), major);
+    ExpectTicks(axis, TAxis::asTime, min, max, start, end, major, minor);
   }
 }
 
@@ -223,53 +217,35 @@ TEST(AxisTicks, HaveLabelsOfWhichNoTwoAreEqual) {
 }
 
 TEST(AxisTicks, HaveTheDigitsOfTheirStep) {
-  const struct {
-    TAxis::TAxisScale scale;
-    double min, max;
-    TNumberFormat::TFloatFormat format;
-    const char* second;  // label
-  } cases[] = {{TAxis::asLinear, 1e6, 1e6 + 1, TNumberFormat::ffGeneral, "1000000.1"},
-               {TAxis::asLinear, 0, 0.001, TNumberFormat::ffFixed, "0.0001"},
-               {TAxis::asLinear, 0, 10, TNumberFormat::ffFixed, "1.00"},  // enough as they are
-               {TAxis::asLog, 1e-9, 1e-7, TNumberFormat::ffFixed, "0.000000010"},
-               {TAxis::asTime, 36526, 36526 + 60 * kSecond, TNumberFormat::ffGeneral, "00:10"},
-               {TAxis::asTime, 36526, 36526 + 45 * kSecond, TNumberFormat::ffGeneral, "10"},
-               {TAxis::asTime, 36526, 36527, TNumberFormat::ffGeneral, "01 01:00"},
-               {TAxis::asTime, 36526, 36526 + 365, TNumberFormat::ffGeneral, "2000-01"}};
-  for (const auto& c : cases) {
+  using T = TNumberFormat;
+  const std::tuple<TAxis::TAxisScale, double, double, T::TFloatFormat, const char*> cases[] = {
+      {TAxis::asLinear, 1e6, 1e6 + 1, T::ffGeneral, "1000000.1"},
+      {TAxis::asLinear, 0, 0.001, T::ffFixed, "0.0001"},
+      {TAxis::asLinear, 0, 10, T::ffFixed, "1.00"},  // enough as they are
+      {TAxis::asLog, 1e-9, 1e-7, T::ffFixed, "0.000000010"},
+      {TAxis::asTime, 36526, 36526 + 60 * kSecond, T::ffGeneral, "00:10"},
+      {TAxis::asTime, 36526, 36526 + 45 * kSecond, T::ffGeneral, "10"},
+      {TAxis::asTime, 36526, 36527, T::ffGeneral, "01 01:00"},
+      {TAxis::asTime, 36526, 36526 + 365, T::ffGeneral, "2000-01"}};
+  for (const auto& [scale, min, max, format, second] : cases) {
     TAxis axis;
-    axis.GetLabel()->GetNumFormat()->SetFormat(c.format);
-    ShowRange(axis, c.scale, c.min, c.max);
-    const double second = axis.GetMajorTick()->Value(1);
-    EXPECT_EQ(axis.GetLabel()->TextOf(second).toStdString(), c.second);
+    axis.GetLabel()->GetNumFormat()->SetFormat(format);
+    ShowRange(axis, scale, min, max);
+    EXPECT_EQ(axis.GetLabel()->TextOf(axis.GetMajorTick()->Value(1)), second);
   }
-}
-
-TEST(AxisTicks, HaveTheValueZeroWhereTheyCrossIt) {
-  TAxis axis;
-  ShowRange(axis, TAxis::asLinear, -0.09, 0.01);  // nine steps up the sum is -1.4e-17
-  EXPECT_EQ(axis.GetMajorTick()->Value(9), 0.0);
-  EXPECT_NEAR(axis.GetMajorTick()->Value(10), 0.01, 1e-15);
 }
 
 TEST(AxisTicks, OfARangeThatIsDrawnAlreadyStay) {
   TAxis axis;
-  ShowRange(axis, TAxis::asLinear, 0.95, 10.85);
-  ExpectTicks(axis, 0, 11, 11, 22);
-  ShowRange(axis, TAxis::asLinear, 0, 11);  // chosen anew this would be 0..12
-  ExpectTicks(axis, 0, 11, 11, 22);
-  ShowRange(axis, TAxis::asLinear, 0, 10.85);  // one bound of each: other data
-  ExpectTicks(axis, 0, 12, 6, 30);
-
+  ExpectTicks(axis, TAxis::asLinear, 0.95, 10.85, 0, 11, 11, 22);
+  ExpectTicks(axis, TAxis::asLinear, 0, 11, 0, 11, 11, 22);    // chosen anew this would be 0..12
+  ExpectTicks(axis, TAxis::asLinear, 0, 10.85, 0, 12, 6, 30);  // one bound of each: other data
   axis.SetAutoMin(false);
   axis.SetMin(0.95);
-  ShowRange(axis, TAxis::asLinear, -50, 10.85);
-  ExpectTicks(axis, 0, 11, 11, 22);
-  ShowRange(axis, TAxis::asLinear, -50, 11);  // the fixed bound has not moved
-  ExpectTicks(axis, 0, 11, 11, 22);
+  ExpectTicks(axis, TAxis::asLinear, -50, 10.85, 0, 11, 11, 22);
+  ExpectTicks(axis, TAxis::asLinear, -50, 11, 0, 11, 11, 22);  // the fixed bound has not moved
   axis.SetMin(0.5);
-  axis.AutoScale();
-  ExpectTicks(axis, 0, 12, 6, 30);
+  ExpectTicks(axis, TAxis::asLinear, -50, 11, 0, 12, 6, 30);
 }
 
 TEST(AxisTicks, OfAFixedBoundStartFromItsValueOnEveryScale) {
@@ -278,11 +254,8 @@ TEST(AxisTicks, OfAFixedBoundStartFromItsValueOnEveryScale) {
   axis.SetMin(0.1);
   ShowRange(axis, TAxis::asLinear, -50, 90);
   EXPECT_EQ(axis.WorkingMin(), 0.0);
-  axis.SetScale(TAxis::asLog);
-  axis.AutoScale();
-  EXPECT_DOUBLE_EQ(axis.WorkingMin(), 0.1)
-      << "not 1e-6, which the 0 of the linear ticks would give";
-  EXPECT_DOUBLE_EQ(axis.WorkingMax(), 100.0);
+  // Not from 1e-6, which the 0 of the linear ticks would give.
+  ExpectTicks(axis, TAxis::asLog, -50, 90, 0.1, 100, 3, 3);
 }
 
 }  // namespace

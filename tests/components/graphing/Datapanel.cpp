@@ -3,7 +3,6 @@
 
 #include "components/graphing/Gseries.h"
 #include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
@@ -32,38 +31,27 @@ TEST(DataPanel, LocatesValuesOnPixelsAndBack) {
 
 TEST(DataPanel, ANonPositiveValueOnALogarithmicAxisIsReplacedForTheCallerToo) {
   TPanelFixture f(true);
-  TCoordinate value{1.0, 0.0};
-  QPoint pixel;
-  f.panel.LocateValue(pixel, value);
-  EXPECT_EQ(value, (TCoordinate{1.0, 1.0e-6}));
-  // Two decades at 25 pixels; four decades at 50 pixels below the axis.
-  EXPECT_EQ(pixel, QPoint(70, 410));
-
   TCoordinate top{-2.0, 10.0};
-  TCoordinate base{1.0, -5.0};
+  TCoordinate base{1.0, 0.0};
   QLine bar;
   f.panel.LocateValue(bar, top, base);
   EXPECT_EQ(top, (TCoordinate{1.0e-6, 10.0}));
   EXPECT_EQ(base, (TCoordinate{1.0, 1.0e-6}));
+  // Two decades at 25 pixels; four decades at 50 pixels below the axis.
   EXPECT_EQ(bar, QLine(-80, 60, 70, 410));
-
-  f.panel.LocateCoordinate({70, 60}, value);
-  EXPECT_NEAR(value.X, 1.0, 1e-12);
-  EXPECT_NEAR(value.Y, 10.0, 1e-11);
+  f.panel.LocateCoordinate({70, 60}, top);
+  EXPECT_NEAR(top.X, 1.0, 1e-12);
+  EXPECT_NEAR(top.Y, 10.0, 1e-11);
 }
 
-TEST(DataPanel, WithoutAVisibleSeriesItSaysSo) {
+TEST(DataPanel, PaintsBackgroundAndFrameOrSaysThatThereIsNoVisibleSeries) {
   TPanelFixture f;
   EXPECT_FALSE(InkBox(f.Picture()).isEmpty());
   TSeries* series = f.AddCurve({});
   EXPECT_TRUE(InkBox(f.Picture()).isEmpty()) << "a visible series counts, with or without points";
   series->SetVisible(false);
   EXPECT_FALSE(InkBox(f.Picture()).isEmpty());
-}
-
-TEST(DataPanel, PaintsBackgroundAndFrameInsideItsRectangleOnly) {
-  TPanelFixture f;
-  f.AddCurve({});
+  series->SetVisible(true);
   f.panel.SetFillColor(TColor::Yellow());
   EXPECT_EQ(CountPixels(f.Picture(), Qt::yellow), 101 * 201);
   f.panel.SetLineColor(TColor::Green());
@@ -91,12 +79,10 @@ TEST(DataPanel, NothingIsDrawnOutsideItsRectangle) {
                                            {1.0e9, 5.0}, {-50.0, 5.0}, {4.0, 20.0}};
   TPanelFixture f;
   TPanelFixture aside;
-  for (int style = TSeriesStyle::psNone; style <= TSeriesStyle::psYBar; ++style) {
-    const auto pointStyle = static_cast<TSeriesStyle::TPointStyle>(style);
-    f.AddCurve(points, {2.0, 2.0})->GetStyle()->SetPointStyle(pointStyle);
-    aside.AddCurve({{-20.0, 20.0}, {-20.0, 5.0}}, {2.0, 2.0})
-        ->GetStyle()
-        ->SetPointStyle(pointStyle);
+  for (int i = TSeriesStyle::psNone; i <= TSeriesStyle::psYBar; ++i) {
+    const auto style = static_cast<TSeriesStyle::TPointStyle>(i);
+    f.AddCurve(points, {2.0, 2.0}, style);
+    aside.AddCurve({{-20.0, 20.0}, {-20.0, 5.0}}, {2.0, 2.0}, style);
   }
   // In a file that knows no clipping, half a line's width, or of a marker's, may reach over the
   // border.
@@ -150,65 +136,57 @@ TEST(DataPanel, BarsWidenTheRangeToTheirOtherEndAndTheirFoot) {
   EXPECT_EQ(leastOf(low, TSeriesStyle::psXBar), TMinMax(0.5, 2.5));
 }
 
-TEST(DataPanel, ASelectionMustExceedThreePixelsBothWays) {
-  // Left, upper, right, lower from wherever it was dragged; 10 and 20 pixels a unit.
-  const std::pair<QPoint, std::vector<double>> cases[] = {{{3, 50}, {}},
-                                                          {{50, 3}, {}},
-                                                          {{0, 0}, {}},
-                                                          {{4, 4}, {4.0, 5.5, 4.4, 5.3}},
-                                                          {{-4, -4}, {3.6, 5.7, 4.0, 5.5}}};
-  for (const auto& [by, values] : cases) {
-    TPanelFixture f;
-    f.panel.SetAllowSelection(true);
-    f.panel.StartSelection({}, 60, 100);
-    f.panel.EndSelection({}, 60 + by.x(), 100 + by.y());
-    EXPECT_THAT(SelectionOf(f.panel), Pointwise(DoubleNear(1e-12), values));
-    f.panel.SetAllowSelection(false);
-    EXPECT_THAT(SelectionOf(f.panel), IsEmpty());
-  }
-}
-
 TEST(DataPanel, TheSelectionStaysOnTheBorderAndIsReportedOnceAtItsEnd) {
   TPanelFixture f;
   f.panel.SetAllowSelection(true);
-  QSignalSpy selections(&f.panel, &TDataPanel::OnSelection);
-  bool selecting = false;
-  QObject::connect(&f.panel, &TDataPanel::OnSelection,
-                   [&](QObject*) { selecting = f.panel.IsSelecting(); });
-
+  int selections = 0;
+  QObject::connect(&f.panel, &TDataPanel::OnSelection, [&] {
+    ++selections;
+    EXPECT_TRUE(f.panel.IsSelecting());
+  });
   f.panel.MoveSelection({}, 50, 50);
   f.panel.EndSelection({}, 50, 50);
-  EXPECT_EQ(selections.count(), 0) << "none was started";
+  EXPECT_EQ(selections, 0) << "none was started";
   f.panel.StartSelection({}, 60, 100);
   f.panel.MoveSelection({}, 5000, -5000);
   EXPECT_EQ(f.panel.SelectionCorner(), QPoint(121, 10));
   f.panel.EndSelection({}, -5000, 5000);
   EXPECT_EQ(f.panel.SelectionCorner(), QPoint(20, 211));
   EXPECT_EQ(f.panel.SelectionAnchor(), QPoint(60, 100));
-  EXPECT_EQ(selections.count(), 1);
-  EXPECT_TRUE(selecting);
+  EXPECT_EQ(selections, 1);
   EXPECT_FALSE(f.panel.IsSelecting());
-}
 
-TEST(DataPanel, TheSelectionIsADashedGreyRectangle) {
-  TPanelFixture f;
+  // It must exceed three pixels both ways. Left, upper, right, lower; 10 and 20 pixels a unit.
+  const std::pair<QPoint, std::vector<double>> cases[] = {{{3, 50}, {}},
+                                                          {{50, 3}, {}},
+                                                          {{0, 0}, {}},
+                                                          {{-4, -4}, {3.6, 5.7, 4.0, 5.5}},
+                                                          {{4, 4}, {4.0, 5.5, 4.4, 5.3}}};
+  for (const auto& [by, values] : cases) {
+    f.panel.StartSelection({}, 60, 100);
+    f.panel.EndSelection({}, 60 + by.x(), 100 + by.y());
+    EXPECT_THAT(SelectionOf(f.panel), Pointwise(DoubleNear(1e-12), values));
+  }
+  f.panel.SetAllowSelection(false);
+  EXPECT_THAT(SelectionOf(f.panel), IsEmpty());
+  // It is a dashed grey rectangle.
   f.AddCurve({});
-  f.panel.StartSelection({}, 40, 50);
-  f.panel.EndSelection({}, 100, 150);
   const QColor grey(128, 128, 128);
   EXPECT_EQ(CountPixels(f.Picture(), grey), 0) << "not allowed";
   f.panel.SetAllowSelection(true);
+  f.panel.StartSelection({}, 40, 50);
+  f.panel.EndSelection({}, 100, 150);
   const QImage image = f.Picture();
   const int dashes = CountPixels(image, grey, QRect(40, 50, 60, 100));
   EXPECT_EQ(CountPixels(image, grey), dashes);
-  EXPECT_GT(dashes, 100);
-  EXPECT_LT(dashes, 300) << "an outline of 316 pixels with gaps";
+  EXPECT_THAT(dashes, testing::AllOf(testing::Gt(100), testing::Lt(300)))
+      << "an outline of 316 pixels with gaps";
   EXPECT_EQ(image.pixelColor(70, 100), QColor(Qt::white)) << "hollow";
   f.panel.ClearSelection();
   EXPECT_EQ(CountPixels(f.Picture(), grey), 0);
 }
 
-TEST(DataPanel, DragsTheTopmostActiveSliderUnderTheMouse) {
+TEST(DataPanel, DragsTheTopmostActiveSliderUnderTheMouseUntilItGoes) {
   TPanelFixture f;
   auto* lower = f.AddSlider({5.0, 5.0});  // at (70, 110)
   auto* upper = f.AddSlider({5.0, 5.0});
@@ -221,74 +199,64 @@ TEST(DataPanel, DragsTheTopmostActiveSliderUnderTheMouse) {
   upper->SetActive(false);
   EXPECT_TRUE(f.panel.GetSelSlider({}, 70, 110));
   EXPECT_EQ(f.panel.SelSlider(), lower);
-  lower->SetVisible(false);
+  f.panel.DeleteSeries(0);
+  EXPECT_EQ(f.panel.SelSlider(), nullptr);
+  EXPECT_FALSE(f.panel.MoveSelSlider({}, 80, 110));
+  upper->SetActive(true);
+  upper->SetVisible(false);
   EXPECT_FALSE(f.panel.GetSelSlider({}, 70, 110));
 }
 
 TEST(DataPanel, ASliderFollowsTheMouseInsideThePanel) {
   TPanelFixture f;
   auto* slider = f.AddSlider({5.0, 5.003});
-  QSignalSpy dragged(slider, &TSliderSeries::OnDragged);
+  QStringList news;
+  QObject::connect(slider, &TSliderSeries::OnChange, [&] { news << "changed"; });
+  QObject::connect(slider, &TSliderSeries::OnDragged, [&] { news << "dragged"; });
+  const auto expectAt = [slider](double x, double y) {
+    EXPECT_NEAR(slider->GetPositionX(), x, 1e-12);
+    EXPECT_NEAR(slider->GetPositionY(), y, 1e-12);
+  };
   ASSERT_TRUE(f.panel.GetSelSlider({}, 72, 107));
   EXPECT_FALSE(f.panel.MoveSelSlider({}, 72, 107)) << "grabbed beside its centre it does not jump";
   EXPECT_TRUE(f.panel.MoveSelSlider({}, 82, 107));
-  EXPECT_NEAR(slider->GetPositionX(), 6.0, 1e-12);
-  EXPECT_EQ(slider->GetPositionY(), 5.003) << "not rounded to its pixel";
+  expectAt(6.0, 5.003);  // not rounded to its pixel
+  EXPECT_EQ(news, QStringList({"changed", "dragged"}));
   EXPECT_TRUE(f.panel.MoveSelSlider({}, 9000, 9000));
-  EXPECT_NEAR(slider->GetPositionX(), 10.0, 1e-12);
-  EXPECT_NEAR(slider->GetPositionY(), 0.0, 1e-12);
-  EXPECT_EQ(dragged.count(), 2);
-}
+  expectAt(10.0, 0.0);
+  EXPECT_EQ(news.count("dragged"), 2);
 
-TEST(DataPanel, AGridLineOfASliderMovesItsOwnCoordinate) {
-  TPanelFixture f;
-  auto* slider = f.AddSlider({5.0, 5.0});
+  // A grid line moves its own coordinate.
+  slider->SetPosition({5.0, 5.0});
   EXPECT_FALSE(f.panel.GetSelSlider({}, 70, 200));
   slider->SetShowGridX(true);
   slider->SetShowGridY(true);
   ASSERT_TRUE(f.panel.GetSelSlider({}, 70, 200));
   EXPECT_TRUE(f.panel.MoveSelSlider({}, 80, 20));
-  EXPECT_NEAR(slider->GetPositionX(), 6.0, 1e-12);
-  EXPECT_EQ(slider->GetPositionY(), 5.0);
+  expectAt(6.0, 5.0);
   ASSERT_TRUE(f.panel.GetSelSlider({}, 30, 110));
   EXPECT_TRUE(f.panel.MoveSelSlider({}, 80, 130));
-  EXPECT_NEAR(slider->GetPositionX(), 6.0, 1e-12);
-  EXPECT_NEAR(slider->GetPositionY(), 4.0, 1e-12);
-}
-
-TEST(DataPanel, ASliderThatGoesWhileItIsHeldIsLetGo) {
-  TPanelFixture f;
-  f.AddSlider({5.0, 5.0});
-  ASSERT_TRUE(f.panel.GetSelSlider({}, 70, 110));
-  f.panel.DeleteSeries(0);
-  EXPECT_EQ(f.panel.SelSlider(), nullptr);
-  EXPECT_FALSE(f.panel.MoveSelSlider({}, 80, 110));
+  expectAt(6.0, 4.0);
 }
 
 TEST(DataPanel, ReportsEachChangeOnceToTheLayoutAndOnceToThePicture) {
   TPanelFixture f;
-  QSignalSpy changes(&f.panel, &TDataPanel::OnChange);
-  QSignalSpy repaints(&f.panel, &TDataPanel::OnRepaint);
-  const auto expect = [&](int changed, int repainted) {
-    EXPECT_EQ(changes.count(), changed);
-    EXPECT_EQ(repaints.count(), repainted);
-    changes.clear();
-    repaints.clear();
-  };
-  TSeries* series = f.panel.AddSeries(std::make_unique<TSeries>());
-  expect(1, 1);
-  f.panel.SetFillColor(TColor::Yellow());
-  expect(1, 1);
-  f.panel.SetFillColor(TColor::Yellow());
-  expect(0, 0);
-  series->GetStyle()->SetLineColor(TColor::Green());
-  expect(0, 1);
-  series->SetVisible(false);
-  expect(0, 1);
-  const auto taken = f.panel.RemoveSeries(series);
-  expect(1, 1);
-  taken->SetVisible(true);
-  expect(0, 0);
+  std::unique_ptr<TCustomGraphSeries> taken;
+  TSeries* series = nullptr;
+  const std::tuple<std::function<void()>, qsizetype, qsizetype> cases[] = {
+      {[&] { series = f.panel.AddSeries(std::make_unique<TSeries>()); }, 1, 1},
+      {[&] { f.panel.SetFillColor(TColor::Yellow()); }, 1, 1},
+      {[&] { f.panel.SetFillColor(TColor::Yellow()); }, 0, 0},
+      {[&] { series->GetStyle()->SetLineColor(TColor::Green()); }, 0, 1},
+      {[&] { series->SetVisible(false); }, 0, 1},
+      {[&] { taken = f.panel.RemoveSeries(series); }, 1, 1},
+      {[&] { taken->SetVisible(true); }, 0, 0}};
+  for (const auto& [change, changed, repainted] : cases) {
+    QSignalSpy changes(&f.panel, &TDataPanel::OnChange);
+    QSignalSpy repaints(&f.panel, &TDataPanel::OnRepaint);
+    change();
+    EXPECT_EQ(std::pair(changes.count(), repaints.count()), std::pair(changed, repainted));
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <QPdfWriter>
 #include <QSvgRenderer>
 
+#include "components/graphing/Dataseries.h"
 #include "components/graphing/Graph.h"
 #include "tests/support/Fulldisk.h"
 #include "tests/support/Testing.h"
@@ -34,26 +35,24 @@ class GraphExport : public testing::Test {
   TKorvalGraph graph;
 };
 
-TEST_F(GraphExport, WritesPngAtTheRatioAskedFor) {
-  const QImage picture = QImage::fromData(GraphToBytes(graph, TGraphFile::kPng, 3.0), "PNG");
-  EXPECT_EQ(picture.size(), QSize(900, 600));
-  ExpectAreas(picture);
-}
-
-TEST_F(GraphExport, WritesSvgThatShowsTheSame) {
-  const QByteArray bytes = GraphToBytes(graph, TGraphFile::kSvg);
-  EXPECT_TRUE(bytes.contains("viewBox=\"0 0 300 200\"")) << bytes.left(400).toStdString();
-  EXPECT_TRUE(bytes.contains(">X-axis<")) << "texts stay texts";
-  QSvgRenderer renderer(bytes);
+TEST_F(GraphExport, WritesPngSvgAndPdfThatShowTheSame) {
+  const QImage png = QImage::fromData(GraphToBytes(graph, TGraphFile::kPng, 3.0), "PNG");
+  EXPECT_EQ(png.size(), QSize(900, 600)) << "at the ratio asked for";
+  ExpectAreas(png);
+  auto* line = graph.GetDataPanel()->AddSeries(std::make_unique<TArraySeries>(2));
+  line->SetPoint(1, {1.0, 1.0});
+  line->GetStyle()->SetLineWeight(3);
+  const QByteArray svg = GraphToBytes(graph, TGraphFile::kSvg);
+  EXPECT_TRUE(svg.contains("viewBox=\"0 0 300 200\"")) << svg.left(400).toStdString();
+  EXPECT_TRUE(svg.contains(">X-axis<")) << "texts stay texts";
+  EXPECT_TRUE(svg.contains("<polyline")) << "and wide lines lines";
+  QSvgRenderer renderer(svg);
   ASSERT_TRUE(renderer.isValid());
   ExpectAreas(Painted({600, 400}, [&](QPainter& painter) { renderer.render(&painter); }));
-}
-
-TEST_F(GraphExport, WritesPdfOfTheGraphsSize) {
-  const QByteArray bytes = GraphToBytes(graph, TGraphFile::kPdf);
-  EXPECT_TRUE(bytes.startsWith("%PDF-"));
-  EXPECT_TRUE(bytes.contains("/MediaBox [0 0 225.000000 150.000000]"))  // 300 x 200 at 96 per inch
-      << bytes.mid(bytes.indexOf("/MediaBox"), 60).toStdString();
+  const QByteArray pdf = GraphToBytes(graph, TGraphFile::kPdf);
+  EXPECT_TRUE(pdf.startsWith("%PDF-"));
+  EXPECT_TRUE(pdf.contains("/MediaBox [0 0 225.000000 150.000000]"))  // 300 x 200 at 96 per inch
+      << pdf.mid(pdf.indexOf("/MediaBox"), 60).toStdString();
 }
 
 TEST_F(GraphExport, SavesByTheEndingOfTheName) {

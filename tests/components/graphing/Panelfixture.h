@@ -39,10 +39,11 @@ struct TPanelFixture {
     return Painted({150, 230}, [this](QPainter& painter) { panel.Draw(&painter); });
   }
 
-  /// Adds a series of these points without markers.
-  TSeries* AddCurve(std::vector<TCoordinate> points, TCoordinate size = {}) {
+  /// Adds a series of these points, without markers unless told otherwise.
+  TSeries* AddCurve(std::vector<TCoordinate> points, TCoordinate size = {},
+                    TSeriesStyle::TPointStyle style = TSeriesStyle::psNone) {
     TSeries* series = panel.AddSeries(std::make_unique<TSeries>());
-    series->GetStyle()->SetPointStyle(TSeriesStyle::psNone);
+    series->GetStyle()->SetPointStyle(style);
     series->DataSource = [points = std::move(points), size](int& index, TCoordinate& point,
                                                             TCoordinate& extent) {
       if (index >= static_cast<int>(points.size())) return false;

@@ -37,13 +37,12 @@ TEST(PublishedRecord, KeepsASetByTheNamesOfItsMembers) {
 TEST(PropertyForm, EditsASetMemberByMember) {
   TMarked object;
   TPropertyForm form(object);
-  auto* spread = form.findChild<QCheckBox*>("maSpread");
-  auto* mean = form.findChild<QCheckBox*>("maMean");
-  ASSERT_TRUE(spread && mean);
-  EXPECT_TRUE(mean->isChecked());
-  EXPECT_FALSE(spread->isChecked());
-  mean->click();
-  spread->click();
+  auto& spread = Child<QCheckBox>(form, "maSpread");
+  auto& mean = Child<QCheckBox>(form, "maMean");
+  EXPECT_TRUE(mean.isChecked());
+  EXPECT_FALSE(spread.isChecked());
+  mean.click();
+  spread.click();
   EXPECT_EQ(object.marks, TMarked::TMarks({TMarked::maSpread, TMarked::maExtremes}));
   form.Revert();
   EXPECT_EQ(object.marks, TMarked::TMarks({TMarked::maMean, TMarked::maExtremes}));

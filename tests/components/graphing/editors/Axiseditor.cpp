@@ -2,7 +2,6 @@
 
 #include "components/graphing/editors/Pickers.h"
 #include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
@@ -23,15 +22,12 @@ class AxisEditor : public testing::Test {
   TAxisEditor editor{axis};
 };
 
-TEST_F(AxisEditor, HasAFieldForEveryPublishedProperty) {
+TEST_F(AxisEditor, HasAFieldForEveryPublishedPropertyAndChangesTheAxisAtOnce) {
   const QStringList names = PublishedNames(axis);
   EXPECT_EQ(names.size(), 23);
-  for (const QString& name : names) {
-    EXPECT_NE(editor.findChild<QWidget*>(name), nullptr) << name.toStdString();
-  }
-}
+  for (const QString& name : names)
+    EXPECT_TRUE(editor.findChild<QWidget*>(name)) << name.toStdString();
 
-TEST_F(AxisEditor, ChangesTheAxisAtOnce) {
   QSignalSpy repaints(&axis, &TAxis::OnRepaint);
   const std::pair<const char*, int> choices[] = {{"Scale", TAxis::asLog},
                                                  {"MajorTick.Pos", TTick::tpCross},
@@ -53,10 +49,11 @@ TEST_F(AxisEditor, ChangesTheAxisAtOnce) {
     EXPECT_EQ(owner->property(path[0].toLatin1()).toInt(), value) << name;
   }
   EXPECT_EQ(repaints.count(), 9);
+  const TNumberFormat& format = *axis.GetLabel()->GetNumFormat();
   Find<QCheckBox>("Label.NumFormat.IsTimeFormat").click();
-  EXPECT_TRUE(axis.GetLabel()->GetNumFormat()->GetIsTimeFormat());
+  EXPECT_TRUE(format.GetIsTimeFormat());
   Enter("Label.NumFormat.TimeFormatStr", "hh:nn");
-  EXPECT_EQ(axis.GetLabel()->GetNumFormat()->GetTimeFormatStr(), "hh:nn");
+  EXPECT_EQ(format.GetTimeFormatStr(), "hh:nn");
   Enter("Title.Caption", "Speed [rpm]");
   EXPECT_EQ(axis.GetTitle()->GetCaption(), "Speed [rpm]");
   emit Find<TColorPicker>("LineColor").OnPick(TColor::None());
@@ -73,42 +70,35 @@ TEST_F(AxisEditor, TakesBoundsAsNumbersOrDates) {
   Find<QCheckBox>("AutoMin").click();
   Find<QCheckBox>("AutoMax").click();
   EXPECT_FALSE(axis.GetAutoMin());
-  const auto refusal = [this] { return Find<QLabel>("Refusal").text().toStdString(); };
-  const auto expect = [&](double min, double max, const char* reason) {
-    EXPECT_EQ(BoundsOf(axis), TMinMax(min, max));
-    EXPECT_EQ(refusal(), reason);
+  const auto enter = [this](const char* bound, const char* text, TMinMax bounds, const char* why) {
+    Enter(bound, text);
+    EXPECT_EQ(BoundsOf(axis), bounds);
+    EXPECT_EQ(Find<QLabel>("Refusal").text(), why);
   };
-  Enter("Min", "1.5");  // above the old maximum, but the new one follows
-  expect(0.0, 1.0, "The minimum must be less than the maximum");
+  const char* const notLess = "The minimum must be less than the maximum";
+  enter("Min", "1.5", {0.0, 1.0}, notLess);  // above the old maximum, but the new one follows
   EXPECT_EQ(Find<QLineEdit>("Min").text(), "1.5");
   Push(QDialogButtonBox::Ok);
   EXPECT_NE(editor.result(), QDialog::Accepted);
-  Enter("Max", "2.5");
-  expect(1.5, 2.5, "");
-  Enter("Max", "abc");
-  expect(1.5, 2.5, "\"abc\" is no number");
-  Enter("Max", "inf");
-  expect(1.5, 2.5, "\"inf\" is no number");
-  Enter("Max", "1.5");
-  expect(1.5, 2.5, "The minimum must be less than the maximum");
+  enter("Max", "2.5", {1.5, 2.5}, "");
+  enter("Max", "abc", {1.5, 2.5}, "\"abc\" is no number");
+  enter("Max", "inf", {1.5, 2.5}, "\"inf\" is no number");
+  enter("Max", "1.5", {1.5, 2.5}, notLess);
   Choose("Scale", TAxis::asLog);
-  Enter("Min", "-1");
-  expect(1.5, 2.5, "A logarithmic axis shows values above 0 only");
+  enter("Min", "-1", {1.5, 2.5}, "A logarithmic axis shows values above 0 only");
 
   Choose("Scale", TAxis::asTime);
-  EXPECT_EQ(refusal(), "");
+  EXPECT_EQ(Find<QLabel>("Refusal").text(), "");
   EXPECT_EQ(Find<QLineEdit>("Max").text(), "1900-01-01 12:00:00.000");
-  Enter("Max", "soon");
-  expect(1.5, 2.5, "\"soon\" is no date and time");
-  Enter("Max", "1900-01-09 06:00");
-  EXPECT_EQ(axis.GetMax(), 10.25);
+  enter("Max", "soon", {1.5, 2.5}, "\"soon\" is no date and time");
+  enter("Max", "1900-01-09 06:00", {1.5, 10.25}, "");
 }
 
 TEST_F(AxisEditor, ABoundThatIsNoLongerAutomaticStaysWhereItIsDrawn) {
   const char* const kBoth[] = {"AutoMin", "AutoMax"};
-  for (const auto& [scale, min, max] :
-       {std::tuple(TAxis::asLinear, 0.95, 10.85),  // shows 0..11
-        std::tuple(TAxis::asLog, 3.0, 70.0), std::tuple(TAxis::asTime, 45000.2, 45000.9)}) {
+  for (const auto& [scale, min, max] : {std::tuple(TAxis::asLinear, 0.95, 10.85),  // shows 0..11
+                                        {TAxis::asLog, 3.0, 70.0},
+                                        {TAxis::asTime, 45000.2, 45000.9}}) {
     for (const bool maxFirst : {false, true}) {
       SCOPED_TRACE(testing::Message() << scale << maxFirst);
       TAxis drawn;
@@ -116,19 +106,18 @@ TEST_F(AxisEditor, ABoundThatIsNoLongerAutomaticStaysWhereItIsDrawn) {
       drawn.SetScale(scale);
       drawn.UpdateAxis();
       QObject::connect(&drawn, &TAxis::OnChange, &drawn, &TAxis::UpdateAxis);  // as its graph does
-      const double from = drawn.WorkingMin();
-      const double to = drawn.WorkingMax();
+      const TMinMax shown = DrawnBounds(drawn);
       TAxisEditor editorOfIt(drawn);
       for (const bool second : {false, true}) {
-        editorOfIt.findChild<QCheckBox*>(kBoth[second != maxFirst])->click();
-        EXPECT_EQ(DrawnBounds(drawn), TMinMax(from, to));
+        Child<QCheckBox>(editorOfIt, kBoth[second != maxFirst]).click();
+        EXPECT_EQ(DrawnBounds(drawn), shown);
       }
-      EXPECT_EQ(BoundsOf(drawn), TMinMax(from, to));
+      EXPECT_EQ(BoundsOf(drawn), shown);
     }
   }
 }
 
-TEST_F(AxisEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
+TEST_F(AxisEditor, CancelRestoresWhatWasEditedSinceTheLastApplyAndOkKeepsIt) {
   Enter("Title.Caption", "Kept");
   Push(QDialogButtonBox::Apply);
   before.Assign(&axis);
@@ -136,13 +125,11 @@ TEST_F(AxisEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
   Enter("Title.Caption", "Lost");
   Push(QDialogButtonBox::Cancel);
   EXPECT_TRUE(axis.SameAs(&before));
-}
-
-TEST_F(AxisEditor, KeepsEverythingOnOk) {
-  Enter("Title.Caption", "Kept");
+  EXPECT_EQ(axis.GetTitle()->GetCaption(), "Kept");
+  Enter("Title.Caption", "New");
   Push(QDialogButtonBox::Ok);
   EXPECT_EQ(editor.result(), QDialog::Accepted);
-  EXPECT_EQ(axis.GetTitle()->GetCaption(), "Kept");
+  EXPECT_EQ(axis.GetTitle()->GetCaption(), "New");
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ class SeriesEditor : public testing::Test {
     editor = std::make_unique<TSeriesEditor>(list);
   }
 
+  QSpinBox& Weight() { return Find<QSpinBox>(0, "LineWeight"); }
   /// The editor of a property on the page of a series.
   template <class T>
   T& Find(int page, const char* property) {
@@ -36,7 +37,7 @@ TEST_F(SeriesEditor, ChangesEveryPublishedPropertyAtOnce) {
   EXPECT_EQ(editor->findChild<QListWidget*>("Names")->item(0)->text(), QStringLiteral("Velocity"));
   Find<QCheckBox>(0, "Visible").click();
   EXPECT_FALSE(curve->GetVisible());
-  Find<QSpinBox>(0, "LineWeight").setValue(5);
+  Weight().setValue(5);
   EXPECT_EQ(curve->GetStyle()->GetLineWeight(), 5);
   Find<QComboBox>(0, "LineStyle").setCurrentText(QStringLiteral("Dash dot"));
   EXPECT_EQ(curve->GetStyle()->GetLineStyle(), TSeriesStyle::psDashDot);
@@ -53,21 +54,28 @@ TEST_F(SeriesEditor, ChangesEveryPublishedPropertyAtOnce) {
 }
 
 TEST_F(SeriesEditor, ShowsWhatTheSeriesMakesOfAnEdit) {
-  Find<QSpinBox>(0, "LineWeight").setValue(-3);
-  EXPECT_EQ(Find<QSpinBox>(0, "LineWeight").value(), 1);
-  EnterText(Find<QLineEdit>(1, "PositionX"), "far");
-  EXPECT_EQ(Find<QLineEdit>(1, "PositionX").text(), QStringLiteral("0"));
-  slider->SetPosition({7.25, 0.0});
-  EXPECT_EQ(Find<QLineEdit>(1, "PositionX").text(), QStringLiteral("7.25"));
+  Weight().setValue(-3);
+  EXPECT_EQ(Weight().value(), 1);
+  QSignalSpy changes(curve->GetStyle(), &TSeriesStyle::OnChange);
+  Weight().selectAll();
+  QTest::keyClicks(&Weight(), "12\r");
+  EXPECT_EQ(changes.count(), 1);
   curve->GetStyle()->SetLineWeight(4);
-  EXPECT_EQ(Find<QSpinBox>(0, "LineWeight").value(), 4);
+  EXPECT_EQ(Weight().value(), 4);
+  auto& position = Find<QLineEdit>(1, "PositionX");
+  EnterText(position, "far");
+  EXPECT_EQ(position.text(), "0");
+  for (const double x : {7.25, 0.1}) {
+    slider->SetPosition({x, 0.0});
+    EXPECT_EQ(position.text(), QString::number(x));
+  }
 }
 
-TEST_F(SeriesEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
-  Find<QSpinBox>(0, "LineWeight").setValue(2);
+TEST_F(SeriesEditor, CancelRestoresWhatWasEditedSinceTheLastApplyAndOkKeepsIt) {
+  Weight().setValue(2);
   Push(QDialogButtonBox::Apply);
-  Find<QSpinBox>(0, "LineWeight").setValue(3);
-  Find<QSpinBox>(0, "LineWeight").setValue(4);
+  Weight().setValue(3);
+  Weight().setValue(4);
   Find<QComboBox>(0, "PointStyle").setCurrentText(QStringLiteral("Cross"));
   slider->SetPosition({1.0, 1.0});  // not by the dialog: stays
   Push(QDialogButtonBox::Cancel);
@@ -75,6 +83,10 @@ TEST_F(SeriesEditor, CancelRestoresWhatWasEditedSinceTheLastApply) {
   EXPECT_EQ(curve->GetStyle()->GetPointStyle(), TSeriesStyle::psCircle);
   EXPECT_EQ(slider->GetPositionX(), 1.0);
   EXPECT_EQ(editor->result(), QDialog::Rejected);
+  Weight().setValue(3);
+  Push(QDialogButtonBox::Ok);
+  EXPECT_EQ(curve->GetStyle()->GetLineWeight(), 3);
+  EXPECT_EQ(editor->result(), QDialog::Accepted);
 }
 
 TEST_F(SeriesEditor, CancelDropsATextThatIsBeingTyped) {
@@ -89,18 +101,11 @@ TEST_F(SeriesEditor, CancelDropsATextThatIsBeingTyped) {
   EXPECT_EQ(curve->GetLabel(), QStringLiteral("Curve"));
 }
 
-TEST_F(SeriesEditor, OkKeepsTheEdits) {
-  Find<QSpinBox>(0, "LineWeight").setValue(3);
-  Push(QDialogButtonBox::Ok);
-  EXPECT_EQ(curve->GetStyle()->GetLineWeight(), 3);
-  EXPECT_EQ(editor->result(), QDialog::Accepted);
-}
-
 TEST_F(SeriesEditor, ASeriesThatGoesMeanwhileIsLeftAlone) {
-  Find<QSpinBox>(0, "LineWeight").setValue(3);
+  Weight().setValue(3);
   list.Delete(0);
-  EXPECT_FALSE(Find<QSpinBox>(0, "LineWeight").isEnabled());
-  Find<QSpinBox>(0, "LineWeight").setValue(9);
+  EXPECT_FALSE(Weight().isEnabled());
+  Weight().setValue(9);
   Push(QDialogButtonBox::Cancel);
   EXPECT_EQ(list.Count(), 1);
 }

@@ -2,7 +2,6 @@
 
 #include "components/graphing/painting/Curvepainter.h"
 #include "tests/components/graphing/Panelfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
@@ -117,9 +116,6 @@ void ExpectNoPixelChanged(int rounds, TChange change) {
 
 TEST(LinePath, MergingChangesNoPixelOfAThinSolidLine) {
   ExpectNoPixelChanged(2000, [](auto&, int, TCurves&) { return Area(1.0, 1.0); });
-}
-
-TEST(LinePath, MergingChangesNoPixelOnLogarithmicAxes) {
   ExpectNoPixelChanged(1000, [](auto& points, int round, TCurves& curves) {
     // What is not positive is drawn at 1e-6, left of the one axis, and where the other begins.
     const double min = round % 2 ? 0.01 : 1.0e-9;
@@ -130,9 +126,6 @@ TEST(LinePath, MergingChangesNoPixelOnLogarithmicAxes) {
     }
     return LogArea(min);
   });
-}
-
-TEST(LinePath, MergesSteepAxesWhereRoundingIsCoarse) {
   // Values near 1e9 whose last bits are hundredths of a pixel.
   ExpectNoPixelChanged(200, [](auto& points, int, TCurves&) {
     for (TCoordinate& point : points) point.X = 1.0e9 + point.X * 1.0e-5;
@@ -162,12 +155,8 @@ TEST(LinePath, AColumnGivesItsFirstLowestHighestAndLastPoint) {
   sink.path.Finish();
   ASSERT_EQ(sink.spans.size(), 1u);
   const TLineSink::TSpan& span = sink.spans[0];
-  EXPECT_EQ(span.column, 50);
-  EXPECT_EQ(span.first, 89);
-  EXPECT_EQ(span.high, 49);
-  EXPECT_EQ(span.low, 119);
-  EXPECT_EQ(span.last, 79);
-  EXPECT_FALSE(span.lowIsFirst);
+  EXPECT_EQ(std::tuple(span.column, span.first, span.high, span.low, span.last, span.lowIsFirst),
+            std::tuple(50, 89, 49, 119, 79, false));
   EXPECT_THAT(sink.joins, testing::ElementsAre(QLine(50, 79, 51, 79)));
   EXPECT_EQ(sink.finished, 1);
 }
@@ -219,19 +208,13 @@ TEST(LinePath, FarAwayPointsKeepTheirDirection) {
   }
 }
 
-TEST(LinePath, OnePointIsADotLikeTwoInAPixel) {
+TEST(LinePath, OnePointIsADotLikeTwoInAPixelAndALineAsWideAsItsWeight) {
   const TPlotArea area = Area(1.0, 1.0);
-  for (const auto& [weight, pixels] : {std::pair(1, 1), std::pair(2, 4), std::pair(3, 5)}) {
+  for (const auto& [weight, pixels] : {std::pair(1, 1), {2, 4}, {3, 5}, {7, 37}}) {
     EXPECT_EQ(CountPixels(Drawn({{50.0, 50.0}}, area, weight), Qt::blue), pixels);
     EXPECT_EQ(CountPixels(Drawn({{50.0, 50.0}, {50.1, 49.9}}, area, weight), Qt::blue), pixels);
-  }
-}
-
-TEST(LinePath, AWideLineIsAsWideAsItsWeight) {
-  const TPlotArea area = Area(1.0, 1.0);
-  for (const int weight : {2, 3, 7}) {
-    const QImage image = Drawn({{0.0, 60.0}, {179.0, 60.0}}, area, weight);
-    EXPECT_EQ(CountPixels(image, Qt::blue, QRect(100, 0, 1, image.height())), weight);
+    const QImage line = Drawn({{0.0, 60.0}, {179.0, 60.0}}, area, weight);
+    EXPECT_EQ(CountPixels(line, Qt::blue, QRect(100, 0, 1, line.height())), weight);
   }
 }
 
@@ -292,19 +275,16 @@ TEST(LinePath, AWideLineIsPaintedOnceWhereItCrossesItself) {
 /// Lengths of what is drawn and what is left out along the middle of a horizontal line.
 std::vector<int> Runs(const std::vector<TCoordinate>& points, TSeriesStyle::TPenStyle pen,
                       int weight, int ratio) {
-  QImage image(kPicture * ratio, QImage::Format_RGB32);
-  image.setDevicePixelRatio(ratio);
-  image.fill(Qt::white);
-  {
-    QPainter painter(&image);
+  const TPlotArea area{
+      QRect(kPanel.topLeft() * ratio, kPanel.size() * ratio),
+      TPixelScale::Rightwards({false, 0.0, 1.0}, kPanel.left(), ratio),
+      TPixelScale::Upwards({false, 0.0, 1.0}, kPanel.top() + kPanel.height(), ratio),
+      static_cast<double>(ratio)};
+  const QImage image = Painted(kPicture * ratio, [&](QPainter& painter) {
+    painter.scale(ratio, ratio);
     TSeriesStyle style;
-    const QRect rect(kPanel.topLeft() * ratio, kPanel.size() * ratio);
-    const TPlotArea area{
-        rect, TPixelScale::Rightwards({false, 0.0, 1.0}, kPanel.left(), ratio),
-        TPixelScale::Upwards({false, 0.0, 1.0}, kPanel.top() + kPanel.height(), ratio),
-        static_cast<double>(ratio)};
     TCurvePainter(painter, Line(style, weight, pen), area).Add(points);
-  }
+  });
   const int row = (kPanel.top() + kPanel.height() - 1 - 60) * ratio;
   std::vector<int> runs;
   for (int x = 0; x < image.width(); ++x) {
@@ -340,45 +320,40 @@ TEST(PixelScale, FirstAndLastPixelBelongToTheEndsOfTheAxis) {
   // 100 pixels from 7, values 10 to 30: 99 / 20 pixels a unit.
   const auto right = TPixelScale::Rightwards({false, 10.0, 99.0 / 20.0}, 7);
   const auto up = TPixelScale::Upwards({false, 10.0, 99.0 / 20.0}, 107);
-  const struct {
-    double value;
-    int right, up;
-  } cases[] = {{10.0, 7, 106},
-               {30.0, 106, 7},
-               {20.0, 57, 57},  // 49.5 pixels along: halves are rounded up
-               {5.0, -18, 131},
-               {kNan, -TPixelScale::kFar, -TPixelScale::kFar},
-               {kInfinity, TPixelScale::kFar, -TPixelScale::kFar},
-               {-1.0e200, -TPixelScale::kFar, TPixelScale::kFar}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(right.Pixel(c.value), c.right) << c.value;
-    EXPECT_EQ(up.Pixel(c.value), c.up) << c.value;
+  const std::tuple<double, int, int> cases[] = {
+      {10.0, 7, 106},
+      {30.0, 106, 7},
+      {20.0, 57, 57},  // 49.5 pixels along: halves are rounded up
+      {5.0, -18, 131},
+      {kNan, -TPixelScale::kFar, -TPixelScale::kFar},
+      {kInfinity, TPixelScale::kFar, -TPixelScale::kFar},
+      {-1.0e200, -TPixelScale::kFar, TPixelScale::kFar}};
+  for (const auto& [value, x, y] : cases) {
+    EXPECT_EQ(right.Pixel(value), x) << value;
+    EXPECT_EQ(up.Pixel(value), y) << value;
   }
   EXPECT_DOUBLE_EQ(right.Value(106), 30.0);
   EXPECT_DOUBLE_EQ(up.Value(106), 10.0);
 }
 
-TEST(PixelScale, ALogarithmicAxisHasEqualDecades) {
-  const auto scale = TPixelScale::Rightwards({true, 0.01, 50.0}, 0);
-  EXPECT_EQ(scale.Pixel(0.01), 0);
-  EXPECT_EQ(scale.Pixel(1.0), 100);
-  EXPECT_EQ(scale.Pixel(2.0), 115);   // 50 x 0.30103
-  EXPECT_EQ(scale.Pixel(0.0), -200);  // drawn at 1e-6
-  EXPECT_EQ(scale.Pixel(-3.0), -200);
+TEST(PixelScale, DecadesAreEqualAndAFinerGridHasItsOwnPixelsInsideEachLogicalOne) {
+  const auto decades = TPixelScale::Rightwards({true, 0.01, 50.0}, 0);
+  // 50 x 0.30103 is 15; what is not positive is drawn at 1e-6.
+  for (const auto& [value, pixel] :
+       {std::pair(0.01, 0), {1.0, 100}, {2.0, 115}, {0.0, -200}, {-3.0, -200}}) {
+    EXPECT_EQ(decades.Pixel(value), pixel);
+  }
   EXPECT_EQ(TPixelScale::Rightwards({true, 1.0e-9, 50.0}, 0).Pixel(0.0), 0);  // where it begins
-  EXPECT_NEAR(scale.Value(150), 10.0, 1e-12);
-}
+  EXPECT_NEAR(decades.Value(150), 10.0, 1e-12);
 
-TEST(PixelScale, AFinerGridHasItsOwnPixelsInsideEachLogicalOne) {
-  const auto scale = TPixelScale::Rightwards({false, 0.0, 1.0}, 10, 2.0);
-  // The centre of logical pixel 10 lies between the grid pixels 20 and 21.
-  EXPECT_EQ(scale.Pixel(-0.25), 20);
-  EXPECT_EQ(scale.Pixel(0.25), 21);
-  EXPECT_EQ(scale.Pixel(0.75), 22);
-  EXPECT_DOUBLE_EQ(scale.Value(21.0), 0.25);
+  const auto right = TPixelScale::Rightwards({false, 0.0, 1.0}, 10, 2.0);
   const auto up = TPixelScale::Upwards({false, 0.0, 1.0}, 100, 2.0);
-  EXPECT_EQ(up.Pixel(-0.25), 199);
-  EXPECT_EQ(up.Pixel(0.25), 198);
+  // The centre of logical pixel 10 lies between the grid pixels 20 and 21.
+  for (const auto& [value, x, y] : {std::tuple(-0.25, 20, 199), {0.25, 21, 198}, {0.75, 22, 197}}) {
+    EXPECT_EQ(right.Pixel(value), x);
+    EXPECT_EQ(up.Pixel(value), y);
+  }
+  EXPECT_DOUBLE_EQ(right.Value(21.0), 0.25);
 }
 
 }  // namespace
