@@ -43,31 +43,32 @@ TEST_F(Animation, TakesTenFramesPerCycleToTheLastBit) {
   }
 }
 
-TEST_F(Animation, StandsStillWithoutAVisibleSet) {
+TEST_F(Animation, StandsStillWithoutAVisibleSetAndWhereNothingVibrates) {
+  animation_.Time = 3.0;
   data_.Show({});
   for (const TScaleType type : {TScaleType::Absolute, TScaleType::Relative, TScaleType::Sum}) {
     animation_.ScaleType = type;
     EXPECT_FALSE(animation_.Step(data_, model_));
   }
+  Load("[x]\n1 1 1 1\n2 1 1 1\n");
+  model_.Display.Get(0)->Position = {7, 7, 7};
+  animation_.Step(data_, model_);
   EXPECT_EQ(animation_.Phase, 0.0);
-  EXPECT_EQ(animation_.Time, 0.0);
+  EXPECT_EQ(animation_.Time, 3.0);
+  EXPECT_EQ(model_.Display.Get(0)->Position, (TVertex{7, 7, 7}));
 }
 
 TEST_F(Animation, ScalesEachTypeByItsOwnLargestAmplitude) {
   data_.Show({false, true});  // amplitude 1, where the whole file has 5
   animation_.ViewScale = 0.5;
-  TDataNodeList& shown = *data_.Shown.Get(0);
-  const struct {
-    TScaleType type;
-    double set, display;  ///< 0.5 x 0.25 x 4 / largest amplitude
-  } cases[] = {{TScaleType::Absolute, 0.1, 1.0},
-               {TScaleType::Relative, 0.5, 1.0},
-               {TScaleType::Sum, 0.5, 0.5}};
-  for (const auto& c : cases) {
-    animation_.ScaleType = c.type;
+  // 0.5 x 0.25 x 4 / largest amplitude, of the set and of the display.
+  for (const auto& [type, set, display] : {std::tuple(TScaleType::Absolute, 0.1, 1.0),
+                                           {TScaleType::Relative, 0.5, 1.0},
+                                           {TScaleType::Sum, 0.5, 0.5}}) {
+    animation_.ScaleType = type;
     animation_.UpdateScale(data_, model_);
-    EXPECT_DOUBLE_EQ(shown.DrawScale, c.set);
-    EXPECT_DOUBLE_EQ(model_.Display.DrawScale, c.display);
+    EXPECT_DOUBLE_EQ(data_.Shown.Get(0)->DrawScale, set);
+    EXPECT_DOUBLE_EQ(model_.Display.DrawScale, display);
   }
   EXPECT_EQ(data_.All.Get(0)->DrawScale, 1.0) << "hidden sets are left alone";
 }
@@ -100,16 +101,6 @@ TEST_F(Animation, ShiftsEachAxisByItsAngle) {
              {std::cos(phase + 0.1), std::cos(phase + 0.2), std::cos(phase + 0.3)});
 }
 
-TEST_F(Animation, KeepsTheTimeWhereNothingVibrates) {
-  Load("[x]\n1 1 1 1\n2 1 1 1\n");
-  animation_.ScaleType = TScaleType::Sum;
-  animation_.Time = 3.0;
-  model_.Display.Get(0)->Position = {7, 7, 7};
-  animation_.Step(data_, model_);
-  EXPECT_EQ(animation_.Time, 3.0);
-  EXPECT_EQ(model_.Display.Get(0)->Position, (TVertex{7, 7, 7}));
-}
-
 TEST_F(Animation, StaysFiniteWithAnEmptyFirstSetOrATinyFrequency) {
   for (const char* text :
        {"[F = 1]\n[F = 2]\n1 1 1 1\n2 1 1 1\n", "[F = 1e-320]\n1 1 1 1\n2 1 1 1\n"}) {
@@ -131,27 +122,25 @@ TEST(ScaleComplexNode, MovesALinkedNodeAboutItsPlace) {
   EXPECT_LT(Length(ScaleComplexNode(node, 0.0, 2.0), {12, 20, 24}), 1e-14);
 }
 
-/// A number as files hold it, whatever the user's locale is.
-std::string Text(double value) { return QByteArray::number(value).toStdString(); }
-
 TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
   constexpr int kNodes = 700;
-  std::string nodes = "[Nodes]\n", records = "[F = 3]\n";
   std::mt19937 random(5);
   std::uniform_real_distribution<double> any(-4.0, 4.0);
-  const auto values = [&](int count, bool angles) {
-    std::string text;
-    for (int k = 0; k < count; ++k) text += ' ' + Text(k > 2 && !angles ? 0 : any(random));
-    return text + '\n';
-  };
+  const auto vertex = [&] { return TVertex{any(random), any(random), any(random)}; };
+  model_.Clear();
+  data_.Shown.Clear();
+  TDataNodeList& set = *data_.All.Add(std::make_unique<TDataNodeList>(&model_, false));
+  set.Frequency = 3.0;
   for (int i = 0; i < kNodes; ++i) {
-    nodes += std::to_string(i) + values(3, false);
-    // One node without a record, so without a link; some without angles.
-    if (i != 5) records += std::to_string(i) + values(6, i % 10 != 0);
+    model_.Nodes.Emplace(i, vertex());
+    model_.Display.Emplace(i, TVertex{});
+    TNode* node = set.Emplace(i, vertex());
+    if (i % 10 != 0) node->Angles = vertex();
+    if (i != 5) node->Link = model_.Nodes.Get(static_cast<std::size_t>(i));
   }
-  ASSERT_TRUE(model_.LoadFromMemory(nodes).Ok());
-  Load(records);
-  TDataNodeList& set = *data_.All.Get(0);
+  set.SetVisible(true);
+  set.NodesChanged();
+  data_.Shown.Refer(&set);
   set.DrawScale = 0.75;
   std::vector<TVertex> positions;
   for (set.Phase = 0.0; set.Phase < 7.0; set.Phase += 0.7) {
@@ -159,10 +148,9 @@ TEST_F(Animation, PlacesAllNodesAsItPlacesOne) {
     ASSERT_EQ(positions.size(), std::size_t{kNodes});
     for (std::size_t i = 0; i < kNodes; ++i) {
       const TVertex expected = ScaleComplexNode(*set.Get(i), set.Phase, set.DrawScale);
-      EXPECT_NEAR(Length(positions[i], expected), 0.0, 1e-14);
-      if (i % 10 == 0) {
-        EXPECT_EQ(positions[i], expected) << "without angles to the last bit";
-      }
+      EXPECT_LE(Length(positions[i], expected),
+                i % 10 == 0 ? 0.0 : 1e-14)  // without angles to the last bit
+          << i;
     }
   }
   animation_.ScaleType = TScaleType::Sum;

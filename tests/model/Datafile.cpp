@@ -57,33 +57,27 @@ TEST_F(DataFile, GivesOneDataSetPerSectionWithItsFrequency) {
   EXPECT_TRUE(model_.Loaded);
 }
 
-TEST_F(DataFile, BringsRecordsIntoTheOrderOfTheModel) {
-  Load("[F = 1]\n3 7 8 9\n1 4 5 6\n");
+TEST_F(DataFile, BringsRecordsIntoTheOrderOfTheModelAndDecidesOnAnglesForEachSection) {
+  Load("[F = 1]\n3 7 8 9 0 0 1\n1 4 5 6 .1 .2 .3\n[F = 2]\n1 1 2 3\n2 0 0 0\n3 0 0 0\n");
   const TDataNodeList& set = *data_.All.Get(0);
   // Node 2 has no record: a filler with the coordinates of the model node.
   EXPECT_EQ(Describe(set), "1:4,5,6 2:-1,-1,1 3:7,8,9 ");
-  EXPECT_EQ(set.Get(0)->Link, model_.Nodes.Get(0));
-  EXPECT_EQ(set.Get(1)->Link, nullptr);
-  EXPECT_EQ(set.Get(2)->Link, model_.Nodes.Get(2));
-}
-
-TEST_F(DataFile, DecidesOnAnglesForEachSection) {
-  Load(
-      "[F = 1]\n1 1 2 3 .1 .2 .3\n2 0 0 0 0 0 0\n3 0 0 0 1 1 1\n[F = 2]\n1 1 2 3\n2 0 0 0\n3 0 0 "
-      "0\n");
-  EXPECT_EQ(data_.All.Get(0)->Get(0)->Angles, (TVertex{.1, .2, .3}));
-  EXPECT_EQ(data_.All.Get(0)->Get(2)->Angles, (TVertex{1, 1, 1}));
+  for (const std::size_t i : {0, 1, 2}) {
+    EXPECT_EQ(set.Get(i)->Link, i == 1 ? nullptr : model_.Nodes.Get(i));
+  }
+  EXPECT_EQ(set.Get(0)->Angles, (TVertex{.1, .2, .3}));
+  EXPECT_EQ(set.Get(2)->Angles, (TVertex{0, 0, 1}));
   EXPECT_EQ(data_.All.Get(1)->Get(0)->Angles, TVertex{});
 }
 
 TEST_F(DataFile, ScalesTheLargestAmplitudeToAQuarterOfTheModel) {
   data_.CheckedLabels = "011";
   Load("[F = 1]\n1 3 4 0\n[F = 2]\n2 0 0 .5\n[F = 3]\n3 0 0 0\n");
-  EXPECT_EQ(data_.All.Get(0)->MaxAmplitude, 5.0);
-  EXPECT_EQ(data_.All.Get(0)->Scale, 0.25);
-  EXPECT_EQ(data_.All.Get(1)->Scale, 2.5) << "fillers do not count";
-  EXPECT_EQ(data_.All.Get(2)->MaxAmplitude, 0.0);
-  EXPECT_EQ(data_.All.Get(2)->Scale, 1.0);
+  const std::pair<double, double> expected[] = {{5.0, 0.25}, {0.5, 2.5}, {0.0, 1.0}};
+  for (std::size_t i = 0; i < 3; ++i) {  // fillers do not count
+    EXPECT_EQ(data_.All.Get(i)->MaxAmplitude, expected[i].first);
+    EXPECT_EQ(data_.All.Get(i)->Scale, expected[i].second);
+  }
   EXPECT_EQ(data_.All.GetScale(), 0.25);
   EXPECT_EQ(data_.Shown.GetMaxAmplitude(), 0.5);
   EXPECT_EQ(data_.Shown.GetScale(), 2.5);
@@ -103,9 +97,8 @@ TEST_F(DataFile, GivesSetsTheAttributesOfTheirOwners) {
   model_.Nodes.ElementRadius = 4;
   Load("[F = 1]\n1 1 1 1\n");
   const TDataNodeList& set = *data_.All.Get(0);
-  EXPECT_EQ(set.NodeShape, TNodeShape::Cube);
-  EXPECT_EQ(std::tuple(set.NodeColor, set.ElementColor, set.EdgeColor),
-            std::tuple(TColor(1), TColor(2), TColor::Black()));
+  EXPECT_EQ(std::tuple(set.NodeShape, set.NodeColor, set.ElementColor, set.EdgeColor),
+            std::tuple(TNodeShape::Cube, TColor(1), TColor(2), TColor::Black()));
   EXPECT_EQ(std::pair(set.NodeRadius, set.ElementRadius), std::pair(3.0, 4.0));
   EXPECT_EQ(set.Elements, &model_.Elements);
   EXPECT_FALSE(set.OwnsNodes);
@@ -113,25 +106,19 @@ TEST_F(DataFile, GivesSetsTheAttributesOfTheirOwners) {
   EXPECT_EQ(set.NodeColor, TColor(9));
 }
 
-TEST_F(DataFile, FindsEqualNamesAtTheFirst) {
+TEST_F(DataFile, FindsEqualNamesAtTheFirstAndLeavesASectionWithoutRecordsEmpty) {
   Load("[a]1 5 0 0[x[b]1 6 0 0[a]1 7 0 0[b]1 8 0 0");
   EXPECT_THAT(Shapes(), ElementsAre(StartsWith("1:5"), StartsWith("1:6"), StartsWith("1:5"),
                                     StartsWith("1:6")));
   EXPECT_EQ(data_.All.Get(2)->Scale, data_.All.Get(0)->Scale);
-}
-
-TEST_F(DataFile, LeavesASectionWithoutRecordsEmpty) {
   EXPECT_EQ(Sentence("[notes]\nby hand\n[F = 1]\n1 1 1 1\n2 2 2 2\n3 3 3 3\n"), "");
   EXPECT_THAT(Shapes(), ElementsAre("", "1:1,1,1 2:2,2,2 3:3,3,3 "));
   EXPECT_EQ(data_.All.Get(0)->Scale, 1.0);
 }
 
 TEST_F(DataFile, ReportsWhatIsWrongAndKeepsTheRest) {
-  const struct {
-    const char* text;
-    const char* sentence;  ///< behind "line"
-    const char* nodes;     ///< of the first data set
-  } cases[] = {
+  // A text, what is said of it behind "line", and the nodes of the first data set.
+  const std::tuple<const char*, std::string, const char*> cases[] = {
       {"", "", nullptr},
       {"1 2 3 4", "", nullptr},
       {"[F = 1]\n1 1 1 1\n9 2 2 2\n", "3: the model has no node 9; its record was dropped.",
@@ -156,20 +143,18 @@ TEST_F(DataFile, ReportsWhatIsWrongAndKeepsTheRest) {
       {"[F = 1]\n1 1 1 1\n2 2,5 2 2\n",
        "3: the record of node 2 is not complete; the records from there on were dropped.",
        "1:1,1,1 2:-1,-1,1 3:1,1,-1 "}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(Sentence(c.text).toStdString(), c.sentence[0]
-                                                  ? std::string("m.dat, line ") + c.sentence
-                                                  : "m.dat: it holds no data sets.");
-    if (c.nodes) {
-      EXPECT_EQ(Describe(*data_.All.Get(0)), c.nodes);
-    } else {
-      EXPECT_TRUE(data_.All.Empty());
+  for (const auto& [text, sentence, nodes] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(Sentence(text).toStdString(),
+              sentence.empty() ? "m.dat: it holds no data sets." : "m.dat, line " + sentence);
+    EXPECT_EQ(data_.All.Empty(), nodes == nullptr);
+    if (nodes) {
+      EXPECT_EQ(Shapes().at(0), nodes);
     }
   }
 }
 
-TEST_F(DataFile, WarnsOfAModelWhoseNodesAreNotInOrder) {
+TEST_F(DataFile, WarnsOfAModelWhoseNodesAreNotInOrderAndOfNone) {
   ASSERT_TRUE(model_.LoadFromMemory("[Nodes]\n2 0 0 0\n1 1 1 1\n").Ok());
   EXPECT_EQ(Sentence("[F = 1]\n1 1 1 1\n2 2 2 2\n"),
             "m.dat: the model's nodes are not in ascending order of their numbers, so shapes may "
@@ -177,14 +162,10 @@ TEST_F(DataFile, WarnsOfAModelWhoseNodesAreNotInOrder) {
   EXPECT_EQ(Describe(*data_.All.Get(0)), "1:1,1,1 2:2,2,2 ");
   ASSERT_TRUE(model_.LoadFromMemory("[Nodes]\n1 0 0 0\n1 1 1 1\n2 2 2 2\n").Ok());
   EXPECT_EQ(Sentence("[F = 1]\n1 1 1 1\n2 2 2 2\n"), "");
-}
-
-TEST_F(DataFile, LoadsWithoutAModel) {
-  TModel none;
-  EXPECT_EQ(data_.LoadFromMemory("[F = 1]\n1 1 1 1\n", none).Sentence("m.dat"),
+  model_.Clear();
+  EXPECT_EQ(Sentence("[F = 1]\n1 1 1 1\n"),
             "m.dat, line 2: there is no model for the record of node 1; it was dropped.");
-  ASSERT_EQ(data_.All.Count(), 1u);
-  EXPECT_TRUE(data_.All.Get(0)->Empty());
+  EXPECT_THAT(Shapes(), ElementsAre(""));
 }
 
 TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
@@ -207,14 +188,11 @@ TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
             "Cannot read no.dat: there is no such file.");
   EXPECT_TRUE(data_.All.Empty() && data_.Shown.Empty());
   EXPECT_TRUE(model_.Loaded);
-}
 
-TEST_F(DataFile, ShowsProgressWhereShortSectionsMakeManyNodes) {
+  // Progress shows where short sections make many nodes.
   std::string nodes = "[Nodes]\n", sections;
   for (int i = 0; i < 1000; ++i) nodes += std::to_string(i) + " 1 1 1\n";
-  for (int i = 0; i < 100; ++i) {
-    sections.append("[").append(std::to_string(i)).append("]7 1 1 1\n");
-  }
+  for (int i = 0; i < 100; ++i) sections += "[s]7 1 1 1\n";
   ASSERT_TRUE(model_.LoadFromMemory(nodes).Ok());
   EXPECT_TRUE(data_.LoadFromMemory(sections, model_, [](double) { return false; }).Cancelled());
 }
@@ -232,7 +210,15 @@ TEST_F(DataFile, KeepsOnlyAsManySetsAsItCanHold) {
   EXPECT_EQ(data_.All.Count(), 3u);
 }
 
-TEST_F(DataFile, ReadsOneListByItself) {
+TEST_F(DataFile, ListsItsSectionsAndReadsOneByItself) {
+  QStringList names = {"before"};
+  ReadSections(std::string_view("[F = 2.5]1[\xfc][\xc3\xbc]"), names);
+  EXPECT_EQ(names, QStringList({"before", "F = 2.5", "\u00fc", "\u00fc"}));
+  for (const QString& file : {TestFolder() + "/none.dat", WriteTestFile("a.dat", "[x]")}) {
+    ReadSections(file, names);
+  }
+  EXPECT_EQ(names.mid(4), QStringList("x"));
+
   TDataNodeList list(&model_, false);
   list.Section = "[F = 2]";
   const std::string text = "[F = 1]\n1 1 1 1\n[F = 2]\n2 3 4 0\n";
@@ -251,16 +237,6 @@ TEST_F(DataFile, ReadsOneListByItself) {
   EXPECT_TRUE(own.LoadFromMemory(text).Ok());
   EXPECT_EQ(Describe(own), "2:3,4,0 ");
   EXPECT_EQ(own.Get(0)->Link, nullptr);
-}
-
-TEST_F(DataFile, ListsItsSections) {
-  QStringList names = {"before"};
-  ReadSections(std::string_view("[F = 2.5]1[\xfc][\xc3\xbc]"), names);
-  EXPECT_EQ(names, (QStringList{"before", "F = 2.5", QString(QChar(0xfc)), QString(QChar(0xfc))}));
-  ReadSections(TestFolder() + "/none.dat", names);
-  EXPECT_EQ(names.size(), 4);
-  ReadSections(WriteTestFile("a.dat", "[x]"), names);
-  EXPECT_EQ(names.last(), "x");
 }
 
 }  // namespace

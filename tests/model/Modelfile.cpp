@@ -45,22 +45,17 @@ TEST_F(ModelFile, LoadsRecordsOptionsAndElements) {
   EXPECT_EQ(model.Elements.Get(0)->NodeList, &model.Nodes);
   EXPECT_EQ(model.Nodes.Elements, &model.Elements);
   EXPECT_TRUE(model.Loaded);
-}
 
-TEST_F(ModelFile, GivesEveryNodeADisplayNode) {
-  const TDataNodeList* display = &model.Display;
-  ASSERT_TRUE(Load(kOptions + kNodes));
-  ASSERT_EQ(model.Display.Count(), 3u);
+  const TDataNodeList& display = model.Display;
+  ASSERT_EQ(display.Count(), 3u);
   for (std::size_t i = 0; i < 3; ++i) {
-    const TNode* node = model.Display.Get(i);
-    EXPECT_EQ(node->ID, model.Nodes.Get(i)->ID);
-    EXPECT_EQ(node->Position, TVertex{});
-    EXPECT_EQ(node->Link, model.Nodes.Get(i));
+    EXPECT_EQ(display.Get(i)->ID, model.Nodes.Get(i)->ID);
+    EXPECT_EQ(display.Get(i)->Position, TVertex{});
+    EXPECT_EQ(display.Get(i)->Link, model.Nodes.Get(i));
   }
-  EXPECT_EQ(display->NodeRadius, 0.5);
-  EXPECT_EQ(display->ElementRadius, 0.125);
-  EXPECT_TRUE(display->ShowNodes && display->ShowElements);
-  EXPECT_EQ(display->Elements, &model.Elements);
+  EXPECT_EQ(std::pair(display.NodeRadius, display.ElementRadius), std::pair(0.5, 0.125));
+  EXPECT_TRUE(display.ShowNodes && display.ShowElements);
+  EXPECT_EQ(display.Elements, &model.Elements);
 }
 
 TEST_F(ModelFile, TakesTheSectionsInAnyOrder) {
@@ -93,24 +88,15 @@ TEST_F(ModelFile, FindsRadiiOnlyWithTheirSectionButAnywhere) {
 }
 
 TEST_F(ModelFile, MeasuresTheSizeFromTheOriginOfTheFile) {
-  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0\n2 3 4 0\n"));
-  EXPECT_EQ(model.Size, 5.0);
-  EXPECT_EQ(model.Nodes.Get(0)->Position, (TVertex{-1.5, -2, 0}));
-  ASSERT_TRUE(Load("[Nodes]\n1 1000 0 0\n2 1001 0 0\n"));
-  EXPECT_EQ(model.Size, 1001.0);
-  EXPECT_EQ(model.Nodes.Get(1)->Position, (TVertex{0.5, 0, 0}));
-  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0\n"));
-  EXPECT_EQ(model.Size, 0.0);
-}
-
-TEST_F(ModelFile, ReadsAnglesWhereTheFirstRecordHasThem) {
-  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0 .1 .2 .3\n2 1 0 0 4 5 6\n"));
-  ASSERT_EQ(model.Nodes.Count(), 2u);
-  EXPECT_EQ(model.Nodes.Get(1)->Angles, (TVertex{4, 5, 6}));
-  // Three numbers on the next line are not angles, but the start of the next record.
-  EXPECT_FALSE(Load("[Nodes]\n1 0 0 0\n5 6 7\n"));
-  ASSERT_EQ(model.Nodes.Count(), 1u);
-  EXPECT_EQ(model.Nodes.Get(0)->Angles, TVertex{});
+  const std::tuple<const char*, double, TVertex> cases[] = {
+      {"[Nodes]\n1 3 4 0\n2 0 0 0\n", 5.0, {1.5, 2, 0}},
+      {"[Nodes]\n1 1001 0 0\n2 1000 0 0\n", 1001.0, {0.5, 0, 0}},
+      {"[Nodes]\n1 0 0 0\n", 0.0, {}}};
+  for (const auto& [text, size, first] : cases) {
+    ASSERT_TRUE(Load(text));
+    EXPECT_EQ(model.Size, size);
+    EXPECT_EQ(model.Nodes.Get(0)->Position, first);
+  }
 }
 
 TEST_F(ModelFile, ReadsEachTypeOfElementInItsForm) {
@@ -127,6 +113,12 @@ TEST_F(ModelFile, ReadsEachTypeOfElementInItsForm) {
             "2 type 3 colour 65280 radius 0 0 0 nodes 0 1 2\n"      // face
             "3 type 9 colour 16711680 radius 0.75 0 0 nodes 2\n"    // point
             "4 type 255 colour -1 radius 1 0 0 nodes 2");           // beyond 8 bits: a point too
+  // 5 1 0 -1 0 has no nodes; what follows is element 7 of type 1. Type 0 has the form of a bar.
+  for (const char* skipped : {"5 1 0 -1 0", "5 0 .5 -1 2"}) {
+    EXPECT_TRUE(Load(kNodes + "[Elements]\n2\n" + skipped + "\n7 1 0 -1 2\n1 2\n"));
+    ASSERT_EQ(model.Elements.Count(), 1u);
+    EXPECT_EQ(model.Elements.Get(0)->ID, 7);
+  }
 }
 
 TEST_F(ModelFile, RefersToTheFirstOfSeveralNodesWithOneId) {
@@ -140,23 +132,9 @@ TEST_F(ModelFile, RefersToTheFirstOfSeveralNodesWithOneId) {
   }
 }
 
-TEST_F(ModelFile, TakesTheNodesOfASkippedRecordAsTheNextRecord) {
-  // 5 1 0 -1 0 has no nodes; what follows is element 7 of type 1.
-  EXPECT_TRUE(Load(kNodes + "[Elements]\n2\n5 1 0 -1 0\n7 1 0 -1 2\n1 2\n"));
-  ASSERT_EQ(model.Elements.Count(), 1u);
-  EXPECT_EQ(model.Elements.Get(0)->ID, 7);
-  // Type 0 likewise, with its radius in the form of a bar.
-  EXPECT_TRUE(Load(kNodes + "[Elements]\n2\n5 0 .5 -1 2\n7 1 0 -1 2\n1 2\n"));
-  EXPECT_EQ(model.Elements.Count(), 1u);
-}
-
 TEST_F(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
-  const struct {
-    const char* what;
-    std::string text;
-    std::size_t nodes, elements;
-    const char* sentence;  ///< behind "line"
-  } cases[] = {
+  // A text, how many nodes and elements are kept, and what is said behind "line".
+  const std::tuple<const char*, std::string, std::size_t, std::size_t, std::string> cases[] = {
       {"empty file", "", 0, 0, ""},
       {"binary file", std::string("\177ELF\0\1\2\xff[Nodes]\0\xfe 1 2", 22), 0, 0, ""},
       {"unknown node", kNodes + "[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 99\n", 3, 1,
@@ -184,6 +162,8 @@ TEST_F(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
        "2: numbers have a decimal point; the digits behind the comma were dropped."},
       {"radius that is no number", kNodes + "[Elements]\n1\n1 2 nan inf 0 -1 2 1 2\n", 3, 1,
        "7: element 1 has a value that is no number or beyond 1e30; it was set to 0."},
+      {"record cut in its head", kNodes + "[Elements]\n1\n1 1", 3, 0,
+       "7: the elements end after 0 of 1 records; the missing ones were dropped."},
       {"record cut short", "[Nodes]\n1 0 0 0\n2 3 4\n", 1, 0,
        "3: the record of node 2 is not complete; the records from there on were dropped."},
       {"comment between records", "[Nodes]\n1 0 0 0\n# the roof\n2 3 4 0\n", 1, 0,
@@ -193,21 +173,26 @@ TEST_F(ModelFile, ReportsWhatIsWrongAndKeepsTheRest) {
        "faults followed."},
       {"large node number", "[Nodes]\n1 0 0 0\n9999999999 1 1 1\n", 2, 0,
        "3: a node number does not fit into 32 bits and was cut to the nearest that does."}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const TLoadReport report = model.LoadFromMemory(c.text);
-    EXPECT_EQ(
-        report.Sentence("/some/folder/m.mod").toStdString(),
-        c.sentence[0] ? std::string("m.mod, line ") + c.sentence : "m.mod: it holds no nodes.");
+  for (const auto& [what, text, nodes, elements, sentence] : cases) {
+    SCOPED_TRACE(what);
+    const TLoadReport report = model.LoadFromMemory(text);
+    EXPECT_EQ(report.Sentence("/some/folder/m.mod").toStdString(),
+              sentence.empty() ? "m.mod: it holds no nodes." : "m.mod, line " + sentence);
     EXPECT_FALSE(report.Failed());
-    EXPECT_EQ(model.Nodes.Count(), c.nodes);
-    EXPECT_EQ(model.Display.Count(), c.nodes);
-    EXPECT_EQ(model.Elements.Count(), c.elements);
+    EXPECT_EQ(std::tuple(model.Nodes.Count(), model.Display.Count(), model.Elements.Count()),
+              std::tuple(nodes, nodes, elements));
     EXPECT_TRUE(model.Loaded);
   }
 }
 
-TEST_F(ModelFile, SeparatesNumbersByAnyWhiteSpaceAndSectionsByAnyText) {
+TEST_F(ModelFile, ReadsAnglesWhereTheFirstRecordHasThemAndNumbersBetweenAnyWhiteSpace) {
+  ASSERT_TRUE(Load("[Nodes]\n1 0 0 0 .1 .2 .3\n2 1 0 0 4 5 6\n"));
+  ASSERT_EQ(model.Nodes.Count(), 2u);
+  EXPECT_EQ(model.Nodes.Get(1)->Angles, (TVertex{4, 5, 6}));
+  // Three numbers on the next line are not angles, but the start of the next record.
+  EXPECT_FALSE(Load("[Nodes]\n1 0 0 0\n5 6 7\n"));
+  ASSERT_EQ(model.Nodes.Count(), 1u);
+  EXPECT_EQ(model.Nodes.Get(0)->Angles, TVertex{});
   EXPECT_TRUE(Load("[Nodes]\r\n1 0\r\n0 0\t2 3\f4\v0 [Elements] 1 1 1\n0 -1 2 1 2"));
   EXPECT_EQ(model.Nodes.Count(), 2u);
   EXPECT_EQ(model.Elements.Count(), 1u);
@@ -254,44 +239,33 @@ TEST_F(ModelFile, ShowsProgressAndLeavesTheEarlierModelWhenCancelled) {
   const std::string before = Describe(model);
   const TNode* first = model.Nodes.Get(0);
   QSignalSpy changes(&model, &TModel::OnChange);
-
-  std::vector<double> told;
-  const auto cancelAtHalf = [&](double done) {
-    EXPECT_FALSE(model.Loaded);
-    told.push_back(done);
-    return done < 0.5;
-  };
   const QString file = WriteTestFile("large.mod", QByteArray::fromStdString(LargeModel()));
-  const TLoadReport report = model.LoadFromFile(file, cancelAtHalf);
-  EXPECT_TRUE(report.Cancelled());
-  EXPECT_EQ(report.Sentence(file), "");
-  EXPECT_GT(told.size(), 3u);
-  EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
-  EXPECT_EQ(Describe(model), before);
-  EXPECT_EQ(model.Nodes.Get(0), first);
-  EXPECT_TRUE(model.Loaded);
-  EXPECT_EQ(changes.count(), 1);
-}
-
-TEST_F(ModelFile, ShowsProgressWithinOneLargeElement) {
-  std::string text = kNodes + "[Elements]\n1\n1 3 -1 2000000";
-  for (int i = 0; i < 2'000'000; ++i) text += " 1";
+  for (const double end : {0.5, 2.0}) {
+    std::vector<double> told;
+    const TLoadReport report = model.LoadFromFile(file, [&](double done) {
+      EXPECT_FALSE(model.Loaded);
+      told.push_back(done);
+      return done < end;
+    });
+    EXPECT_GT(told.size(), 3u);
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_LE(told.back(), 1.0);
+    EXPECT_EQ(report.Sentence(file), "");
+    EXPECT_TRUE(model.Loaded);
+    EXPECT_EQ(changes.count(), 1 + (end > 1.0));
+    EXPECT_EQ(report.Cancelled(), end < 1.0);
+    EXPECT_EQ(Describe(model) == before, end < 1.0);
+    EXPECT_EQ(model.Nodes.Get(0) == first, end < 1.0);
+  }
+  std::string element = kNodes + "[Elements]\n1\n1 3 -1 2000000";
+  for (int i = 0; i < 2'000'000; ++i) element += " 1";
   double last = 0.0;
   const auto cancelSoon = [&](double done) { return (last = done) < 0.4; };
-  EXPECT_TRUE(model.LoadFromMemory(text, cancelSoon).Cancelled());
+  EXPECT_TRUE(model.LoadFromMemory(element, cancelSoon).Cancelled());
   EXPECT_LT(last, 0.9) << "cancelled before the element ends";
 }
 
-TEST_F(ModelFile, KeepsTheEarlierModelWhenMemoryRunsOut) {
-  ASSERT_TRUE(Load(kNodes));
-  const TLoadReport report =
-      model.LoadFromMemory(LargeModel(), [](double) -> bool { throw std::bad_alloc(); });
-  EXPECT_EQ(report.Sentence("a.mod"), "Cannot read a.mod: not enough memory.");
-  EXPECT_EQ(model.Nodes.Count(), 3u);
-  EXPECT_TRUE(model.Loaded);
-}
-
-TEST_F(ModelFile, RefusesASecondLoadDuringTheFirst) {
+TEST_F(ModelFile, RefusesASecondLoadDuringTheFirstAndKeepsTheEarlierModelWhenMemoryRunsOut) {
   QString inner;
   const auto reenter = [&](double) {
     inner = model.LoadFromMemory(kNodes).Sentence("b.mod");
@@ -299,7 +273,11 @@ TEST_F(ModelFile, RefusesASecondLoadDuringTheFirst) {
   };
   EXPECT_TRUE(model.LoadFromMemory(LargeModel(), reenter).Ok());
   EXPECT_EQ(inner, "Cannot read b.mod: another file is being read.");
+  const TLoadReport report =
+      model.LoadFromMemory(LargeModel(), [](double) -> bool { throw std::bad_alloc(); });
+  EXPECT_EQ(report.Sentence("a.mod"), "Cannot read a.mod: not enough memory.");
   EXPECT_EQ(model.Nodes.Count(), 300'000u);
+  EXPECT_TRUE(model.Loaded);
 }
 
 }  // namespace

@@ -12,13 +12,12 @@
 namespace {
 
 TEST(ReadFile, ReadsAllBytesAsTheyAre) {
-  const QByteArray bytes("a\r\nb\0\x1a\xff", 7);
   TFileText text;
   TLoadReport report;
-  ASSERT_TRUE(ReadFile(WriteTestFile("bytes", bytes), text, report));
-  EXPECT_EQ(View(text), std::string_view(bytes.data(), 7));
-  ASSERT_TRUE(ReadFile(WriteTestFile("empty", ""), text, report));
-  EXPECT_EQ(View(text), "");
+  for (const QByteArray& bytes : {QByteArray("a\r\nb\0\x1a\xff", 7), QByteArray("")}) {
+    ASSERT_TRUE(ReadFile(WriteTestFile("bytes", bytes), text, report));
+    EXPECT_EQ(View(text), bytes.toStdString());
+  }
 }
 
 TEST(ReadFile, SaysWhyAFileCannotBeRead) {
@@ -31,8 +30,8 @@ TEST(ReadFile, SaysWhyAFileCannotBeRead) {
       {folder, "Cannot read " + QFileInfo(folder).fileName() + ": it is a folder."},
       {"", "Cannot read : there is no such file."},
       {"/", "Cannot read /: it is a folder."},
-      {"a\n\x1b[1m\u202e.mod",
-       QString("Cannot read a\ufffd\ufffd[1m\ufffd.mod: there is no such file.")}};
+      {"a\n\x1b[1m\u202e\u2069.mod",
+       QString("Cannot read a\ufffd\ufffd[1m\ufffd\ufffd.mod: there is no such file.")}};
 #ifdef __unix__
   const QString pipe = folder + "/pipe";
   ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0);
@@ -57,6 +56,7 @@ TEST(ReadFile, SaysWhyAFileCannotBeRead) {
 
 TEST(ReadFile, RefusesWhatMemoryCannotHold) {
   TModel model;
+  TMeasuredData data;
   std::string large = "[Nodes]\n";
   for (int i = 0; i < 700'000; ++i) large += "1 0 0 0\n";
   const QString file = WriteTestFile("a.mod", "[Nodes]\n1 2 3 4\n");
@@ -66,15 +66,11 @@ TEST(ReadFile, RefusesWhatMemoryCannotHold) {
               left == 16 ? "" : "Cannot read a.mod: it is larger than the memory that is left.");
   }
   LimitAvailableMemory(0);
-  EXPECT_EQ(model.LoadFromMemory(large).Sentence(file), "Cannot read a.mod: not enough memory.");
-  EXPECT_EQ(model.Nodes.Count(), 1u) << "the earlier model stays";
-
-  LimitAvailableMemory(std::numeric_limits<std::size_t>::max());
-  ASSERT_FALSE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n2 0 0 2\n").Failed());
-  TMeasuredData data;
-  LimitAvailableMemory(0);
-  EXPECT_EQ(data.LoadFromMemory("[F = 1]\n" + large, model).Sentence(file),
-            "Cannot read a.mod: not enough memory.");
+  for (const TLoadReport& report :
+       {model.LoadFromMemory(large), data.LoadFromMemory("[F = 1]\n" + large, model)}) {
+    EXPECT_EQ(report.Sentence(file), "Cannot read a.mod: not enough memory.");
+    EXPECT_EQ(model.Nodes.Count(), 1u) << "the earlier model stays";
+  }
   LimitAvailableMemory(std::numeric_limits<std::size_t>::max());
 }
 

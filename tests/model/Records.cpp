@@ -39,22 +39,19 @@ class Elements : public testing::Test {
   TNodeList nodes_;
 };
 
-TEST_F(Elements, HaveTheMaximumOfEachCoordinate) {
-  EXPECT_EQ(MaxNodeCoordinates(Bar(1, 2)), (TVertex{1, 0, 3}));
-  EXPECT_EQ(MaxNodeCoordinates(Bar(3, 4)), (TVertex{-1, -1, -1}));  // below the origin
-  EXPECT_EQ(MaxNodeCoordinates(Bar(3, 99)), (TVertex{-1, -1, -1}));
-  EXPECT_EQ(MaxNodeCoordinates(TElement(TElement::kBar, 2)), TVertex{});
-}
-
-TEST_F(Elements, AreOrderedByZThenYThenX) {
+TEST_F(Elements, AreOrderedByTheirMaximaByZThenYThenX) {
   const TElement high = Bar(0, 0), right = Bar(1, 1), left = Bar(2, 2), low = Bar(3, 4);
-  EXPECT_EQ(CompareElements(&left, &high), -1);  // z, whatever x says
-  EXPECT_EQ(CompareElements(&left, &right), 1);  // same z, y decides against x
-  const TElement wide = Bar(2, 1);               // (1, 0, 3)
-  EXPECT_EQ(CompareElements(&left, &wide), -1);  // same z and y, x decides
-  EXPECT_EQ(CompareElements(&low, &low), 0);
-  EXPECT_EQ(CompareElements(nullptr, &low), 0);
-  EXPECT_EQ(CompareElements(&low, nullptr), 0);
+  const TElement wide = Bar(2, 1), outside = Bar(3, 99), nowhere(TElement::kBar, 2);
+  const std::pair<const TElement&, TVertex> maxima[] = {
+      {wide, {1, 0, 3}}, {low, {-1, -1, -1}}, {outside, {-1, -1, -1}}, {nowhere, {}}};
+  for (const auto& [bar, maximum] : maxima) EXPECT_EQ(MaxNodeCoordinates(bar), maximum);
+  const std::tuple<const TElement*, const TElement*, int> cases[] = {
+      {&left, &high, -1},  // z, whatever x says
+      {&left, &right, 1},  // same z, y decides against x
+      {&left, &wide, -1},  // same z and y, x decides
+      {&low, &low, 0},     //
+      {nullptr, &low, 0}, {&low, nullptr, 0}};
+  for (const auto& [a, b, order] : cases) EXPECT_EQ(CompareElements(a, b), order);
 }
 
 TEST(CompareNodesID, OrdersByIdAndTakesNullAsEqual) {

@@ -9,83 +9,52 @@
 
 namespace {
 
-struct TReadCase {
-  const char* text;
-  bool read;
-  double value;
-  std::size_t position;
-};
-
-TEST(TTextScanner, ReadsIntegersAsFormattedInputDoes) {
-  const TReadCase cases[] = {{"42", true, 42, 2},
-                             {" \t\r\n\v\f-7 ", true, -7, 8},
-                             {"+0012x", true, 12, 5},
-                             {"1.5", true, 1, 1},
-                             {"2147483647", true, 2147483647, 10},
-                             {"2147483648", true, 2147483647, 10},
-                             {"-99999999999999999999999", true, -2147483648.0, 24},
-                             {"-x", false, 0, 1},
-                             {"  -", false, 0, 3},
-                             {"- 5", false, 0, 1},
-                             {" [Nodes]", false, 0, 1},
-                             {"", false, 0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TTextScanner scanner(c.text);
-    std::int32_t value = 99;
-    EXPECT_EQ(scanner.ReadInt(value), c.read);
-    EXPECT_EQ(value, c.read ? c.value : 99);
-    EXPECT_EQ(scanner.Position(), c.position);
-  }
+/// The value, or "none", and where the scanner stands behind it.
+std::string Described(bool isRead, double value, const TTextScanner& scanner) {
+  const QString text = isRead ? QString::number(value, 'g', 10) : "none";
+  return text.toStdString() + ' ' + std::to_string(scanner.Position());
 }
 
-TEST(TTextScanner, TellsWhenAnIntegerHadToBeCut) {
-  TTextScanner scanner("7 -2147483648 4294967296 7");
-  std::int32_t value = 0;
-  for (const bool cut : {false, false, true, false}) {
-    bool outOfRange = false;
-    EXPECT_TRUE(scanner.ReadInt(value, &outOfRange));
-    EXPECT_EQ(outOfRange, cut) << value;
+TEST(TTextScanner, ReadsIntegersAsFormattedInputDoes) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"42", "42 2"},
+      {" \t\r\n\v\f-7 ", "-7 8"},
+      {"+0012x", "12 5"},
+      {"1.5", "1 1"},
+      {"2147483647", "2147483647 10"},
+      {"2147483648", "2147483647 10 cut"},
+      {"-2147483648", "-2147483648 11"},
+      {"-99999999999999999999999", "-2147483648 24 cut"},
+      {"-x", "none 1"},
+      {"  -", "none 3"},
+      {"- 5", "none 1"},
+      {" [Nodes]", "none 1"},
+      {"", "none 0"}};
+  for (const auto& [text, read] : cases) {
+    TTextScanner scanner(text);
+    std::int32_t value = 99;
+    bool isCut = false;
+    const bool isRead = scanner.ReadInt(value, &isCut);
+    EXPECT_EQ(Described(isRead, value, scanner) + (isCut ? " cut" : ""), read) << text;
+    EXPECT_TRUE(isRead || value == 99);
   }
 }
 
 TEST(TTextScanner, ReadsRealsAsFormattedInputDoes) {
-  const TReadCase cases[] = {{"3", true, 3, 1},
-                             {" -0.5e1x", true, -5, 7},
-                             {"+.25", true, 0.25, 4},
-                             {"5.", true, 5, 2},
-                             {"1.5.5", true, 1.5, 3},
-                             {"1,5", true, 1, 1},
-                             {"1e", true, 1, 2},
-                             {"1e+ 2", true, 1, 3},
-                             {"0x1.8p3", true, 12, 7},
-                             {"-0X.8", true, -0.5, 5},
-                             {"0x", false, 0, 2},
-                             {"0xg", false, 0, 2},
-                             {"10x", true, 10, 2},
-                             {"1e999", true, kInfinity, 5},
-                             {"inf", true, kInfinity, 3},
-                             {"-INFINITY9", true, -kInfinity, 9},
-                             {"infix", false, 0, 4},
-                             {"nax", false, 0, 2},
-                             {".e5", false, 0, 1},
-                             {"-", false, 0, 1},
-                             {"--1", false, 0, 1},
-                             {" x", false, 0, 1},
-                             {"", false, 0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    TTextScanner scanner(c.text);
+  const std::pair<const char*, const char*> cases[] = {
+      {"3", "3 1"},        {" -0.5e1x", "-5 7"}, {"+.25", "0.25 4"}, {"5.", "5 2"},
+      {"1.5.5", "1.5 3"},  {"1,5", "1 1"},       {"1e", "1 2"},      {"1e+ 2", "1 3"},
+      {"0x1.8p3", "12 7"}, {"-0X.8", "-0.5 5"},  {"0x", "none 2"},   {"0xg", "none 2"},
+      {"10x", "10 2"},     {"1e999", "inf 5"},   {"inf", "inf 3"},   {"-INFINITY9", "-inf 9"},
+      {"NaN(1)", "nan 3"}, {"infix", "none 4"},  {"nax", "none 2"},  {".e5", "none 1"},
+      {"-", "none 1"},     {"--1", "none 1"},    {" x", "none 1"},   {"", "none 0"}};
+  for (const auto& [text, read] : cases) {
+    TTextScanner scanner(text);
     double value = 99;
-    EXPECT_EQ(scanner.ReadReal(value), c.read);
-    EXPECT_EQ(value, c.read ? c.value : 99);
-    EXPECT_EQ(scanner.Position(), c.position);
+    const bool isRead = scanner.ReadReal(value);
+    EXPECT_EQ(Described(isRead, value, scanner), read) << text;
+    EXPECT_TRUE(isRead || value == 99);
   }
-  TTextScanner nan("NaN(1)");
-  double value = 0;
-  EXPECT_TRUE(nan.ReadReal(value));
-  EXPECT_TRUE(std::isnan(value));
-  EXPECT_EQ(nan.Position(), 3u);
 }
 
 #ifdef __GLIBC__
@@ -120,25 +89,18 @@ TEST(TTextScanner, AgreesWithTheLibraryOnRandomNumbers) {
 }
 #endif
 
-TEST(TTextScanner, ReadsNumbersOfAMillionDigits) {
-  std::string text = "0." + std::string(1'000'000, '3') + " -" + std::string(1'000'000, '9') + " 5";
+TEST(TTextScanner, CountsLinesFromOneAndReadsNumbersOfAMillionDigits) {
+  for (const auto& [position, line] : {std::pair(0u, 1u), {1u, 1u}, {2u, 2u}, {6u, 4u}}) {
+    EXPECT_EQ(TTextScanner("a\nb\r\n\nc").LineAt(position), line) << position;
+  }
+
+  const std::string text =
+      "0." + std::string(1'000'000, '3') + " -" + std::string(1'000'000, '9') + " 5";
   TTextScanner scanner(text);
   double third = 0, end = 0;
   std::int32_t number = 0;
-  ASSERT_TRUE(scanner.ReadReal(third));
-  ASSERT_TRUE(scanner.ReadInt(number));
-  ASSERT_TRUE(scanner.ReadReal(end));
-  EXPECT_EQ(third, 1.0 / 3.0);
-  EXPECT_EQ(number, std::numeric_limits<std::int32_t>::min());
-  EXPECT_EQ(end, 5.0);
-}
-
-TEST(TTextScanner, CountsLinesFromOne) {
-  const TTextScanner scanner("a\nb\r\n\nc");
-  EXPECT_EQ(scanner.LineAt(0), 1u);
-  EXPECT_EQ(scanner.LineAt(1), 1u);
-  EXPECT_EQ(scanner.LineAt(2), 2u);
-  EXPECT_EQ(scanner.LineAt(6), 4u);
+  EXPECT_TRUE(scanner.ReadReal(third) && scanner.ReadInt(number) && scanner.ReadReal(end));
+  EXPECT_EQ(std::tuple(third, number, end), std::tuple(1.0 / 3.0, INT_MIN, 5.0));
 }
 
 TEST(SearchString, GoesForwardWrapsAroundAndNeverBacksUp) {
@@ -162,14 +124,11 @@ TEST(SearchString, GoesForwardWrapsAroundAndNeverBacksUp) {
     EXPECT_EQ(SearchString(scanner, "[Nodes]"), found);
     EXPECT_EQ(scanner.Position(), position);
   }
-}
-
-TEST(SearchString, AsksOnLongTextsWhetherToGoOn) {
   const std::string text(64 << 20, '[');
   int asked = 0;
   TTextScanner scanner(text);
   EXPECT_FALSE(SearchString(scanner, "[Nodes]", [&] { return ++asked < 3; }));
-  EXPECT_EQ(asked, 3);
+  EXPECT_EQ(asked, 3) << "whether to go on";
   EXPECT_FALSE(SearchString(scanner, "[Nodes]"));
 }
 

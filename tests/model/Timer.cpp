@@ -78,32 +78,16 @@ TEST(TTimerServer, ServesOnWhenAnEventDestroysClients) {
   TCounter counters[4];
   std::unique_ptr<TTimerClient> clients[4];
   for (int i = 0; i < 4; ++i) clients[i] = Client(counters[i]);
-  counters[1].then = [&] {  // one that was served, itself, and one that is still to come
-    clients[0].reset();
-    clients[1].reset();
-    clients[2].reset();
-  };
+  // One that was served, itself, and one that is still to come.
+  counters[1].then = [&] { std::for_each_n(clients, 3, [](auto& client) { client.reset(); }); };
   Tick();
-  EXPECT_EQ(counters[0].count, 1);
-  EXPECT_EQ(counters[1].count, 1);
-  EXPECT_EQ(counters[2].count, 0);
-  EXPECT_EQ(counters[3].count, 1);
-
+  const std::vector<int> served{counters[0].count, counters[1].count, counters[2].count,
+                                counters[3].count};
+  EXPECT_THAT(served, testing::ElementsAre(1, 1, 0, 1));
   counters[3].then = [&] { clients[3].reset(); };  // the last one takes the server with it
   Tick();
   EXPECT_EQ(counters[3].count, 2);
   EXPECT_EQ(TTimerServer::Instance(), nullptr);
-}
-
-TEST(TTimerServer, ServesAClientThatAnEventMakes) {
-  TCounter parent, child;
-  std::unique_ptr<TTimerClient> born;
-  const auto client = Client(parent);
-  parent.then = [&] {
-    if (!born) born = Client(child);
-  };
-  Tick(2);
-  EXPECT_EQ(child.count, 2);
 }
 
 TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
@@ -120,14 +104,6 @@ TEST(TTimerServer, ReportsAnExceptionAndGoesOnWithTheNextTick) {
   EXPECT_EQ(TakeMessages(), QStringList{});
 }
 
-TEST(TTimerServer, EntersNoClientTwice) {
-  TCounter counter;
-  const auto client = Client(counter);
-  counter.then = [] { Tick(); };
-  Tick();
-  EXPECT_EQ(counter.count, 1);
-}
-
 TEST(TTimerServer, SaysThatTheSystemRefusesATimer) {
   ExpectQtWarning("Timers can only be used with threads started with QThread");
   std::thread([] {  // a thread without event dispatcher gets no timer
@@ -140,28 +116,33 @@ TEST(TTimerServer, SaysThatTheSystemRefusesATimer) {
   EXPECT_EQ(TakeMessages(), QStringList{"Can't create timer!"});
 }
 
-TEST(TTimerServer, TicksByItself) {
-  TCounter counter;
-  const auto client = Client(counter);
+TEST(TTimerServer, TicksByItselfServesAClientThatAnEventMakesAndEntersNoneTwice) {
+  TCounter parent, child;
+  std::unique_ptr<TTimerClient> born;
+  const auto client = Client(parent);
   QEventLoop loop;
-  counter.then = [&] { loop.quit(); };
+  parent.then = [&] {
+    loop.quit();
+    if (!born) born = Client(child);
+    Tick();
+  };
   loop.exec();
-  EXPECT_EQ(counter.count, 1);
+  EXPECT_EQ(parent.count, 1);
+  EXPECT_EQ(child.count, 1);
 }
 
-TEST(TStopWatch, WritesSpansWithoutSeparators) {
-  EXPECT_EQ(TStopWatch::MakeTimeStr(0), "000000000");
-  EXPECT_EQ(TStopWatch::MakeTimeStr(((12 * 60 + 34) * 60 + 56) * 1000 + 789), "123456789");
-  EXPECT_EQ(TStopWatch::MakeTimeStr(100 * 3'600'000LL + 5), "1000000005");
-  EXPECT_EQ(TStopWatch::MakeTimeStr(-1), "000000000");
-  EXPECT_EQ(TStopWatch().GetTimeStr().size(), 9);
-}
-
-TEST(TStopWatch, WritesDatesAndTimes) {
+TEST(TStopWatch, WritesSpansDatesAndTimesWithoutSeparators) {
+  for (const auto& [milliseconds, text] : {std::pair(0LL, "000000000"),
+                                           {((12 * 60 + 34) * 60 + 56) * 1000 + 789, "123456789"},
+                                           {100 * 3'600'000LL + 5, "1000000005"},
+                                           {-1, "000000000"}}) {
+    EXPECT_EQ(TStopWatch::MakeTimeStr(milliseconds), text);
+  }
   const QDateTime time(QDate(2024, 2, 29), QTime(3, 4, 5, 67));
   EXPECT_EQ(TStopWatch::MakeDateTimeStr(TDateTime::FromQDateTime(time)), "20240229 030405067");
   EXPECT_EQ(TStopWatch::MakeDateTimeStr(TDateTime(0.0)), "18991230 000000000");
   EXPECT_EQ(TStopWatch::MakeDateTimeStr(TDateTime(1e300)), "");
+  EXPECT_EQ(TStopWatch().GetTimeStr().size(), 9);
   EXPECT_EQ(TStopWatch().GetDateTimeStr().size(), 18);
 }
 
