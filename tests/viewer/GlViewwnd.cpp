@@ -55,32 +55,38 @@ class GlViewwnd : public testing::Test {
 
 }  // namespace
 
-TEST_F(GlViewwnd, ShowsTheModelInProportion) {
+TEST_F(GlViewwnd, ShowsTheModelInProportionAndTheMouseTurnsMovesAndZooms) {
   const QImage picture = panel->Picture();
   EXPECT_EQ(picture.size(), panel->PixelSize());
   // The square is as wide as high: its side is 2 of the 2 x sqrt(2) units of the smaller side.
   const double side = qMin(picture.width(), picture.height()) / 1.4142;
   EXPECT_NEAR(RedWidth(), side, 3.0);
-  Click("View1_1");
-  EXPECT_NEAR(RedWidth(), side, 3.0);
-}
-
-TEST_F(GlViewwnd, TheMouseTurnsMovesAndZooms) {
   const auto [left, right] = RedSpan();
-  const int top = InkBox(panel->Picture(), Qt::black).top();
+  const int top = InkBox(picture, Qt::black).top();
   Drag(Qt::MiddleButton, {40, 0});
   EXPECT_GT(RedSpan().first, left);
   EXPECT_EQ(InkBox(panel->Picture(), Qt::black).top(), top);
   EXPECT_NEAR(RedWidth(), right - left, 1);
+  Drag(Qt::MiddleButton, {0, 40});
+  EXPECT_GT(InkBox(panel->Picture(), Qt::black).top(), top);
   Drag(Qt::RightButton, {0, 100});  // down: the view volume grows
   EXPECT_LT(RedWidth(), right - left);
   const int narrow = RedWidth();
   Drag(Qt::LeftButton, {120, 0});  // 60 degrees about the upright axis
   EXPECT_NEAR(RedWidth(), narrow * 0.5, 4.0);
+  Click("ViewZ");
+  Click("View1_1");
+  EXPECT_NEAR(RedWidth(), side, 3.0);
 }
 
-TEST_F(GlViewwnd, EveryFrameShowsTheDeformedShape) {
+TEST_F(GlViewwnd, EveryFrameShowsTheDeformedShapeAndATextInTheFontColor) {
   window.OpenData(WriteTestFile("a.dat", kData));
+  window.Dialogs.Color = [](auto...) { return QColor(0, 0, 255); };
+  Trigger("FontMenu");
+  const auto isBlue = [](const QColor& color) {
+    return color.blue() > color.red() + 100 && color.red() == color.green();
+  };
+  EXPECT_GT(CountIf(panel->Picture(), isBlue, QRect(0, 0, 80, 30)), 20);
   std::vector<int> lefts;
   for (int frame = 0; frame <= 10; ++frame) {
     lefts.push_back(RedSpan().first);
@@ -95,17 +101,7 @@ TEST_F(GlViewwnd, EveryFrameShowsTheDeformedShape) {
   EXPECT_EQ(RedWidth(), 0);
 }
 
-TEST_F(GlViewwnd, TheFontColorColorsTheTextOverThePicture) {
-  window.OpenData(WriteTestFile("a.dat", kData));
-  window.Dialogs.Color = [](auto...) { return QColor(0, 0, 255); };
-  Trigger("FontMenu");
-  const auto isBlue = [](const QColor& color) {
-    return color.blue() > color.red() + 100 && color.red() == color.green();
-  };
-  EXPECT_GT(CountIf(panel->Picture(), isBlue, QRect(0, 0, 80, 30)), 20);
-}
-
-TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
+TEST_F(GlViewwnd, SavesThePictureAsABitmapAndCopiesIt) {
   const std::tuple<const char*, const char*, QByteArray> cases[] = {
       {"one", "one.bmp", "BM"}, {"two.png", "two.png", "\x89PNG"}, {"v2.1", "v2.1", "BM"}};
   for (const auto& [chosen, file, magic] : cases) {
@@ -120,6 +116,9 @@ TEST_F(GlViewwnd, SavesThePictureAsABitmap) {
               chosen == std::string("one") ? QCoreApplication::applicationDirPath() : TestFolder());
   }
   EXPECT_EQ(QImage(TestFolder() + "/one.bmp"), panel->Picture());
+  Trigger("CopyMenu");
+  EXPECT_EQ(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
+            panel->Picture());
   EXPECT_EQ(window.CurrentSettings().SavePath, TestFolder());
 
   window.Dialogs.PictureFile = [](auto...) { return TestFolder() + "/none/bridge.bmp"; };
@@ -159,10 +158,4 @@ TEST_F(GlViewwnd, TakesFilesDroppedOnTheView) {
   QCoreApplication::processEvents();
   EXPECT_EQ(window.windowTitle(),
             QString("Velmora Animator %1 : a.mod + dropped.dat").arg(kProgramVersion));
-}
-
-TEST_F(GlViewwnd, CopiesThePictureToTheClipboard) {
-  Trigger("CopyMenu");
-  EXPECT_EQ(QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32),
-            panel->Picture());
 }

@@ -17,13 +17,13 @@ QWindow* SurfaceOf(const TGLPanel&) {
 /// A panel on the screen.
 class GlPanel : public testing::Test {
  protected:
-  explicit GlPanel(QSize size = {400, 200}) {
+  GlPanel() {
     QObject::connect(&panel_, &TGLPanel::OnInit, [this] {
       ++inits_;
       EXPECT_NE(QOpenGLContext::currentContext(), nullptr);
     });
     QObject::connect(&panel_, &TGLPanel::OnPaint, [this] { ++paints_; });
-    panel_.setFixedSize(size);
+    panel_.setFixedSize(400, 200);
     panel_.show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(&panel_));
   }
@@ -58,53 +58,50 @@ TEST_F(GlPanel, MakesOneContextAndPaintsInItOnTheScreen) {
 TEST_F(GlPanel, DragsTurnPanAndZoom) {
   const double k = 5.0 / panel_.screen()->size().width();
   const Qt::KeyboardModifiers none, shift = Qt::ShiftModifier, ctrl = Qt::ControlModifier;
-  const struct {
-    const char* what;
-    Qt::MouseButton button;
-    Qt::KeyboardModifiers keys;
-    QPoint moved;
-    double turnX, turnY, panX, panY, zoom;  // changes
-  } cases[] = {{"left", Qt::LeftButton, none, {10, 0}, 0, 5, 0, 0, 0},
-               {"left, down", Qt::LeftButton, none, {0, 30}, 15, 0, 0, 0, 0},
-               {"shift left", Qt::LeftButton, shift, {10, 20}, 0, 0, -10 * k, 20 * k, 0},
-               {"middle", Qt::MiddleButton, none, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
-               {"middle with ctrl", Qt::MiddleButton, ctrl, {-30, 40}, 0, 0, 30 * k, 40 * k, 0},
-               {"right", Qt::RightButton, none, {50, 20}, 0, 0, 0, 0, 0.3},
-               {"ctrl left", Qt::LeftButton, ctrl, {50, -20}, 0, 0, 0, 0, -0.3},
-               {"shift ctrl left", Qt::LeftButton, shift | ctrl, {50, 40}, 0, 0, 0, 0, 0.6},
-               {"right beyond zero", Qt::RightButton, none, {0, -80}, 0, 0, 0, 0, -1.2}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
+  // By so many pixels; the changes of rotation, pan and zoom.
+  const std::tuple<Qt::MouseButton, Qt::KeyboardModifiers, QPoint, QPointF, QPointF, double>
+      cases[] = {{Qt::LeftButton, none, {10, 0}, {0, 5}, {}, 0},
+                 {Qt::LeftButton, none, {0, 30}, {15, 0}, {}, 0},
+                 {Qt::LeftButton, shift, {10, 20}, {}, {-10 * k, 20 * k}, 0},
+                 {Qt::MiddleButton, none, {-30, 40}, {}, {30 * k, 40 * k}, 0},
+                 {Qt::MiddleButton, ctrl, {-30, 40}, {}, {30 * k, 40 * k}, 0},
+                 {Qt::RightButton, none, {50, 20}, {}, {}, 0.3},
+                 {Qt::LeftButton, ctrl, {50, -20}, {}, {}, -0.3},
+                 {Qt::LeftButton, shift | ctrl, {50, 40}, {}, {}, 0.6},
+                 {Qt::RightButton, none, {0, -80}, {}, {}, -1.2}};  // beyond zero
+  for (const auto& [button, keys, by, turn, pan, zoom] : cases) {
+    SCOPED_TRACE(testing::Message() << button << ' ' << keys.toInt() << ' ' << by.x());
     const TViewTransform start;
-    panel_.View.Rotation = start.Rotation;
-    panel_.View.PanPosX = panel_.View.PanPosY = 0.0;
-    panel_.View.Zoom = 1.0;
+    panel_.View = start;
     QSignalSpy changes(&panel_, &TGLPanel::OnViewChange);
-    Drag(c.button, c.keys, {100, 100}, QPoint(100, 100) + c.moved);
-    EXPECT_DOUBLE_EQ(panel_.View.Rotation.x, start.Rotation.x + c.turnX);
-    EXPECT_DOUBLE_EQ(panel_.View.Rotation.y, start.Rotation.y + c.turnY);
-    EXPECT_DOUBLE_EQ(panel_.View.PanPosX, c.panX);
-    EXPECT_DOUBLE_EQ(panel_.View.PanPosY, c.panY);
-    EXPECT_NEAR(panel_.View.Zoom, 1.0 + c.zoom, 1e-12);
+    Drag(button, keys, {100, 100}, QPoint(100, 100) + by);
+    const TViewTransform& view = panel_.View;
+    EXPECT_DOUBLE_EQ(view.Rotation.x, start.Rotation.x + turn.x());
+    EXPECT_DOUBLE_EQ(view.Rotation.y, start.Rotation.y + turn.y());
+    EXPECT_DOUBLE_EQ(view.PanPosX, pan.x());
+    EXPECT_DOUBLE_EQ(view.PanPosY, pan.y());
+    EXPECT_NEAR(view.Zoom, 1.0 + zoom, 1e-12);
     EXPECT_EQ(changes.count(), 1);
   }
 }
 
-TEST_F(GlPanel, EveryMoveStartsWhereTheLastOneEnded) {
+TEST_F(GlPanel, EveryMoveStartsWhereTheLastOneEndedAndTheSurfacePassesTheMouseOn) {
   QTest::mousePress(&panel_, Qt::LeftButton, {}, {100, 100});
-  for (const QPoint to : {QPoint(110, 100), QPoint(110, 104), QPoint(100, 100)}) {
-    DragMouse(panel_, to);
-  }
+  for (const QPoint to : {QPoint(110, 100), {110, 104}, {100, 100}}) DragMouse(panel_, to);
+  QTest::mouseRelease(&panel_, Qt::LeftButton, {}, {100, 100});
   EXPECT_EQ(panel_.View.Rotation, (TVertex{30.0, -45.0, 0.0}));
-}
-
-TEST_F(GlPanel, TheSurfacePassesTheMouseOn) {
   QWindow* surface = SurfaceOf(panel_);
   ASSERT_TRUE(surface);
   QTest::mousePress(surface, Qt::LeftButton, {}, {100, 100});
   QTest::mouseMove(surface, {110, 100});
   QTest::mouseRelease(surface, Qt::LeftButton, {}, {110, 100});
   EXPECT_DOUBLE_EQ(panel_.View.Rotation.y, -40.0);
+  for (int i = 0; i < 200; ++i) {
+    QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&panel_, &wheel);
+  }
+  EXPECT_GT(panel_.View.Zoom, 0.0) << "the wheel never turns the view inside out";
+  EXPECT_LT(panel_.View.Zoom, 1e-6);
 }
 
 TEST_F(GlPanel, IsSeenWhereItsWindowIsGrabbed) {
@@ -117,15 +114,6 @@ TEST_F(GlPanel, IsSeenWhereItsWindowIsGrabbed) {
   EXPECT_EQ(window.grab().toImage().pixelColor(window.rect().center()), QColor(1, 2, 250));
   window.takeCentralWidget();
   panel_.setParent(nullptr);
-}
-
-TEST_F(GlPanel, WheelNeverTurnsTheViewInsideOut) {
-  for (int i = 0; i < 200; ++i) {
-    QWheelEvent wheel({50, 50}, {50, 50}, {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&panel_, &wheel);
-  }
-  EXPECT_GT(panel_.View.Zoom, 0.0);
-  EXPECT_LT(panel_.View.Zoom, 1e-6);
 }
 
 TEST(TGLPanel, SaysOnceThatThereIsNoOpenGl) {

@@ -56,37 +56,18 @@ TEST_F(ImageButton, ChoosesItsFaceByState) {
   }
 }
 
-TEST_F(ImageButton, OnlyTheLeftMouseButtonPresses) {
-  QTest::mousePress(&button, Qt::RightButton);
-  EXPECT_EQ(button.FaceIndex(), 0);
-  QTest::mousePress(&button, Qt::LeftButton);
-  QTest::mouseRelease(&button, Qt::RightButton);
-  EXPECT_EQ(button.FaceIndex(), 2);
-  QTest::mouseRelease(&button, Qt::LeftButton);
-  EXPECT_EQ(button.FaceIndex(), 0);
-  QTest::mousePress(&button, Qt::LeftButton);
-  button.setEnabled(false);  // under the mouse
-  button.setEnabled(true);
-  EXPECT_EQ(button.FaceIndex(), 0);
-}
-
-TEST_F(ImageButton, HasAnEmptyFaceOutsideItsList) {
-  for (const int index : {-1, 4, 1 << 30}) {
+TEST_F(ImageButton, FollowsItsListAndHasAnEmptyFaceOutsideOfIt) {
+  images.SetImages(
+      1, [](QPainter& painter, int) { painter.fillRect(QRect(QPoint(), kSize), QColor(1, 2, 3)); });
+  EXPECT_EQ(Middle(button.Picture()), qRgb(1, 2, 3));
+  for (const int index : {-1, 1, 1 << 30}) {
     button.SetUpIndex(index);
     EXPECT_TRUE(button.Picture().isNull()) << index;
     button.grab();
   }
-  button.SetUpIndex(1);
-  EXPECT_FALSE(button.Picture().isNull());
-}
-
-TEST_F(ImageButton, FollowsItsListAndForgetsItWhenItIsFreed) {
-  images.SetImages(
-      1, [](QPainter& painter, int) { painter.fillRect(QRect(QPoint(), kSize), QColor(1, 2, 3)); });
-  EXPECT_EQ(Middle(button.Picture()), qRgb(1, 2, 3));
-
   auto list = std::make_unique<TImageList>(kSize);
   list->SetImages(4, FillWithColor);
+  button.SetUpIndex(1);
   button.SetImages(list.get());
   EXPECT_FALSE(button.Picture().isNull());
   list.reset();
@@ -94,7 +75,7 @@ TEST_F(ImageButton, FollowsItsListAndForgetsItWhenItIsFreed) {
   EXPECT_TRUE(button.Picture().isNull());
 }
 
-TEST_F(ImageButton, AClickChangesDownBeforeItsHandlerRuns) {
+TEST_F(ImageButton, AClickChangesDownBeforeItsHandlerRunsAndOnlyTheLeftButtonPresses) {
   std::vector<bool> seen;
   QObject::connect(&button, &TImageButton::OnClick, [&](QObject* sender) {
     seen.push_back(static_cast<TImageButton*>(sender)->GetDown());
@@ -107,9 +88,18 @@ TEST_F(ImageButton, AClickChangesDownBeforeItsHandlerRuns) {
   EXPECT_EQ(seen, (std::vector<bool>{false, true, false, true}));
   button.SetStateButton(false);
   EXPECT_FALSE(button.GetDown());
+
+  QTest::mousePress(&button, Qt::RightButton);
+  EXPECT_EQ(button.FaceIndex(), 0);
+  QTest::mousePress(&button, Qt::LeftButton);
+  QTest::mouseRelease(&button, Qt::RightButton);
+  EXPECT_EQ(button.FaceIndex(), 2);
+  button.setEnabled(false);  // under the mouse
+  button.setEnabled(true);
+  EXPECT_EQ(button.FaceIndex(), 0);
 }
 
-TEST(Buttonfaces, AreAllThereAndAllDifferent) {
+TEST(Buttonfaces, AreAllDifferentAndTakeTheColorsOfThePalette) {
   QObject owner;
   const TImageList* faces = MakeButtonFaces(&owner);
   ASSERT_EQ(faces->Count(), 44);
@@ -127,17 +117,14 @@ TEST(Buttonfaces, AreAllThereAndAllDifferent) {
     blank.fill(middle.pixelColor(0, 0));
     EXPECT_NE(middle, blank) << i;
   }
-}
-
-TEST(Buttonfaces, TakeTheColorsOfThePalette) {
   const QPalette before = QGuiApplication::palette();
   QGuiApplication::setPalette(QPalette(Qt::white, Qt::black, {}, {}, {}, Qt::white, Qt::black));
-  QObject owner;
-  const TImageList* faces = MakeButtonFaces(&owner);
+  faces = MakeButtonFaces(&owner);
   // Of the white text 4 % in the tile and 85 % in a bar, of which a disabled one keeps 30 %.
-  EXPECT_EQ(faces->Image(bfAnimForward, 1.0).toImage().pixel(8, 8), qRgb(10, 10, 10));
-  EXPECT_EQ(faces->Image(bfAnimForward, 1.0).toImage().pixel(37, 24), qRgb(217, 217, 217));
-  EXPECT_EQ(faces->Image(bfAnimForward + 3, 1.0).toImage().pixel(8, 8), qRgb(0, 0, 0));
-  EXPECT_EQ(faces->Image(bfAnimForward + 3, 1.0).toImage().pixel(37, 24), qRgb(65, 65, 65));
+  for (const auto& [state, tile, bar] : {std::tuple(0, 10, 217), {3, 0, 65}}) {
+    const QImage face = faces->Image(bfAnimForward + state, 1.0).toImage();
+    EXPECT_EQ(face.pixel(8, 8), qRgb(tile, tile, tile));
+    EXPECT_EQ(face.pixel(37, 24), qRgb(bar, bar, bar));
+  }
   QGuiApplication::setPalette(before);
 }

@@ -103,26 +103,6 @@ TEST_F(Viewwnd, HasTheMenusOfTheProgram) {
   EXPECT_EQ(Find<QAction>("CopyMenu")->shortcut(), QKeySequence("Ctrl+C"));
 }
 
-TEST_F(Viewwnd, StartsWithItsDefaults) {
-  ExpectTitle("");
-  const TAppearance& looks = window->Appearance();
-  EXPECT_EQ(std::tuple(looks.BackColor, looks.ElementColor, looks.NodeColor),
-            std::tuple(TColor::Black(), TColor::White(), TColor::Green()));
-  EXPECT_EQ(looks.NodeShape, TNodeShape::Sphere);
-  EXPECT_EQ(Find<QSlider>("Speed")->value(), 50);
-  EXPECT_EQ(Find<QSlider>("ScaleBar")->value(), 5);
-  EXPECT_EQ(window->Animation().ViewScale, 0.25);
-  EXPECT_EQ(window->AnimationTimer().GetInterval(), 6u);
-  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
-  EXPECT_TRUE(IsDown("AbsolScale"));
-  EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
-  // On the screen, the legend hidden inside it.
-  const QRect bounds(window->pos(), window->size());
-  EXPECT_TRUE(window->screen()->availableGeometry().contains(bounds));
-  EXPECT_TRUE(bounds.contains(QRect(window->Legend().pos(), window->Legend().size())));
-  EXPECT_TRUE(window->Legend().isHidden());
-}
-
 TEST_F(Viewwnd, TheCaptionNamesWhatIsLoaded) {
   LoadModel(kModel, "frame.mod");
   ExpectTitle(" : frame.mod");
@@ -137,9 +117,8 @@ TEST_F(Viewwnd, TheCaptionNamesWhatIsLoaded) {
   LoadData(kData, "run.dat");
   Trigger("UnloadModelMenu");
   ExpectTitle("");
-  EXPECT_TRUE(window->Model().Nodes.Empty());
-  EXPECT_TRUE(window->Model().Elements.Empty());
-  EXPECT_TRUE(window->Model().Display.Empty());
+  const TModel& model = window->Model();
+  EXPECT_TRUE(model.Nodes.Empty() && model.Elements.Empty() && model.Display.Empty());
   EXPECT_TRUE(Data().All.Empty());
   EXPECT_TRUE(TakeMessages().isEmpty());
   LoadData(kData, "run.dat");
@@ -154,22 +133,20 @@ TEST_F(Viewwnd, TheCaptionNamesWhatIsLoaded) {
 
 TEST_F(Viewwnd, ADismissedDialogChangesNothing) {
   LoadBoth();
-  QString modelStart, dataStart;
-  window->Dialogs.ModelFile = [&](auto*, const QString& start) {
-    return modelStart = start, QString();
+  QStringList starts;
+  const auto dismiss = [&](QWidget*, const QString& start) {
+    starts << start;
+    return QString();
   };
-  window->Dialogs.DataFile = [&](auto*, const QString& start) {
-    return dataStart = start, QString();
-  };
+  window->Dialogs.ModelFile = dismiss;
+  window->Dialogs.DataFile = dismiss;
   window->Dialogs.Color = [](auto...) { return QColor(); };
   for (const char* menu : {"LoadModelMenu", "LoadDataMenu", "BackgroundMenu"}) Trigger(menu);
-  EXPECT_EQ(modelStart, TestFolder() + "/a.mod");
-  EXPECT_EQ(dataStart, TestFolder() + "/a.dat");
   ExpectTitle(" : a.mod + a.dat");
   EXPECT_EQ(window->Appearance().BackColor, TColor::Black());
   QFile::remove(TestFolder() + "/a.mod");
   Trigger("LoadModelMenu");
-  EXPECT_EQ(modelStart, "");
+  EXPECT_EQ(starts, QStringList({TestFolder() + "/a.mod", TestFolder() + "/a.dat", ""}));
 }
 
 TEST_F(Viewwnd, UnloadingTheDataShowsTheModelAndBringsEveryNodeBackToRest) {
@@ -186,8 +163,7 @@ TEST_F(Viewwnd, UnloadingTheDataShowsTheModelAndBringsEveryNodeBackToRest) {
   Click("AnimForward");
   EXPECT_NE(window->Model().Display.Get(0)->Position, TVertex{});
   Trigger("UnloadDataMenu");
-  EXPECT_TRUE(IsChecked("ShowModelMenu"));
-  EXPECT_TRUE(window->Model().Loaded);
+  EXPECT_TRUE(IsChecked("ShowModelMenu") && window->Model().Loaded);
   EXPECT_EQ(window->Model().Nodes.Count(), 3u);
   for (const TNode* node : window->Model().Display) EXPECT_EQ(node->Position, TVertex{});
 }
@@ -196,27 +172,24 @@ TEST_F(Viewwnd, WhatCannotBeReadOrIsOfAnotherKindLeavesEverythingAndIsSaid) {
   LoadBoth();
   Panel().View.PanPosX = 2.0;
   const QString folder = QFileInfo(TestFolder()).fileName();
-  const struct {
-    bool asModel;
-    const char* file;
-    QByteArray content;  ///< null: there is no such file
-    QString why;
-  } cases[] = {{true, "none.mod", {}, "there is no such file"},
-               {false, "none.dat", {}, "there is no such file"},
-               {true, "b.mod", kData, "it is a data file, not a model file"},
-               {false, "b.dat", kModel, "it is a model file, not a data file"},
-               {true, "p.png", QByteArray("\x89PNG\0[Nodes]", 12), "it is not a text file"},
-               {false, "p.bmp", QByteArray("BM\0[F = 1]", 10), "it is not a text file"},
-               {true, "notes.mod", "bridge [old]\n", "it holds no nodes"},
-               {true, "empty.mod", "[Nodes]\n[Elements]\n0\n", "it holds no nodes"},
-               {true, "nan.mod", "[Nodes]\n1 nan 0 0\n", "it holds no nodes"},
-               {false, "notes.dat", "bridge [old](docs/1)\n", "it holds no data sets"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.file);
-    const QString file = TestFolder() + '/' + c.file;
-    if (!c.content.isNull()) WriteTestFile(c.file, c.content);
-    c.asModel ? static_cast<void>(window->OpenModel(file)) : window->OpenData(file);
-    EXPECT_EQ(TakeMessages(), QStringList("Cannot read " + QString(c.file) + ": " + c.why + '.'));
+  // As a model or as data; a null content means that there is no such file.
+  const std::tuple<bool, QString, QByteArray, QString> cases[] = {
+      {true, "none.mod", {}, "there is no such file"},
+      {false, "none.dat", {}, "there is no such file"},
+      {true, "b.mod", kData, "it is a data file, not a model file"},
+      {false, "b.dat", kModel, "it is a model file, not a data file"},
+      {true, "p.png", QByteArray("\x89PNG\0[Nodes]", 12), "it is not a text file"},
+      {false, "p.bmp", QByteArray("BM\0[F = 1]", 10), "it is not a text file"},
+      {true, "notes.mod", "bridge [old]\n", "it holds no nodes"},
+      {true, "empty.mod", "[Nodes]\n[Elements]\n0\n", "it holds no nodes"},
+      {true, "nan.mod", "[Nodes]\n1 nan 0 0\n", "it holds no nodes"},
+      {false, "notes.dat", "bridge [old](docs/1)\n", "it holds no data sets"}};
+  for (const auto& [asModel, name, content, why] : cases) {
+    SCOPED_TRACE(name.toStdString());
+    const QString file = TestFolder() + '/' + name;
+    if (!content.isNull()) WriteTestFile(name, content);
+    asModel ? static_cast<void>(window->OpenModel(file)) : window->OpenData(file);
+    EXPECT_EQ(TakeMessages(), QStringList("Cannot read " + name + ": " + why + '.'));
     ExpectTitle(" : a.mod + a.dat");
     EXPECT_EQ(window->Model().Nodes.Count(), 3u);
     EXPECT_EQ(Data().Shown.Count(), 3u);
@@ -224,6 +197,12 @@ TEST_F(Viewwnd, WhatCannotBeReadOrIsOfAnotherKindLeavesEverythingAndIsSaid) {
   }
   window->OpenFiles({TestFolder()});
   EXPECT_EQ(TakeMessages(), QStringList("Cannot read " + folder + ": it is a folder."));
+
+  LoadModel("[Nodes]\n1 0 0 0\n2 1 0 0\n[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 99\n", "b.mod");
+  EXPECT_EQ(window->Model().Elements.Count(), 1u) << "what can be read is kept";
+  ExpectTitle(" : b.mod");
+  EXPECT_EQ(TakeMessages(), QStringList("b.mod, line 7: element 2 names node 99, which does not "
+                                        "exist; the element was dropped."));
 }
 
 TEST_F(Viewwnd, AnotherModelIsSeenWithoutThePanOfTheOneBefore) {
@@ -252,12 +231,12 @@ TEST_F(Viewwnd, AnotherModelIsSeenWithoutThePanOfTheOneBefore) {
 
 TEST_F(Viewwnd, NamesAndChecksSurviveAStartWithoutTheirFiles) {
   const QByteArray data = "DataFile=/none/a.dat\n", checks = "CheckedLabels=0101\n";
-  const QByteArray away = "[General]\nModelFile=/none/a.mod\n" + data + "[Windows]\n" + checks;
+  const QByteArray files = "ModelFile=/none/a.mod\n" + data;
+  const QByteArray away = "[General]\n" + files + "[Windows]\n" + checks;
   Open(away);
   EXPECT_TRUE(TakeMessages().isEmpty());
   QByteArray saved = SavedText();
-  EXPECT_TRUE(saved.contains("ModelFile=/none/a.mod\n" + data)) << saved.toStdString();
-  EXPECT_TRUE(saved.contains(checks)) << saved.toStdString();
+  EXPECT_TRUE(saved.contains(files) && saved.contains(checks)) << saved.toStdString();
 
   // Asked for and not there: the window opens, and what was saved stays.
   const QString ini = WriteTestFile("velmora.ini", away);
@@ -265,23 +244,26 @@ TEST_F(Viewwnd, NamesAndChecksSurviveAStartWithoutTheirFiles) {
   EXPECT_EQ(TakeMessages(), QStringList("Cannot read none.mod: there is no such file."));
   ExpectTitle("");
   saved = SavedText();
-  EXPECT_TRUE(saved.contains("ModelFile=/none/a.mod\n" + data)) << saved.toStdString();
+  EXPECT_TRUE(saved.contains(files)) << saved.toStdString();
 
   // The model is there, and the user does something.
   const QByteArray half = "[General]\nModelFile=" + WriteTestFile("a.mod", kModel).toUtf8() + "\n" +
                           data + "[Windows]\n" + checks;
-  for (const char* action : {"", "UnloadDataMenu", "UnloadModelMenu", "other model", "data"}) {
-    SCOPED_TRACE(action);
+  const std::tuple<const char*, std::function<void()>, bool> cases[] = {
+      {"nothing", [] {}, true},
+      {"unloads the data", [&] { Trigger("UnloadDataMenu"); }, true},
+      {"unloads the model", [&] { Trigger("UnloadModelMenu"); }, false},
+      {"loads another model", [&] { LoadModel(kModel, "b.mod"); }, false},
+      {"loads data", [&] { LoadData(kData); }, true}};
+  for (const auto& [what, act, keepsModel] : cases) {
+    SCOPED_TRACE(what);
+    const bool isNothing = &what == &std::get<0>(cases[0]);
     Open(half);
-    if (QString(action).endsWith("Menu")) Trigger(action);
-    if (QString(action) == "other model") LoadModel(kModel, "b.mod");
-    if (QString(action) == "data") LoadData(kData);
+    act();
     saved = SavedText();
-    EXPECT_EQ(saved.contains("DataFile=/none/a.dat"), action[0] == '\0');
-    EXPECT_EQ(saved.contains(checks), action[0] == '\0');
-    EXPECT_EQ(saved.contains("a.mod"), QString(action) == "" ||
-                                           QString(action) == "UnloadDataMenu" ||
-                                           QString(action) == "data");
+    EXPECT_EQ(saved.contains("DataFile=/none/a.dat"), isNothing);
+    EXPECT_EQ(saved.contains(checks), isNothing);
+    EXPECT_EQ(saved.contains("a.mod"), keepsModel);
   }
 }
 
@@ -300,8 +282,6 @@ TEST_F(Viewwnd, InTheSumALoadAndAChangeOfTheLegendAreSeenAtOnce) {
   LoadData("[F = 5]\n1 0 0 0\n2 0 3 0\n3 0 0 0\n", "b.dat");
   EXPECT_EQ(z1(), 0.0);
   EXPECT_DOUBLE_EQ(y2(), 3.0 * std::cos(0.025 * 6.283185307179586));
-  Trigger("UnloadDataMenu");
-  EXPECT_EQ(y2(), 0.0);
 }
 
 TEST_F(Viewwnd, AMaximisedWindowComesBackWhereItWas) {
@@ -321,34 +301,24 @@ TEST_F(Viewwnd, AMaximisedWindowComesBackWhereItWas) {
   TakeMessages();
 }
 
-TEST_F(Viewwnd, WhatWasDroppedIsSaidAndTheRestIsKept) {
-  LoadModel("[Nodes]\n1 0 0 0\n2 1 0 0\n[Elements]\n2\n1 1 0 -1 2 1 2\n2 1 0 -1 2 1 99\n", "b.mod");
-  EXPECT_EQ(window->Model().Elements.Count(), 1u);
-  ExpectTitle(" : b.mod");
-  EXPECT_EQ(TakeMessages(), QStringList("b.mod, line 7: element 2 names node 99, which does not "
-                                        "exist; the element was dropped."));
-}
-
-TEST_F(Viewwnd, SpeedGivesTheInterval) {
+TEST_F(Viewwnd, TheAnimationStepsOnEveryIntervalAndTheStepButtonsWait) {
   const std::pair<int, quint32> cases[] = {{10, 15}, {11, 14}, {50, 11}, {55, 10}, {60, 10},
                                            {61, 9},  {140, 2}, {141, 1}, {150, 1}};
   for (const auto& [position, ticks] : cases) {
     Find<QSlider>("Speed")->setValue(position);
     EXPECT_EQ(window->AnimationTimer().GetInterval(), ticks) << position;
   }
-}
-
-TEST_F(Viewwnd, TheAnimationStepsOnEveryIntervalAndTheStepButtonsWait) {
   LoadBoth();
   Find<QSlider>("Speed")->setValue(60);  // ten ticks
   const double& phase = window->Animation().Phase;
   Click("Anim");
-  EXPECT_FALSE(Find<TImageButton>("AnimBack")->isEnabled());
-  EXPECT_FALSE(Find<TImageButton>("AnimForward")->isEnabled());
-  Tick(9);
-  EXPECT_EQ(phase, 0.0);
-  Tick(1);
-  EXPECT_EQ(phase, kStep);
+  for (const char* name : {"AnimBack", "AnimForward"}) {
+    EXPECT_FALSE(Find<TImageButton>(name)->isEnabled());
+  }
+  for (const auto& [ticks, expected] : {std::pair(9, 0.0), {1, kStep}}) {
+    Tick(ticks);
+    EXPECT_EQ(phase, expected);
+  }
   EXPECT_EQ(Data().Shown.Get(2)->Phase, kStep);
   Click("Anim");
   Tick(50);
@@ -360,23 +330,21 @@ TEST_F(Viewwnd, TheAnimationStepsOnEveryIntervalAndTheStepButtonsWait) {
 TEST_F(Viewwnd, TheScaleButtonsAreARadioGroup) {
   LoadModel(kModel);  // of size 5
   LoadData(kData);    // amplitudes 1, 2 and 4
-  const struct {
-    const char* button;
-    TScaleType type;
-    double first, third;  ///< draw scales: 0.25 x 0.25 x 5 / amplitude
-  } cases[] = {{"RelatScale", TScaleType::Relative, 0.3125, 0.078125},
-               {"AbsolScale", TScaleType::Absolute, 0.078125, 0.078125},
-               {"AbsolScale", TScaleType::Absolute, 0.078125, 0.078125},
-               {"SumScale", TScaleType::Sum, 0.078125, 0.078125}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.button);
-    Click(c.button);
-    EXPECT_EQ(window->Animation().ScaleType, c.type);
+  // The first set's draw scale is 0.25 x 0.25 x 5 / amplitude.
+  const std::tuple<QString, TScaleType, double> cases[] = {
+      {"RelatScale", TScaleType::Relative, 0.3125},
+      {"AbsolScale", TScaleType::Absolute, 0.078125},
+      {"AbsolScale", TScaleType::Absolute, 0.078125},
+      {"SumScale", TScaleType::Sum, 0.078125}};
+  for (const auto& [button, type, scale] : cases) {
+    SCOPED_TRACE(button.toStdString());
+    Click(button.toLatin1());
+    EXPECT_EQ(window->Animation().ScaleType, type);
     for (const char* name : {"AbsolScale", "RelatScale", "SumScale"}) {
-      EXPECT_EQ(IsDown(name), QString(name) == c.button) << name;
+      EXPECT_EQ(IsDown(name), name == button) << name;
     }
-    EXPECT_DOUBLE_EQ(Data().Shown.Get(0)->DrawScale, c.first);
-    EXPECT_DOUBLE_EQ(Data().Shown.Get(2)->DrawScale, c.third);
+    EXPECT_DOUBLE_EQ(Data().Shown.Get(0)->DrawScale, scale);
+    EXPECT_DOUBLE_EQ(Data().Shown.Get(2)->DrawScale, 0.078125);
   }
   EXPECT_DOUBLE_EQ(window->Model().Display.DrawScale, 0.078125);
   Find<QSlider>("ScaleBar")->setValue(20);
@@ -388,8 +356,7 @@ TEST_F(Viewwnd, TheLegendChangesWhatIsAnimated) {
   LoadBoth();
   Click("RelatScale");
   Click("AnimForward");
-  Labels().item(0)->setSelected(false);
-  Labels().item(2)->setSelected(false);
+  for (const int set : {0, 2}) Labels().item(set)->setSelected(false);
   EXPECT_EQ(Text("ShownLabel"), "1 of 3 data sets: F = 20");
   Click("AnimForward");
   Labels().item(0)->setSelected(true);
@@ -420,12 +387,10 @@ TEST_F(Viewwnd, TheViewButtonsTurnTheView) {
 
 TEST_F(Viewwnd, ColorsAndShapeReachTheModelAndAllData) {
   LoadBoth();
-  const QColor elements(1, 2, 3), nodes(4, 5, 6), back(7, 8, 9), font(10, 11, 12);
-  for (const auto& [menu, color] : {std::pair("ElementsMenu", elements),
-                                    {"NodesMenu", nodes},
-                                    {"BackgroundMenu", back},
-                                    {"FontMenu", font}}) {
-    window->Dialogs.Color = [chosen = color](auto...) { return chosen; };
+  std::vector<TColor> chosen;
+  for (const char* menu : {"ElementsMenu", "NodesMenu", "BackgroundMenu", "FontMenu"}) {
+    chosen.push_back(TColor::FromRgb(static_cast<int>(chosen.size()), 5, 6));
+    window->Dialogs.Color = [&chosen](auto...) { return chosen.back().ToQColor(); };
     Trigger(menu);
   }
   Trigger("CubeMenu");
@@ -434,46 +399,43 @@ TEST_F(Viewwnd, ColorsAndShapeReachTheModelAndAllData) {
   std::vector<const TDataNodeList*> lists{&window->Model().Nodes, &window->Model().Display};
   for (const TDataNodeList* list : Data().All) lists.push_back(list);
   for (const TDataNodeList* list : lists) {
-    EXPECT_EQ(list->ElementColor.ToQColor(), elements);
-    EXPECT_EQ(list->NodeColor.ToQColor(), nodes);
+    EXPECT_EQ(std::pair(list->ElementColor, list->NodeColor), std::pair(chosen[0], chosen[1]));
     EXPECT_EQ(list->NodeShape, TNodeShape::Cube);
   }
-  EXPECT_EQ(Panel().BackColor, back);
-  EXPECT_EQ(window->Appearance().FontColor.ToQColor(), font);
+  EXPECT_EQ(Panel().BackColor, chosen[2].ToQColor());
+  EXPECT_EQ(window->Appearance().FontColor, chosen[3]);
 }
 
 TEST_F(Viewwnd, TheStatusBarSaysWhatIsThereAndWhereItStands) {
-  EXPECT_EQ(Text("CountLabel"), "");
+  const auto expect = [this](const QString& texts) {
+    EXPECT_EQ(Text("CountLabel") + '|' + Text("ShownLabel") + '|' + Text("FrameLabel"), texts);
+  };
+  const QString count = "3 nodes, 2 elements|", shown = "3 of 3 data sets: F = 5, 20, 7.5|";
+  expect("||");
   LoadModel(kModel);
-  EXPECT_EQ(Text("CountLabel"), "3 nodes, 2 elements");
-  EXPECT_EQ(Text("ShownLabel"), "");
+  expect(count + '|');
   LoadData(kData);
-  EXPECT_EQ(Text("ShownLabel"), "3 of 3 data sets: F = 5, 20, 7.5");
-  EXPECT_EQ(Text("FrameLabel"), "Phase 0\u00b0, frame 1 of 10");
+  expect(count + shown + "Phase 0\u00b0, frame 1 of 10");
   Click("AnimForward");
-  EXPECT_EQ(Text("FrameLabel"), "Phase 36\u00b0, frame 2 of 10");
+  expect(count + shown + "Phase 36\u00b0, frame 2 of 10");
   Click("SumScale");
   Click("AnimForward");
-  EXPECT_EQ(Text("FrameLabel"), "Time 0.005, frame 2 of 10");
+  expect(count + shown + "Time 0.005, frame 2 of 10");
   Trigger("UnloadModelMenu");
-  EXPECT_EQ(Text("CountLabel") + Text("ShownLabel") + Text("FrameLabel"), "");
+  expect("||");
 }
 
 TEST_F(Viewwnd, ACancelledLoadLeavesTheEarlierState) {
   LoadBoth();
   window->Dialogs.LoadDelayMs = 0;
   int cancels = 0;
-  const auto cancelSoon = [&] {
-    QTimer::singleShot(0, window.get(), [&] {
-      auto* dialog = window->findChild<QProgressDialog*>();
-      ASSERT_NE(dialog, nullptr);
-      dialog->findChild<QPushButton*>()->click();
-      ++cancels;
-    });
+  const auto cancel = [&] {
+    Child<QPushButton>(Child<QProgressDialog>(*window)).click();
+    ++cancels;
   };
-  cancelSoon();
+  QTimer::singleShot(0, window.get(), cancel);
   LoadModel(LargeModel(), "large.mod");
-  cancelSoon();
+  QTimer::singleShot(0, window.get(), cancel);
   LoadData(kData.repeated(5000), "large.dat");
   EXPECT_EQ(cancels, 2);
   ExpectTitle(" : a.mod + a.dat");
@@ -572,27 +534,37 @@ TEST_F(Viewwnd, SavesOnlyWhatItMay) {
   EXPECT_FALSE(QFileInfo::exists(TestFolder() + "/none.ini"));
 }
 
-TEST_F(Viewwnd, NonsenseInTheSettingsStillMakesASaneWindow) {
+TEST_F(Viewwnd, WithoutSettingsOrWithNonsenseInThemTheWindowIsSane) {
   const QByteArray windows =
       "[Windows]\nLeft=-30000\nTop=2147483647\nWidth=0\nHeight=-5\n"
       "LabelsLeft=99999\nLabelsTop=-99999\nLabelsWidth=1000000\nLabelsHeight=1\n";
-  Open(
+  const QByteArray nonsense =
       "[General]\nModelFile=/none/at/all.mod\nDataFile=/none.dat\nAnimationSpeed=9999\nRotX=nan\n"
       "ScaleZ=1e300\nScaleType=7\nViewScale=-3\nSavePath=/none\n" +
-      windows + "[Colors]\nNodeShape=9\n");
-  const QRect screen = window->screen()->availableGeometry();
-  EXPECT_TRUE(screen.contains(QRect(window->pos(), window->size())));
-  EXPECT_TRUE(screen.contains(QRect(window->Legend().pos(), window->Legend().size())));
-  EXPECT_GE(window->height(), 300);
-  EXPECT_EQ(Find<QSlider>("Speed")->value(), 150);
-  EXPECT_EQ(window->AnimationTimer().GetInterval(), 1u);
-  EXPECT_EQ(Find<QSlider>("ScaleBar")->value(), 1);
-  EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
-  EXPECT_EQ(Panel().View.Zoom, 1.0);
-  EXPECT_TRUE(IsDown("AbsolScale"));
-  EXPECT_TRUE(IsChecked("SphereMenu"));
-  EXPECT_FALSE(IsChecked("CubeMenu"));
-  ExpectTitle("");
+      windows + "[Colors]\nNodeShape=9\n";
+  const std::tuple<QByteArray, int, int, quint32> cases[] = {{"", 50, 5, 6}, {nonsense, 150, 1, 1}};
+  for (const auto& [settings, speed, scale, ticks] : cases) {
+    SCOPED_TRACE(settings.toStdString());
+    Open(settings);
+    ExpectTitle("");
+    const TAppearance& looks = window->Appearance();
+    EXPECT_EQ(std::tuple(looks.BackColor, looks.ElementColor, looks.NodeColor, looks.NodeShape),
+              std::tuple(TColor::Black(), TColor::White(), TColor::Green(), TNodeShape::Sphere));
+    EXPECT_TRUE(IsChecked("SphereMenu") && !IsChecked("CubeMenu"));
+    EXPECT_EQ(Find<QSlider>("Speed")->value(), speed);
+    EXPECT_EQ(window->AnimationTimer().GetInterval(), ticks);
+    EXPECT_FALSE(window->AnimationTimer().GetEnabled());
+    EXPECT_EQ(Find<QSlider>("ScaleBar")->value(), scale);
+    EXPECT_EQ(window->Animation().ViewScale, 0.05 * scale);
+    EXPECT_TRUE(IsDown("AbsolScale"));
+    EXPECT_EQ(Panel().View.Rotation, (TVertex{30, -45, 0}));
+    EXPECT_EQ(Panel().View.Zoom, 1.0);
+    const QRect screen = window->screen()->availableGeometry();
+    EXPECT_TRUE(screen.contains(QRect(window->pos(), window->size())));
+    EXPECT_TRUE(screen.contains(QRect(window->Legend().pos(), window->Legend().size())));
+    EXPECT_TRUE(window->Legend().isHidden());
+    EXPECT_GE(window->height(), 300);
+  }
   EXPECT_TRUE(TakeMessages().isEmpty());
   EXPECT_TRUE(SavedText().contains("\nModelFile=/none/at/all.mod\n"));
 }
@@ -613,19 +585,6 @@ TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {
   TakeMessages();
 }
 
-TEST_F(Viewwnd, InTheLegendTheSpaceBarIsTheLegends) {
-  LoadBoth();
-  Trigger("ShowLegendMenu");
-  ShowActive(window->Legend());
-  Labels().setCurrentRow(1, QItemSelectionModel::NoUpdate);
-  QTest::keyClick(&Labels(), Qt::Key_Space);
-  EXPECT_EQ(window->Legend().MakeCheckString(), "101");
-  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
-  QTest::keyClick(&Labels(), Qt::Key_Right);
-  EXPECT_EQ(window->Animation().Phase, kStep);
-  TakeMessages();
-}
-
 TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
   LoadBoth();
   ShowActive(*window);
@@ -636,13 +595,13 @@ TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
   }
   for (const char* name : {"Speed", "ScaleBar"}) {  // which has the keyboard, moves
     auto* slider = Find<QSlider>(name);
-    const int start = slider->value();
     slider->setFocus();
-    QTest::keyClick(slider, Qt::Key_Right);
-    EXPECT_EQ(slider->value(), start + 1) << name;
-    QTest::keyClick(slider, Qt::Key_Left);
-    EXPECT_EQ(slider->value(), start) << name;
-    EXPECT_EQ(window->Animation().Phase, 0.0);
+    for (const auto& [key, change] : {std::pair(Qt::Key_Right, 1), {Qt::Key_Left, -1}}) {
+      const int start = slider->value();
+      QTest::keyClick(slider, key);
+      EXPECT_EQ(slider->value(), start + change) << name;
+      EXPECT_EQ(window->Animation().Phase, 0.0);
+    }
   }
   press(Qt::Key_Space);
   EXPECT_TRUE(window->AnimationTimer().GetEnabled());
@@ -656,5 +615,17 @@ TEST_F(Viewwnd, KeysDoWhatTheButtonsDo) {
     press(key);
     EXPECT_EQ(Panel().View.Rotation.y, turn);
   }
+
+  // In the legend the space bar is the legend's.
+  press(Qt::Key_Space);
+  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
+  Trigger("ShowLegendMenu");
+  ShowActive(window->Legend());
+  Labels().setCurrentRow(1, QItemSelectionModel::NoUpdate);
+  QTest::keyClick(&Labels(), Qt::Key_Space);
+  EXPECT_EQ(window->Legend().MakeCheckString(), "101");
+  EXPECT_FALSE(window->AnimationTimer().GetEnabled());
+  QTest::keyClick(&Labels(), Qt::Key_Right);
+  EXPECT_EQ(window->Animation().Phase, kStep);
   TakeMessages();
 }

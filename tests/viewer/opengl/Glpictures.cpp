@@ -11,12 +11,6 @@ using TMethod = TSceneRenderer::TMethod;
 
 constexpr QSize kSize(640, 480);
 
-TElement* Join(TModel& model, std::uint8_t type, std::initializer_list<std::int32_t> nodes) {
-  TElement* element = model.Elements.Emplace(type, static_cast<std::int32_t>(nodes.size()));
-  std::copy(nodes.begin(), nodes.end(), element->Nodes().begin());
-  return element;
-}
-
 /// One of everything that can be drawn, in all directions; the nodes move.
 void MakeMixedModel(TModel& model, TDataNodeList& moving) {
   const TVertex places[] = {{-1.5, -1.0, 0.0}, {-1.5, 0.5, 0.0},  {-0.5, 0.5, 0.0},
@@ -30,25 +24,28 @@ void MakeMixedModel(TModel& model, TDataNodeList& moving) {
     copy->Angles = {0.1 * node->ID, 0.5 * node->ID, 1.1 * node->ID};
     copy->Link = node;
   }
-  Join(model, TElement::kFace, {0, 3, 2, 1})->Color = TColor::FromRgb(60, 120, 255);
-  Join(model, TElement::kFace, {6, 7, 9})->Color = TColor::FromRgb(255, 120, 60);
-  Join(model, TElement::kFace, {6, 10, 11})->Color = TColor::FromRgb(120, 60, 255);
-  Join(model, TElement::kBar, {0, 4});  // straight up
-  Join(model, TElement::kBar, {1, 5});  // straight down
-  Join(model, TElement::kBar, {2, 3});  // no way along x, down y
-  Join(model, TElement::kBar, {7, 6});  // back along x
-  Join(model, TElement::kBar, {8, 10});
-  TElement* tube = Join(model, TElement::kBar, {8, 9});
-  tube->Radius = 0.12;
-  tube->Color = TColor::FromRgb(200, 200, 0);
-  TElement* roll = Join(model, TElement::kRoll, {10, 11});
-  roll->Radius = 0.3;
-  roll->RollParam1 = 0.1;
-  roll->RollParam2 = 0.2;
-  TElement* ball = Join(model, 9, {7});
-  ball->Radius = 0.25;
-  ball->Color = TColor::FromRgb(255, 0, 255);
-  Join(model, 4, {5, 6});
+  constexpr TColor inherited = TColor::Inherited();
+  const std::tuple<std::uint8_t, std::vector<std::int32_t>, double, TColor> elements[] = {
+      {TElement::kFace, {0, 3, 2, 1}, 0.0, TColor::FromRgb(60, 120, 255)},
+      {TElement::kFace, {6, 7, 9}, 0.0, TColor::FromRgb(255, 120, 60)},
+      {TElement::kFace, {6, 10, 11}, 0.0, TColor::FromRgb(120, 60, 255)},
+      {TElement::kBar, {0, 4}, 0.0, inherited},  // straight up
+      {TElement::kBar, {1, 5}, 0.0, inherited},  // straight down
+      {TElement::kBar, {2, 3}, 0.0, inherited},  // no way along x, down y
+      {TElement::kBar, {7, 6}, 0.0, inherited},  // back along x
+      {TElement::kBar, {8, 10}, 0.0, inherited},
+      {TElement::kBar, {8, 9}, 0.12, TColor::FromRgb(200, 200, 0)},
+      {TElement::kRoll, {10, 11}, 0.3, inherited},
+      {9, {7}, 0.25, TColor::FromRgb(255, 0, 255)},
+      {4, {5, 6}, 0.0, inherited}};
+  for (const auto& [type, nodes, radius, color] : elements) {
+    TElement* element = model.Elements.Emplace(type, static_cast<std::int32_t>(nodes.size()));
+    std::ranges::copy(nodes, element->Nodes().begin());
+    element->Radius = radius;
+    element->Color = color;
+    element->RollParam1 = 0.1;
+    element->RollParam2 = 0.2;
+  }
 
   moving.Elements = &model.Elements;
   moving.NodeColor = TColor::Green();
@@ -97,6 +94,23 @@ class GlPictures : public testing::Test {
     });
   }
 
+  /// Two frames with a text over them.
+  QImage PaintText(const QString& text, const QColor& font, const QColor& back, int ratio = 1) {
+    return gl_.Render([&] {
+      TPicture picture;
+      picture.Init(gl_.Resolver());
+      picture.Overlay.SetLines({text});
+      picture.Overlay.SetColor(font);
+      for (int frame = 0; frame < 2; ++frame) {
+        BeginPicture(view_, kSize, back);
+        picture.Paint(view_, kSize, ratio, model_, data_, TScaleType::Absolute, false);
+        EndPicture();
+      }
+      EXPECT_TRUE(glIsEnabled(GL_LIGHTING) && glIsEnabled(GL_CULL_FACE));
+      EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    });
+  }
+
   /// Both methods draw what plain calls draw.
   void ExpectSame(const std::string& name) {
     const QImage expected = DrawByPlainCalls();
@@ -108,6 +122,7 @@ class GlPictures : public testing::Test {
   TOffscreenGl gl_;
   TViewTransform view_;
   TModel model_;
+  TMeasuredData data_;
   TDataNodeList list_{&model_, false};
 };
 
@@ -125,21 +140,19 @@ TEST_F(GlPictures, BothMethodsDrawWhatPlainCallsDraw) {
     list_.NodeShape = shape;
     ExpectSame(name);
   }
-}
 
-/// The light stands 11 units from the origin, so a model of some size has it in its midst.
-TEST_F(GlPictures, LightStandsInsideALargeModel) {
-  MakeMixedModel(model_, list_);
+  // The light stands 11 units from the origin, so a model of some size has it in its midst.
   for (TNode* node : model_.Nodes) node->Position = 10.0 * node->Position;
   for (TElement* element : model_.Elements) {
     element->Radius *= 10.0;
     element->RollParam1 *= 10.0;
   }
   list_.NodesChanged();
-  list_.DrawScale *= 10.0;
-  list_.NodeRadius *= 10.0;
-  list_.ElementRadius *= 10.0;
-  view_.ModelSize *= 10.0;
+  for (double* size :
+       {&list_.DrawScale, &list_.NodeRadius, &list_.ElementRadius, &view_.ModelSize}) {
+    *size *= 10.0;
+  }
+  view_.Zoom = 1.0;
   ExpectSame("large");
 }
 
@@ -155,43 +168,17 @@ TEST_F(GlPictures, SphereCutByTheViewVolumeIsCutAlike) {
   ExpectSame("cut");
 }
 
-TEST_F(GlPictures, CollapsedViewShowsTheBackgroundAlone) {
+TEST_F(GlPictures, TextStandsInTheTopLeftCornerAndACollapsedViewShowsTheBackgroundAlone) {
+  const QImage text = PaintText("F = 12.5", Qt::red, Qt::black);
+  EXPECT_GT(CountOther(text, Qt::black), 30);
+  EXPECT_TRUE(QRect(0, 0, 200, 40).contains(InkBox(text, Qt::black)));
   MakeMixedModel(model_, list_);
-  TMeasuredData data;
-  data.Shown.Refer(&list_);
+  data_.Shown.Refer(&list_);
   model_.Loaded = true;
-  for (const double zoom : {0.0, std::nan("")}) {
+  for (const double zoom : {0.0, kNan}) {
     view_.Zoom = zoom;
-    const QImage image = gl_.Render([&] {
-      TPicture picture;
-      picture.Init(gl_.Resolver());
-      BeginPicture(view_, kSize, Qt::darkCyan);
-      picture.Paint(view_, kSize, 1.0, model_, data, TScaleType::Absolute, false);
-      EndPicture();
-      EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-    });
-    EXPECT_EQ(CountOther(image, Qt::darkCyan), 0);
+    EXPECT_EQ(CountOther(PaintText({}, {}, Qt::darkCyan), Qt::darkCyan), 0);
   }
-}
-
-TEST_F(GlPictures, TextStandsInTheTopLeftCornerAndLeavesTheSceneAlone) {
-  TPicture picture;
-  picture.Overlay.SetLines({"F = 12.5"});
-  picture.Overlay.SetColor(Qt::red);
-  TMeasuredData data;
-  const QImage image = gl_.Render([&] {
-    picture.Init(gl_.Resolver());
-    for (int frame = 0; frame < 2; ++frame) {
-      BeginPicture(view_, kSize, Qt::black);
-      picture.Paint(view_, kSize, 1.0, model_, data, TScaleType::Absolute, false);
-      EndPicture();
-    }
-    EXPECT_TRUE(glIsEnabled(GL_LIGHTING) && glIsEnabled(GL_CULL_FACE));
-    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
-  });
-  EXPECT_GT(CountOther(image, Qt::black), 30);
-  EXPECT_EQ(CountOther(image.copy(0, 40, 640, 440), Qt::black), 0);
-  EXPECT_EQ(CountOther(image.copy(200, 0, 440, 480), Qt::black), 0);
 }
 
 double Luminance(const QColor& color) {
@@ -220,15 +207,7 @@ TEST_F(GlPictures, NamesAreLegibleOnEveryBackground) {
   for (const int ratio : {1, 2}) {
     for (const QColor& back : colors) {
       for (const QColor& font : colors) {
-        const QImage image = gl_.Render([&] {
-          TPicture picture;
-          picture.Init(gl_.Resolver());
-          picture.Overlay.SetLines({"F = 12.5"});
-          picture.Overlay.SetColor(font);
-          BeginPicture(view_, kSize, back);
-          picture.Paint(view_, kSize, ratio, model_, {}, TScaleType::Absolute, false);
-          EndPicture();
-        });
+        const QImage image = PaintText("F = 12.5", font, back, ratio);
         const QImage corner = image.copy(0, 0, 100 * ratio, 30 * ratio);
         EXPECT_GT(CountSharpEdges(corner, font), 20 * ratio)
             << ratio << ": " << font.name().toStdString() << " on " << back.name().toStdString();

@@ -13,9 +13,8 @@
 namespace {
 
 void SetColor(TColor color) {
-  glColor3f(static_cast<float>(color.RedPart()) / 255.0f,
-            static_cast<float>(color.GreenPart()) / 255.0f,
-            static_cast<float>(color.BluePart()) / 255.0f);
+  const QColor parts = color.ToQColor();
+  glColor3d(parts.redF(), parts.greenF(), parts.blueF());
 }
 
 TVertex Place(const TNode& node, double phase, double drawScale) {

@@ -98,11 +98,9 @@ TEST_F(TSceneTest, EveryTriangleFacesTheViewer) {
   model.Nodes.NodeRadius = 0.5;
   std::vector<TVertex> directions;
   for (int i = 0; i < 200; ++i) {
-    directions.push_back({std::sin(i * 1.7), std::sin(i * 2.9 + 1.0), std::sin(i * 0.7 + 2.0)});
-    directions.back() = directions.back() / Length(directions.back());
-  }
-  for (std::size_t i = 0; i < directions.size(); ++i) {
-    Join(TElement::kBar, {{}, 3.0 * directions[i]})->Radius = i % 2 ? 0.2 : 0.0;
+    const TVertex any{std::sin(i * 1.7), std::sin(i * 2.9 + 1.0), std::sin(i * 0.7 + 2.0)};
+    directions.push_back(any / Length(any));
+    Join(TElement::kBar, {{}, 3.0 * directions.back()})->Radius = i % 2 ? 0.2 : 0.0;
   }
   for (const TVertex& viewer : {directions[3], directions[50], directions[121]}) {
     Build(viewer);
@@ -117,8 +115,7 @@ TEST_F(TSceneTest, EveryTriangleFacesTheViewer) {
     }
     ASSERT_GE(corners.size(), 3u * (100 * 4 + 100 * 18));
     for (std::size_t i = 0; i < corners.size(); i += 3) {
-      const TPoint u = corners[i + 1] - corners[i], v = corners[i + 2] - corners[i];
-      const TPoint normal = {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+      const TPoint normal = Cross(corners[i + 1] - corners[i], corners[i + 2] - corners[i]);
       ASSERT_GT(Dot(normal, scene.ToViewer()), -1e-5f) << i;
     }
   }
@@ -143,36 +140,35 @@ TEST_F(TSceneTest, RollIsABodyBetweenTwoShafts) {
 }
 
 TEST_F(TSceneTest, LeavesOutWhatCannotBeDrawn) {
-  const auto kBar = TElement::kBar, kFace = TElement::kFace, kRoll = TElement::kRoll;
+  constexpr auto kBar = TElement::kBar, kFace = TElement::kFace, kRoll = TElement::kRoll;
   const TVertex o, x{1, 0, 0}, y{0, 1, 0}, place{1, 2, 3};
-  const struct {
-    const char* why;
-    std::uint8_t type;
-    std::vector<TVertex> places;
-    double radius = 0.0;
-    int changed = -1, index = 0;  ///< which node takes which index
-    double rollParam2 = 0.0;
-  } cases[] = {{"a bar with three nodes", kBar, {o, x, {2, 0, 0}}},
-               {"a face with two nodes", kFace, {o, x}},
-               {"a bar without length", kBar, {place, place}},
-               {"a tube without length", kBar, {place, place}, 1.0},
-               {"a tube of negative radius", kBar, {o, x}, -1.0},
-               {"an index below the list", kBar, {o, x}, 0.0, 0, -1},
-               {"an index beyond the list", kFace, {o, x, y}, 0.0, 2, 3},
-               {"a point with a stray second index", 7, {o, x}, 0.0, 1, 2},
-               {"a bar from nowhere", kBar, {{kNan, 0, 0}, o}},
-               {"a face at infinity", kFace, {o, {kInfinity, 0, 0}, y}},
-               {"a bar beyond all bounds", kBar, {{0, 1e300, 0}, o}},
-               {"a roll of no shape", kRoll, {o, x}, 1.0, -1, 0, kNan}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.why);
+  // An element on places, of a radius, and what else is changed in it.
+  const std::function<void(TElement&)> nothing = [](TElement&) {};
+  const auto refers = [](std::size_t node, int index) {
+    return [=](TElement& element) { element.Nodes()[node] = index; };
+  };
+  const std::tuple<const char*, std::uint8_t, std::vector<TVertex>, double,
+                   std::function<void(TElement&)>>
+      cases[] = {
+          {"a bar with three nodes", kBar, {o, x, {2, 0, 0}}, 0, nothing},
+          {"a face with two nodes", kFace, {o, x}, 0, nothing},
+          {"a bar without length", kBar, {place, place}, 0, nothing},
+          {"a tube without length", kBar, {place, place}, 1, nothing},
+          {"a tube of negative radius", kBar, {o, x}, -1, nothing},
+          {"an index below the list", kBar, {o, x}, 0, refers(0, -1)},
+          {"an index beyond the list", kFace, {o, x, y}, 0, refers(2, 3)},
+          {"a point with a stray second index", 7, {o, x}, 0, refers(1, 2)},
+          {"a bar from nowhere", kBar, {{kNan, 0, 0}, o}, 0, nothing},
+          {"a face at infinity", kFace, {o, {kInfinity, 0, 0}, y}, 0, nothing},
+          {"a bar beyond all bounds", kBar, {{0, 1e300, 0}, o}, 0, nothing},
+          {"a roll of no shape", kRoll, {o, x}, 1, [](TElement& r) { r.RollParam2 = kNan; }}};
+  for (const auto& [why, type, places, radius, change] : cases) {
     model.Clear();
-    TElement* element = Join(c.type, c.places);
-    element->Radius = c.radius;
-    element->RollParam2 = c.rollParam2;
-    if (c.changed >= 0) element->Nodes()[static_cast<std::size_t>(c.changed)] = c.index;
+    TElement* element = Join(type, places);
+    element->Radius = radius;
+    change(*element);
     Build({0.6, 0.0, 0.8});
-    EXPECT_EQ(Size(), 0u);
+    EXPECT_EQ(Size(), 0u) << why;
   }
 }
 
@@ -191,21 +187,22 @@ TEST_F(TSceneTest, BarsInsideTheirNodesAreLeftOut) {
 }
 
 TEST_F(TSceneTest, CapsAreLeftOutOnlyWhereNodesHideThem) {
-  // A cube of edge 1 hides a ball of radius 0.5, a sphere one of radius 1.
-  const std::tuple<TNodeShape, double, bool> cases[] = {
-      {TNodeShape::Sphere, 0.99, true},  {TNodeShape::Sphere, 1.01, true},
-      {TNodeShape::Cube, 0.49, true},    {TNodeShape::Cube, 0.51, true},
-      {TNodeShape::Sphere, 0.99, false}, {TNodeShape::Cube, 0.51, false}};
   TElement* bar = Join(TElement::kBar, {{0, 0, -4}, {0, 0, 4}});
   model.Nodes.ShowNodes = true;
-  for (const auto& [shape, radius, own] : cases) {
-    model.Nodes.NodeShape = shape;
-    bar->Radius = own ? radius : 0.0;
-    model.Nodes.ElementRadius = radius;
-    Build({0.6, 0.0, 0.8});
-    const bool cap = std::ranges::any_of(scene.Cylinders().vertices,
-                                         [](const auto& v) { return v.normal.z == 127; });
-    EXPECT_EQ(cap, radius > (shape == TNodeShape::Cube ? 0.5 : 1.0)) << radius << own;
+  // A cube of edge 1 hides a ball of radius 0.5, a sphere one of radius 1.
+  for (const auto& [shape, hidden] :
+       {std::pair(TNodeShape::Sphere, 1.0), {TNodeShape::Cube, 0.5}}) {
+    for (const double radius : {hidden - 0.01, hidden + 0.01}) {
+      for (const bool own : {true, false}) {
+        model.Nodes.NodeShape = shape;
+        bar->Radius = own ? radius : 0.0;
+        model.Nodes.ElementRadius = radius;
+        Build({0.6, 0.0, 0.8});
+        const bool cap = std::ranges::any_of(scene.Cylinders().vertices,
+                                             [](const auto& v) { return v.normal.z == 127; });
+        EXPECT_EQ(cap, radius > hidden) << radius << own;
+      }
+    }
   }
 }
 
@@ -221,16 +218,26 @@ TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
   EXPECT_TRUE(Near(scene.Outlines()[6].position, {0, 2, 1}));
   EXPECT_TRUE(Near(scene.Outlines()[7].position, {0, 0, 1}));  // closed
   EXPECT_EQ(scene.Outlines()[7].color, TRgba(TColor::Yellow()));
+
+  // Faces that cross themselves or have no area do no harm.
+  Join(TElement::kFace, {{0, 0, 0}, {4, 0, 0}, {1, 3, 0}, {4, 4, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 0, 0}});
+  Join(TElement::kFace, {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
+  Build();
+  EXPECT_EQ(scene.Faces().indices.size(), 6u + 6u);
+  EXPECT_EQ(scene.Outlines().size(), 2u * (4 + 4 + 4 + 3));
 }
 
-double Area(const TMesh& mesh) {
+/// Of triangles as a viewer above them sees them.
+template <class TCorners, class TIndices>
+double Area(const TCorners& corners, const TIndices& indices) {
   double area = 0.0;
-  for (std::size_t i = 0; i < mesh.indices.size(); i += 3) {
-    const TPoint a = mesh.vertices[mesh.indices[i]].position;
-    const TPoint n = Cross(mesh.vertices[mesh.indices[i + 1]].position - a,
-                           mesh.vertices[mesh.indices[i + 2]].position - a);
-    EXPECT_GE(n.z, 0.0f);  // all on one side
-    area += 0.5 * n.z;
+  for (std::size_t i = 0; i < indices.size(); i += 3) {
+    const TPoint a = corners[indices[i]].position;
+    const TPoint normal =
+        Cross(corners[indices[i + 1]].position - a, corners[indices[i + 2]].position - a);
+    EXPECT_GE(normal.z, 0.0f);  // all on one side
+    area += 0.5 * normal.z;
   }
   return area;
 }
@@ -248,26 +255,14 @@ TEST_F(TSceneTest, FacesWithDentsAreFilledWithinTheirOutline) {
     // From every first corner, since the fill must not depend on it.
     for (std::size_t turn = 0; turn < corners.size(); ++turn) {
       model.Clear();
-      TElement* face =
-          model.Elements.Emplace(TElement::kFace, static_cast<std::int32_t>(corners.size()));
-      for (std::size_t i = 0; i < corners.size(); ++i) {
-        model.Nodes.Emplace(1, corners[(i + turn) % corners.size()]);
-        face->Nodes()[i] = static_cast<std::int32_t>(i);
-      }
+      std::vector<TVertex> turned = corners;
+      std::rotate(turned.begin(), turned.begin() + static_cast<std::ptrdiff_t>(turn), turned.end());
+      Join(TElement::kFace, turned);
       Build();
-      EXPECT_NEAR(Area(scene.Faces()), area, 1e-5);
+      EXPECT_NEAR(Area(scene.Faces().vertices, scene.Faces().indices), area, 1e-5);
       EXPECT_EQ(scene.Faces().indices.size(), 3 * (corners.size() - 2));
     }
   }
-}
-
-TEST_F(TSceneTest, FacesThatCrossThemselvesOrHaveNoAreaDoNoHarm) {
-  Join(TElement::kFace, {{0, 0, 0}, {4, 0, 0}, {1, 3, 0}, {4, 4, 0}});
-  Join(TElement::kFace, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {1, 0, 0}});
-  Join(TElement::kFace, {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
-  Build();
-  EXPECT_EQ(scene.Faces().indices.size(), 6u);
-  EXPECT_EQ(scene.Outlines().size(), 2u * (4 + 4 + 3));
 }
 
 TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {
@@ -282,44 +277,37 @@ TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {
 }
 
 /// A model of one node with two data sets at other places, and its display list.
-struct TBuildSceneTest : testing::Test {
-  TBuildSceneTest() {
-    Place(model.Nodes, 1.0);
-    model.Loaded = true;
-    Place(model.Display, 4.0);
-    for (const double x : {2.0, 3.0}) {
-      auto set = std::make_unique<TDataNodeList>(&model, false);
-      Place(*set, x);
-      set->SetVisible(true);
-      data.Shown.Refer(data.All.Add(std::move(set)));
-    }
-  }
-  static void Place(TDataNodeList& list, double x) {
+TEST(BuildScene, DrawsTheModelThenTheSetsOrTheirSum) {
+  TModel model;
+  TMeasuredData data;
+  const auto place = [](TDataNodeList& list, double x) {
     list.Emplace(1, x, 0.0, 0.0);
     list.ShowNodes = true;
     list.NodeRadius = 0.1;
+  };
+  place(model.Nodes, 1.0);
+  place(model.Display, 4.0);
+  for (const double x : {2.0, 3.0}) {
+    auto set = std::make_unique<TDataNodeList>(&model, false);
+    place(*set, x);
+    set->SetVisible(true);
+    data.Shown.Refer(data.All.Add(std::move(set)));
   }
-  std::vector<float> Places(TScaleType type, bool showModel) {
+  const auto expect = [&](TScaleType type, bool showModel, const std::vector<float>& expected) {
     TScene scene;
     BuildScene(scene, {0, 0, 1}, model, data, type, showModel);
     std::vector<float> places;
     for (const TMark& mark : scene.Spheres()) places.push_back(mark.center.x);
-    return places;
-  }
-
-  TModel model;
-  TMeasuredData data;
-};
-
-TEST_F(TBuildSceneTest, DrawsTheModelThenTheSetsOrTheirSum) {
-  using testing::ElementsAre;
-  EXPECT_THAT(Places(TScaleType::Absolute, true), ElementsAre(1, 2, 3));
-  EXPECT_THAT(Places(TScaleType::Relative, false), ElementsAre(2, 3));
-  EXPECT_THAT(Places(TScaleType::Sum, true), ElementsAre(1, 4));
+    EXPECT_EQ(places, expected);
+  };
+  model.Loaded = true;
+  expect(TScaleType::Absolute, true, {1, 2, 3});
+  expect(TScaleType::Relative, false, {2, 3});
+  expect(TScaleType::Sum, true, {1, 4});
   model.Loaded = false;
-  EXPECT_THAT(Places(TScaleType::Absolute, true), ElementsAre(2, 3));
+  expect(TScaleType::Absolute, true, {2, 3});
   data.Shown.Clear();
-  EXPECT_THAT(Places(TScaleType::Sum, true), ElementsAre());
+  expect(TScaleType::Sum, true, {});
 }
 
 TEST_F(TSceneTest, SecondFrameKeepsTheMemoryOfTheFirst) {
@@ -342,22 +330,11 @@ TEST_F(TSceneTest, SecondFrameKeepsTheMemoryOfTheFirst) {
   EXPECT_EQ(memory(), first);
 }
 
-TEST(TStamp, SphereRimCoversTheAreaOfItsCircle) {
+TEST(TStamp, SphereRimCoversTheAreaOfItsCircleWithMoreSidesAsItGrows) {
   for (const int sides : {6, 8, 20}) {
     const TStamp stamp = SphereStamp({0, 0, 1}, sides);
-    double area = 0.0;  // of the triangles as the viewer sees them
-    for (std::size_t i = 0; i < stamp.indices.size(); i += 3) {
-      const TPoint a = stamp.corners[stamp.indices[i]].position;
-      const TPoint u = stamp.corners[stamp.indices[i + 1]].position - a;
-      const TPoint v = stamp.corners[stamp.indices[i + 2]].position - a;
-      EXPECT_GT(u.x * v.y - u.y * v.x, 0.0f);
-      area += 0.5 * (u.x * v.y - u.y * v.x);
-    }
-    EXPECT_NEAR(area, 3.14159265, 1e-5);
+    EXPECT_NEAR(Area(stamp.corners, stamp.indices), std::numbers::pi, 1e-5);
   }
-}
-
-TEST(TStamp, SpheresGetMoreSidesAsTheyGrow) {
   EXPECT_EQ(SphereSides(0.0), 6);
   EXPECT_LT(SphereSides(4.0), SphereSides(40.0));
   EXPECT_EQ(SphereSides(1e9), SphereSides(kInfinity));

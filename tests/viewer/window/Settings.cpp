@@ -109,21 +109,17 @@ TEST(Settings, WhatIsMissingOrMakesNoSenseTakesItsDefault) {
 
 TEST(Settings, TheOldPlaceOfTwoColorsIsReadAndTheNewOneWins) {
   const QByteArray old = "[General]\nBackColor=5\nElementColor=6\n";
-  EXPECT_EQ(ParseSettings(old).BackColor.Value(), 5);
-  EXPECT_EQ(ParseSettings(old).ElementColor.Value(), 6);
-  EXPECT_EQ(ParseSettings(old + "[Colors]\nBackColor=7\n").BackColor.Value(), 7);
-  EXPECT_EQ(ParseSettings(old + "[Colors]\nBackColor=7\n").ElementColor.Value(), 6);
-  const QByteArray updated = UpdateSettings(old, TSettings());
+  for (const auto& [added, back] : {std::pair("", 5), {"[Colors]\nBackColor=7\n", 7}}) {
+    EXPECT_EQ(ParseSettings(old + added).BackColor.Value(), back);
+    EXPECT_EQ(ParseSettings(old + added).ElementColor.Value(), 6);
+  }
+  TSettings lineEnd;
+  lineEnd.ModelFile = QStringLiteral("/tmp/a\n[Colors]\nNodeColor=1");  // makes no second line
+  const QByteArray updated = UpdateSettings(old, lineEnd);
   EXPECT_TRUE(updated.startsWith(old)) << updated.toStdString();
   EXPECT_TRUE(updated.contains("[Colors]\nBackColor=0\nElementColor=16777215\n"));
-}
-
-TEST(Settings, ANameWithALineEndDoesNotBecomeTwoLines) {
-  TSettings s;
-  s.ModelFile = QStringLiteral("/tmp/a\n[Colors]\nNodeColor=1");
-  const TSettings read = ParseSettings(UpdateSettings({}, s));
-  EXPECT_EQ(read.NodeColor, TColor::Green());
-  EXPECT_EQ(read.ModelFile, QString());
+  EXPECT_EQ(ParseSettings(updated).NodeColor, TColor::Green());
+  EXPECT_EQ(ParseSettings(updated).ModelFile, QString());
 }
 
 TEST(Settings, SavingTwiceIsSavingOnceWhateverTheFileHolds) {
@@ -161,16 +157,14 @@ TEST(Settings, SavesOnlyIntoAnExistingWritableFile) {
 }
 
 TEST(Settings, LeavesAloneWhatCannotBeASettingsFile) {
-  const QByteArray huge = "[General]\nAnimationSpeed=77\n" + QByteArray(1 << 20, ';');
-  const QByteArray binary("[General]\nAnimationSpeed=77\n\0\1\2", 31);
-  for (const QByteArray& content : {huge, binary}) {
-    const QString file = WriteTestFile("a.ini", content);
+  const QByteArray key = "[General]\nAnimationSpeed=77\n";
+  for (const QByteArray& content :
+       {key + QByteArray(1 << 20, ';'), key + QByteArray("\0\1\2", 3), QByteArray()}) {
+    const QString file = content.isNull() ? TestFolder() : WriteTestFile("a.ini", content);
     EXPECT_EQ(LoadSettings(file).AnimationSpeed, std::nullopt);
     SaveSettings(file, OtherSettings());
     EXPECT_EQ(Contents(file), content);
   }
-  EXPECT_EQ(LoadSettings(TestFolder()).AnimationSpeed, std::nullopt);  // a folder
-  SaveSettings(TestFolder(), OtherSettings());
 }
 
 TEST(Settings, TheFileStandsBesideTheExecutableAndSoDoBareNames) {

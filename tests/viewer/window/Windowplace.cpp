@@ -25,9 +25,6 @@ TEST(Windowplace, KeepsAWindowWhereTheUserCanReachIt) {
     EXPECT_EQ(FitToScreens(wanted.topLeft(), wanted.size(), {kLeft, kRight}, kMinimum), got)
         << what;
   }
-}
-
-TEST(Windowplace, TakesAnyNumbers) {
   for (const int a : {INT_MIN, -1, 0, INT_MAX}) {
     for (const int b : {INT_MIN, 0, INT_MAX}) {
       EXPECT_TRUE(kLeft.contains(FitToScreens({a, b}, {b, a}, {kLeft}, kMinimum))) << a << ' ' << b;
