@@ -17,22 +17,6 @@ using testing::ElementsAre;
 
 bool WaitFor(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, 60'000); }
 
-/// Ends with the test.
-struct THelperProgram {
-  THelperProgram(const QString& program, const QStringList& arguments) {
-    StartProgram(process, program, arguments);
-    EXPECT_TRUE(WaitFor([this] { return process.canReadLine(); }));
-    firstLine = QString::fromLocal8Bit(process.readLine()).trimmed();
-  }
-  ~THelperProgram() {
-    process.kill();
-    process.waitForFinished();
-  }
-
-  QProcess process;
-  QString firstLine;
-};
-
 class ExamplePanels : public testing::Test {
  protected:
   /// Opens an example; what stands in its file may be changed first.
@@ -57,9 +41,7 @@ class ExamplePanels : public testing::Test {
   }
   template <class T>
   T* Find(const char* name) {
-    T* found = panel->Root()->findChild<T*>(name);
-    EXPECT_TRUE(found) << name;
-    return found;
+    return &Child<T>(*panel->Root(), name);
   }
   /// Pixels of a graph with a strong colour, as curves have and axes have not.
   int ColouredPixels(const char* graph) {
@@ -131,10 +113,10 @@ TEST_F(ExamplePanels, TheCompassShowsTheWindOfTheServer) {
     packages += "<wind id=\"tower\" time=\"20240501 1200" + QByteArray::number(second) +
                 "000\">\r\n7.25 123.5 18.75\r\n</wind>\r\n";
   }
-  const THelperProgram server(
+  const TStartedProgram server(
       "examples/package-server/package-server",
       {"--port", "0", "--rate", "20", "--replay", WriteTestFile("wind.packages", packages)});
-  Open("weather.ui", "4001", server.firstLine.section(' ', -1));
+  Open("weather.ui", "4001", server.FirstLine.section(' ', -1));
   ASSERT_TRUE(WaitFor([&] { return Find<TCompass>("compass")->GetAngle() != 0.0; }));
   EXPECT_DOUBLE_EQ(Find<TCompass>("compass")->GetAngle(), 123.5);
   EXPECT_TRUE(Find<TCompass>("compass")->Fault().isEmpty());
@@ -148,8 +130,8 @@ TEST_F(ExamplePanels, TheCompassShowsTheWindOfTheServer) {
 
 TEST_F(ExamplePanels, TheMachineIsReadFromTheSerialDevice) {
   const QString line = TestFolder() + "/COM1";
-  const THelperProgram device("examples/device-simulator/device-simulator",
-                              {"--machine", "--link", line});
+  const TStartedProgram device("examples/device-simulator/device-simulator",
+                               {"--machine", "--link", line});
   qputenv("VELMORA_COM1", line.toLocal8Bit());
   Open("machine.ui");
   ASSERT_TRUE(WaitFor([&] { return Find<TColorLabel>("channel4Status")->Text() != "No data"; }));

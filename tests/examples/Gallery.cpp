@@ -16,6 +16,21 @@ TEST(Gallery, LooksAsItDid) {
   ExpectSamePicture(QImage(file), QImage(SourceFile("tests/data/gallery.png")), "gallery", 5);
 }
 
+TEST(ExamplePrograms, DrawTheirWindowIntoAPicture) {
+  const std::tuple<QString, QStringList, QSize> cases[] = {
+      {"values", {}, {2400, 1560}},
+      {"monitor", {"--device", "/none", "--server", "127.0.0.1:1", "--after", "1"}, {2400, 1600}}};
+  for (const auto& [program, arguments, size] : cases) {
+    const QString file = TestFolder() + '/' + program + ".png";
+    const TRun run = RunExample(program, QStringList{"--render", file, "--ratio", "2"} + arguments);
+    EXPECT_EQ(run.Status, 0) << run.Errors.toStdString();
+    EXPECT_EQ(QImage(file).size(), size);
+    if (program == "monitor") continue;
+    EXPECT_GT(CountPixels(QImage(file), QColor(150, 190, 235)), 10000) << "the histogram's bars";
+    EXPECT_GT(CountPixels(QImage(file), QColor(30, 130, 70)), 1000) << "the pressure";
+  }
+}
+
 TEST(ExamplePrograms, SayWithoutADisplayHowTheyAreUsedAndWhatTheyCannotDo) {
   const QString nowhere = TestFolder() + "/missing/a.png";
   for (const char* program : {"gallery", "values", "monitor"}) {

@@ -30,30 +30,30 @@ TEST(MonitorOptions, TakeAServerOrSayWhatIsWrongAndChangeNothing) {
   const QString file = WriteTestFile("file", "text");
   const QString form = ": a server is given as host:port, such as 127.0.0.1:4001";
   const QString port = ": the port is a number from 1 to 65535";
-  const struct {
-    QString (*take)(const QString&, TMonitorOptions&);
-    QString text, message;
-    QString host = "127.0.0.1";
-    int port = 4001;
-  } cases[] = {{TakeServer, "10.0.0.7:5000", "", "10.0.0.7", 5000},
-               {TakeServer, "mast.local", "", "mast.local"},
-               {TakeServer, "[::1]:65535", "", "::1", 65535},
-               {TakeServer, "", "--server " + form},
-               {TakeServer, "::1", "--server ::1" + form},
-               {TakeServer, "a host:1", "--server a host:1" + form},
-               {TakeServer, "host:0", "--server host:0" + port},
-               {TakeServer, "host:65536", "--server host:65536" + port},
-               {TakeDevice, "", "--device needs a port, such as COM1 or /dev/ttyUSB0"},
-               {TakeDevice, file, "--device " + file + ": that is a file, not a serial port"},
-               {TakeDevice, "/", "--device /: that is a folder, not a serial port"},
-               {TakeFolder, file, "--store " + file + ": that is a file, not a folder"}};
-  for (const auto& c : cases) {
+  const std::pair<QString, std::pair<QString, int>> servers[] = {
+      {"10.0.0.7:5000", {"10.0.0.7", 5000}},
+      {"mast.local", {"mast.local", 4001}},
+      {"[::1]:65535", {"::1", 65535}}};
+  for (const auto& [text, server] : servers) {
     TMonitorOptions options;
-    EXPECT_EQ(c.take(c.text, options), c.message);
-    EXPECT_EQ(options.Device, "COM1");
-    EXPECT_EQ(options.Host, c.host);
-    EXPECT_EQ(options.Port, c.port);
-    EXPECT_EQ(options.Folder, "");
+    EXPECT_EQ(TakeServer(text, options), "");
+    EXPECT_EQ(std::pair(options.Host, options.Port), server);
+  }
+  const std::tuple<QString (*)(const QString&, TMonitorOptions&), QString, QString> faults[] = {
+      {TakeServer, "", "--server " + form},
+      {TakeServer, "::1", "--server ::1" + form},
+      {TakeServer, "a host:1", "--server a host:1" + form},
+      {TakeServer, "host:0", "--server host:0" + port},
+      {TakeServer, "host:65536", "--server host:65536" + port},
+      {TakeDevice, "", "--device needs a port, such as COM1 or /dev/ttyUSB0"},
+      {TakeDevice, file, "--device " + file + ": that is a file, not a serial port"},
+      {TakeDevice, "/", "--device /: that is a folder, not a serial port"},
+      {TakeFolder, file, "--store " + file + ": that is a file, not a folder"}};
+  for (const auto& [take, text, message] : faults) {
+    TMonitorOptions options;
+    EXPECT_EQ(take(text, options), message);
+    EXPECT_EQ(options.Device + ' ' + options.Host + ' ' + options.Folder, "COM1 127.0.0.1 ");
+    EXPECT_EQ(options.Port, 4001);
   }
 }
 
@@ -81,15 +81,12 @@ TEST_F(TMonitoredSets, SumUpWhatHistoriesHoldAndWhatIsUnderWay) {
   for (int i = 0; i <= 1000; ++i) Blow(i, i);
   // A block of one row has no length before the second row, so that the first one does not count.
   const TStatSet hour = Summary(*speed.GetStats(), si1_Minute);
-  EXPECT_EQ(hour.Count, 1000);
-  EXPECT_EQ(hour.Min, 1.0);
-  EXPECT_EQ(hour.Max, 1000.0);
+  EXPECT_EQ(std::tuple(hour.Count, hour.Min, hour.Max), std::tuple(1000, 1.0, 1000.0));
   EXPECT_DOUBLE_EQ(hour.Mean, 500.5);
   // The present second, and the 60 that the history of seconds keeps.
   const TStatSet minute = Summary(*speed.GetStats(), si1_Second);
   EXPECT_EQ(minute.Max, 1000.0);
-  EXPECT_GE(minute.Count, 60.0);
-  EXPECT_LE(minute.Count, 122.0);
+  EXPECT_THAT(minute.Count, testing::AllOf(testing::Ge(60.0), testing::Le(122.0)));
   EXPECT_EQ(minute.Min, 1001.0 - minute.Count) << "the newest ones, all of them";
   EXPECT_EQ(LatestValue(weather, speed), 1000.0);
   EXPECT_EQ(ValueText(speed, -1e300), "-1e+300 m/s");
@@ -137,42 +134,23 @@ TEST(FittingLabel, LeavesOutTheMiddleOfWhatHasNoRoom) {
 /// A window, and the two programs that it listens to.
 class Monitor : public testing::Test {
  protected:
-  void TearDown() override {
-    panel.reset();
-    for (QProcess* process : {&device, &server}) {
-      process->kill();
-      process->waitForFinished();
-    }
-  }
-
-  /// Each returns once the program can be talked to.
-  void StartDevice(const QStringList& faults = {}) {
-    device.start(BuiltFile("examples/device-simulator/device-simulator"),
-                 QStringList({"--link", Link()}) + faults);
-    ASSERT_TRUE(device.waitForReadyRead());
+  void StartDevice() {
+    device.emplace("examples/device-simulator/device-simulator", QStringList{"--link", Link()});
   }
   void StartServer() {
-    server.start(BuiltFile("examples/package-server/package-server"),
-                 {"--port", QString::number(port)});
-    ASSERT_TRUE(server.waitForReadyRead());
-    const QString line = QString::fromUtf8(server.readLine()).trimmed();
-    port = line.section(' ', -1).toInt();
-    ASSERT_GT(port, 0) << line.toStdString();
-  }
-  static void Kill(QProcess& process) {
-    process.kill();  // SIGKILL: no farewell of any kind
-    ASSERT_TRUE(process.waitForFinished());
-  }
-  void Open() {
-    options.Device = Link();
-    options.Port = port;
-    panel = std::make_unique<TMonitorPanel>(options);
-    panel->show();
+    server.emplace("examples/package-server/package-server",
+                   QStringList{"--port", QString::number(port)});
+    port = server->FirstLine.section(' ', -1).toInt();
+    ASSERT_GT(port, 0) << server->FirstLine.toStdString();
   }
   void StartAll() {
     StartDevice();
     StartServer();
-    Open();
+    TMonitorOptions options;
+    options.Device = Link();
+    options.Port = port;
+    panel = std::make_unique<TMonitorPanel>(options);
+    panel->show();
   }
   static QString Link() { return TestFolder() + "/device"; }
 
@@ -214,10 +192,8 @@ class Monitor : public testing::Test {
   bool IsReceiving(const char* box) { return State(box).startsWith("Receiving "); }
   void ExpectNothingClipped();
 
-  TMonitorOptions options;
   int port = 0;
-  QProcess device;
-  QProcess server;
+  std::optional<TStartedProgram> device, server;
   std::unique_ptr<TMonitorPanel> panel;
 };
 
@@ -283,7 +259,7 @@ TEST_F(Monitor, GoesOnWithSourcesThatWereKilledAndStartedAgainAndClipsNothing) {
            Counted(kMachine) > 100.0;
   }));
   ExpectNothingClipped();
-  Kill(server);
+  server.reset();
   ASSERT_TRUE(PassUntil([&] { return Detail("serverBox").contains("refused"); }));
   EXPECT_EQ(State("serverBox"), "Not connected");
   EXPECT_EQ(Detail("serverBox"), QString("Cannot connect to 127.0.0.1 port : %1: Connection "
@@ -291,7 +267,7 @@ TEST_F(Monitor, GoesOnWithSourcesThatWereKilledAndStartedAgainAndClipsNothing) {
                                      .arg(port));
   ASSERT_TRUE(PassUntil([&] { return Cell("Wind speed", TChannelTable::kStatus) == "No data"; }));
   EXPECT_TRUE(IsReceiving("deviceBox")) << "the device does not mind";
-  Kill(device);
+  device.reset();
   ASSERT_TRUE(PassUntil([&] { return Detail("deviceBox").startsWith("Cannot open "); }));
   EXPECT_EQ(State("deviceBox"), "Not connected");
   EXPECT_THAT(Detail("deviceBox").toStdString(), HasSubstr("No such file or directory"));
@@ -349,17 +325,6 @@ void Monitor::ExpectNothingClipped() {
   panel->resize(1, 1);
   EXPECT_LE(panel->width(), 1024);
   EXPECT_LE(panel->height(), 720);
-}
-
-TEST_F(Monitor, DrawsItsWindowIntoAPicture) {
-  StartDevice();
-  StartServer();
-  const QString picture = TestFolder() + "/monitor.png";
-  const TRun run = RunProgram("examples/monitor/monitor",
-                              {"--device", Link(), "--server", QString("127.0.0.1:%1").arg(port),
-                               "--render", picture, "--after", "2", "--ratio", "2"});
-  EXPECT_EQ(run.Status, 0) << run.Errors.toStdString();
-  EXPECT_EQ(QImage(picture).size(), QSize(2400, 1600));
 }
 
 #endif

@@ -29,11 +29,7 @@ TEST(TReplay, GivesEachPackageAtItsTime) {
   const auto data = [](const QByteArray& last) {
     return "<data id=\"x\">\n20240501 120000000 1\n20240501 1200" + last + " 2\n</data>";
   };
-  const struct {
-    const char* what;
-    QByteArray text;
-    QByteArray played;
-  } cases[] = {
+  const std::tuple<const char*, QByteArray, QByteArray> cases[] = {
       {"its tag's", a0 + a1 + a5, "0:" + a0 + " 1:" + a1 + " 5:" + a5 + " "},
       {"its last row's", data("00000") + data("00375"),
        "0:" + data("00000") + " 3:" + data("00375") + " "},
@@ -43,43 +39,39 @@ TEST(TReplay, GivesEachPackageAtItsTime) {
       {"the clock was set back", a0 + a2 + a1 + a2, "0:" + a0 + " 2:" + a2 + a1 + " 3:" + a2 + " "},
       {"rubbish between", "x" + a0 + "> /\n" + a5 + "<a>1", "0:x" + a0 + " 5:> /\n" + a5 + "<a>1 "},
       {"closing tags alone", a0 + "</a></a>>" + a1, "0:" + a0 + "</a></a> 1:>" + a1 + " "}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    TReplay replay(c.text);
-    EXPECT_EQ(Play(replay, 8).toStdString(), c.played.toStdString());
+  for (const auto& [what, text, played] : cases) {
+    TReplay replay(text);
+    EXPECT_EQ(Play(replay, 8), played) << what;
   }
 }
 
-TEST(TReplay, BeginsAgain) {
+TEST(TReplay, BeginsAgainAndCutsPausesThatNobodyWaitsFor) {
   const QByteArray first = Package("a", "00000"), second = Package("a", "00250");
   TReplay replay(first + second);
-  const QByteArray once = "0:" + first + " 2:" + second + " ";
-  EXPECT_EQ(Play(replay, 8), once);  // a round takes a second at least
-  EXPECT_EQ(Play(replay, 8), once);
-}
-
-TEST(TReplay, CutsPausesThatNobodyWaitsFor) {
-  const QByteArray first = Package("a", "00000"), later = "<a time=\"21240501 000000000\">1</a>";
-  TReplay replay(first + later);
-  EXPECT_EQ(replay.Take(), first);
-  replay.Advance(TReplay::kLongestPause - 1);
-  EXPECT_EQ(replay.Take(), QByteArray());
-  replay.Advance(1);
-  EXPECT_EQ(replay.Take(), later);
+  for (int round = 0; round < 2; ++round) {  // of a second at least
+    EXPECT_EQ(Play(replay, 8), "0:" + first + " 2:" + second + " ");
+  }
+  const QByteArray later = "<a time=\"21240501 000000000\">1</a>";
+  TReplay longer(first + later);
+  EXPECT_EQ(longer.Take(), first);
+  longer.Advance(TReplay::kLongestPause - 1);
+  EXPECT_EQ(longer.Take(), QByteArray());
+  longer.Advance(1);
+  EXPECT_EQ(longer.Take(), later);
 }
 
 TEST(TReplay, GivesBytesAtAnEvenRate) {
   TReplay replay(Package("a", "00000") + Package("a", "59000"), 100);
-  EXPECT_EQ(replay.Take(), QByteArray());
-  replay.Advance(0.5);
-  EXPECT_EQ(replay.Take().size(), 50);
-  EXPECT_EQ(replay.Take(), QByteArray());
-
   TReplay timeless(QByteArray(100'000, 'x'));
-  timeless.Advance(1);
-  EXPECT_EQ(timeless.Take().size(), 65536);
-  timeless.Advance(1);
-  EXPECT_EQ(timeless.Take().size(), 100'000 - 65536);
+  const std::tuple<TReplay*, double, int> cases[] = {{&replay, 0, 0},
+                                                     {&replay, 0.5, 50},
+                                                     {&replay, 0, 0},
+                                                     {&timeless, 1, 65536},
+                                                     {&timeless, 1, 34464}};
+  for (const auto& [source, seconds, bytes] : cases) {
+    source->Advance(seconds);
+    EXPECT_EQ(source->Take().size(), bytes);
+  }
   EXPECT_TRUE(TReplay().IsEmpty());
 }
 

@@ -125,18 +125,16 @@ TEST_F(SerialDevice, DeliversEveryPacketInBothModesAndAllResolutions) {
   for (const auto mode : {TQLXPort::sfcHardware, TQLXPort::sfcSoftware}) {
     for (const auto resolution : {TQLXPort::rs16bits, TQLXPort::rs24bits, TQLXPort::rs16bitsOld}) {
       SCOPED_TRACE(testing::Message() << "mode " << mode << ", resolution " << resolution);
-      const bool streams = mode == TQLXPort::sfcHardware;
       rows.clear();
       port.SetControlQLX(mode);
       port.SetResolution(resolution);
       port.SetAutoRun(true);
       ASSERT_TRUE(port.GetAutoRun()) << port.GetErrorText().toStdString();
       EXPECT_EQ(port.GetValueCount(), 17);
-      EXPECT_EQ(bench.device.IsPolledLoop(), !streams);
+      EXPECT_EQ(bench.device.IsPolledLoop(), mode == TQLXPort::sfcSoftware);
       Tick(100);
       // A packet per tick: the rate of the stream, and of polling.
-      EXPECT_GE(rows.size(), 97u);
-      EXPECT_LE(rows.size(), 101u);
+      EXPECT_THAT(rows.size(), testing::AllOf(testing::Ge(97u), testing::Le(101u)));
       EXPECT_EQ(Gaps(Numbers()), 0);
       EXPECT_EQ(port.GetSkipped().Gaps, 0u);
       // Inputs 2 to 17 are waves around 0 of half the range.
@@ -144,9 +142,8 @@ TEST_F(SerialDevice, DeliversEveryPacketInBothModesAndAllResolutions) {
         for (std::size_t i = 2; i < 17; ++i) EXPECT_LE(std::abs(row[i]), 0x400000 + 8 + 256);
       }
       port.SetAutoRun(false);
-      EXPECT_FALSE(bench.device.IsStreaming());
       EXPECT_TRUE(bench.device.IsPolledLoop());
-      EXPECT_FALSE(bench.device.IsLoopReadOn());
+      EXPECT_FALSE(bench.device.IsStreaming() || bench.device.IsLoopReadOn());
       EXPECT_FALSE(bench.line.HasPeer());
     }
   }
@@ -171,14 +168,13 @@ TEST_F(SerialDevice, LosesNothingToMarkersAndLateAnswers) {
   EXPECT_EQ(Gaps(Numbers()), 0);
 }
 
-TEST_F(SerialDevice, FindsThePacketsAgainAmongLostBytesAndGarbage) {
+TEST_F(SerialDevice, FindsThePacketsAgainAmongLostBytesAndGarbageAndKnowsNoise) {
   port.SetAutoRun(true);
   bench.device.Faults.dropRate = 0.001;
   bench.device.Faults.garbageRate = 0.05;
   Tick(1000);
-  const std::vector<int> numbers = Numbers();
-  EXPECT_GT(numbers.size(), 700u);
-  EXPECT_GT(Gaps(numbers), 10);
+  EXPECT_GT(rows.size(), 700u);
+  EXPECT_GT(Gaps(Numbers()), 10);
   EXPECT_GT(port.GetSkipped().Gaps, 10u);
   EXPECT_FALSE(port.IsNoisy());
   // Samples that look like a length byte keep it astray for some packets.
@@ -188,6 +184,16 @@ TEST_F(SerialDevice, FindsThePacketsAgainAmongLostBytesAndGarbage) {
   Tick(100);
   EXPECT_EQ(rows.size(), 100u);
   EXPECT_EQ(Gaps(Numbers()), 0);
+
+  const auto skipped = port.GetSkipped().Bytes;
+  bench.device.Faults.noise = true;
+  Tick(500);
+  EXPECT_GT(rows.size(), 110u) << "some noise looks like packets";
+  EXPECT_TRUE(port.IsNoisy());
+  EXPECT_GT(port.GetSkipped().Bytes, skipped + 500u * 49 / 2);
+  bench.device.Faults.noise = false;
+  Tick(500);
+  EXPECT_FALSE(port.IsNoisy());
 }
 
 TEST_F(SerialDevice, AWindowThatStandsStillForTenSecondsLosesNothing) {
@@ -200,19 +206,6 @@ TEST_F(SerialDevice, AWindowThatStandsStillForTenSecondsLosesNothing) {
   EXPECT_GE(rows.size(), 8000u);
   EXPECT_EQ(Gaps(Numbers()), 0);
   EXPECT_NEAR((rows[8000][0] - rows[0][0]) * kSecondsPerDay, 10.0, 1e-5);
-}
-
-TEST_F(SerialDevice, KnowsNoiseFromPackets) {
-  port.SetAutoRun(true);
-  Tick(100);
-  bench.device.Faults.noise = true;
-  Tick(500);
-  EXPECT_GT(rows.size(), 110u) << "some noise looks like packets";
-  EXPECT_TRUE(port.IsNoisy());
-  EXPECT_GT(port.GetSkipped().Bytes, 500u * 49 / 2);
-  bench.device.Faults.noise = false;
-  Tick(500);
-  EXPECT_FALSE(port.IsNoisy());
 }
 
 TEST_F(SerialDevice, PollsASilentDeviceSlowlyAndAtOnceAgainWhenItAnswers) {
@@ -229,8 +222,14 @@ TEST_F(SerialDevice, PollsASilentDeviceSlowlyAndAtOnceAgainWhenItAnswers) {
   EXPECT_GE(requests(100), 99u);
 }
 
-TEST_F(SerialDevice, ACableThatIsPulledOutClosesThePort) {
+TEST_F(SerialDevice, OpensALineThatKnowsLittleOfItsSettingsAndClosesItWhenTheCableIsPulledOut) {
+  port.SetStopBits(TQLXPort::sbOne5StopBits);
+  port.SetParity(TQLXPort::prMark);
+  port.SetDataBits(TQLXPort::dbFive);
+  port.SetControlDTR(TQLXPort::dtrHandshake);
+  port.SetControlRTS(TQLXPort::rtsHandshake);
   port.SetAutoRun(true);
+  EXPECT_TRUE(port.GetConnected());
   Tick(10);
   QSignalSpy closed(&port, &TQLXPort::OnClose);
   bench.line.Unplug();
@@ -242,16 +241,6 @@ TEST_F(SerialDevice, ACableThatIsPulledOutClosesThePort) {
   EXPECT_EQ(closed.count(), 2);
   EXPECT_FALSE(port.GetAutoRun());
   EXPECT_THAT(port.GetErrorText().toStdString(), testing::StartsWith("Cannot open /dev/"));
-}
-
-TEST_F(SerialDevice, OpensALineThatKnowsLittleOfItsSettings) {
-  port.SetStopBits(TQLXPort::sbOne5StopBits);
-  port.SetParity(TQLXPort::prMark);
-  port.SetDataBits(TQLXPort::dbFive);
-  port.SetControlDTR(TQLXPort::dtrHandshake);
-  port.SetControlRTS(TQLXPort::rtsHandshake);
-  port.Open();
-  EXPECT_TRUE(port.GetConnected());
 }
 
 TEST_F(SerialDevice, ATrialReportsWhatIsThere) {

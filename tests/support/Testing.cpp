@@ -35,6 +35,17 @@ void StartProgram(QProcess& process, const QString& program, const QStringList& 
   process.start(program.startsWith('/') ? program : BuiltFile(program), arguments);
 }
 
+TStartedProgram::TStartedProgram(const QString& program, const QStringList& arguments) {
+  StartProgram(Process, program, arguments);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Process.canReadLine(); }, 60'000));
+  FirstLine = QString::fromLocal8Bit(Process.readLine()).trimmed();
+}
+
+TStartedProgram::~TStartedProgram() {
+  Process.kill();
+  Process.waitForFinished();
+}
+
 TRun RunProgram(const QString& program, const QStringList& arguments,
                 const QMap<QString, QString>& variables) {
   QProcess process;

@@ -65,6 +65,16 @@ struct TRun {
 void StartProgram(QProcess& process, const QString& program, const QStringList& arguments,
                   const QMap<QString, QString>& variables = {});
 
+/// A program that has written its first line. It is killed, without a farewell of any kind, when
+/// this goes.
+struct TStartedProgram {
+  TStartedProgram(const QString& program, const QStringList& arguments);
+  ~TStartedProgram();
+
+  QProcess Process;
+  QString FirstLine;
+};
+
 /// Runs it to its end.
 TRun RunProgram(const QString& program, const QStringList& arguments,
                 const QMap<QString, QString>& variables = {});

@@ -4,7 +4,6 @@
 #include "components/sources/Simulator.h"
 #include "components/sources/Stringreader.h"
 #include "tests/components/sources/Providerfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
@@ -21,7 +20,10 @@ QStringList Lines(int base) {
 /// A place in the test where a provider lives, and what its next value has to be.
 class TPlace {
  public:
-  explicit TPlace(std::mt19937& random) : random_(random) { Make(); }
+  explicit TPlace(std::mt19937& random) : random_(random) {
+    MakeClient();
+    Make();
+  }
   ~TPlace() { delete provider_; }
 
   void Act() {
@@ -104,10 +106,13 @@ class TPlace {
     reader_ = nullptr;
   }
 
-  /// The client may be the one that is notifying.
-  void ReplaceClient() {
+  void MakeClient() {
     client_ = std::make_unique<TDataControl>();
     client_->AddLink(&link_, false);
+  }
+  /// The client may be the one that is notifying.
+  void ReplaceClient() {
+    MakeClient();
     provider_->GetClientControls()->Add(client_.get());
   }
 
@@ -135,11 +140,7 @@ class TPlace {
 
   std::mt19937& random_;
   TValueLink link_{[this](double value) { Take(value); }};
-  std::unique_ptr<TDataControl> client_ = [this] {
-    auto client = std::make_unique<TDataControl>();
-    client->AddLink(&link_, false);
-    return client;
-  }();
+  std::unique_ptr<TDataControl> client_;
   TCustomDataProvider* provider_ = nullptr;
   TStreamProvider* reader_ = nullptr;  ///< the provider, if it is a reader
   std::function<void()> redirect_;

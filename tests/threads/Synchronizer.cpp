@@ -1,7 +1,6 @@
 #include "components/links/Synchronizer.h"
 
 #include "tests/components/sources/Providerfixture.h"
-#include "tests/support/Testing.h"
 
 namespace {
 
