@@ -96,16 +96,15 @@ TEST(Series, DashesLeaveGapsAndRunOnOverBars) {
 TEST(Series, ABlockSourceDrawsWhatTheSameSourcePointByPointDraws) {
   std::vector<TCoordinate> points;
   for (int i = 0; i < 1000; ++i) points.push_back({0.01 * i, 5.0 + 4.0 * std::sin(0.1 * i)});
-  TPanelFixture byPoint;
+  TPanelFixture byPoint, byBlock;
   byPoint.AddCurve(points);
-  TPanelFixture byBlock;
   TSeries* series = byBlock.AddCurve(points);
   int calls = 0;
   series->BlockSource = [&](int index, std::span<TCoordinate> out) {
     ++calls;
-    const auto first = static_cast<std::size_t>(index);
-    const std::size_t count = std::min({out.size(), points.size() - first, std::size_t{100}});
-    std::copy_n(points.begin() + index, count, out.begin());
+    const auto left = std::span(points).subspan(static_cast<std::size_t>(index));
+    const std::size_t count = std::min({out.size(), left.size(), std::size_t{100}});
+    std::ranges::copy(left.first(count), out.begin());
     return static_cast<int>(count);
   };
   EXPECT_EQ(byBlock.Picture(), byPoint.Picture());

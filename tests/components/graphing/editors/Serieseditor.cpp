@@ -58,7 +58,7 @@ TEST_F(SeriesEditor, ShowsWhatTheSeriesMakesOfAnEdit) {
   EXPECT_EQ(Weight().value(), 1);
   QSignalSpy changes(curve->GetStyle(), &TSeriesStyle::OnChange);
   Weight().selectAll();
-  QTest::keyClicks(&Weight(), "12\r");
+  QTest::keyClicks(&Weight(), "34\r");
   EXPECT_EQ(changes.count(), 1);
   curve->GetStyle()->SetLineWeight(4);
   EXPECT_EQ(Weight().value(), 4);
