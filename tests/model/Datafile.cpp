@@ -174,13 +174,11 @@ TEST_F(DataFile, LosesItsSetsToAMissingFileButNotToACancel) {
   for (int i = 0; i < 200'000; ++i) large += "1 0.25 0.25 0.25\n";
   const TDataNodeList* kept = data_.All.Get(0);
   const QString file = WriteTestFile("large.dat", QByteArray::fromStdString(large));
-  EXPECT_TRUE(data_
-                  .LoadFromFile(file, model_,
-                                [&](double done) {
-                                  EXPECT_FALSE(model_.Loaded);
-                                  return done < 0.5;
-                                })
-                  .Cancelled());
+  const auto cancelAtHalf = [&](double done) {
+    EXPECT_FALSE(model_.Loaded);
+    return done < 0.5;
+  };
+  EXPECT_TRUE(data_.LoadFromFile(file, model_, cancelAtHalf).Cancelled());
   EXPECT_EQ(data_.All.Get(0), kept);
   EXPECT_TRUE(model_.Loaded);
 
@@ -214,9 +212,8 @@ TEST_F(DataFile, ListsItsSectionsAndReadsOneByItself) {
   QStringList names = {"before"};
   ReadSections(std::string_view("[F = 2.5]1[\xfc][\xc3\xbc]"), names);
   EXPECT_EQ(names, QStringList({"before", "F = 2.5", "\u00fc", "\u00fc"}));
-  for (const QString& file : {TestFolder() + "/none.dat", WriteTestFile("a.dat", "[x]")}) {
-    ReadSections(file, names);
-  }
+  ReadSections(TestFolder() + "/none.dat", names);
+  ReadSections(WriteTestFile("a.dat", "[x]"), names);
   EXPECT_EQ(names.mid(4), QStringList("x"));
 
   TDataNodeList list(&model_, false);

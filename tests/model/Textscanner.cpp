@@ -147,8 +147,7 @@ TEST(HasAngleData, WantsSevenNumbersOnTheLineThatEndsBehindSixCharacters) {
       {"[F = 2]\n", false},
       {"", false}};
   for (const auto& [text, angles] : cases) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(HasAngleData(TTextScanner(text)), angles);
+    EXPECT_EQ(HasAngleData(TTextScanner(text)), angles) << text;
   }
 }
 

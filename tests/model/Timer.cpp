@@ -62,18 +62,6 @@ TEST(TTimerClient, CountsAnewOnlyAfterARealChange) {
   }
 }
 
-TEST(TTimerServer, LivesAsLongAsItsClients) {
-  EXPECT_EQ(TTimerServer::Instance(), nullptr);
-  auto first = std::make_unique<TTimerClient>();
-  TTimerServer* server = TTimerServer::Instance();
-  ASSERT_NE(server, nullptr);
-  auto second = std::make_unique<TTimerClient>();
-  first.reset();
-  EXPECT_EQ(TTimerServer::Instance(), server);
-  second.reset();
-  EXPECT_EQ(TTimerServer::Instance(), nullptr);
-}
-
 TEST(TTimerServer, ServesOnWhenAnEventDestroysClients) {
   TCounter counters[4];
   std::unique_ptr<TTimerClient> clients[4];

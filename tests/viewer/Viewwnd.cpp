@@ -149,25 +149,6 @@ TEST_F(Viewwnd, ADismissedDialogChangesNothing) {
   EXPECT_EQ(starts, QStringList({TestFolder() + "/a.mod", TestFolder() + "/a.dat", ""}));
 }
 
-TEST_F(Viewwnd, UnloadingTheDataShowsTheModelAndBringsEveryNodeBackToRest) {
-  LoadModel(kModel);
-  EXPECT_TRUE(IsChecked("ShowModelMenu"));
-  LoadData(kData);
-  EXPECT_FALSE(IsChecked("ShowModelMenu"));
-  for (const bool shown : {true, false}) {
-    Trigger("ShowModelMenu");
-    EXPECT_EQ(IsChecked("ShowModelMenu"), shown);
-    EXPECT_EQ(window->Model().Loaded, shown);
-  }
-  Click("SumScale");
-  Click("AnimForward");
-  EXPECT_NE(window->Model().Display.Get(0)->Position, TVertex{});
-  Trigger("UnloadDataMenu");
-  EXPECT_TRUE(IsChecked("ShowModelMenu") && window->Model().Loaded);
-  EXPECT_EQ(window->Model().Nodes.Count(), 3u);
-  for (const TNode* node : window->Model().Display) EXPECT_EQ(node->Position, TVertex{});
-}
-
 TEST_F(Viewwnd, WhatCannotBeReadOrIsOfAnotherKindLeavesEverythingAndIsSaid) {
   LoadBoth();
   Panel().View.PanPosX = 2.0;
@@ -267,8 +248,16 @@ TEST_F(Viewwnd, NamesAndChecksSurviveAStartWithoutTheirFiles) {
   }
 }
 
-TEST_F(Viewwnd, InTheSumALoadAndAChangeOfTheLegendAreSeenAtOnce) {
-  LoadBoth();
+TEST_F(Viewwnd, InTheSumALoadAChangeOfTheLegendAndAnUnloadAreSeenAtOnce) {
+  LoadModel(kModel);
+  EXPECT_TRUE(IsChecked("ShowModelMenu"));
+  LoadData(kData);
+  EXPECT_FALSE(IsChecked("ShowModelMenu"));
+  for (const bool shown : {true, false}) {
+    Trigger("ShowModelMenu");
+    EXPECT_EQ(IsChecked("ShowModelMenu"), shown);
+    EXPECT_EQ(window->Model().Loaded, shown);
+  }
   Click("SumScale");
   const auto z1 = [&] { return window->Model().Display.Get(0)->Position.z; };
   const auto y2 = [&] { return window->Model().Display.Get(1)->Position.y; };
@@ -282,6 +271,10 @@ TEST_F(Viewwnd, InTheSumALoadAndAChangeOfTheLegendAreSeenAtOnce) {
   LoadData("[F = 5]\n1 0 0 0\n2 0 3 0\n3 0 0 0\n", "b.dat");
   EXPECT_EQ(z1(), 0.0);
   EXPECT_DOUBLE_EQ(y2(), 3.0 * std::cos(0.025 * 6.283185307179586));
+  Trigger("UnloadDataMenu");
+  EXPECT_TRUE(IsChecked("ShowModelMenu") && window->Model().Loaded);
+  EXPECT_EQ(window->Model().Nodes.Count(), 3u);
+  for (const TNode* node : window->Model().Display) EXPECT_EQ(node->Position, TVertex{});
 }
 
 TEST_F(Viewwnd, AMaximisedWindowComesBackWhereItWas) {

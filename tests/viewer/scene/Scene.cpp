@@ -63,10 +63,7 @@ TEST(TCylinderFrame, TiltsTheAxesOfACylinderAlongZOntoItsDirection) {
       {{0.5, -0.5, -s}, {0.5 - e, 0.5 + e, -0.5}, {0.5 + e, 0.5 - e, 0.5}}};
   for (const auto& [along, right, up] : cases) {
     SCOPED_TRACE(testing::Message() << along.x << ' ' << along.y << ' ' << along.z);
-    const auto end = [&axis = along](double length) {
-      return TPoint{float(length * axis.x), float(length * axis.y), float(length * axis.z)};
-    };
-    const TCylinderFrame frame({}, end(3.0));
+    const TCylinderFrame frame({}, {float(3 * along.x), float(3 * along.y), float(3 * along.z)});
     EXPECT_NEAR(frame.length, 3.0, 1e-6);
     EXPECT_TRUE(Near(frame.along, along));
     EXPECT_TRUE(Near(frame.right, right));

@@ -26,12 +26,8 @@ class TProgram {
   }
 
   /// Waits until it takes signals and something else is so.
-  template <class TReady>
-  [[nodiscard]] bool Works(TReady ready) const {
+  [[nodiscard]] bool Works(const std::function<bool()>& ready = [] { return true; }) const {
     return QTest::qWaitFor([&] { return TakesSignals() && ready(); }, 60'000);
-  }
-  [[nodiscard]] bool Works() const {
-    return Works([] { return true; });
   }
   /// Its exit status; -1 if the signal has killed it.
   int End(int signal) {
