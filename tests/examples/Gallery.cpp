@@ -32,20 +32,19 @@ TEST(ExamplePrograms, DrawTheirWindowIntoAPicture) {
 }
 
 TEST(ExamplePrograms, SayWithoutADisplayHowTheyAreUsedAndWhatTheyCannotDo) {
-  const QString nowhere = TestFolder() + "/missing/a.png";
-  for (const char* program : {"gallery", "values", "monitor"}) {
-    SCOPED_TRACE(program);
-    const TRun help = RunExample(program, {"--help"});
-    EXPECT_EQ(help.Status, 0);
-    EXPECT_TRUE(help.Out.contains("--render <file>"));
-    if (program == std::string("monitor")) continue;
-    const TRun lost = RunExample(program, {"--render", nowhere});
-    EXPECT_EQ(lost.Status, 1);
-    EXPECT_TRUE(lost.Errors.contains("Cannot write " + nowhere)) << lost.Errors.toStdString();
+  const QString nowhere = TestFolder() + "/missing/a.png", lost = "Cannot write " + nowhere;
+  const std::tuple<QString, QStringList, int, QString> cases[] = {
+      {"gallery", {"--help"}, 0, "--render <file>"},
+      {"values", {"--help"}, 0, "--render <file>"},
+      {"monitor", {"--help"}, 0, "--render <file>"},
+      {"gallery", {"--render", nowhere}, 1, lost},
+      {"values", {"--render", nowhere}, 1, lost},
+      {"values", {"--render", nowhere, "none.txt"}, 1, "Cannot open none.txt"}};
+  for (const auto& [program, arguments, status, text] : cases) {
+    const TRun run = RunExample(program, arguments);
+    EXPECT_EQ(run.Status, status);
+    EXPECT_TRUE((status ? run.Errors : run.Out).contains(text)) << run.Errors.toStdString();
   }
-  const TRun none = RunExample("values", {"--render", nowhere, "none.txt"});
-  EXPECT_EQ(none.Status, 1);
-  EXPECT_TRUE(none.Errors.contains("Cannot open none.txt")) << none.Errors.toStdString();
 }
 
 }  // namespace

@@ -56,22 +56,12 @@ class ValuesPanel : public testing::Test {
   void Push(const char* button) { QTest::mouseClick(&Find<QPushButton>(button), Qt::LeftButton); }
   QString News() { return Find<QLabel>("status").text(); }
 
-  static void Turn() {
-    Tick();
-    QCoreApplication::processEvents();
-  }
-  /// Has time pass until something is so; false if that takes too long.
-  template <class TDone>
-  [[nodiscard]] static bool PassUntil(TDone done) {
-    QElapsedTimer clock;
-    for (clock.start(); !done();) {
-      if (clock.hasExpired(30000)) return false;
-      Turn();
-    }
-    return true;
-  }
   [[nodiscard]] bool ReadToEnd() {
-    return PassUntil([this] { return !panel->IsReading(); });
+    const auto isRead = [this] {
+      Tick();
+      return !panel->IsReading();
+    };
+    return QTest::qWaitFor(isRead, 30'000);
   }
   [[nodiscard]] bool ReadAll() {
     panel->SetSpeed(TValuesPanel::spUnlimited);

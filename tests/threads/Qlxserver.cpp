@@ -1,7 +1,6 @@
 #include "components/comms/Qlxserver.h"
 
-#include <condition_variable>
-#include <mutex>
+#include <future>
 
 #include "tests/support/Testing.h"
 namespace {
@@ -114,38 +113,22 @@ TEST(TQLXServer, TellsTheEndAndKeepsWhatCameBeforeAndMayGoAtAnyMoment) {
   }
 }
 
-/// A door that a thread waits at.
-struct TDoor {
-  std::mutex mutex;
-  std::condition_variable changed;
-  bool open = false;
-
-  void Pass() {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return open; });
-  }
-  void Open() {
-    const std::lock_guard lock(mutex);
-    open = true;
-    changed.notify_all();
-  }
-};
-
 TEST(TQLXServer, GivesADeviceUpThatHangs) {
-  const auto door = std::make_shared<TDoor>();
+  std::promise<void> free;
+  const auto door = std::make_shared<const std::shared_future<void>>(free.get_future());
   for (const bool making : {true, false}) {
     auto server = std::make_unique<TQLXServer>(
         [door, making](const TQLXServer::TEnd& end) {
-          if (making) door->Pass();
+          if (making) door->wait();
           return MakeSource(end);
         },
         milliseconds(20));
-    EXPECT_FALSE(server->Ask([door](QIODevice&) { return door->Pass(), 1; }).has_value());
+    EXPECT_FALSE(server->Ask([door](QIODevice&) { return door->wait(), 1; }).has_value());
     EXPECT_EQ(server->EndReason(), "it does not answer");
     EXPECT_FALSE(server->Do([](QIODevice&) {}));
     server.reset();
   }
-  door->Open();
+  free.set_value();
   EXPECT_TRUE(QTest::qWaitFor([&door] { return door.use_count() == 1; })) << "left and gone";
 }
 

@@ -7,20 +7,12 @@ namespace {
 using TAnswer = TSynchronizer::TAnswer;
 using testing::ElementsAre;
 
-/// Joins the thread when it goes.
-struct TWorker {
-  template <class TBody>
-  explicit TWorker(TBody body) : thread(body) {}
-  ~TWorker() { thread.join(); }
-  std::thread thread;
-};
-
 TEST(ThreadsSynchronizer, RunsEachStepOnTheGuiThreadBeforeTheWorkerGoesOn) {
   TSynchronizer synchronizer;
   const std::thread::id gui = std::this_thread::get_id();
   long sum = 0;  // written by both in turn
   std::atomic<bool> ended{false};
-  const TWorker worker([&] {
+  const std::jthread worker([&] {
     for (long i = 0; i < 1000; ++i) {
       sum += 1;
       const bool done = synchronizer.Synchronize([&, i] {
@@ -42,7 +34,7 @@ TEST(ThreadsSynchronizer, LetsOthersInBetweenTwoRunsOfAStep) {
   std::vector<int> order;
   QObject other;
   bool ended = false;
-  const TWorker worker([&] {
+  const std::jthread worker([&] {
     const bool done = synchronizer.Synchronize([&] {
       order.push_back(1);
       QTimer::singleShot(0, &other, [&] { order.push_back(2); });
@@ -59,7 +51,7 @@ TEST(ThreadsSynchronizer, EndsTheWaitingWhenItIsCancelled) {
   TSynchronizer synchronizer;
   std::atomic<bool> waits{false};
   {
-    const TWorker worker([&] {
+    const std::jthread worker([&] {
       waits = true;
       EXPECT_FALSE(synchronizer.Synchronize([] { return TAnswer::Again; }));
       EXPECT_FALSE(synchronizer.Synchronize([] { return TAnswer::Done; }));
