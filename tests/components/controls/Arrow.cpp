@@ -1,15 +1,7 @@
 #include "components/controls/Arrow.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QPainter>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTest>
-#include <climits>
-
 #include "components/controls/Designmode.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -28,11 +20,9 @@ struct Arrow : testing::Test {
   }
 
   QImage Picture() {
-    QImage image(form.size(), QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    arrow.render(&painter, arrow.pos(), QRegion(), QWidget::RenderFlags());
-    return image;
+    return Painted(form.size(), [this](QPainter& painter) {
+      arrow.render(&painter, arrow.pos(), {}, QWidget::RenderFlags());
+    });
   }
 
   QWidget form;
@@ -44,37 +34,29 @@ struct Arrow : testing::Test {
 };
 
 TEST_F(Arrow, EndsInTheMiddleOfASideAndOnTheOppositeOneOfItsOwnBox) {
-  const struct {
-    TEnd::TAttachPos side;
-    QPoint attached, free;
-  } cases[] = {{TEnd::apControlLeft, {100, 70}, {50, 50}},
-               {TEnd::apControlTop, {140, 50}, {30, 80}},
-               {TEnd::apControlRight, {180, 70}, {10, 50}},
-               {TEnd::apControlBottom, {140, 90}, {30, 20}}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.side);
-    arrow.setGeometry(10, 20, 40, 60);
+  const std::tuple<TEnd::TAttachPos, QPoint, QPoint> cases[] = {
+      {TEnd::apControlLeft, {100, 70}, {50, 50}},
+      {TEnd::apControlTop, {140, 50}, {30, 80}},
+      {TEnd::apControlRight, {180, 70}, {10, 50}},
+      {TEnd::apControlBottom, {140, 90}, {30, 20}}};
+  for (const auto& [side, attached, free] : cases) {
+    SCOPED_TRACE(side);
     end.SetControl(nullptr);
-    end.SetAttachTo(c.side);
+    end.SetAttachTo(side);
     arrow.setGeometry(10, 20, 40, 60);
-    EXPECT_EQ(end.GetPos(), c.free);
+    EXPECT_EQ(end.GetPos(), free);
     end.SetControl(&first);
-    EXPECT_EQ(end.GetPos(), c.attached);
+    EXPECT_EQ(end.GetPos(), attached);
   }
   for (const int none : {-1, 4}) {  // no side
     end.SetAttachTo(static_cast<TEnd::TAttachPos>(none));
-    EXPECT_EQ(end.GetAttachTo(), TEnd::apControlBottom);
+    EXPECT_EQ(end.GetPos(), QPoint(140, 90));
   }
-  end.SetAttachTo(TEnd::apControlLeft);
-  EXPECT_EQ(end.GetPos(), QPoint(100, 70));
-}
-
-TEST_F(Arrow, MiddlesAreHalvesRoundedTowardsZero) {
   end.SetControl(&second);
   end.SetAttachTo(TEnd::apControlTop);
-  EXPECT_EQ(end.GetPos(), QPoint(280, 201));  // of 250 and 311
+  EXPECT_EQ(end.GetPos(), QPoint(280, 201));  // between 250 and 311, rounded towards zero
   second.setGeometry(-10, 0, 7, 7);
-  EXPECT_EQ(end.GetPos(), QPoint(-6, 0));  // of -10 and -3
+  EXPECT_EQ(end.GetPos(), QPoint(-6, 0));  // between -10 and -3
 }
 
 TEST_F(Arrow, EnclosesItsLineAndFollowsItsControls) {
@@ -92,8 +74,11 @@ TEST_F(Arrow, EnclosesItsLineAndFollowsItsControls) {
   EXPECT_EQ(arrow.Points().Get(1), QPoint(20, 216));
   arrow.setGeometry(0, 0, 10, 10);  // by somebody else: both ends are held
   EXPECT_EQ(arrow.geometry(), QRect(12, 102, 120 + 16, 106 + 16));
+  end.Assign(&start);
+  EXPECT_EQ(end.GetPos(), QPoint(140, 110));
 }
 
+/// What is saved and read over and over stays, too.
 TEST_F(Arrow, AFreeEndStaysWhereItIsWhenTheOtherOneMoves) {
   start.SetAttachTo(TEnd::apControlTop);  // free: the lower side, (30, 80)
   end.SetControl(&first);
@@ -101,6 +86,14 @@ TEST_F(Arrow, AFreeEndStaysWhereItIsWhenTheOtherOneMoves) {
   first.move(200, 160);
   EXPECT_EQ(start.GetPos(), QPoint(30, 80));
   EXPECT_EQ(arrow.geometry(), QRect(22, 72, 210 + 16, 120 + 16));
+  TArrow again(&form);
+  again.BeginLoading();
+  again.setGeometry(arrow.geometry());
+  again.GetArrowStart()->SetAttachTo(TEnd::apControlTop);
+  again.GetArrowEnd()->SetControlName("first");
+  again.Loaded();
+  EXPECT_EQ(again.GetArrowStart()->GetPos(), QPoint(30, 80));
+  EXPECT_EQ(again.geometry(), arrow.geometry());
 }
 
 TEST_F(Arrow, FollowsControlsInOtherWidgets) {
@@ -113,14 +106,16 @@ TEST_F(Arrow, FollowsControlsInOtherWidgets) {
   first.show();
   end.SetControl(&first);
   EXPECT_EQ(end.GetPos(), QPoint(221, 132));
-  outer.move(100, 100);
-  EXPECT_EQ(end.GetPos(), QPoint(121, 132));
-  inner.move(0, 0);
-  EXPECT_EQ(end.GetPos(), QPoint(111, 112));
-  first.setParent(&form);
-  EXPECT_EQ(end.GetPos(), QPoint(11, 12));
-  outer.move(0, 0);  // is none of the arrow's business any more
-  EXPECT_EQ(end.GetPos(), QPoint(11, 12));
+  const std::pair<std::function<void()>, QPoint> cases[] = {
+      {[&] { outer.move(100, 100); }, {121, 132}},
+      {[&] { inner.move(0, 0); }, {111, 112}},
+      {[&] { first.setParent(&form); }, {11, 12}},
+      {[&] { outer.move(0, 0); }, {11, 12}},  // is none of the arrow's business any more
+  };
+  for (const auto& [move, place] : cases) {
+    move();
+    EXPECT_EQ(end.GetPos(), place);
+  }
   end.SetControl(nullptr);
 }
 
@@ -154,10 +149,10 @@ TEST_F(Arrow, LetsGoOfAControlThatIsDestroyed) {
 
 TEST_F(Arrow, RefusesArrowsAndSurvivesTheFormsEnd) {
   TArrow other(&form);
-  end.SetControl(&other);
-  EXPECT_EQ(end.GetControl(), nullptr);
-  end.SetControl(&arrow);
-  EXPECT_EQ(end.GetControl(), nullptr);
+  for (TArrow* refused : {&other, &arrow}) {
+    end.SetControl(refused);
+    EXPECT_EQ(end.GetControl(), nullptr);
+  }
   auto* doomed = new QWidget(&form);
   auto* held = new QWidget(doomed);
   auto* line = new TArrow(doomed);
@@ -186,22 +181,21 @@ TEST_F(Arrow, IsNotEnteredAgainWhileItChangesItsBounds) {
 }
 
 TEST_F(Arrow, HeadsPointIntoTheControl) {
-  const struct {
-    TEnd::TAttachPos side;
-    QPoint wings[2];
-  } cases[] = {{TEnd::apControlLeft, {{92, 67}, {92, 73}}},
-               {TEnd::apControlTop, {{137, 42}, {143, 42}}},
-               {TEnd::apControlRight, {{188, 67}, {188, 73}}},
-               {TEnd::apControlBottom, {{137, 98}, {143, 98}}}};
+  const std::tuple<TEnd::TAttachPos, QPoint, QPoint> cases[] = {
+      {TEnd::apControlLeft, {92, 67}, {92, 73}},
+      {TEnd::apControlTop, {137, 42}, {143, 42}},
+      {TEnd::apControlRight, {188, 67}, {188, 73}},
+      {TEnd::apControlBottom, {137, 98}, {143, 98}}};
   start.SetControl(&second);
   end.SetControl(&first);
   end.SetStyle(TEnd::asArrow);
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.side);
-    end.SetAttachTo(c.side);
+  for (const auto& [side, wing, other] : cases) {
+    SCOPED_TRACE(side);
+    end.SetAttachTo(side);
     const QImage image = Picture();
-    for (const QPoint& wing : c.wings) EXPECT_LT(qGray(image.pixel(wing)), 128);
-    EXPECT_LT(qGray(image.pixel(end.GetPos())), 128);
+    for (const QPoint& place : {wing, other, end.GetPos()}) {
+      EXPECT_LT(qGray(image.pixel(place)), 128);
+    }
   }
 }
 
@@ -212,11 +206,10 @@ TEST_F(Arrow, DrawsItsLineInItsColourWithADiscAtItsEnd) {
   end.SetAttachTo(TEnd::apControlTop);
   end.SetStyle(TEnd::asCircle);
   arrow.SetColor(TColor::FromRgb(0, 0, 255));
-  QImage image = Picture();
+  const QImage image = Picture();
   const QColor blue(0, 0, 255), white(255, 255, 255);
-  for (int y = 91; y < 200; ++y) EXPECT_EQ(image.pixelColor(140, y), blue);
-  EXPECT_EQ(image.pixelColor(139, 150), white);  // one pixel wide and sharp
-  EXPECT_EQ(image.pixelColor(141, 150), white);
+  EXPECT_EQ(CountPixels(image, blue, {139, 91, 3, 100}), 100);  // one pixel wide and sharp
+  EXPECT_EQ(CountPixels(image, blue, {140, 91, 1, 109}), 109);
   for (const int away : {-2, 2}) {
     EXPECT_EQ(image.pixelColor(140 + away, 200), blue);
     EXPECT_EQ(image.pixelColor(140, 200 + away), blue);
@@ -227,18 +220,12 @@ TEST_F(Arrow, DrawsItsLineInItsColourWithADiscAtItsEnd) {
   colors.setColor(QPalette::WindowText, Qt::magenta);
   form.setPalette(colors);
   arrow.SetColor(TColor::None());
-  image = Picture();
-  EXPECT_EQ(image.pixelColor(140, 150), QColor(Qt::magenta));
+  EXPECT_EQ(Picture().pixelColor(140, 150), QColor(Qt::magenta));
 }
 
 TEST_F(Arrow, IsFramedByDashesWhileItIsDesignedAndHeldByNothing) {
   arrow.setGeometry(10, 20, 40, 60);
-  const auto greys = [this] {
-    const QImage image = Picture();
-    int count = 0;
-    for (int x = 10; x < 50; ++x) count += image.pixelColor(x, 20) == QColor(128, 128, 128);
-    return count;
-  };
+  const auto greys = [this] { return CountPixels(Picture(), Qt::darkGray, {10, 20, 40, 1}); };
   EXPECT_EQ(greys(), 0);
   EXPECT_EQ(form.childAt(30, 50), nullptr);  // the mouse does not see it
   SetDesignMode(&form, true);
@@ -277,30 +264,6 @@ TEST_F(Arrow, AFreeEndStaysWhereItIsWhenTheFormIsShown) {
   hidden.show();
   EXPECT_EQ(line.GetArrowStart()->GetPos(), QPoint(30, 20));
   EXPECT_EQ(line.geometry(), QRect(22, 12, 126, 86));
-}
-
-/// What is saved and read over and over stays where it is.
-TEST_F(Arrow, AFreeEndIsFoundAgainFromTheBoxThatTheFormKept) {
-  start.SetAttachTo(TEnd::apControlTop);
-  end.SetControl(&first);
-  TArrow again(&form);
-  again.BeginLoading();
-  again.setGeometry(arrow.geometry());
-  again.GetArrowStart()->SetAttachTo(TEnd::apControlTop);
-  again.GetArrowEnd()->SetControlName("first");
-  again.Loaded();
-  EXPECT_EQ(again.GetArrowStart()->GetPos(), QPoint(30, 80));
-  EXPECT_EQ(again.geometry(), arrow.geometry());
-}
-
-TEST_F(Arrow, EndsAreAssignedWithTheirControl) {
-  start.SetStyle(TEnd::asCircle);
-  start.SetAttachTo(TEnd::apControlLeft);
-  start.SetControl(&second);
-  end.Assign(&start);
-  EXPECT_TRUE(end.SameAs(&start));
-  EXPECT_EQ(end.GetPos(), QPoint(250, 216));
-  EXPECT_EQ(end.GetArrow(), &arrow);
 }
 
 TEST_F(Arrow, SurvivesControlsAtTheEndOfTheWorld) {

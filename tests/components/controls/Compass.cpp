@@ -1,23 +1,19 @@
 #include "components/controls/Compass.h"
 
-#include <gtest/gtest.h>
-
-#include <QPainter>
-#include <QSignalSpy>
-#include <QTest>
-#include <limits>
-
 #include "components/controls/Designmode.h"
 #include "model/Datetime.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
-QImage Grab(QWidget& widget) {
-  QImage image(widget.size(), QImage::Format_RGB32);
-  image.fill(Qt::black);
-  widget.render(&image);
-  return image;
+using testing::ElementsAre;
+
+/// The colours of what a widget shows, at some places.
+std::vector<QRgb> ColorsAt(QWidget& widget, const std::vector<QPoint>& places) {
+  const QImage image = widget.grab().toImage();
+  std::vector<QRgb> colors;
+  for (const QPoint& place : places) colors.push_back(image.pixel(place));
+  return colors;
 }
 
 /// A picture of one colour with a square of another in its middle.
@@ -51,48 +47,42 @@ TEST(TCompass, NorthTurnsTheScaleAndLeavesTheAngle) {
   compass.SetAngle(0.1);
   compass.SetNorth(0.7);
   EXPECT_EQ(compass.GetAngle(), 0.1);
-  compass.SetAngle(std::numeric_limits<double>::infinity());
-  compass.SetNorth(std::numeric_limits<double>::quiet_NaN());
+  compass.SetAngle(kInfinity);
+  compass.SetNorth(kNan);
   EXPECT_EQ(compass.GetAngle(), 0.1);
   EXPECT_EQ(compass.GetNorth(), 0.7);
 }
 
 TEST(TCompass, DoubleClicksPlaceTheNeedle) {
+  const std::tuple<Qt::MouseButton, Qt::KeyboardModifiers, QPoint, QPoint, int> cases[] = {
+      {Qt::LeftButton, Qt::NoModifier, {20, 20}, {40, 40}, 30},
+      {Qt::RightButton, Qt::ControlModifier, {20, 20}, {40, 40}, 30},
+      {Qt::LeftButton, Qt::ControlModifier, {10, 70}, {10, 70}, 30},
+      {Qt::LeftButton, Qt::ShiftModifier, {13, 66}, {10, 70}, 5},
+      {Qt::LeftButton, Qt::ShiftModifier, {13, 68}, {10, 70}, 3},  // root of 13: 3.6
+      {Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier, {5, 6}, {5, 6}, 3},
+  };
   TCompass compass;
-  TNeedle& needle = *compass.GetNeedle();
-  const auto centre = [&] { return QPoint(needle.GetX(), needle.GetY()); };
-  QTest::mouseDClick(&compass, Qt::LeftButton, Qt::NoModifier, {20, 20});
-  QTest::mouseDClick(&compass, Qt::RightButton, Qt::ControlModifier, {20, 20});
-  EXPECT_EQ(centre(), QPoint(40, 40));
-  EXPECT_EQ(needle.GetLength(), 30);
-  QTest::mouseDClick(&compass, Qt::LeftButton, Qt::ControlModifier, {10, 70});
-  EXPECT_EQ(centre(), QPoint(10, 70));
-  EXPECT_EQ(needle.GetLength(), 30);
-  QTest::mouseDClick(&compass, Qt::LeftButton, Qt::ShiftModifier, {13, 66});
-  EXPECT_EQ(centre(), QPoint(10, 70));
-  EXPECT_EQ(needle.GetLength(), 5);
-  QTest::mouseDClick(&compass, Qt::LeftButton, Qt::ShiftModifier, {13, 68});  // root of 13: 3.6
-  EXPECT_EQ(needle.GetLength(), 3);
-  QTest::mouseDClick(&compass, Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier, {5, 6});
-  EXPECT_EQ(centre(), QPoint(5, 6));
-  EXPECT_EQ(needle.GetLength(), 3);
+  const TNeedle& needle = *compass.GetNeedle();
+  for (const auto& [button, keys, place, centre, length] : cases) {
+    SCOPED_TRACE(place.y());
+    QTest::mouseDClick(&compass, button, keys, place);
+    EXPECT_EQ(QPoint(needle.GetX(), needle.GetY()), centre);
+    EXPECT_EQ(needle.GetLength(), length);
+  }
 }
 
 TEST(TCompass, DrawsTheNeedleOverThePicture) {
   TCompass compass;
   compass.SetImageFile(PictureFile("blue.png", {81, 81}, kBlue, kBlue));
+  const std::vector<QPoint> rightAndDown = {{55, 39}, {39, 55}};
   compass.SetAngle(0.0);
-  QImage image = Grab(compass);
-  EXPECT_EQ(image.pixel(55, 39), kRed);
-  EXPECT_EQ(image.pixel(55, 60), kBlue);
+  EXPECT_THAT(ColorsAt(compass, rightAndDown), ElementsAre(kRed, kBlue));
   compass.SetAngle(90.0);
-  image = Grab(compass);
-  EXPECT_EQ(image.pixel(55, 39), kBlue);
-  EXPECT_EQ(image.pixel(39, 55), kRed);
+  EXPECT_THAT(ColorsAt(compass, rightAndDown), ElementsAre(kBlue, kRed));
   compass.SetShowImage(false);
-  image = Grab(compass);
-  EXPECT_EQ(image.pixel(55, 39), compass.palette().window().color().rgb());
-  EXPECT_EQ(image.pixel(39, 55), kRed);
+  EXPECT_THAT(ColorsAt(compass, rightAndDown),
+              ElementsAre(compass.palette().window().color().rgb(), kRed));
 }
 
 TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
@@ -105,40 +95,38 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
   compass.SetNorth(-90.0);
   compass.SetAngle(5.0);
   TOneChannelLink& link = *compass.GetChannelLink();
+  const auto choose = [&] {
+    link.SetChannelSource(&source);
+    link.GetChannelSet()->SetItem("Wind");
+    link.GetChannel()->SetItem("Direction");
+  };
   link.DoOnData(nullptr);
   EXPECT_EQ(compass.GetAngle(), 5.0);  // no channel, nothing to show
   EXPECT_FALSE(link.GetEnabled());
-  link.SetChannelSource(&source);
-  link.GetChannelSet()->SetItem("Wind");
-  link.GetChannel()->SetItem("Direction");
+  choose();
   EXPECT_TRUE(link.GetEnabled());
   // A block of two rows, half a second long: time and four channels each.
   const double rows[2][5] = {{45000.0, 30.0, 0, 0, 0},
                              {45000.0 + 0.5 / kSecondsPerDay, 40.0, 0, 0, 0}};
   for (const auto& row : rows) set->SetRow(row, 0, 5);
-  const auto tick = [] {
-    for (int i = 0; i < 10; ++i) TTimerServer::Instance()->Timer();
-  };
-  tick();
+  Tick(10);
   EXPECT_EQ(compass.GetAngle(), 35.0);
   EXPECT_EQ(compass.GetNeedle()->GetAngle(), -55.0);
   link.GetOptions()->SetValueType(svMax);
-  tick();
+  Tick(10);
   EXPECT_EQ(compass.GetAngle(), 40.0);
   const TStatInterval interval = link.GetOptions()->GetSelInterval();
   link.GetOptions()->SetSelInterval(si1_Minute);
   EXPECT_EQ(compass.GetAngle(), 0.0);  // no minute is over
   link.GetOptions()->SetSelInterval(interval);
-  tick();
-  EXPECT_EQ(compass.GetAngle(), 40.0);
+  Tick(10);
   link.SetChannelSource(nullptr);
   EXPECT_FALSE(link.GetEnabled());
   EXPECT_EQ(compass.GetAngle(), 40.0);
-  link.SetChannelSource(&source);
-  link.GetChannelSet()->SetItem("Wind");
+  choose();
   link.GetChannel()->SetIndex(1);  // has its own values, and before them none
   EXPECT_EQ(compass.GetAngle(), 0.0);
-  tick();
+  Tick(10);
   EXPECT_EQ(compass.GetAngle(), 0.0);
 }
 
@@ -148,19 +136,12 @@ TEST(TImageControl, FitsStretchesOrLeavesThePicture) {
   control.resize(80, 80);
   control.SetImageFile(PictureFile("wide.png", {40, 20}, kBlue, kGreen));
   const QRgb window = control.palette().window().color().rgb();
-  QImage image = Grab(control);
-  EXPECT_EQ(image.pixel(40, 19), window);
-  EXPECT_EQ(image.pixel(2, 21), kBlue);
-  EXPECT_EQ(image.pixel(40, 40), kGreen);
-  EXPECT_EQ(image.pixel(40, 61), window);
+  EXPECT_THAT(ColorsAt(control, {{40, 19}, {2, 21}, {40, 40}, {40, 61}}),
+              ElementsAre(window, kBlue, kGreen, window));
   control.SetFit(TImageControl::ifStretch);
-  image = Grab(control);
-  EXPECT_EQ(image.pixel(40, 5), kBlue);
-  EXPECT_EQ(image.pixel(40, 30), kGreen);
+  EXPECT_THAT(ColorsAt(control, {{40, 5}, {40, 30}}), ElementsAre(kBlue, kGreen));
   control.SetFit(TImageControl::ifActual);
-  image = Grab(control);
-  EXPECT_EQ(image.pixel(20, 10), kGreen);
-  EXPECT_EQ(image.pixel(41, 10), window);
+  EXPECT_THAT(ColorsAt(control, {{20, 10}, {41, 10}}), ElementsAre(kGreen, window));
 }
 
 TEST(TImageControl, TransparentTakesTheColourOfTheLowerLeftCornerOut) {
@@ -170,27 +151,16 @@ TEST(TImageControl, TransparentTakesTheColourOfTheLowerLeftCornerOut) {
   control.resize(40, 40);
   control.SetImageFile(PictureFile("square.png", {40, 40}, kBlue, kGreen));
   form.resize(40, 40);
-  EXPECT_EQ(Grab(form).pixel(2, 2), kBlue);
+  const std::vector<QPoint> cornerAndMiddle = {{2, 2}, {20, 20}};
+  EXPECT_THAT(ColorsAt(form, cornerAndMiddle), ElementsAre(kBlue, kGreen));
   control.SetTransparent(true);
-  const QImage image = Grab(form);
-  EXPECT_EQ(image.pixel(2, 2), qRgb(0x10, 0x20, 0x30));
-  EXPECT_EQ(image.pixel(20, 20), kGreen);
+  EXPECT_THAT(ColorsAt(form, cornerAndMiddle), ElementsAre(qRgb(0x10, 0x20, 0x30), kGreen));
 }
 
 TEST(TImageControl, SaysWhyThereIsNoPicture) {
-  QByteArray huge("P6\n30000 30000\n255\n");
-  huge.append(3000, 'x');
-  QImage half(200, 200, QImage::Format_RGB32);
-  half.fill(Qt::white);
-  for (int i = 0; i < 200; ++i) half.setPixel(i, (i * i * 7) % 200, 0xff000000 + i * 77777);
-  half.save(TestFolder() + "/half.png");
-  QFile whole(TestFolder() + "/half.png");
-  ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
-  const QByteArray firstHalf = whole.read(whole.size() / 2);
-  const struct {
-    QString file;
-    const char* why;
-  } cases[] = {
+  const QByteArray huge = "P6\n30000 30000\n255\n" + QByteArray(3000, 'x');
+  const QByteArray whole = Contents(PictureFile("whole.png", {200, 200}, kBlue, kGreen));
+  const std::pair<QString, const char*> cases[] = {
       {TestFolder() + "/none.png", "there is no such file"},
       {TestFolder(), "it is a folder"},
       {WriteTestFile("text.png", "hello"), "it is no picture of a known format"},
@@ -198,20 +168,19 @@ TEST(TImageControl, SaysWhyThereIsNoPicture) {
       {WriteTestFile("a.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"),
        "it is no picture of a known format"},
       {WriteTestFile("huge.ppm", huge), "30000 x 30000 pixels are too many"},
-      {WriteTestFile("cut.png", firstHalf), "Unable to read image data"},
+      {WriteTestFile("cut.png", whole.first(whole.size() / 2)), "Unable to read image data"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [file, why] : cases) {
     TImageControl control;
-    control.SetImageFile(c.file);
-    EXPECT_EQ(control.Fault().toStdString(),
-              QString("Cannot read %1: %2").arg(c.file, c.why).toStdString());
-    EXPECT_EQ(control.toolTip(), control.Fault());
     control.resize(300, 100);
-    EXPECT_EQ(Grab(control).pixel(1, 1), qRgb(255, 240, 240));
+    control.SetImageFile(file);
+    const QString fault = QStringLiteral("Cannot read %1: %2").arg(file, why);
+    EXPECT_EQ(control.Fault().toStdString(), fault.toStdString());
+    EXPECT_EQ(control.toolTip(), fault);
+    EXPECT_THAT(ColorsAt(control, {{1, 1}}), ElementsAre(qRgb(255, 240, 240)));
     control.SetImageFile(PictureFile("good.png", {10, 10}, kBlue, kBlue));
-    EXPECT_EQ(control.Fault(), "");
-    EXPECT_EQ(control.toolTip(), "");
-    EXPECT_EQ(Grab(control).pixel(150, 50), kBlue);
+    EXPECT_EQ(control.Fault() + control.toolTip(), "");
+    EXPECT_THAT(ColorsAt(control, {{150, 50}}), ElementsAre(kBlue));
   }
 }
 
@@ -226,10 +195,9 @@ TEST(TImageControl, LargePicturesAreKeptSmaller) {
 
 TEST(TImageControl, ShowsItsPlaceWhileItsFormIsDesigned) {
   TImageControl control;
-  const QRgb window = control.palette().window().color().rgb();
-  EXPECT_EQ(Grab(control).pixel(0, 0), window);
+  EXPECT_THAT(ColorsAt(control, {{0, 0}}), ElementsAre(control.palette().window().color().rgb()));
   SetDesignMode(&control, true);
-  EXPECT_EQ(Grab(control).pixel(0, 0), qRgb(128, 128, 128));
+  EXPECT_THAT(ColorsAt(control, {{0, 0}}), ElementsAre(qRgb(128, 128, 128)));
 }
 
 }  // namespace

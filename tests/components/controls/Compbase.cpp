@@ -1,15 +1,8 @@
 #include "components/controls/Compbase.h"
 
-#include <gtest/gtest.h>
-
-#include <QImage>
-#include <QPainter>
-#include <QSignalSpy>
-#include <QTest>
-#include <cstddef>
-
 #include "components/controls/Designmode.h"
 #include "components/controls/Korvaltools.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -28,88 +21,53 @@ class TProbe : public TStateControl {
   void DoubleClicked() override { ++doubleClicks; }
 };
 
-QImage Canvas(int width, int height, double ratio = 1.0) {
-  QImage image(QSize(width, height) * ratio, QImage::Format_RGB32);
-  image.setDevicePixelRatio(ratio);
-  image.fill(Qt::red);
-  return image;
-}
-
-int PixelsNot(const QImage& image, QRgb color) {
-  int count = 0;
-  for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) count += image.pixel(x, y) != color;
-  }
-  return count;
-}
-
 TEST(DrawBevel, PaintsALineOfLightAndALineOfDark) {
-  const QRgb red = qRgb(255, 0, 0), white = qRgb(255, 255, 255), grey = qRgb(128, 128, 128);
-  const struct {
-    TBevelKind kind;
-    QRgb upper, lower;
-  } cases[] = {{TBevel::bvRaised, white, grey},
-               {TBevel::bvLowered, grey, white},
-               {TBevel::bvNone, red, red},
-               {TBevel::bvSpace, red, red}};
-  for (const auto& c : cases) {
+  const QColor white(255, 255, 255), grey(128, 128, 128), red(255, 0, 0);
+  const std::tuple<TBevelKind, QColor, QColor> cases[] = {{TBevel::bvRaised, white, grey},
+                                                          {TBevel::bvLowered, grey, white},
+                                                          {TBevel::bvNone, red, red},
+                                                          {TBevel::bvSpace, red, red}};
+  for (const auto& [kind, upper, lower] : cases) {
     for (const int ratio : {1, 2}) {
-      QImage image = Canvas(20, 10, ratio);
+      QImage image(20 * ratio, 10 * ratio, QImage::Format_RGB32);
+      image.setDevicePixelRatio(ratio);
+      image.fill(red);
       QPainter painter(&image);
-      DrawBevel(painter, QRect(2, 1, 15, 8), c.kind);
+      DrawBevel(painter, QRect(2, 1, 15, 8), kind);
       painter.end();
-      const auto at = [&](int x, int y) { return image.pixel(x * ratio, y * ratio); };
-      EXPECT_EQ(at(2, 1), c.upper);
-      EXPECT_EQ(at(2, 7), c.upper);
-      EXPECT_EQ(at(15, 1), c.upper);
-      EXPECT_EQ(at(2, 8), c.lower);
-      EXPECT_EQ(at(16, 1), c.lower);
-      EXPECT_EQ(at(16, 8), c.lower);
+      for (const QPoint& place : {QPoint(2, 1), {2, 7}, {15, 1}}) {
+        EXPECT_EQ(image.pixelColor(place * ratio), upper);
+      }
+      for (const QPoint& place : {QPoint(2, 8), {16, 1}, {16, 8}}) {
+        EXPECT_EQ(image.pixelColor(place * ratio), lower);
+      }
       // a closed line about the inside, two device pixels wide at a ratio of 2
-      const int frame = c.upper == red ? 0 : (15 * 8 - 13 * 6) * ratio * ratio;
-      EXPECT_EQ(PixelsNot(image, red), frame);
+      const int frame = upper == red ? 0 : (15 * 8 - 13 * 6) * ratio * ratio;
+      EXPECT_EQ(CountOther(image, red), frame);
     }
   }
-}
-
-/// The part of the picture that a text covers.
-QRect Inked(double angle) {
-  QImage image = Canvas(200, 200);
-  QPainter painter(&image);
-  painter.setPen(Qt::black);
-  RotateText(painter, QPointF(100, 100), angle, "Pressure");
-  painter.end();
-  QRect ink;
-  for (int y = 0; y < 200; ++y) {
-    for (int x = 0; x < 200; ++x) {
-      if (image.pixel(x, y) != qRgb(255, 0, 0)) ink |= QRect(x, y, 1, 1);
-    }
-  }
-  return ink;
 }
 
 TEST(RotateText, TurnsTheTextCounterClockwiseAboutItsUpperLeftCorner) {
-  const QRect level = Inked(0.0);
+  const auto ink = [](double angle) {
+    return InkBox(Painted({200, 200}, [angle](QPainter& painter) {
+      RotateText(painter, QPointF(100, 100), angle, "Pressure");
+    }));
+  };
+  const QRect level = ink(0.0), up = ink(90.0), down = ink(-90.0);
   ASSERT_GT(level.width(), 2 * level.height());
   EXPECT_GE(level.left(), 98);
   EXPECT_GE(level.top(), 99);
-  const QRect up = Inked(90.0);
   EXPECT_LE(up.bottom(), 101);
   EXPECT_GE(up.left(), 99);
   EXPECT_NEAR(up.height(), level.width(), 2);
-  const QRect down = Inked(-90.0);
   EXPECT_GE(down.top(), 98);
   EXPECT_LE(down.right(), 101);
 }
 
 TEST(LayOutIcon, PutsTheCaptionBesideThePicture) {
   const QSize image(24, 24), text(40, 14);
-  const struct {
-    QSize image, text;
-    TIconControl::TCaptionPos pos;
-    QRect icon, caption;
-    QSize size;
-  } cases[] = {
+  const std::tuple<QSize, QSize, TIconControl::TCaptionPos, QRect, QRect, QSize> cases[] = {
       {image, text, TIconControl::cpRight, {0, 0, 24, 24}, {27, 5, 40, 14}, {67, 24}},
       {image, text, TIconControl::cpLeft, {43, 0, 24, 24}, {0, 5, 40, 14}, {67, 24}},
       {image, text, TIconControl::cpBottom, {8, 0, 24, 24}, {0, 27, 40, 14}, {40, 41}},
@@ -118,30 +76,28 @@ TEST(LayOutIcon, PutsTheCaptionBesideThePicture) {
       {image, QSize(0, 14), TIconControl::cpLeft, {0, 0, 24, 24}, {}, {24, 24}},
       {QSize(), text, TIconControl::cpRight, {}, {0, 0, 40, 14}, {40, 14}},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.pos);
-    const TIconLayout layout = LayOutIcon(c.image, c.text, c.pos);
-    EXPECT_EQ(layout.icon, c.icon);
-    EXPECT_EQ(layout.caption, c.caption);
-    EXPECT_EQ(layout.size, c.size);
+  for (const auto& [picture, words, pos, icon, caption, size] : cases) {
+    SCOPED_TRACE(pos);
+    const TIconLayout layout = LayOutIcon(picture, words, pos);
+    EXPECT_EQ(layout.icon, icon);
+    EXPECT_EQ(layout.caption, caption);
+    EXPECT_EQ(layout.size, size);
   }
 }
 
 TEST(IsDesignMode, HoldsForAMarkedObjectAndAllBelowIt) {
   QObject form, other;
   auto* part = new QObject(new QObject(&form));
-  SetDesignMode(&form, true);
-  EXPECT_TRUE(IsDesignMode(part));
-  EXPECT_FALSE(IsDesignMode(&other));
-  SetDesignMode(&form, false);
-  EXPECT_FALSE(IsDesignMode(part));
-  SetDesignMode(nullptr, true);
-  EXPECT_TRUE(IsDesignMode(&other));
-  SetDesignMode(nullptr, false);
-  EXPECT_FALSE(IsDesignMode(&other));
-}
-
-TEST(IsDesignMode, AMarkGoesWithItsObject) {
+  // What is marked, and of which it is a mark: of the part, of the other.
+  const std::tuple<QObject*, bool, bool> cases[] = {{&form, true, false}, {nullptr, true, true}};
+  for (const auto& [marked, ofPart, ofOther] : cases) {
+    SetDesignMode(marked, true);
+    EXPECT_EQ(IsDesignMode(part), ofPart);
+    EXPECT_EQ(IsDesignMode(&other), ofOther);
+    SetDesignMode(marked, false);
+    EXPECT_FALSE(IsDesignMode(part) || IsDesignMode(&other));
+  }
+  // A mark goes with its object.
   alignas(QObject) std::byte place[sizeof(QObject)];
   auto* first = new (place) QObject;
   SetDesignMode(first, true);
@@ -152,24 +108,19 @@ TEST(IsDesignMode, AMarkGoesWithItsObject) {
 }
 
 TEST(TIconControl, IsSeenInDesignModeAndWithAFaceAtRunTime) {
-  const struct {
-    bool design, face, visible, seen;
-  } cases[] = {{false, false, true, false}, {false, true, true, true}, {false, true, false, false},
-               {true, false, true, true},   {true, true, false, true}, {true, false, false, true}};
-  for (const auto& c : cases) {
-    for (const bool shownFirst : {false, true}) {
-      SCOPED_TRACE(testing::Message() << c.design << c.face << c.visible << shownFirst);
-      QWidget form;
-      TProbe control(&form);
-      if (shownFirst) form.show();
-      control.SetFace(c.face);
-      control.SetVisible(c.visible);
-      SetDesignMode(&form, c.design);
-      if (!shownFirst) form.show();
-      EXPECT_EQ(control.isVisible(), c.seen);
-      control.show();
-      EXPECT_EQ(control.isVisible(), c.seen) << "nobody shows it by accident";
-    }
+  for (int bits = 0; bits < 16; ++bits) {
+    SCOPED_TRACE(bits);
+    const bool design = bits & 1, face = bits & 2, visible = bits & 4, shownFirst = bits & 8;
+    QWidget form;
+    TProbe control(&form);
+    if (shownFirst) form.show();
+    control.SetFace(face);
+    control.SetVisible(visible);
+    SetDesignMode(&form, design);
+    if (!shownFirst) form.show();
+    EXPECT_EQ(control.isVisible(), design || (face && visible));
+    control.show();
+    EXPECT_EQ(control.isVisible(), design || (face && visible)) << "nobody shows it by accident";
   }
 }
 
@@ -184,10 +135,10 @@ TEST(TIconControl, FollowsItsFormAndItsMode) {
   EXPECT_TRUE(control.isVisible());
   control.SetFace(false);
   EXPECT_FALSE(control.isVisible());
-  SetDesignMode(&form, true);
-  EXPECT_TRUE(control.isVisible());
-  SetDesignMode(&form, false);
-  EXPECT_FALSE(control.isVisible());
+  for (const bool design : {true, false}) {
+    SetDesignMode(&form, design);
+    EXPECT_EQ(control.isVisible(), design);
+  }
 }
 
 TEST(TIconControl, TakesTheSizeOfPictureAndCaption) {
@@ -212,11 +163,11 @@ TEST(TIconControl, DrawsItsPictureAndItsCaption) {
   TProbe control(&form);
   control.SetIconImage("ChannelImage");
   control.SetCaption("X");
-  QImage image = Canvas(control.width(), control.height());
-  control.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-  const QRgb red = qRgb(255, 0, 0);
-  EXPECT_GT(PixelsNot(image.copy(0, 0, 24, 24), red), 300);
-  EXPECT_GT(PixelsNot(image.copy(27, 0, control.width() - 27, 24), red), 3);
+  const QImage image = Painted(control.size(), [&control](QPainter& painter) {
+    control.render(&painter, {}, {}, QWidget::RenderFlags());
+  });
+  EXPECT_GT(CountOther(image, Qt::white, {0, 0, 24, 24}), 300);
+  EXPECT_GT(CountOther(image, Qt::white, {27, 0, control.width() - 27, 24}), 3);
 }
 
 TEST(TStateControl, ShowsThePictureOfItsStateAndIsThrownByAClick) {

@@ -1,16 +1,8 @@
 #include "components/controls/Iconimages.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QPainter>
-#include <algorithm>
-#include <memory>
-#include <vector>
-
 #include "components/controls/Compbase.h"
 #include "components/panels/Registry.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -23,13 +15,7 @@ QImage Icon(const QString& name, const QRectF& box = {0, 0, 24, 24}) {
   return image;
 }
 
-QRect Inked(const QImage& image) {
-  QRect ink;
-  for (int i = 0; i < 60 * 30; ++i) {
-    if (qAlpha(image.pixel(i % 60, i / 60)) > 0) ink |= QRect(i % 60, i / 60, 1, 1);
-  }
-  return ink;
-}
+QRect Inked(const QImage& image) { return InkBox(image, Qt::transparent); }
 
 TEST(IconImages, StandInTheResourceAndAreAllDifferent) {
   for (const char* folder : {"faces", "icons", "parts"}) {
@@ -54,16 +40,14 @@ TEST(IconImages, StandInTheResourceAndAreAllDifferent) {
 }
 
 TEST(IconImages, AStateIsALampOverThePictureOrOverATileWithALetter) {
-  const struct {
-    const char *name, *plain;
-    QRgb lamp;
-  } cases[] = {{"SimulatorActive", "Simulator", qRgb(40, 180, 70)},
-               {"SimulatorIdle", "Simulator", qRgb(150, 156, 166)},
-               {"SimulatorDown", "Simulator", qRgb(226, 150, 30)},
-               {"NobodyActive", "Nobody", qRgb(40, 180, 70)}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Icon(c.name).pixel(18, 18), c.lamp) << c.name;
-    EXPECT_EQ(Icon(c.name).copy(0, 0, 13, 24), Icon(c.plain).copy(0, 0, 13, 24)) << c.name;
+  const std::tuple<const char*, const char*, QRgb> cases[] = {
+      {"SimulatorActive", "Simulator", qRgb(40, 180, 70)},
+      {"SimulatorIdle", "Simulator", qRgb(150, 156, 166)},
+      {"SimulatorDown", "Simulator", qRgb(226, 150, 30)},
+      {"NobodyActive", "Nobody", qRgb(40, 180, 70)}};
+  for (const auto& [name, plain, lamp] : cases) {
+    EXPECT_EQ(Icon(name).pixel(18, 18), lamp) << name;
+    EXPECT_EQ(Icon(name).copy(0, 0, 13, 24), Icon(plain).copy(0, 0, 13, 24)) << name;
   }
   EXPECT_NE(Icon("Nobody").copy(5, 5, 14, 14), Icon("TZebra").copy(5, 5, 14, 14));
   EXPECT_NE(Icon("./ChannelImage"), Icon("ChannelImage"));

@@ -1,19 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <QHelpEvent>
-#include <QMenu>
-#include <QSignalSpy>
-#include <QTest>
-#include <QToolTip>
-#include <functional>
-#include <limits>
+#include "components/controls/Linkedcontrols.h"
 
 #include "components/channels/Channelset.h"
-#include "components/controls/Linkedcontrols.h"
 #include "components/graphing/Graph.h"
 #include "model/Datetime.h"
-#include "model/Timer.h"
-#include "tests/support/Testsupport.h"
+#include "tests/support/Testing.h"
 
 namespace {
 
@@ -21,9 +11,7 @@ constexpr double kStart = 45'000.25;
 constexpr double kSecond = 1.0 / kSecondsPerDay;
 
 /// 100 ms of the timer service: one delivery of a link.
-void Tick() {
-  for (int i = 0; i < 10; ++i) TTimerServer::Instance()->Timer();
-}
+void Deliver() { Tick(10); }
 
 /// A mast whose blocks are single rows: wind speed, direction without a unit, temperature.
 struct Linked : testing::Test {
@@ -65,12 +53,7 @@ struct LinkedLabel : Linked {
 
 TEST_F(LinkedLabel, IsComposedInItsOrderWithinBracketsWhileNothingIsLinked) {
   enum { kLabel = 1, kValue = 2, kUnits = 4, kDescription = 8 };
-  const struct {
-    const char* name;
-    const char* units;
-    int shown;
-    const char* text;
-  } cases[] = {
+  const std::tuple<const char*, const char*, int, const char*> cases[] = {
       {"Speed", "m/s", kLabel | kValue | kUnits, "<Speed : 12.5 m/s>"},
       {"Speed", "m/s", kValue | kUnits, "<12.5 m/s>"},
       {"", "m/s", kLabel | kValue | kUnits, "<12.5 m/s>"},
@@ -85,19 +68,23 @@ TEST_F(LinkedLabel, IsComposedInItsOrderWithinBracketsWhileNothingIsLinked) {
   };
   EXPECT_EQ(label.text(), "<0>");
   label.SetValue(12.5);
-  for (const auto& c : cases) {
-    label.SetLabel(c.name);
-    label.SetUnits(c.units);
-    label.SetShowLabel(c.shown & kLabel);
-    label.SetShowValue(c.shown & kValue);
-    label.SetShowUnits(c.shown & kUnits);
-    label.SetShowDescription(c.shown & kDescription);
-    EXPECT_EQ(label.text(), c.text);
+  for (const auto& [name, units, shown, text] : cases) {
+    label.SetLabel(name);
+    label.SetUnits(units);
+    label.SetShowLabel(shown & kLabel);
+    label.SetShowValue(shown & kValue);
+    label.SetShowUnits(shown & kUnits);
+    label.SetShowDescription(shown & kDescription);
+    EXPECT_EQ(label.text(), text);
   }
   TNumberFormat fixed;
   fixed.SetFormat(TNumberFormat::ffFixed);
   label.SetFormat(&fixed);
   EXPECT_EQ(label.text(), "<Speed : 12.50 m/s (Last minute: Mean)>");
+  label.SetValue(kNan);
+  EXPECT_EQ(label.text(), "<Speed : NAN m/s (Last minute: Mean)>");
+  label.GetFormat()->SetIsTimeFormat(true);
+  EXPECT_EQ(label.text(), "<Speed : Error m/s (Last minute: Mean)>");
 }
 
 TEST_F(LinkedLabel, TakesNameUnitFormatAndEachNewValueOfItsChannel) {
@@ -105,20 +92,26 @@ TEST_F(LinkedLabel, TakesNameUnitFormatAndEachNewValueOfItsChannel) {
   EXPECT_FALSE(link.GetEnabled());
   Choose("Speed");
   EXPECT_TRUE(link.GetEnabled());
-  Tick();
+  Deliver();
   EXPECT_EQ(label.text(), "<Speed : 0.0 m/s>");  // it has measured nothing
   Row(0.0, 4.0, 0.0);
-  Tick();
+  Deliver();
   EXPECT_EQ(label.text(), "Speed : 4.0 m/s");
   Row(0.1, 8.0, 0.0);
-  Tick();
+  Deliver();
   EXPECT_EQ(label.text(), "Speed : 6.0 m/s");  // the mean of what there is of this second
   label.SetShowDescription(true);
   link.GetOptions()->SetValueType(svMax);
   EXPECT_EQ(label.text(), "Speed : 8.0 m/s (Last minute: Max)");
-  Tick();  // nothing new, and valid all the same
+  Deliver();  // nothing new, and valid all the same
   EXPECT_EQ(label.text(), "Speed : 8.0 m/s (Last minute: Max)");
   label.SetShowDescription(false);
+  link.GetOptions()->SetValueType(svTime);
+  label.GetFormat()->SetTimeFormatStr("yyyy-mm-dd hh:nn:ss");
+  Deliver();
+  EXPECT_EQ(label.text(), "Speed : 2023-03-15 06:00:00");
+  link.GetOptions()->SetValueType(svMax);
+  Deliver();
 
   Channel(0)->SetLabel("Gusts");
   Channel(0)->SetUnits("kn");
@@ -135,53 +128,37 @@ TEST_F(LinkedLabel, DoesNotPassTheValueOfOneChannelOffAsThatOfAnother) {
   Channel(2)->GetStats()->SetMinInterval(si1_Hour);
   Row(0.0, 4.0, 90.0, 20.0);
   Choose("Speed");
-  Tick();
+  Deliver();
   EXPECT_TRUE(label.IsValid());
   Choose("Temperature");  // keeps no seconds: there is nothing to show
   for (int ticks = 0; ticks < 2; ++ticks) {
     EXPECT_EQ(label.text(), "<Temperature : 0 C>");
-    Tick();
+    Deliver();
   }
   link.GetOptions()->SetSelInterval(si1_Hour);
-  Tick();
+  Deliver();
   EXPECT_EQ(label.text(), "Temperature : 20 C");
   link.GetOptions()->SetSelInterval(si1_Second);
-  Tick();
+  Deliver();
   EXPECT_EQ(label.text(), "<Temperature : 0 C>");
-}
-
-TEST_F(LinkedLabel, ShowsATimeStampAsATime) {
-  Row(0.0, 4.0, 90.0);
-  Choose("Speed");
-  link.GetOptions()->SetValueType(svTime);
-  label.GetFormat()->SetTimeFormatStr("yyyy-mm-dd hh:nn:ss");
-  Tick();
-  EXPECT_EQ(label.text(), "Speed : 2023-03-15 06:00:00");
 }
 
 TEST_F(LinkedLabel, OutlivesChannelSetAndSource) {
   Choose("Temperature");
   Row(0.0, 1.0, 2.0, 3.0);
-  Tick();
+  Deliver();
   set->DeleteChannel(2);
   EXPECT_EQ(label.text(), "<Temperature : 3 C>");
   Choose("Direction");
   link.GetOptions()->SetValueType(svMax);
   Row(0.1, 1.0, 7.0);
-  Tick();
+  Deliver();
   EXPECT_EQ(label.text(), "Direction : 7");
   source.reset();
   EXPECT_EQ(label.text(), "<Direction : 7>");
-  Tick();
+  Deliver();
   link.DoOnData(nullptr);
   EXPECT_EQ(label.text(), "<Direction : 7>");
-}
-
-TEST_F(LinkedLabel, ShowsWhatIsNoNumber) {
-  label.SetValue(std::numeric_limits<double>::quiet_NaN());
-  EXPECT_EQ(label.text(), "<NAN>");
-  label.GetFormat()->SetIsTimeFormat(true);
-  EXPECT_EQ(label.text(), "<Error>");
 }
 
 TEST_F(LinkedLabel, ADoubleClickChoosesTheChannel) {
@@ -228,16 +205,7 @@ TEST_F(LinkedLabel, TellsATextThatIsCutOff) {
   };
   EXPECT_EQ(tip(), "<p>&lt;Wind speed at the top of the mast : 0&gt;</p>");
   const auto ink = [this] {
-    QImage image(label.size(), QImage::Format_RGB32);
-    image.fill(Qt::white);
-    label.render(&image, {}, {}, QWidget::RenderFlags());
-    int last = 0;
-    for (int x = 0; x < image.width(); ++x) {
-      for (int y = 0; y < image.height(); ++y) {
-        if (image.pixel(x, y) != qRgb(255, 255, 255)) last = x;
-      }
-    }
-    return last;
+    return InkBox(label.grab().toImage(), label.palette().window().color()).right();
   };
   EXPECT_LT(ink(), 60 - 1);  // dots, and no half letter at the edge
   EXPECT_GT(ink(), 40);
@@ -253,15 +221,13 @@ struct LinkedGraph : Linked {
     plot.GetGraphLink()->SetGraph(&graph);
     for (auto* options : {link.GetOptions1(), link.GetOptions2()}) options->SetValueType(svMax);
   }
-  void ChooseX(const char* channel) {
+  void Choose(const char* x, const char* y) {
     link.SetChannelSource(source.get());
-    link.GetChannelSet1()->SetItem("Mast");
-    link.GetChannel1()->SetItem(channel);
-  }
-  void ChooseY(const char* channel) {
-    link.SetChannelSource(source.get());
-    link.GetChannelSet2()->SetItem("Mast");
-    link.GetChannel2()->SetItem(channel);
+    for (TSelectedCollItem* sets : {link.GetChannelSet1(), link.GetChannelSet2()}) {
+      sets->SetItem("Mast");
+    }
+    link.GetChannel1()->SetItem(x);
+    link.GetChannel2()->SetItem(y);
   }
   QString TitleX() const { return graph.GetHorizontalAx()->GetTitle()->GetCaption(); }
   QString TitleY() const { return graph.GetVerticalAx()->GetTitle()->GetCaption(); }
@@ -273,17 +239,17 @@ struct LinkedGraph : Linked {
 };
 
 TEST_F(LinkedGraph, AddsAPointWithEachDeliveryOnceBothChannelsAreSet) {
-  ChooseX("Speed");
+  Choose("Speed", "nobody");
   Row(0.0, 1.0, 10.0);
   link.DoOnData(nullptr);
   EXPECT_EQ(data.Count(), 0);
   EXPECT_FALSE(link.GetEnabled());
-  ChooseY("Direction");
+  link.GetChannel2()->SetItem("Direction");
   EXPECT_TRUE(link.GetEnabled());
   for (int i = 0; i < 3; ++i) {
     Row(0.1 * i + 0.1, 2.0 + i, 20.0 + i);
-    Tick();
-    Tick();  // nothing new
+    Deliver();
+    Deliver();  // nothing new
   }
   ASSERT_EQ(data.Count(), 3);
   EXPECT_EQ(data.Get(0), (TCoordinate{2.0, 20.0}));
@@ -302,14 +268,11 @@ TEST_F(LinkedGraph, AddsAPointWithEachDeliveryOnceBothChannelsAreSet) {
 }
 
 TEST_F(LinkedGraph, BeginsAnewWithAnotherChannelOrValue) {
-  ChooseX("Speed");
-  ChooseY("Direction");
-  const struct {
-    std::function<void()> change;
-    int left;
-  } cases[] = {
-      {[this] { ChooseY("Temperature"); }, 0},
-      {[this] { ChooseX("Direction"); }, 0},
+  Choose("Speed", "Direction");
+  // Changes, and how many points they leave.
+  const std::pair<std::function<void()>, int> cases[] = {
+      {[this] { link.GetChannel2()->SetItem("Temperature"); }, 0},
+      {[this] { link.GetChannel1()->SetItem("Direction"); }, 0},
       {[this] { link.GetOptions1()->SetValueType(svMin); }, 0},
       {[this] { link.GetOptions2()->SetSelInterval(si1_Minute); }, 0},
       {[this] { link.GetChannel2()->SetItem("nobody"); }, 1},
@@ -317,31 +280,29 @@ TEST_F(LinkedGraph, BeginsAnewWithAnotherChannelOrValue) {
       {[this] { Channel(2)->SetLabel("Warmth"); }, 1},
   };
   double at = 0.0;
-  for (const auto& c : cases) {
+  for (const auto& [change, left] : cases) {
     at += 61.0;
     if (data.Count() == 0) Row(at, 1.0 + at, 2.0 + at, 3.0 + at);
-    Tick();
+    Deliver();
     ASSERT_EQ(data.Count(), 1);
-    c.change();
-    EXPECT_EQ(data.Count(), c.left);
+    change();
+    EXPECT_EQ(data.Count(), left);
   }
   // A channel without such a history has no values, and not those of the former one.
   Channel(1)->GetStats()->SetMinInterval(si1_Hour);
-  ChooseX("Speed");
-  ChooseX("Direction");
+  for (const char* channel : {"Speed", "Direction"}) link.GetChannel1()->SetItem(channel);
   Row(at + 0.05, 4.0, 5.0, 6.0);
-  Tick();
+  Deliver();
   EXPECT_EQ(data.Count(), 0);
 }
 
 TEST_F(LinkedGraph, HasNoPointBeforeAnythingIsMeasured) {
   link.GetOptions1()->SetValueType(svTime);
-  ChooseX("Speed");
-  ChooseY("Speed");
-  Tick();
+  Choose("Speed", "Speed");
+  Deliver();
   EXPECT_EQ(data.Count(), 0);
   Row(0.0, 5.0, 0.0);
-  Tick();
+  Deliver();
   ASSERT_EQ(data.Count(), 1);
   EXPECT_EQ(data.Get(0), (TCoordinate{kStart, 5.0}));
 }
@@ -350,11 +311,11 @@ TEST_F(LinkedGraph, NamesTheAxesAfterTheChannelsAndTheirScalesAfterTheSelectors)
   graph.GetHorizontalAx()->GetTitle()->SetCaption("my x");
   graph.GetVerticalAx()->GetTitle()->SetCaption("my y");
   graph.GetVerticalAx()->SetScale(TAxis::asTime);
-  ChooseX("Speed");
+  Choose("Speed", "nobody");
   EXPECT_EQ(TitleX(), "Speed [m/s]");
   EXPECT_EQ(TitleY(), "my y");  // no channel, no change
   EXPECT_EQ(graph.GetVerticalAx()->GetScale(), TAxis::asTime);
-  ChooseY("Direction");
+  link.GetChannel2()->SetItem("Direction");
   EXPECT_EQ(TitleY(), "Direction");
   EXPECT_EQ(graph.GetVerticalAx()->GetScale(), TAxis::asLinear);
 
@@ -378,27 +339,21 @@ TEST_F(LinkedGraph, NamesTheAxesAfterTheChannelsAndTheirScalesAfterTheSelectors)
 }
 
 TEST_F(LinkedGraph, KeepsTheNewestPointsAndDrawsThemWhileUpdating) {
-  ChooseX("Speed");
-  ChooseY("Direction");
-  plot.SetMaxPoints(2);
-  plot.SetMaxPoints(-1);
-  plot.SetMaxPoints(65'537);
+  Choose("Speed", "Direction");
+  for (const int most : {2, -1, 65'537}) plot.SetMaxPoints(most);
   EXPECT_EQ(plot.GetMaxPoints(), 2);
   QSignalSpy drawn(plot.GetGraphLink(), &TGraphLink::OnUpdate);
   for (int i = 1; i <= 3; ++i) {
     plot.SetUpdating(i != 2);
     Row(0.1 * i, i, 10.0 * i);
-    Tick();
+    Deliver();
   }
   EXPECT_EQ(drawn.count(), 2);
   EXPECT_EQ(data.Count(), 2);
-  int index = 0;
+  std::vector<TCoordinate> points;
   TCoordinate point, extent;
-  ASSERT_TRUE(plot.ProvideGraphData(index, point, extent));
-  EXPECT_EQ(point, (TCoordinate{2.0, 20.0}));
-  ASSERT_TRUE(plot.ProvideGraphData(index, point, extent));
-  EXPECT_EQ(point, (TCoordinate{3.0, 30.0}));
-  EXPECT_FALSE(plot.ProvideGraphData(index, point, extent));
+  for (int index = 0; plot.ProvideGraphData(index, point, extent);) points.push_back(point);
+  EXPECT_THAT(points, testing::ElementsAre(TCoordinate{2.0, 20.0}, TCoordinate{3.0, 30.0}));
   plot.SetMaxPoints(1);
   EXPECT_EQ(data.Get(0), (TCoordinate{3.0, 30.0}));
   plot.SetMaxPoints(0);
@@ -406,22 +361,21 @@ TEST_F(LinkedGraph, KeepsTheNewestPointsAndDrawsThemWhileUpdating) {
 }
 
 TEST_F(LinkedGraph, OutlivesGraphChannelAndSource) {
-  ChooseX("Speed");
-  ChooseY("Direction");
+  Choose("Speed", "Direction");
   {
     TKorvalGraph doomed;
     plot.GetGraphLink()->SetGraph(&doomed);
-    Row(0.0, 1.0, std::numeric_limits<double>::quiet_NaN());
-    Tick();
+    Row(0.0, 1.0, kNan);
+    Deliver();
     doomed.grab();
   }
   Row(0.1, 2.0, 2.0);
-  Tick();
+  Deliver();
   set->DeleteChannel(1);
   EXPECT_FALSE(link.GetEnabled());
-  Tick();
+  Deliver();
   source.reset();
-  Tick();
+  Deliver();
   EXPECT_EQ(plot.GetAxisCaptionX(), "");
 }
 

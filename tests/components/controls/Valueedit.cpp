@@ -1,21 +1,10 @@
 #include "components/controls/Valueedit.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QLineEdit>
-#include <QSignalSpy>
-#include <QTest>
-#include <QWheelEvent>
-#include <limits>
-
 #include "components/channels/Variable.h"
 #include "components/graphing/Formatsettings.h"
+#include "tests/support/Testing.h"
 
 namespace {
-
-using testing::HasSubstr;
 
 /// A form with a value edit that has the focus, and a field beside it.
 struct ValueEdit : testing::Test {
@@ -45,60 +34,56 @@ struct ValueEdit : testing::Test {
 
 TEST_F(ValueEdit, ChecksWhileOneTypesAndTakesOnEnter) {
   edit.SetUnits("mm");
-  const struct {
-    const char* text;
-    const char* fault;
-    double value;
-  } cases[] = {{"5", "", 5.0},
-               {" 7.25 ", "", 7.25},
-               {"1e1 mm", "", 10.0},
-               {"100", "", 100.0},
-               {"101", "Must lie between 0 and 100", 100.0},
-               {"-1", "Must lie between 0 and 100", 100.0},
-               {"", "Not a number", 100.0},
-               {"3,5", "Not a number", 100.0},
-               {"five", "Not a number", 100.0},
-               {"1e999", "Not a number", 100.0},
-               {"nan", "Not a number", 100.0},
-               {"42", "", 42.0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    Type(c.text);
-    if (!*c.text) QTest::keyClick(&edit, Qt::Key_Delete);
-    EXPECT_EQ(edit.Fault(), c.fault);
-    EXPECT_EQ(field.toolTip(), c.fault);
+  QSignalSpy finished(&edit, &TValueEdit::editingFinished);
+  const std::tuple<const char*, const char*, double> cases[] = {
+      {"5", "", 5.0},
+      {" 7.25 ", "", 7.25},
+      {"1e1 mm", "", 10.0},
+      {"0", "", 0.0},
+      {"100", "", 100.0},
+      {"101", "Must lie between 0 and 100", 100.0},
+      {"-1", "Must lie between 0 and 100", 100.0},
+      {"", "Not a number", 100.0},
+      {"3,5", "Not a number", 100.0},
+      {"five", "Not a number", 100.0},
+      {"1e999", "Not a number", 100.0},
+      {"nan", "Not a number", 100.0},
+      {"42", "", 42.0}};
+  for (const auto& [text, fault, value] : cases) {
+    SCOPED_TRACE(text);
+    Type(text);
+    if (!*text) QTest::keyClick(&edit, Qt::Key_Delete);
+    EXPECT_EQ(edit.Fault(), fault);
+    EXPECT_EQ(field.toolTip(), fault);
     const QColor base = field.palette().color(QPalette::Base);
-    EXPECT_EQ(base == QColor(255, 214, 214), *c.fault != 0);
+    EXPECT_EQ(base == QColor(255, 214, 214), *fault != 0);
+    finished.clear();
     QTest::keyClick(&edit, Qt::Key_Return);
-    EXPECT_EQ(edit.GetValue(), c.value);
-    if (*c.fault) {
-      EXPECT_EQ(field.text(), c.text);  // to be mended
+    EXPECT_EQ(finished.count(), *fault ? 0 : 1);
+    EXPECT_EQ(edit.GetValue(), value);
+    if (*fault) {
+      EXPECT_EQ(field.text(), text);  // to be mended
     }
   }
   EXPECT_EQ(field.text(), "42");
 }
 
-TEST_F(ValueEdit, EscapeBringsTheValueBack) {
+TEST_F(ValueEdit, EscapeBringsTheValueBackAndLeavingTakesWhatIsRight) {
   QSignalSpy changes(&edit, &TValueEdit::OnChange);
-  Type("55");
-  QTest::keyClick(&edit, Qt::Key_Escape);
-  EXPECT_EQ(field.text(), "20");
-  Type("x");
-  QTest::keyClick(&edit, Qt::Key_Escape);
-  EXPECT_EQ(field.text(), "20");
+  for (const char* text : {"55", "x"}) {
+    Type(text);
+    QTest::keyClick(&edit, Qt::Key_Escape);
+    EXPECT_EQ(field.text(), "20");
+  }
   EXPECT_EQ(edit.Fault(), "");
   EXPECT_EQ(changes.count(), 0);
-}
-
-TEST_F(ValueEdit, LeavingTakesWhatIsRightAndForgetsWhatIsNot) {
-  Type("55");
-  other.setFocus();
-  EXPECT_EQ(edit.GetValue(), 55.0);
-  edit.setFocus();
-  Type("555");
-  other.setFocus();
-  EXPECT_EQ(edit.GetValue(), 55.0);
-  EXPECT_EQ(field.text(), "55");
+  for (const char* text : {"55", "555"}) {
+    edit.setFocus();
+    Type(text);
+    other.setFocus();
+    EXPECT_EQ(edit.GetValue(), 55.0);
+    EXPECT_EQ(field.text(), "55");
+  }
   EXPECT_EQ(edit.Fault(), "");
 }
 
@@ -111,34 +96,27 @@ TEST_F(ValueEdit, StepsByKeysAndWheelWithinItsLimits) {
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&edit, &event);
   };
-  const struct {
-    const char* name;
-    std::function<void()> step;
-    double value;
-  } cases[] = {
-      {"up", [this] { QTest::keyClick(&edit, Qt::Key_Up); }, 20.1},
-      {"up again", [this] { QTest::keyClick(&edit, Qt::Key_Up); }, 20.2},
-      {"and again", [this] { QTest::keyClick(&edit, Qt::Key_Up); }, 20.3},
-      {"down", [this] { QTest::keyClick(&edit, Qt::Key_Down); }, 20.2},
-      {"page up", [this] { QTest::keyClick(&edit, Qt::Key_PageUp); }, 21.2},
-      {"page down", [this] { QTest::keyClick(&edit, Qt::Key_PageDown); }, 20.2},
-      {"wheel", [&] { wheel(2); }, 20.4},
-      {"wheel back", [&] { wheel(-1); }, 20.3},
-      {"from a typed value", [this] { Type("99.95"), QTest::keyClick(&edit, Qt::Key_Up); }, 100.0},
-      {"at the limit", [this] { QTest::keyClick(&edit, Qt::Key_Up); }, 100.0},
-      {"from no number", [this] { Type("no"), QTest::keyClick(&edit, Qt::Key_Down); }, 99.9},
-      {"from outside", [this] { Type("500"), QTest::keyClick(&edit, Qt::Key_Down); }, 100.0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    c.step();
-    EXPECT_EQ(edit.GetValue(), c.value);  // without the noise of sums
+  const std::tuple<const char*, Qt::Key, double> cases[] = {
+      // behind what is typed
+      {"", Qt::Key_Up, 20.1},       {"", Qt::Key_Up, 20.2},      {"", Qt::Key_Up, 20.3},
+      {"", Qt::Key_Down, 20.2},     {"", Qt::Key_PageUp, 21.2},  {"", Qt::Key_PageDown, 20.2},
+      {"99.95", Qt::Key_Up, 100.0}, {"", Qt::Key_Up, 100.0},  // at the limit
+      {"no", Qt::Key_Down, 99.9},   {"500", Qt::Key_Down, 100.0}};
+  for (const auto& [typed, key, value] : cases) {
+    SCOPED_TRACE(value);
+    if (*typed) Type(typed);
+    QTest::keyClick(&edit, key);
+    EXPECT_EQ(edit.GetValue(), value);  // without the noise of sums
     EXPECT_EQ(edit.Fault(), "");
   }
+  wheel(-2);
+  EXPECT_EQ(edit.GetValue(), 99.8);
+  wheel(1);
+  EXPECT_EQ(edit.GetValue(), 99.9);
   edit.setReadOnly(true);
   QTest::keyClick(&edit, Qt::Key_Down);
   wheel(-1);
-  EXPECT_EQ(edit.GetValue(), 100.0);
+  EXPECT_EQ(edit.GetValue(), 99.9);
 }
 
 TEST_F(ValueEdit, WhatIsOnlyLookedAtIsNotRounded) {
@@ -190,6 +168,8 @@ TEST_F(ValueEdit, FeedsAControlAndRefusesWhatItsOwnerRefuses) {
   TVariable target(&form);
   edit.GetOutput()->SetDataControl(&target);
   edit.OnValidate = [](double value) { return value != 13.0; };
+  QObject::connect(&edit, &TValueEdit::OnChange, &target,
+                   [&] { EXPECT_EQ(target.GetValue(), edit.GetValue()); });
   Type("30");
   EXPECT_EQ(target.GetValue(), 20.0);  // not yet
   QTest::keyClick(&edit, Qt::Key_Return);
@@ -221,7 +201,7 @@ TEST_F(ValueEdit, ShowsAControlButNotOverWhatIsTyped) {
   QApplication::processEvents();
   EXPECT_EQ(field.text(), "420");
   EXPECT_EQ(edit.Fault(), "Must lie between 0 and 100");
-  source.SetValue(std::numeric_limits<double>::quiet_NaN());
+  source.SetValue(kNan);
   QApplication::processEvents();
   EXPECT_EQ(field.text(), "NAN");
   EXPECT_EQ(edit.Fault(), "Not a number");
