@@ -64,27 +64,25 @@ TEST(Hostileforms, OpenNothingAndSayWhatIsWrong) {
     panel->Root()->resize(300, 200);
     EXPECT_FALSE(panel->Root()->grab().isNull());
     if (name == QLatin1String("pictures.ui") || name == QLatin1String("richtexts.ui")) {
-      auto* label = panel->Root()->findChild<QLabel*>("inside");
-      label->adjustSize();
-      EXPECT_EQ(CountPixels(label->grab().toImage(), Qt::red), 3 * 2);
+      auto& label = Child<QLabel>(*panel->Root(), "inside");
+      label.adjustSize();
+      EXPECT_EQ(CountPixels(label.grab().toImage(), Qt::red), 3 * 2);
     }
   }
 }
 
 TEST(Hostileforms, AreOpenedFromOrdinaryFilesOnly) {
   const QString folder = PanelFolder();
-  const struct {
-    QString file;
-    const char* why;
-  } cases[] = {{folder + "/pipe", "it is no file"},
-               {folder + "/socket", "it is no file"},
-               {folder, "it is a folder"},
-               {"/dev/zero", "it is no file"},
-               {folder + "/gone.ui", "No such file or directory"}};
-  for (const auto& c : cases) {
+  const std::pair<QString, const char*> cases[] = {
+      {folder + "/pipe", "it is no file"},
+      {folder + "/socket", "it is no file"},
+      {folder, "it is a folder"},
+      {"/dev/zero", "it is no file"},
+      {folder + "/gone.ui", "No such file or directory"}};
+  for (const auto& [file, why] : cases) {
     QStringList faults;
-    EXPECT_FALSE(TPanel::Load(c.file, &faults));
-    EXPECT_THAT(faults, ElementsAre("Cannot read " + c.file + ": " + c.why));
+    EXPECT_FALSE(TPanel::Load(file, &faults));
+    EXPECT_THAT(faults, ElementsAre("Cannot read " + file + ": " + why));
   }
 }
 
@@ -115,31 +113,27 @@ TEST(Hostileforms, WhatAFileIsCalledIsShownAsItIs) {
       &faults);
   ASSERT_TRUE(panel);
   for (const char* name : {"i", "h"}) {
-    const QString tip = panel->Root()->findChild<QWidget*>(name)->toolTip();
+    const QString tip = Child<QWidget>(*panel->Root(), name).toolTip();
     EXPECT_THAT(tip.toStdString(), HasSubstr("&lt;img"));
   }
-  auto* image = panel->Root()->findChild<TImageControl*>("i");
-  image->SetImageFile(QString(900'000, 'x'));
-  EXPECT_LT(image->Fault().size(), 1000);
+  auto& image = Child<TImageControl>(*panel->Root());
+  image.SetImageFile(QString(900'000, 'x'));
+  EXPECT_LT(image.Fault().size(), 1000);
 }
 
 /// Widgets that set each other off, through what the connections say.
 TEST(Hostileforms, AChainThatComesBackIsCutAndSaidOnce) {
-  QString form = FormOf(R"(<widget class="TXMLFileClient" name="file"/>
+  const QString form =
+      FormOf(R"(<widget class="TXMLFileClient" name="file"/>
 <widget class="QCheckBox" name="a"/>
 <widget class="QCheckBox" name="b"/><widget class="QSpinBox" name="s"/>
 <widget class="QSpinBox" name="t"><property name="maximum"><number>5</number></property></widget>
-)");
-  QString connections = "<connections>\n";
-  for (const char* ends :
-       {"a toggled(bool) b toggle()", "b toggled(bool) a toggle()",
-        "s valueChanged(int) t setValue(int)", "t valueChanged(int) s setValue(int)",
-        "file OnStatusText(QString) file Open()"}) {
-    connections += ConnectionOf(ends);
-  }
+)",
+             {"a toggled(bool) b toggle()", "b toggled(bool) a toggle()",
+              "s valueChanged(int) t setValue(int)", "t valueChanged(int) s setValue(int)",
+              "file OnStatusText(QString) file Open()"});
   QStringList faults;
-  const auto panel =
-      TPanel::FromText(form.replace("</ui>", connections + "</connections></ui>"), "p.ui", &faults);
+  const auto panel = TPanel::FromText(form, "p.ui", &faults);
   ASSERT_TRUE(panel);
   EXPECT_THAT(faults, ElementsAre());
   const auto told = [](const char* who) {
@@ -148,17 +142,14 @@ TEST(Hostileforms, AChainThatComesBackIsCutAndSaidOnce) {
     const QString end = ": it leads back to where it began, and is taken out";
     EXPECT_EQ(text, *who ? "p.ui:" + QString(who) + end : QString());
   };
-  auto* a = panel->Root()->findChild<QCheckBox*>("a");
-  a->click();
-  a->click();
+  for (int click = 0; click < 2; ++click) Child<QCheckBox>(*panel->Root(), "a").click();
   told("11: connection from a to b");
   // One that follows the other, which has a limit, is corrected.
-  panel->Root()->findChild<QSpinBox*>("s")->setValue(9);
-  EXPECT_EQ(panel->Root()->findChild<QSpinBox*>("s")->value(), 5);
+  auto& free = Child<QSpinBox>(*panel->Root(), "s");
+  free.setValue(9);
+  EXPECT_EQ(free.value(), 5);
   told("");
-  auto* file = panel->Root()->findChild<TXMLFileClient*>("file");
-  file->Open();
-  file->Open();
+  for (int time = 0; time < 2; ++time) Child<TXMLFileClient>(*panel->Root()).Open();
   told("15: connection from file to file");
 }
 

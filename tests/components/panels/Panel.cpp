@@ -16,11 +16,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-template <class T>
-T* Find(const TPanel& panel, const QString& name) {
-  return panel.Root()->findChild<T*>(name);
-}
-
 TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
   QStringList faults;
   const auto panel = LoadForm(
@@ -41,18 +36,21 @@ TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
       &faults);
   ASSERT_TRUE(panel);
   EXPECT_THAT(faults, ElementsAre());
-  auto* channel = Find<TDataChannel>(*panel, "speed");
-  auto* graph = Find<TKorvalGraph>(*panel, "plot");
-  ASSERT_TRUE(channel && graph);
-  EXPECT_EQ(channel->GetScaleFactor(), 2.5);
-  EXPECT_EQ(channel->GetLimitMin(), -10.0);
-  EXPECT_EQ(channel->GetLimitMax(), -5.0);
-  EXPECT_EQ(channel->GetOptions().toInt(), 3);
-  EXPECT_EQ(channel->GetGraphLink()->GetGraph(), graph);
-  EXPECT_EQ(channel->GetClientControls()->Get(0), Find<TVariable>(*panel, "value"));
-  EXPECT_FALSE(channel->IsLoading());
-  EXPECT_EQ(graph->GetColor(), TColor::FromRgb(0x10, 0x20, 0x30));
-  EXPECT_EQ(graph->GetHorizontalAx()->GetTitle()->GetCaption(), QString::fromUtf8("t < ä"));
+  auto& channel = Child<TDataChannel>(*panel->Root(), "speed");
+  auto& graph = Child<TKorvalGraph>(*panel->Root(), "plot");
+  TAxisTitle& title = *graph.GetHorizontalAx()->GetTitle();
+  EXPECT_EQ(channel.GetScaleFactor(), 2.5);
+  EXPECT_EQ(channel.GetLimitMin(), -10.0);
+  EXPECT_EQ(channel.GetLimitMax(), -5.0);
+  EXPECT_EQ(channel.GetOptions().toInt(), 3);
+  EXPECT_EQ(channel.GetGraphLink()->GetGraph(), &graph);
+  EXPECT_EQ(channel.GetClientControls()->Get(0), &Child<TVariable>(*panel->Root(), "value"));
+  EXPECT_FALSE(channel.IsLoading());
+  EXPECT_EQ(graph.GetColor(), TColor::FromRgb(0x10, 0x20, 0x30));
+  EXPECT_EQ(title.GetCaption(), QString::fromUtf8("t < ä"));
+  // No file holds these characters.
+  title.SetCaption(QString("t\1") + QChar(0xfffe) + QChar(0xffff));
+  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<string>t\?\?\?</string>"));
 }
 
 TEST(Panel, ClientsOfRowsStartOnceEverythingIsThere) {
@@ -75,26 +73,23 @@ TEST(Panel, ClientsOfRowsStartOnceEverythingIsThere) {
                               &faults);
   ASSERT_TRUE(panel);
   EXPECT_THAT(faults, ElementsAre());
-  auto* record = Find<TXMLFileClient>(*panel, "record");
-  EXPECT_TRUE(record->GetActive());
-  EXPECT_TRUE(record->GetLogging());
-  EXPECT_EQ(record->GetChannelSource(), Find<TChannelSource>(*panel, "rows"));
-  EXPECT_EQ(Find<TQLXMasterClient>(*panel, "device")->GetPort()->GetPortNum(), "COM16");
+  auto& record = Child<TXMLFileClient>(*panel->Root());
+  EXPECT_TRUE(record.GetActive());
+  EXPECT_TRUE(record.GetLogging());
+  EXPECT_EQ(record.GetChannelSource(), &Child<TChannelSource>(*panel->Root()));
+  EXPECT_EQ(Child<TQLXMasterClient>(*panel->Root()).GetPort()->GetPortNum(), "COM16");
   EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<property name=\"Active\""));
 }
 
 TEST(Panel, MakesTheConnectionsOfAForm) {
-  QString form = FormOf(R"(<widget class="QCheckBox" name="box"/>
+  const QString form = FormOf(
+      R"(<widget class="QCheckBox" name="box"/><widget class="QLineEdit" name="line"/>
 <widget class="TDataChannel" name="c"/><widget class="QLabel" name="label"/>
-)");
-  QString connections = "<connections>\n";
-  for (const char* ends :
-       {"box toggled(bool) label setDisabled(bool)", "box clicked() c ResetChannel()",
-        "box clicked() c Explode()", "box burnt() c ResetChannel()",
-        "nobody clicked() c ResetChannel()", "box clicked() label setDisabled(bool)"}) {
-    connections += ConnectionOf(ends);
-  }
-  form.replace("</ui>", connections + "</connections></ui>");
+)",
+      {"box toggled(bool) label setDisabled(bool)", "box clicked() c ResetChannel()",
+       "box clicked() c Explode()", "box burnt() c ResetChannel()",
+       "nobody clicked() c ResetChannel()", "box clicked() label setDisabled(bool)",
+       "line textChanged(QString) label setText(QString)"});
   QStringList faults;
   const auto panel = TPanel::FromText(form, "p.ui", &faults);
   ASSERT_TRUE(panel);
@@ -103,12 +98,13 @@ TEST(Panel, MakesTheConnectionsOfAForm) {
 p.ui:12: connection from box to c: QCheckBox has no signal burnt()
 p.ui:13: connection from nobody to c: there is no object nobody
 p.ui:14: connection from box to label: setDisabled(bool) does not fit clicked())");
-  auto* channel = Find<TDataChannel>(*panel, "c");
-  channel->SetValue(1.0);
-  ASSERT_EQ(channel->GetPointCount(), 1);
-  Find<QCheckBox>(*panel, "box")->click();
-  EXPECT_EQ(channel->GetPointCount(), 0);
-  EXPECT_FALSE(Find<QLabel>(*panel, "label")->isEnabled());
+  auto& channel = Child<TDataChannel>(*panel->Root());
+  channel.SetValue(1.0);
+  ASSERT_EQ(channel.GetPointCount(), 1);
+  Child<QCheckBox>(*panel->Root()).click();
+  EXPECT_EQ(channel.GetPointCount(), 0);
+  EXPECT_FALSE(Child<QLabel>(*panel->Root()).isEnabled());
+  EXPECT_EQ(Child<QLabel>(*panel->Root()).textFormat(), Qt::PlainText);
   EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<slot>Explode()</slot>"));
 }
 
@@ -123,22 +119,19 @@ TEST(Panel, RelativeFileNamesAreMeantFromTheFolderOfTheForm) {
   const auto panel = TPanel::Load(name, &faults);
   ASSERT_TRUE(panel);
   EXPECT_THAT(faults, ElementsAre());
-  auto* client = Find<TXMLFileClient>(*panel, "c");
-  client->SetActive(true);
-  EXPECT_EQ(client->GetStatus(), "File 'rows.packages' opened for reading");
-  EXPECT_EQ(client->GetFileName(), "rows.packages");
+  auto& client = Child<TXMLFileClient>(*panel->Root());
+  client.SetActive(true);
+  EXPECT_EQ(client.GetStatus(), "File 'rows.packages' opened for reading");
+  EXPECT_EQ(client.GetFileName(), "rows.packages");
   // A name that the class does not have, and the file says so, is for style sheets and the like.
-  EXPECT_EQ(client->property("role"), "input");
+  EXPECT_EQ(client.property("role"), "input");
 }
 
 /// The last of each group would take minutes or gigabytes if it were not noticed early.
 TEST(Panel, RefusesWhatIsNoFormOrWouldExhaustTheProgram) {
   QString crowded = "<ui>\n<widget class=\"QWidget\" name=\"p\" ";
   for (int i = 0; i < 500'000; ++i) crowded += QStringLiteral("a%1=\">\" ").arg(i);
-  const struct {
-    QString text;
-    const char* fault;
-  } cases[] = {
+  const std::pair<QString, const char*> cases[] = {
       {"", "p.ui: line 1: "},
       {"<html/>", "p.ui: line 1: this is no form file"},
       {"<ui>\n</ui>", "there is no widget in it"},
@@ -152,12 +145,12 @@ TEST(Panel, RefusesWhatIsNoFormOrWouldExhaustTheProgram) {
        "p.ui: line 20004: too many widgets"},
       {crowded + "/>\n</ui>", "p.ui: line 2: an element has more than 100 attributes"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.fault);
+  for (const auto& [text, fault] : cases) {
+    SCOPED_TRACE(fault);
     QStringList faults;
-    EXPECT_FALSE(TPanel::FromText(c.text, "p.ui", &faults));
+    EXPECT_FALSE(TPanel::FromText(text, "p.ui", &faults));
     ASSERT_EQ(faults.size(), 1);
-    EXPECT_THAT(faults[0].toStdString(), HasSubstr(c.fault));
+    EXPECT_THAT(faults[0].toStdString(), HasSubstr(fault));
   }
 }
 

@@ -33,14 +33,10 @@ struct TOpenPanel {
     window.show();
   }
 
-  template <class T>
-  T* Find(const char* name) {
-    return window.Panel().Root()->findChild<T*>(name);
-  }
-  TDataChannel& Channel() { return *Find<TDataChannel>("c"); }
+  TDataChannel& Channel() const { return Child<TDataChannel>(window); }
   /// The scale factor in the file.
   double Saved() const {
-    return TPanel::Load(file, nullptr)->Root()->findChild<TDataChannel*>("c")->GetScaleFactor();
+    return Child<TDataChannel>(*TPanel::Load(file, nullptr)->Root()).GetScaleFactor();
   }
 
   const QString file;
@@ -63,7 +59,7 @@ TEST(Panelwindow, ItsMenuSavesSettingsAndSamples) {
   MenuItem(open.window, "Save")->trigger();
   EXPECT_EQ(open.Saved(), 2.5);
   const auto again = TPanel::Load(open.file, nullptr);
-  const TFloatList& data = *again->Root()->findChild<TDataChannel*>("c")->GetData();
+  const TFloatList& data = *Child<TDataChannel>(*again->Root()).GetData();
   ASSERT_EQ(data.Count(), 1);
   EXPECT_EQ(data.GetValues(0, TFloatList::kValue), 10.0);
   EXPECT_TRUE(open.window.close());
@@ -71,27 +67,23 @@ TEST(Panelwindow, ItsMenuSavesSettingsAndSamples) {
 }
 
 TEST(Panelwindow, AsksOnlyAboutSettingsAndKeepsToTheAnswer) {
-  const struct {
-    TAnswer answer;
-    bool closes;
-    double saved;
-  } cases[] = {
+  const std::tuple<TAnswer, bool, double> cases[] = {
       {TAnswer::Cancel, false, 1.0}, {TAnswer::Discard, true, 1.0}, {TAnswer::Save, true, 3.0}};
-  for (const auto& c : cases) {
+  for (const auto& [answer, closes, saved] : cases) {
     TOpenPanel open;
-    open.answer = c.answer;
+    open.answer = answer;
     // Values come by themselves.
     open.Channel().SetValue(7.0);
-    open.Find<TVariable>("v")->SetValue(8.0);
+    Child<TVariable>(open.window).SetValue(8.0);
     EXPECT_TRUE(open.window.close());
     EXPECT_THAT(open.questions, ElementsAre());
 
     open.window.show();
     open.Channel().SetScaleFactor(3.0);
-    EXPECT_EQ(open.window.close(), c.closes);
+    EXPECT_EQ(open.window.close(), closes);
     EXPECT_THAT(open.questions,
                 ElementsAre("Settings of " + open.file + " have been changed. Save them?"));
-    EXPECT_EQ(open.Saved(), c.saved);
+    EXPECT_EQ(open.Saved(), saved);
   }
 }
 
@@ -157,7 +149,7 @@ TEST(Panelwindow, ReloadBringsTheFileBackAndKeepsThePanelIfThatIsSpoilt) {
 
 TEST(Panelwindow, ShowsComponentsWithoutAFaceOnRequest) {
   TOpenPanel open;
-  EXPECT_TRUE(open.Find<TKorvalGraph>("g")->isVisible());
+  EXPECT_TRUE(Child<TKorvalGraph>(open.window).isVisible());
   for (const bool shown : {false, true, false}) {
     EXPECT_EQ(open.Channel().isVisible(), shown);
     MenuItem(open.window, "Show components")->trigger();
@@ -180,8 +172,8 @@ TEST(Panelwindow, RunningChangesNoSettingOfAnyClass) {
         nullptr);
     ASSERT_TRUE(panel);
     const std::string before = panel->Settings().toStdString();
-    auto* source = panel->Root()->findChild<TDataChannel*>("source");
-    for (int i = 0; i < 300; ++i) source->SetTimeAndValue(i, i % 7 * 1000.0);
+    auto& source = Child<TDataChannel>(*panel->Root(), "source");
+    for (int i = 0; i < 300; ++i) source.SetTimeAndValue(i, i % 7 * 1000.0);
     panel->Root()->grab();
     QCoreApplication::processEvents();
     EXPECT_EQ(panel->Settings().toStdString(), before);
@@ -229,16 +221,17 @@ struct TWantingPanel {
 )")
                               .arg(log));
   }
-  TWishBar* Bar() const { return window.findChild<TWishBar*>(); }
-  QPushButton* Button(const QString& text) const {
-    for (auto* button : Bar()->findChildren<QPushButton*>()) {
-      if (button->text() == text) return button;
+  bool Asks() const { return window.findChild<TWishBar*>(); }
+  void Push(const QString& text) const {
+    for (auto* button : Child<TWishBar>(window).findChildren<QPushButton*>()) {
+      if (button->text() == text) return button->click();
     }
-    return nullptr;
+    ADD_FAILURE() << text.toStdString();
   }
+  bool IsAtRest() const { return window.Panel().IsAtRest(); }
   /// Whether a value gets into the log.
   bool Logs(const QString& log) const {
-    window.Panel().Root()->findChild<TVariable*>("v")->SetValue(1.0);
+    Child<TVariable>(window).SetValue(1.0);
     return QFile::exists(TestFolder() + '/' + log);
   }
 
@@ -249,41 +242,39 @@ TEST(Panelwindow, APanelThatWantsSomethingAsksUntilItIsAllowed) {
   TWantingPanel::Write("log.txt");
   {
     TWantingPanel open;
-    ASSERT_TRUE(open.Bar());
     EXPECT_THAT(open.window.windowTitle().toStdString(), HasSubstr("(at rest)"));
-    EXPECT_EQ(open.Bar()->findChild<QPlainTextEdit*>()->toPlainText(),
+    EXPECT_EQ(Child<QPlainTextEdit>(open.window).toPlainText(),
               QString::fromUtf8("\u2022 write log.txt beside the panel"));
     EXPECT_FALSE(open.Logs("log.txt"));
-    open.Button("Leave off")->click();
+    open.Push("Leave off");
     EXPECT_FALSE(open.Logs("log.txt"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_FALSE(open.Bar());
+    EXPECT_FALSE(open.Asks());
     MenuItem(open.window, "Start...")->trigger();
-    ASSERT_TRUE(open.Bar());
-    open.Button("Start")->click();
+    open.Push("Start");
     EXPECT_TRUE(open.Logs("log.txt"));
     EXPECT_THAT(open.window.windowTitle().toStdString(), testing::Not(HasSubstr("(at rest)")));
     // The same again in this window needs no answer, in another it does.
     open.window.Ask = [](const QString&, const QList<TAnswer>&) { return TAnswer::Reload; };
     open.window.Reload();
-    EXPECT_FALSE(open.window.Panel().IsAtRest());
+    EXPECT_FALSE(open.IsAtRest());
   }
   {
     TWantingPanel open;
-    ASSERT_TRUE(open.Bar());
-    open.Button("Always for this file")->click();
-    EXPECT_FALSE(open.window.Panel().IsAtRest());
+    open.Push("Always for this file");
+    EXPECT_FALSE(open.IsAtRest());
+    EXPECT_THAT(TakeMessages(), IsEmpty());
     // What the program itself saves stays allowed.
-    open.window.Panel().Root()->findChild<TVariable*>("v")->SetValue(7.0);
+    Child<TVariable>(open.window).SetValue(7.0);
     open.window.Save();
   }
-  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  EXPECT_FALSE(TWantingPanel().IsAtRest());
   TWantingPanel::Write("log2.txt");
-  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
-  EXPECT_FALSE(TWantingPanel("panel.ui", true).window.Panel().IsAtRest());
-  TWantingPanel().Button("Always in this folder")->click();
+  EXPECT_TRUE(TWantingPanel().IsAtRest());
+  EXPECT_FALSE(TWantingPanel("panel.ui", true).IsAtRest());
+  TWantingPanel().Push("Always in this folder");
   TWantingPanel::Write("log3.txt");
-  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  EXPECT_FALSE(TWantingPanel().IsAtRest());
 }
 
 TEST(Panelwindow, AnswersAreForTheFileThatWasShownAndForThePlacesItLedTo) {
@@ -291,13 +282,13 @@ TEST(Panelwindow, AnswersAreForTheFileThatWasShownAndForThePlacesItLedTo) {
   TWantingPanel::Write("log/a.txt");
   TWantingPanel open;
   TWantingPanel::Write("../b.txt");  // while the question stands
-  open.Button("Always for this file")->click();
-  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+  open.Push("Always for this file");
+  EXPECT_TRUE(TWantingPanel().IsAtRest());
   TWantingPanel::Write("log/a.txt");
-  EXPECT_FALSE(TWantingPanel().window.Panel().IsAtRest());
+  EXPECT_FALSE(TWantingPanel().IsAtRest());
   ASSERT_TRUE(QDir(TestFolder()).rmdir("log"));
   ASSERT_TRUE(QFile::link("/", TestFolder() + "/log"));
-  EXPECT_TRUE(TWantingPanel().window.Panel().IsAtRest());
+  EXPECT_TRUE(TWantingPanel().IsAtRest());
 }
 
 TEST(Panelwindow, WithoutADisplayAPanelAsksByEndingWithTheList) {
