@@ -104,34 +104,26 @@ TEST_F(Arrow, FollowsControlsInOtherWidgets) {
   first.setGeometry(1, 2, 20, 10);
   outer.show();
   first.show();
+  // Inside of another widget, an arrow is moved by that one, too.
+  TArrow line(&outer);
+  line.GetArrowStart()->SetControl(&outer);  // at its bottom
+  line.GetArrowEnd()->SetControl(&second);
   end.SetControl(&first);
-  EXPECT_EQ(end.GetPos(), QPoint(221, 132));
-  const std::pair<std::function<void()>, QPoint> cases[] = {
-      {[&] { outer.move(100, 100); }, {121, 132}},
-      {[&] { inner.move(0, 0); }, {111, 112}},
-      {[&] { first.setParent(&form); }, {11, 12}},
-      {[&] { outer.move(0, 0); }, {11, 12}},  // is none of the arrow's business any more
-  };
-  for (const auto& [move, place] : cases) {
+  const std::tuple<std::function<void()>, QPoint, QPoint, QPoint> cases[] = {
+      {[] {}, {221, 132}, {75, 150}, {80, 132}},
+      {[&] { outer.move(100, 90); }, {121, 122}, {75, 150}, {180, 142}},
+      {[&] { outer.resize(150, 120); }, {121, 122}, {75, 120}, {180, 142}},
+      {[&] { inner.move(0, 0); }, {111, 102}, {75, 120}, {180, 142}},
+      {[&] { first.setParent(&form); }, {11, 12}, {75, 120}, {180, 142}},
+      {[&] { outer.move(0, 0); }, {11, 12}, {75, 120}, {280, 232}}};  // of no concern to the first
+  for (const auto& [move, inForm, from, to] : cases) {
+    SCOPED_TRACE(inForm.x());
     move();
-    EXPECT_EQ(end.GetPos(), place);
+    EXPECT_EQ(end.GetPos(), inForm);
+    EXPECT_EQ(line.GetArrowStart()->GetPos(), from);
+    EXPECT_EQ(line.GetArrowEnd()->GetPos(), to);
   }
   end.SetControl(nullptr);
-}
-
-TEST_F(Arrow, FollowsItsParentAndControlsBesideIt) {
-  QWidget panel(&form);
-  panel.setGeometry(50, 50, 200, 100);
-  panel.show();
-  TArrow line(&panel);
-  line.GetArrowStart()->SetControl(&panel);
-  EXPECT_EQ(line.GetArrowStart()->GetPos(), QPoint(100, 100));
-  panel.resize(200, 60);
-  EXPECT_EQ(line.GetArrowStart()->GetPos(), QPoint(100, 60));
-  line.GetArrowEnd()->SetControl(&second);  // its bottom: (280, 232) of the form
-  EXPECT_EQ(line.GetArrowEnd()->GetPos(), QPoint(230, 182));
-  panel.move(60, 40);
-  EXPECT_EQ(line.GetArrowEnd()->GetPos(), QPoint(220, 192));
 }
 
 TEST_F(Arrow, LetsGoOfAControlThatIsDestroyed) {

@@ -131,11 +131,15 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
 }
 
 TEST(TImageControl, FitsStretchesOrLeavesThePicture) {
-  // 40 x 20 in a control of 80 x 80: twice as large, in the middle.
   TImageControl control;
   control.resize(80, 80);
-  control.SetImageFile(PictureFile("wide.png", {40, 20}, kBlue, kGreen));
   const QRgb window = control.palette().window().color().rgb();
+  EXPECT_THAT(ColorsAt(control, {{0, 0}}), ElementsAre(window));
+  SetDesignMode(&control, true);  // shows its place
+  EXPECT_THAT(ColorsAt(control, {{0, 0}}), ElementsAre(qRgb(128, 128, 128)));
+  SetDesignMode(&control, false);
+  // 40 x 20 in a control of 80 x 80: twice as large, in the middle.
+  control.SetImageFile(PictureFile("wide.png", {40, 20}, kBlue, kGreen));
   EXPECT_THAT(ColorsAt(control, {{40, 19}, {2, 21}, {40, 40}, {40, 61}}),
               ElementsAre(window, kBlue, kGreen, window));
   control.SetFit(TImageControl::ifStretch);
@@ -191,13 +195,6 @@ TEST(TImageControl, LargePicturesAreKeptSmaller) {
   control.resize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
   QImage image(10, 10, QImage::Format_RGB32);
   control.render(&image);  // returns, without a picture of that size
-}
-
-TEST(TImageControl, ShowsItsPlaceWhileItsFormIsDesigned) {
-  TImageControl control;
-  EXPECT_THAT(ColorsAt(control, {{0, 0}}), ElementsAre(control.palette().window().color().rgb()));
-  SetDesignMode(&control, true);
-  EXPECT_THAT(ColorsAt(control, {{0, 0}}), ElementsAre(qRgb(128, 128, 128)));
 }
 
 }  // namespace

@@ -124,12 +124,12 @@ TEST(TIconControl, IsSeenInDesignModeAndWithAFaceAtRunTime) {
   }
 }
 
-TEST(TIconControl, FollowsItsFormAndItsMode) {
+TEST(TIconControl, IsNoWindowOfItsOwnAndFollowsItsForm) {
   QWidget form;
   form.show();
   TProbe control;
   control.SetFace(true);
-  EXPECT_FALSE(control.isVisible()) << "it is no window of its own";
+  EXPECT_FALSE(control.isVisible());
   control.setParent(&form);
   QCoreApplication::sendPostedEvents(&control);
   EXPECT_TRUE(control.isVisible());
@@ -141,7 +141,7 @@ TEST(TIconControl, FollowsItsFormAndItsMode) {
   }
 }
 
-TEST(TIconControl, TakesTheSizeOfPictureAndCaption) {
+TEST(TIconControl, TakesTheSizeOfItsPictureAndItsCaptionAndDrawsThem) {
   QWidget form;
   TProbe control(&form);
   control.SetImageSize({17, 17});
@@ -151,23 +151,17 @@ TEST(TIconControl, TakesTheSizeOfPictureAndCaption) {
   control.SetCaption("Channel");
   const int text = control.fontMetrics().size(0, "Channel").width();
   EXPECT_EQ(control.width(), 17 + 3 + text);
+  control.SetIconImage("ChannelImage");
+  const QImage image = Painted(control.size(), [&control](QPainter& painter) {
+    control.render(&painter, {}, {}, QWidget::RenderFlags());
+  });
+  EXPECT_GT(CountOther(image, Qt::white, {0, 0, 17, 17}), 150);
+  EXPECT_GT(CountOther(image, Qt::white, {20, 0, text, 17}), 30);
   control.SetCaptionPos(TIconControl::cpNone);
   EXPECT_EQ(control.width(), 17);
   control.SetCaptionPos(TIconControl::cpRight);
   control.SetShowIcon(false);
   EXPECT_EQ(control.width(), text);
-}
-
-TEST(TIconControl, DrawsItsPictureAndItsCaption) {
-  QWidget form;
-  TProbe control(&form);
-  control.SetIconImage("ChannelImage");
-  control.SetCaption("X");
-  const QImage image = Painted(control.size(), [&control](QPainter& painter) {
-    control.render(&painter, {}, {}, QWidget::RenderFlags());
-  });
-  EXPECT_GT(CountOther(image, Qt::white, {0, 0, 24, 24}), 300);
-  EXPECT_GT(CountOther(image, Qt::white, {27, 0, control.width() - 27, 24}), 3);
 }
 
 TEST(TStateControl, ShowsThePictureOfItsStateAndIsThrownByAClick) {
