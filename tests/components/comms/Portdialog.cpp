@@ -57,7 +57,7 @@ TEST(TPortDialog, KeepsARateThatItCannotShowWholeAndAllThatIsCancelled) {
   EXPECT_EQ(port.GetPortNum(), "COM1");
 }
 
-TEST(TPortDialog, NamesTheDeviceAndTriesWhatIsChosen) {
+TEST(TPortDialog, NamesTheDeviceAndTriesWhatIsChosenWhileThePortIsClosed) {
   TTrialSettings port;
   TPortDialog dialog(port);
   qputenv("VELMORA_COM5", "/dev/ttyUSB7");
@@ -67,15 +67,11 @@ TEST(TPortDialog, NamesTheDeviceAndTriesWhatIsChosen) {
   QTest::mouseClick(&Child<QPushButton>(dialog, "Test"), Qt::LeftButton);
   EXPECT_EQ(Child<QLabel>(dialog, "TestResult").text(), "Tried COM5");
   EXPECT_EQ(port.GetPortNum(), "COM1");
-}
-
-TEST(TPortDialog, ResolutionAndTestAreOffWhileThePortIsOpen) {
-  TTrialSettings port;
   port.Connected = true;
-  TPortDialog dialog(port);
-  EXPECT_FALSE(Child<QComboBox>(dialog, "Resolution").isEnabled());
-  EXPECT_FALSE(Child<QPushButton>(dialog, "Test").isEnabled());
-  EXPECT_TRUE(Child<QComboBox>(dialog, "PortNum").isEnabled());
+  TPortDialog meanwhile(port);
+  EXPECT_FALSE(Child<QComboBox>(meanwhile, "Resolution").isEnabled());
+  EXPECT_FALSE(Child<QPushButton>(meanwhile, "Test").isEnabled());
+  EXPECT_TRUE(Child<QComboBox>(meanwhile, "PortNum").isEnabled());
 }
 
 }  // namespace

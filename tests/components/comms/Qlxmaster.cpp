@@ -11,38 +11,11 @@ namespace {
 using testing::ElementsAre;
 
 /// A device with two inputs that answers each data request, for drivers that come and go.
-struct TDevice {
-  double wall = 45413.5;  ///< the clock on the wall, in days
-  bool present = true;
-  QByteArray waiting;    ///< for the driver to read
-  std::string received;  ///< from the driver
-
-  /// 0 and 1 at an offset of 8,388,600.
-  void SendPacket(int count = 1) {
-    waiting += QByteArray("\x06\x7F\xFF\xF8\x7F\xFF\xF9", 7).repeated(count);
-  }
-};
-
-class TDeviceDriver : public TMemoryDriver {
- public:
-  explicit TDeviceDriver(TDevice& device) : TMemoryDriver(device.waiting), device_(device) {}
-  bool Open(const QString&) override { return device_.present; }
-  int Write(std::span<const char> bytes) override {
-    const std::string text(bytes.data(), bytes.size());
-    device_.received += text;
-    if (text == "mr\r") device_.SendPacket();
-    return TMemoryDriver::Write(bytes);
-  }
-  bool IsLost() const override { return !device_.present; }
-  QString ErrorText() const override { return QStringLiteral("no such device"); }
-
- private:
-  TDevice& device_;
-};
-
 class TQLXMasterClientTest : public testing::Test {
  protected:
   TQLXMasterClientTest() {
+    line.answers["mr\r"] = kPacket;
+    client.SetChannelSource(recorder.Source());
     recorder.Add("data", "a", 2);
     recorder.Add("data", "b", 2);
     QObject::connect(&client, &TQLXClient::OnStatusChanged,
@@ -51,27 +24,31 @@ class TQLXMasterClientTest : public testing::Test {
                      [this] { active.push_back(client.GetActive()); });
   }
 
+  void SendPacket(int count = 1) { line.incoming += kPacket.repeated(count); }
   void LogRows() {
     client.SetLogFile(TestFolder() + "/rows");
     client.SetLogging(true);
   }
 
+  /// 0 and 1 at an offset of 8,388,600.
+  inline static const QByteArray kPacket = QByteArray("\x06\x7F\xFF\xF8\x7F\xFF\xF9", 7);
+
   TRowRecorder recorder;
-  TDevice device;
+  TFakeLine line;
+  double wall = 45413.5;  ///< the clock on the wall, in days
   QStringList statuses;
   std::vector<bool> active;
-  TDriverFactory makeDriver = [this] { return std::make_unique<TDeviceDriver>(device); };
+  TDriverFactory makeDriver = [this] { return std::make_unique<TFakeDriver>(line); };
   TQLXMasterClient client{
       nullptr, makeDriver,
-      TTimeSource{[this] { return TDateTime(device.wall); }, [] { return std::int64_t{0}; }}};
+      TTimeSource{[this] { return TDateTime(wall); }, [] { return std::int64_t{0}; }}};
 };
 
 TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
-  client.SetChannelSource(recorder.Source());
   EXPECT_EQ(client.GetChSet()->Items(), QStringList({"ChannelSet1", "ChannelSet2"}));
   client.GetChSet()->SetItem(QStringLiteral("ChannelSet2"));
   client.SetActive(true);
-  device.SendPacket();
+  SendPacket();
   Tick();
   EXPECT_TRUE(recorder.Rows(0).empty());
   // One was asked for.
@@ -83,11 +60,10 @@ TEST_F(TQLXMasterClientTest, WritesPacketsIntoTheSelectedSet) {
   EXPECT_THAT(active, ElementsAre(true, false));
   for (int i = 0; i < 2; ++i) client.GetMiniCom()->Click();
   EXPECT_EQ(client.findChildren<TQLXMiniCom*>().size(), 1);
-  EXPECT_THAT(device.received, testing::EndsWith("lroff\rsloop1\r"));
+  EXPECT_THAT(line.log.filter("<CR>").last(2), ElementsAre("lroff<CR>", "sloop1<CR>"));
 }
 
 TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
-  client.SetChannelSource(recorder.Source());
   recorder.Sets()->GetItem(1)->SetXMLTag(QStringLiteral("w"));
   TXMLFileClient file;
   file.SetChannelSource(recorder.Source());
@@ -96,7 +72,7 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
     client.GetChSet()->SetIndex(set);
     LogRows();
     client.SetActive(true);
-    device.SendPacket();
+    SendPacket();
     Tick();
     client.SetActive(false);
     client.SetLogging(false);
@@ -119,45 +95,42 @@ TEST_F(TQLXMasterClientTest, LogsRowsThatAFileClientPlaysAgain) {
 }
 
 TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
+  client.SetChannelSource(nullptr);
   EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
   client.SetActive(true);
   EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
   const auto told = statuses.size();
-  device.SendPacket(5);
+  SendPacket(5);
   Tick();
   EXPECT_EQ(statuses.size(), told) << "told once, not per packet";
   client.SetChannelSource(recorder.Source());
   recorder.DestroySource();
   EXPECT_EQ(client.GetChSet()->Text(), "ChannelSource not defined!");
-  device.SendPacket();
+  SendPacket();
   Tick();
   EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
 }
 
 TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBack) {
-  client.SetChannelSource(recorder.Source());
   client.SetAutoConnect(true);
   Tick(20);
-  device.present = false;
+  line.lost = true;
+  line.exists = false;
   Tick(61);
-  EXPECT_EQ(statuses, QStringList({"Connected to COM1", "Disconnected from COM1", "no such device",
-                                   "no such device", "no such device"}));
-  device.present = true;
+  EXPECT_THAT(statuses, ElementsAre("Connected to COM1", "Disconnected from COM1", "Cannot open it",
+                                    "Cannot open it", "Cannot open it"));
+  line.lost = false;
+  line.exists = true;
   Tick(20);
   EXPECT_EQ(client.GetStatus(), "Connected to COM1");
   EXPECT_THAT(active, ElementsAre(true, false, true));
-}
-
-TEST_F(TQLXMasterClientTest, SaysWhichPortIsClosedWhenItsNumberChanges) {
-  client.SetChannelSource(recorder.Source());
-  client.SetActive(true);
+  // Another number is another device.
+  statuses.clear();
   client.GetPort()->SetPortNum("COM2");
-  EXPECT_EQ(statuses,
-            QStringList({"Connected to COM1", "Disconnected from COM1", "Connected to COM2"}));
+  EXPECT_THAT(statuses, ElementsAre("Disconnected from COM1", "Connected to COM2"));
 }
 
 TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
-  client.SetChannelSource(recorder.Source());
   client.SetActive(true);
   const std::tuple<int, int, QStringList> cases[] = {
       {0, 100, {}},
@@ -168,8 +141,8 @@ TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
   };
   for (const auto& [noise, packets, expectedStatuses] : cases) {
     statuses.clear();
-    device.waiting += QByteArray(noise, '\0');
-    device.SendPacket(packets);
+    line.incoming += QByteArray(noise, '\0');
+    SendPacket(packets);
     Tick(100);
     EXPECT_EQ(statuses, expectedStatuses);
     EXPECT_EQ(client.IsNoisy(), noise > 1000);
@@ -179,12 +152,11 @@ TEST_F(TQLXMasterClientTest, CountsWhatItHasToSkip) {
 }
 
 TEST_F(TQLXMasterClientTest, TellsOfAClockThatJumpsAndLogsALine) {
-  client.SetChannelSource(recorder.Source());
   client.GetChSet()->SetIndex(0);
   LogRows();
   client.SetActive(true);
   statuses.clear();
-  device.wall -= 1.0 / 24.0;
+  wall -= 1.0 / 24.0;
   Tick(3);
   EXPECT_EQ(statuses, QStringList({"The clock was set back by 3600.0 s", "Connected to COM1"}));
   client.SetLogging(false);
@@ -194,13 +166,12 @@ TEST_F(TQLXMasterClientTest, TellsOfAClockThatJumpsAndLogsALine) {
 }
 
 TEST_F(TQLXMasterClientTest, MayBeDestroyedByASubscriber) {
-  auto other = std::make_unique<TQLXMasterClient>(
-      nullptr, [this] { return std::make_unique<TDeviceDriver>(device); });
+  auto other = std::make_unique<TQLXMasterClient>(nullptr, makeDriver);
   other->SetChannelSource(recorder.Source());
   other->GetChSet()->SetIndex(0);
   recorder.OnRow = [&] { other.reset(); };
   other->SetActive(true);
-  device.SendPacket(3);
+  SendPacket(3);
   Tick();
   EXPECT_FALSE(other);
   EXPECT_EQ(recorder.Rows(0).size(), 1u);

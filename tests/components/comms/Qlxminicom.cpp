@@ -33,30 +33,18 @@ TEST(TTrafficText, ShowsTextAndBytesInLines) {
   }
 }
 
-/// A line that echoes.
-class TEchoDriver : public TMemoryDriver {
- public:
-  explicit TEchoDriver(QByteArray& queue) : TMemoryDriver(queue), queue_(queue) {}
-  int Write(std::span<const char> bytes) override {
-    queue_.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
-    return TMemoryDriver::Write(bytes);
-  }
-
- private:
-  QByteArray& queue_;
-};
-
 class TQLXMiniComTest : public testing::Test {
  protected:
   QString Text() { return Child<QPlainTextEdit>(console, "Traffic").toPlainText(); }
 
-  QByteArray queue;
+  TFakeLine line;
   std::unique_ptr<TQLXPort> port =
-      std::make_unique<TQLXPort>(nullptr, [this] { return std::make_unique<TEchoDriver>(queue); });
+      std::make_unique<TQLXPort>(nullptr, [this] { return std::make_unique<TFakeDriver>(line); });
   TQLXMiniCom console{*port};
 };
 
 TEST_F(TQLXMiniComTest, SendsWhatIsTypedAndShowsWhatComes) {
+  line.answers["lron\r"] = "OK\r";
   EXPECT_FALSE(Child<QPushButton>(console, "Send").isEnabled());
   QTest::mouseClick(&Child<QPushButton>(console, "Open"), Qt::LeftButton);
   EXPECT_TRUE(port->GetConnected());
@@ -64,14 +52,14 @@ TEST_F(TQLXMiniComTest, SendsWhatIsTypedAndShowsWhatComes) {
   EnterText(Child<QLineEdit>(console, "Command"), "lron");
   EXPECT_EQ(Child<QLineEdit>(console, "Command").text(), "");
   Tick(20);
-  EXPECT_EQ(Text(), "> lron<0D>\n  lron<0D>");
+  EXPECT_EQ(Text(), "> lron<0D>\n  OK<0D>");
 }
 
 TEST_F(TQLXMiniComTest, AFloodIsCutAndCounted) {
   port->Open();
-  queue = QByteArray(1'000'000, 'x');
+  line.incoming = QByteArray(1'000'000, 'x');
   Tick(2000);
-  EXPECT_TRUE(queue.isEmpty());
+  EXPECT_TRUE(line.incoming.isEmpty());
   EXPECT_LE(Child<QPlainTextEdit>(console, "Traffic").blockCount(), 5000);
   EXPECT_TRUE(Text().contains(" more bytes)"));
 }

@@ -164,12 +164,12 @@ TEST_F(TQLXXMLClientTest, SaysWhyThereIsNoConnection) {
 }
 
 TEST_F(TQLXXMLClientTest, GivesAnAttemptToConnectUp) {
-  client->SetActive(true);
-  ASSERT_TRUE(client->GetSocket()->IsConnecting());
-  client->SetActive(false);
-  EXPECT_FALSE(client->GetSocket()->IsConnecting());
-  EXPECT_EQ(statuses,
-            QStringList({"Connecting to " + Address(), "Disconnected from " + Address()}));
+  for (const bool connects : {true, false}) {
+    client->SetActive(connects);
+    EXPECT_EQ(client->GetSocket()->IsConnecting(), connects);
+  }
+  EXPECT_THAT(statuses,
+              ElementsAre("Connecting to " + Address(), "Disconnected from " + Address()));
   EXPECT_THAT(active, testing::IsEmpty());
   Connect();
 }
@@ -272,18 +272,15 @@ TEST_F(TQLXXMLClientTest, LeavesTheEventLoopItsTurnInAFlood) {
 
 TEST_F(TQLXXMLClientTest, ShowsWhatComesInItsConsole) {
   client->GetServerCom()->Click();
-  auto* console = client->findChild<QDialog*>();
-  ASSERT_TRUE(console);
-  auto* text = console->findChild<QPlainTextEdit*>();
-  QPushButton* toggle = nullptr;
-  for (QPushButton* button : console->findChildren<QPushButton*>()) {
-    if (button->text() == "Connect") toggle = button;
-  }
-  ASSERT_TRUE(toggle);
-  toggle->click();
+  auto* console = &Child<QDialog>(*client);
+  auto* text = &Child<QPlainTextEdit>(*console);
+  const QList<QPushButton*> buttons = console->findChildren<QPushButton*>();
+  const auto found = std::ranges::find(buttons, "Connect", &QPushButton::text);
+  ASSERT_NE(found, buttons.end());
+  QPushButton& toggle = **found;
+  toggle.click();
   ASSERT_TRUE(WaitFor([this] { return server.OpenCount() == 1; }));
-  EXPECT_EQ(toggle->text(), "Disconnect");
-
+  EXPECT_EQ(toggle.text(), "Disconnect");
   EnterText(Child<QLineEdit>(*console), "rate 0");
   ASSERT_TRUE(WaitFor([this] { return server.Commands().size() == 2; }));
   EXPECT_EQ(server.Commands()[1], "rate 0");
@@ -302,7 +299,7 @@ TEST_F(TQLXXMLClientTest, ShowsWhatComesInItsConsole) {
   EXPECT_LE(text->document()->blockCount(), TQLXWebDebug::kMaxLines);
   EXPECT_LT(text->document()->characterCount(), 100'000);
   EXPECT_THAT(text->toPlainText().toStdString(), testing::HasSubstr(" bytes not shown ..."));
-  toggle->click();
+  toggle.click();
   EXPECT_FALSE(client->GetActive());
   delete console;
   client->GetServerCom()->Click();
@@ -331,7 +328,7 @@ TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
   client.SetAutoConnect(true);
   Tick(100);
   EXPECT_FALSE(client.GetActive()) << "a file is not opened by itself";
-  const qint64 size = QFileInfo(client.GetFileName()).size();
+  const qint64 size = QFileInfo(kRecord).size();
   TRowRecorder::TRows mast;
   for (const int block : {16384, 7001, 997}) {
     recorder.Clear();
@@ -348,8 +345,7 @@ TEST_F(TXMLFileClientTest, ReadsARecordedFileInBlocksOfAnySize) {
     EXPECT_NEAR(recorder.Rows(0).back()[0], 45413.5 + 29.99 / kSecondsPerDay, 1e-9);
     if (mast.empty()) mast = recorder.Rows(0);
     EXPECT_EQ(recorder.Rows(0), mast);
-    EXPECT_EQ(statuses, QStringList({"File '" + client.GetFileName() + "' opened for reading",
-                                     "File closed"}));
+    EXPECT_THAT(statuses, ElementsAre("File '" + kRecord + "' opened for reading", "File closed"));
     EXPECT_THAT(active, ElementsAre(true, false));
   }
 }
@@ -371,8 +367,8 @@ TEST_F(TXMLFileClientTest, MovesAFileAsAWholeToTheLocalClock) {
 TEST_F(TXMLFileClientTest, ReadsABlockEveryInterval) {
   client.SetFileName(
       WriteTestFile("two", "<wind id=\"tower\">1</wind><wind id=\"tower\">2</wind>"));
-  client.SetBlockSize(25);
-  client.SetReadInterval(100);
+  for (const int bytes : {25, 0, -5, TXMLFileClient::kMaxBlockSize + 1}) client.SetBlockSize(bytes);
+  for (const int interval : {100, 0, -100}) client.SetReadInterval(interval);
   client.SetActive(true);
   Tick(9);
   EXPECT_EQ(recorder.Rows(1).size(), 0u);
@@ -380,13 +376,6 @@ TEST_F(TXMLFileClientTest, ReadsABlockEveryInterval) {
   EXPECT_EQ(recorder.Rows(1).size(), 1u);
   Tick(10);
   EXPECT_EQ(recorder.Rows(1).size(), 2u);
-}
-
-TEST_F(TXMLFileClientTest, IgnoresSettingsThatMakeNoSense) {
-  for (const int bytes : {0, -5, TXMLFileClient::kMaxBlockSize + 1}) client.SetBlockSize(bytes);
-  EXPECT_EQ(client.GetBlockSize(), 16384);
-  for (const int interval : {0, -100}) client.SetReadInterval(interval);
-  EXPECT_EQ(client.GetReadInterval(), 10);
 }
 
 TEST_F(TXMLFileClientTest, SaysWhatIsWrongWithAFile) {
