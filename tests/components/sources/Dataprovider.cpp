@@ -1,6 +1,5 @@
 #include "components/sources/Dataprovider.h"
 
-#include "components/panels/Published.h"
 #include "components/sources/Simulator.h"
 #include "components/sources/Stringreader.h"
 #include "tests/components/sources/Providerfixture.h"
@@ -9,20 +8,19 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::SizeIs;
 using TValues = std::vector<double>;
 
-/// 0, 1, 2, ...
-void ExpectCounting(const TValues& values) {
-  for (std::size_t i = 0; i < values.size(); ++i) ASSERT_EQ(values[i], i);
-}
-
-TEST(TStringReader, DeliversItsNumbersAndStops) {
+TEST(TStringReader, DeliversItsNumbersAndStopsAndTakesOtherTextAtOnce) {
   TFeeding<TStringReader> reader;
   reader.SetDataStrings({"1 2 3"});
-  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));
+  for (int run = 0; run < 2; ++run) EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));
   EXPECT_EQ(reader.GetErrorText(), QString());
-  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));  // from the beginning
+  reader.client.OnGiven = [&](double value) {
+    if (value == 2) reader.SetDataStrings({"6", "7"});
+  };
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 6, 7));
 }
 
 TEST(TStringReader, DealsValuesInTurn) {
@@ -38,16 +36,6 @@ TEST(TStringReader, DealsValuesInTurn) {
     }
     for (std::size_t i = 0; i < count; ++i) EXPECT_EQ(clients[i].given, expected[i]);
   }
-}
-
-TEST(TStringReader, BeginsARoundOfClientsWithEachChunk) {
-  TFeeding<TStringReader> reader;
-  TRecorder second;
-  reader.GetClientControls()->Add(&second);
-  reader.SetDataStrings({"1 2 3"});
-  SetPages(reader, 6);
-  EXPECT_THAT(reader.Run(), ElementsAre(1, 3, 1, 3));
-  EXPECT_THAT(second.given, ElementsAre(2, 2));
 }
 
 TEST(TStringReader, StopsAfterEachPageAndGoesOnBehindIt) {
@@ -96,44 +84,23 @@ TEST(TStringReader, DoesNotGoInACircleWithoutNumbers) {
   }
 }
 
-TEST(TStringReader, TakesOtherTextAtOnce) {
-  TFeeding<TStringReader> reader;
-  reader.SetDataStrings({"1 2 3 4 5"});
-  reader.client.OnGiven = [&](double value) {
-    if (value == 2) reader.SetDataStrings({"6", "7"});
-  };
-  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 6, 7));
-}
-
-TEST(TCustomDataProvider, StartsWhenItsFormIsComplete) {
-  QWidget form;
-  auto* client = new TDataControl(&form);
-  client->setObjectName("Client");
-  auto* reader = new TStringReader(&form);
-  reader->BeginLoading();
-  reader->SetActive(true);
-  reader->SetDataStrings({"5"});
-  reader->SetStreamPosition(0);
-  reader->GetClientControls()->SetNames({"Client"});
-  EXPECT_FALSE(reader->GetActive());
-  reader->Loaded();
-  EXPECT_TRUE(reader->GetActive());
-  ASSERT_TRUE(RunUntil([&] { return !reader->GetActive(); }));
-  EXPECT_EQ(client->GetValue(), 5.0);
-}
-
-TEST(TCustomDataProvider, BeginsAgainWithOtherClients) {
+/// A page counts from the mode on.
+TEST(TCustomDataProvider, BeginsAgainWithOtherClientsOrPages) {
   TFeeding<TStringReader> reader;
   TRecorder second;
   reader.SetDataStrings({"1 2 3"});
   SetPages(reader, 2);
-  ASSERT_TRUE(RunToStop(reader));
+  reader.client.OnGiven = [&](double value) {
+    if (value != 1) return;
+    reader.SetReadMode(TCustomDataProvider::rmContinuous);
+    SetPages(reader, 2);
+  };
+  EXPECT_THAT(reader.Run(), ElementsAre(1, 2, 3));
   TKorvalCompList other(nullptr, &TDataControl::staticMetaObject);
   other.Add(&second);
   reader.SetClientControls(&other);
   EXPECT_FALSE(reader.GetActive());
-  ASSERT_TRUE(RunToStop(reader));
-  EXPECT_THAT(reader.given(), ElementsAre(1, 2));
+  EXPECT_THAT(reader.Run(), IsEmpty());
   EXPECT_THAT(second.given, ElementsAre(1, 2));
 }
 
@@ -143,11 +110,9 @@ TEST(TThreadProvider, MayBeDestroyedByAClientOrAListener) {
     TRecorder client;
     simulator->GetClientControls()->Add(&client);
     SetPages(*simulator, 10);
-    if (byClient) {
-      client.OnGiven = [&](double) {
-        if (client.given.size() == 10) delete simulator;
-      };
-    }
+    client.OnGiven = [&](double) {
+      if (byClient && client.given.size() == 10) delete simulator;
+    };
     QObject::connect(simulator, &TStateControl::OnActiveChanged, &client, [&] {
       if (!byClient && !simulator->GetActive()) delete simulator;
     });
@@ -206,15 +171,6 @@ TEST(TThreadProvider, GivesASlowClientOneValueInATurn) {
 
 // TSignalSimulator
 
-/// `count` values of each client.
-std::vector<TRecorder> Simulate(TSignalSimulator& simulator, std::size_t clients, int count) {
-  std::vector<TRecorder> recorders(clients);
-  for (TRecorder& recorder : recorders) simulator.GetClientControls()->Add(&recorder);
-  SetPages(simulator, count * static_cast<int>(clients));
-  EXPECT_TRUE(RunToStop(simulator));
-  return recorders;
-}
-
 TEST(TSignalSimulator, NeverGivesMoreValuesThanItsRateAllows) {
   TFeeding<TSignalSimulator> simulator;
   simulator.SetRate(400.0);
@@ -229,15 +185,18 @@ TEST(TSignalSimulator, NeverGivesMoreValuesThanItsRateAllows) {
             static_cast<double>(simulator.given().size()));
 }
 
-TEST(TSignalSimulator, GivesEachClientTheSameSampleOfTheSine) {
+TEST(TSignalSimulator, GivesEachClientTheSameSampleOfTheSineAndGoesOnWhereItStopped) {
   for (const std::size_t clients : {1, 2, 3}) {
     TSignalSimulator simulator;
     simulator.SetFunction(TSignalSimulator::sfSinusoid);
     simulator.SetAverage(10.0);
     simulator.SetAmplitude(4.0);
-    const auto recorders = Simulate(simulator, clients, 5000);
+    std::vector<TRecorder> recorders(clients);
+    for (TRecorder& recorder : recorders) simulator.GetClientControls()->Add(&recorder);
+    SetPages(simulator, 7);  // in the middle of a round
+    for (int page = 0; page < 60; ++page) ASSERT_TRUE(RunToStop(simulator));
     const TValues& first = recorders[0].given;
-    ASSERT_THAT(first, SizeIs(5000));
+    ASSERT_THAT(first, SizeIs(420 / clients));
     for (const TRecorder& other : recorders) EXPECT_EQ(other.given, first);
     for (std::size_t i = 30; i < first.size(); ++i) ASSERT_EQ(first[i], first[i - 30]);
     EXPECT_EQ(first[0], 10.0);
@@ -245,17 +204,6 @@ TEST(TSignalSimulator, GivesEachClientTheSameSampleOfTheSine) {
     EXPECT_NEAR(first[15], 10.0, 1e-12);
     EXPECT_NEAR(first[20], 10.0 - 4.0 * std::sqrt(0.75), 1e-12);
   }
-}
-
-TEST(TSignalSimulator, GoesOnWithTheSineWhereItStopped) {
-  TSignalSimulator simulator;
-  simulator.SetFunction(TSignalSimulator::sfSinusoid);
-  TRecorder clients[2];
-  for (TRecorder& client : clients) simulator.GetClientControls()->Add(&client);
-  SetPages(simulator, 7);  // in the middle of a round
-  for (int page = 0; page < 40; ++page) ASSERT_TRUE(RunToStop(simulator));
-  EXPECT_EQ(clients[0].given, clients[1].given);
-  for (std::size_t i = 30; i < 140; ++i) ASSERT_EQ(clients[0].given[i], clients[0].given[i - 30]);
 }
 
 TEST(TSignalSimulator, FollowsItsDistributions) {
@@ -266,13 +214,13 @@ TEST(TSignalSimulator, FollowsItsDistributions) {
       {TSignalSimulator::sfNormalDistribution, 1.0, 7.0},
       {TSignalSimulator::sfRandom, 1.0 / std::sqrt(3.0), 1.0}};
   for (const auto& [function, deviation, bound] : cases) {
-    TSignalSimulator simulator;
+    TFeeding<TSignalSimulator> simulator;
     simulator.SetFunction(function);
     simulator.SetAverage(50.0);
     simulator.SetAmplitude(2.0);
-    const auto recorders = Simulate(simulator, 1, kCount);
+    SetPages(simulator, kCount);
     double sum = 0.0, squares = 0.0, most = 0.0;
-    for (const double value : recorders[0].given) {
+    for (const double value : simulator.Run()) {
       sum += value;
       squares += (value - 50.0) * (value - 50.0);
       most = std::max(most, std::abs(value - 50.0));
@@ -301,9 +249,9 @@ TEST(TSignalSimulator, FollowsAChangeWithTheNextValue) {
 }
 
 TEST(TSignalSimulator, IsNotInStepWithAnother) {
-  TSignalSimulator one, two;
-  const auto a = Simulate(one, 1, 10), b = Simulate(two, 1, 10);
-  EXPECT_NE(a[0].given, b[0].given);
+  TFeeding<TSignalSimulator> one, two;
+  for (auto* simulator : {&one, &two}) SetPages(*simulator, 10);
+  EXPECT_NE(one.Run(), two.Run());
 }
 
 TEST(TThreadProvider, GivesNothingToAClientThatIsBeingDestroyed) {

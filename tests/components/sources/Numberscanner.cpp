@@ -17,7 +17,7 @@ std::vector<double> Scan(
   TNumberScanner scanner;
   std::vector<double> values;
   for (std::size_t start = 0; start < text.size(); start += std::min(size, text.size())) {
-    const std::string piece = text.substr(start, size);
+    const std::string_view piece = std::string_view(text).substr(start, size);
     std::size_t position = 0;
     for (;;) {
       double value = 0.0;

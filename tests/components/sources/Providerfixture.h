@@ -15,6 +15,11 @@ struct TRecorder : TDataControl {
   std::function<void(double)> OnGiven;
 };
 
+/// 0, 1, 2, ...
+inline void ExpectCounting(const std::vector<double>& values) {
+  for (std::size_t i = 0; i < values.size(); ++i) ASSERT_EQ(values[i], i);
+}
+
 /// Lets the provider stop after each so many values.
 inline void SetPages(TCustomDataProvider& provider, int size) {
   provider.SetReadMode(TCustomDataProvider::rmReadPage);

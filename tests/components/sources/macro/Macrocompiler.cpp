@@ -84,9 +84,9 @@ not a number, the second argument is taken: MAX(0/0;1) = 1 | MIN(0/0;1) = 1
              " = ", [this](const QString&, const QString& text, const QString& value) {
                EXPECT_DOUBLE_EQ(Value(text), value.toDouble());
              });
-  EXPECT_TRUE(std::isnan(Value(QStringLiteral("0/0"))));
-  EXPECT_TRUE(std::isnan(Value(QStringLiteral("MAX(1;0/0)"))));
-  EXPECT_TRUE(std::signbit(Value(QStringLiteral("-0"))));
+  EXPECT_TRUE(std::isnan(Value("0/0")));
+  EXPECT_TRUE(std::isnan(Value("MAX(1;0/0)")));
+  EXPECT_TRUE(std::signbit(Value("-0")));
 }
 
 /// Expressions and where they are wrong, by their fault.
@@ -117,26 +117,23 @@ TEST_F(MacroCompiler, SaysWhatIsWrongAndWhere) {
 }
 
 TEST_F(MacroCompiler, KnowsNoCharactersBeyondItsOwn) {
+  const QString legalOnes =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789({)}+-*/^.[] ;\n";
   for (int c = 0; c < 0x10000; ++c) {
-    const QString text = QStringLiteral("1") + QChar(static_cast<char16_t>(c));
+    const QString text = '1' + QString(QChar(c));
     static_cast<void>(compiler.Compile(text));
-    const bool legal = QStringLiteral(
-                           "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                           "0123456789({)}+-*/^.[] ;\n")
-                           .contains(text[1]);
+    const bool legal = legalOnes.contains(text[1]);
     EXPECT_EQ(compiler.ErrorCode() == TMacroCompiler::mcIllegalCharacter, !legal) << c;
   }
 }
 
 TEST_F(MacroCompiler, FindsNoErrorInAnEmptyText) {
-  static_cast<void>(compiler.Compile(QStringLiteral("(")));
-  EXPECT_EQ(compiler.Compile(QString()), nullptr);
+  static_cast<void>(compiler.Compile("("));
+  EXPECT_EQ(compiler.Compile({}), nullptr);
   EXPECT_TRUE(compiler.Ok());
   EXPECT_EQ(compiler.Position(), 0);
-  for (const int code : {-1, 0, 8, 255}) {
-    EXPECT_EQ(TMacroCompiler::ErrorMessage(code), QStringLiteral("No errors"));
-  }
-  EXPECT_EQ(TMacroCompiler::ErrorMessage(4), QStringLiteral("Incorrect format"));
+  for (const int code : {-1, 0, 8, 255}) EXPECT_EQ(TMacroCompiler::ErrorMessage(code), "No errors");
+  EXPECT_EQ(TMacroCompiler::ErrorMessage(4), "Incorrect format");
 }
 
 TEST_F(MacroCompiler, TakesVariablesOnlyFromAListOfVariables) {
@@ -144,13 +141,13 @@ TEST_F(MacroCompiler, TakesVariablesOnlyFromAListOfVariables) {
   others.Add(&two);
   compiler.SetVariables(&others);
   EXPECT_EQ(compiler.GetVariables(), nullptr);
-  EXPECT_EQ(compiler.Compile(QStringLiteral("[a]")), nullptr);
+  EXPECT_EQ(compiler.Compile("[a]"), nullptr);
   EXPECT_EQ(compiler.ErrorCode(), TMacroCompiler::mcIncorrectVariable);
   {
     const TKorvalCompList brief(nullptr, &TVariable::staticMetaObject);
     compiler.SetVariables(&brief);
   }
-  EXPECT_EQ(compiler.Compile(QStringLiteral("[a]")), nullptr);
+  EXPECT_EQ(compiler.Compile("[a]"), nullptr);
 }
 
 TEST_F(MacroCompiler, StandsTextsOfAnyLengthAndDepth) {
@@ -181,45 +178,32 @@ TEST_F(MacroCompiler, StandsTextsOfAnyLengthAndDepth) {
   }
 }
 
-/// Random expressions with brackets around everything, and what they are worth.
-class TExpressions {
- public:
-  struct TExpression {
-    QString text;
-    double value;
-  };
-
-  TExpression Make(int depth) {
-    const int kind = depth == 0 ? 0 : Draw(6);
-    if (kind == 0) {
-      const int number = Draw(10);
-      return {QString::number(number), static_cast<double>(number)};
-    }
-    const auto [a, x] = Make(depth - 1);
-    const auto [b, y] = Make(depth - 1);
-    if (kind == 1) return {'(' + a + '+' + b + ')', x + y};
-    if (kind == 2) return {'{' + a + '-' + b + '}', x - y};
-    if (kind == 3) return {'(' + a + '*' + b + '}', x * y};
-    if (kind == 4) return {"MAX(" + a + ';' + b + ')', x > y ? x : y};
-    return {"(-" + a + ')', -x};
+/// A random expression with brackets around everything, and what it is worth.
+std::pair<QString, double> RandomExpression(std::mt19937& random, int depth) {
+  const unsigned kind = depth == 0 ? 0 : random() % 6;
+  if (kind == 0) {
+    const unsigned number = random() % 10;
+    return {QString::number(number), number};
   }
-
- private:
-  int Draw(int below) { return static_cast<int>(generator_() % static_cast<unsigned>(below)); }
-
-  std::mt19937 generator_{20};
-};
+  const auto [a, x] = RandomExpression(random, depth - 1);
+  const auto [b, y] = RandomExpression(random, depth - 1);
+  if (kind == 1) return {'(' + a + '+' + b + ')', x + y};
+  if (kind == 2) return {'{' + a + '-' + b + '}', x - y};
+  if (kind == 3) return {'(' + a + '*' + b + '}', x * y};
+  if (kind == 4) return {"MAX(" + a + ';' + b + ')', x > y ? x : y};
+  return {"(-" + a + ')', -x};
+}
 
 TEST_F(MacroCompiler, AgreesWithWhatRandomExpressionsAreWorth) {
-  TExpressions expressions;
+  std::mt19937 random(20);
   for (int i = 0; i < 2000; ++i) {
-    const auto [text, value] = expressions.Make(i % 9);
+    const auto [text, value] = RandomExpression(random, i % 9);
     EXPECT_EQ(Value(text), value) << text.toStdString();
   }
 }
 
 TEST_F(MacroCompiler, SquaresAreThoseOfThePowerFunction) {
-  const std::unique_ptr<TMacroItem> tree = compiler.Compile(QStringLiteral("[a]^2"));
+  const std::unique_ptr<TMacroItem> tree = compiler.Compile("[a]^2");
   TMacroProgram program(*tree);
   std::mt19937_64 generator(5);
   std::vector<double> values = {0.0,  -0.0,   1.0,    kInfinity, -kInfinity,
@@ -240,7 +224,7 @@ TEST_F(MacroCompiler, SquaresAreThoseOfThePowerFunction) {
 TEST_F(MacroCompiler, DrawsUniformAndNormalNumbers) {
   constexpr int kCount = 20'000;
   const auto moments = [&](const char* text, auto check) {
-    const std::unique_ptr<TMacroItem> tree = compiler.Compile(QLatin1String(text));
+    const std::unique_ptr<TMacroItem> tree = compiler.Compile(text);
     TMacroProgram program(*tree);
     double sum = 0.0, squares = 0.0;
     for (int i = 0; i < kCount; ++i) {
