@@ -18,12 +18,11 @@ std::vector<QRgb> ColorsAt(QWidget& widget, const std::vector<QPoint>& places) {
 
 /// A picture of one colour with a square of another in its middle.
 QString PictureFile(const QString& name, QSize size, QRgb ground, QRgb middle) {
-  QImage image(size, QImage::Format_RGB32);
-  image.fill(ground);
-  QPainter painter(&image);
-  painter.fillRect(size.width() / 4, size.height() / 4, size.width() / 2, size.height() / 2,
-                   QColor(middle));
-  painter.end();
+  const QImage image = Painted(size, [&](QPainter& painter) {
+    painter.fillRect(QRect(QPoint(), size), QColor(ground));
+    painter.fillRect(size.width() / 4, size.height() / 4, size.width() / 2, size.height() / 2,
+                     QColor(middle));
+  });
   const QString file = TestFolder() + '/' + name;
   EXPECT_TRUE(image.save(file));
   return file;
@@ -95,15 +94,12 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
   compass.SetNorth(-90.0);
   compass.SetAngle(5.0);
   TOneChannelLink& link = *compass.GetChannelLink();
-  const auto choose = [&] {
-    link.SetChannelSource(&source);
-    link.GetChannelSet()->SetItem("Wind");
-    link.GetChannel()->SetItem("Direction");
-  };
   link.DoOnData(nullptr);
   EXPECT_EQ(compass.GetAngle(), 5.0);  // no channel, nothing to show
   EXPECT_FALSE(link.GetEnabled());
-  choose();
+  link.SetChannelSource(&source);
+  link.GetChannelSet()->SetItem("Wind");
+  link.GetChannel()->SetItem("Direction");
   EXPECT_TRUE(link.GetEnabled());
   // A block of two rows, half a second long: time and four channels each.
   const double rows[2][5] = {{45000.0, 30.0, 0, 0, 0},
@@ -120,14 +116,17 @@ TEST(TCompass, ShowsTheSelectedValueOfItsChannel) {
   EXPECT_EQ(compass.GetAngle(), 0.0);  // no minute is over
   link.GetOptions()->SetSelInterval(interval);
   Tick(10);
+  EXPECT_EQ(compass.GetAngle(), 40.0);
+  link.GetChannel()->SetIndex(1);  // has its own values, and before them none
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_EQ(compass.GetAngle(), 0.0);
+    Tick(10);
+  }
+  link.GetChannel()->SetIndex(0);
+  Tick(10);
   link.SetChannelSource(nullptr);
   EXPECT_FALSE(link.GetEnabled());
   EXPECT_EQ(compass.GetAngle(), 40.0);
-  choose();
-  link.GetChannel()->SetIndex(1);  // has its own values, and before them none
-  EXPECT_EQ(compass.GetAngle(), 0.0);
-  Tick(10);
-  EXPECT_EQ(compass.GetAngle(), 0.0);
 }
 
 TEST(TImageControl, FitsStretchesOrLeavesThePicture) {
