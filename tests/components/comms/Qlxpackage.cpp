@@ -112,19 +112,19 @@ TEST_F(TQLXPackageTest, ChoosesTheSetByClosingNameAndId) {
 
 TEST_F(TQLXPackageTest, GoesOnBehindWhatIsTooLong) {
   const std::string name63(63, 'n');
-  const std::string row = "1 2 3\r\n";
-  std::string endless = "<w id=\"a\">";
-  while (endless.size() < TQLXPackage::kMaxBody + 100) endless += row;
-  std::string longest = "<w id=\"a\">";
-  while (longest.size() - 10 + row.size() <= TQLXPackage::kMaxBody) longest += row;
+  constexpr std::size_t kMostRows = TQLXPackage::kMaxBody / 7;
+  const auto withRows = [](std::size_t count) {
+    const QByteArray rows = QByteArray("1 2 3\r\n").repeated(static_cast<qsizetype>(count));
+    return "<w id=\"a\">" + rows.toStdString() + "</w>";
+  };
   recorder.Add(QString::fromStdString(name63), QStringLiteral("a"), 1);
   const std::tuple<const char*, std::string, std::size_t, std::size_t, std::size_t> cases[] = {
       {"closing name of 63", "<w id=\"a\">1</" + name63 + ">", 0, 1, 0},
       {"closing name of 64", "<w id=\"a\">1</" + name63 + "n>", 0, 0, 1},
       {"id ends at 256", "<w " + std::string(247, 'x') + " id=\"a\">1</w>", 1, 0, 0},
       {"id ends at 257", "<w " + std::string(248, 'x') + " id=\"a\">1</w>", 0, 0, 0},
-      {"longest body", longest + "</w>", TQLXPackage::kMaxBody / row.size(), 0, 0},
-      {"body too long", endless + "</w>", 0, 0, 1},
+      {"longest body", withRows(kMostRows), kMostRows, 0, 0},
+      {"body too long", withRows(kMostRows + 1), 0, 0, 1},
   };
   for (const auto& [what, text, rows, named, abandoned] : cases) {
     SCOPED_TRACE(what);

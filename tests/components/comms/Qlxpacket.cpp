@@ -79,20 +79,6 @@ TEST(TQLXDecoder, DropsBytesUntilAPacketFitsAndMovesTheStampOnForEach) {
   }
 }
 
-TEST(TQLXDecoder, CountsWhatWasLostBehindItWithWhatItSkipped) {
-  TQLXDecoder decoder;
-  decoder.SetBytesPerSample(2);
-  decoder.SetPacketLength(2);
-  EXPECT_EQ(Rows(decoder, {0, 2, 0x80}, 1, {256}).size(), 0u);
-  decoder.Break(5);
-  EXPECT_EQ(decoder.Skipped().Gaps, 1u);
-  EXPECT_EQ(decoder.Skipped().Bytes, 8u);
-  EXPECT_EQ(Rows(decoder, {2, 0x80, 0}, 1, {256}).size(), 1u);
-  decoder.Break(1);
-  EXPECT_EQ(decoder.Skipped().Gaps, 2u);
-  EXPECT_EQ(decoder.Skipped().Bytes, 9u);
-}
-
 /// Packets, markers and garbage.
 TBytes Recording(std::mt19937& random) {
   TBytes bytes;
