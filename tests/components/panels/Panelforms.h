@@ -34,3 +34,12 @@ inline std::unique_ptr<TPanel> LoadForm(const QString& widgets, QStringList* fau
   if (panel) panel->Start();
   return panel;
 }
+
+/// One of a form without faults.
+inline std::unique_ptr<TPanel> LoadSoundForm(const QString& widgets) {
+  QStringList faults;
+  auto panel = LoadForm(widgets, &faults);
+  EXPECT_EQ(faults.join('\n').toStdString(), "");
+  if (!panel) throw std::runtime_error("no panel");
+  return panel;
+}

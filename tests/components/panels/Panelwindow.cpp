@@ -52,8 +52,13 @@ QAction* MenuItem(const TPanelWindow& window, const QString& text) {
   return nullptr;
 }
 
-TEST(Panelwindow, ItsMenuSavesSettingsAndSamples) {
+TEST(Panelwindow, ItsMenuShowsComponentsWithoutAFaceAndSavesSettingsAndSamples) {
   TOpenPanel open;
+  EXPECT_TRUE(Child<TKorvalGraph>(open.window).isVisible());
+  for (const bool shown : {false, true, false}) {
+    EXPECT_EQ(open.Channel().isVisible(), shown);
+    MenuItem(open.window, "Show components")->trigger();
+  }
   open.Channel().SetScaleFactor(2.5);
   open.Channel().SetTimeAndValue(1.0, 4.0);
   MenuItem(open.window, "Save")->trigger();
@@ -145,15 +150,6 @@ TEST(Panelwindow, ReloadBringsTheFileBackAndKeepsThePanelIfThatIsSpoilt) {
   open.window.Reload();
   EXPECT_EQ(TakeMessages().size(), 1);
   EXPECT_EQ(open.Channel().GetScaleFactor(), 4.0);
-}
-
-TEST(Panelwindow, ShowsComponentsWithoutAFaceOnRequest) {
-  TOpenPanel open;
-  EXPECT_TRUE(Child<TKorvalGraph>(open.window).isVisible());
-  for (const bool shown : {false, true, false}) {
-    EXPECT_EQ(open.Channel().isVisible(), shown);
-    MenuItem(open.window, "Show components")->trigger();
-  }
 }
 
 /// Else closing any panel that has run would ask.
@@ -291,21 +287,6 @@ TEST(Panelwindow, AnswersAreForTheFileThatWasShownAndForThePlacesItLedTo) {
   EXPECT_TRUE(TWantingPanel().IsAtRest());
 }
 
-TEST(Panelwindow, WithoutADisplayAPanelAsksByEndingWithTheList) {
-  TWantingPanel::Write("log.txt");
-  const QString file = TestFolder() + "/panel.ui";
-  const QString picture = TestFolder() + "/p.png";
-  EXPECT_FALSE(RunPanel(file, {0.0, picture, {}, {}}));
-  EXPECT_THAT(TakeMessages(),
-              ElementsAre(file + " has not been allowed to do what it wants; --trust allows it:\n"
-                                 "  write log.txt beside the panel"));
-  EXPECT_FALSE(QFile::exists(picture));
-  TPanelRun run{0.0, picture, {}, {}};
-  run.IsTrusted = true;
-  EXPECT_TRUE(RunPanel(file, run));
-  EXPECT_TRUE(QFile::exists(picture));
-}
-
 TEST(Panelwindow, SavingOverAnotherProgramsChangesAsks) {
   TOpenPanel open;
   const auto change = [&] {
@@ -372,12 +353,12 @@ TEST(Panelwindow, FilesMeanTheSameWhenThePanelIsSavedInAnotherFolder) {
     ForEachStored(*fresh, [&](const TPublished& published) {
       if (!names.match(published.Path).hasMatch()) return;
       const int type = published.Property.typeId();
-      const QString name = QStringLiteral("<string>x.txt</string>");
+      const QString name = "<string>x.txt</string>";
       if (type != QMetaType::QString && type != QMetaType::QStringList) return;
       paths << component.Name + ' ' + published.Path;
-      const QString list = "<stringlist>" + name + "</stringlist>";
-      properties += QStringLiteral("<property name=\"%1\">%2</property>")
-                        .arg(published.Path, type == QMetaType::QString ? name : list);
+      const QString value =
+          type == QMetaType::QString ? name : "<stringlist>" + name + "</stringlist>";
+      properties += "<property name=\"" + published.Path + "\">" + value + "</property>";
     });
     widgets += QStringLiteral("<widget class=\"%1\" name=\"it%1\">%2</widget>\n")
                    .arg(component.Name, properties);
