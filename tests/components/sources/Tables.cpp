@@ -283,8 +283,6 @@ TEST_F(DataLogger, NumbersFilesAndTriesAgainAfterAFailure) {
   EXPECT_EQ(Log("cut.txt"), "2025-12-09 11:0\n2025-12-09 12:00:00.000\t1\t2\n");
 }
 
-#ifdef Q_OS_UNIX
-
 TEST_F(DataLogger, LeavesNoTornLineOnAFullDiskAndSaysWhatIsMissing) {
   Start("run-%N.txt");
   const auto row = [](int hour) { return QString("2025-12-09 %1:00:00.000\t1\t2\n").arg(hour); };
@@ -310,7 +308,5 @@ TEST_F(DataLogger, LeavesNoTornLineOnAFullDiskAndSaysWhatIsMissing) {
     EXPECT_EQ(QDir(TestFolder()).entryList({"run-*"}), QStringList("run-0001.txt"));
   }
 }
-
-#endif
 
 }  // namespace
