@@ -111,9 +111,14 @@ TEST_F(TQLXMasterClientTest, SaysThatItHasNoSource) {
   EXPECT_EQ(client.GetStatus(), "ChannelSource not defined!");
 }
 
-TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBack) {
+TEST_F(TQLXMasterClientTest, FindsADeviceThatComesBackWhenItsFormIsComplete) {
+  client.BeginLoading();
   client.SetAutoConnect(true);
-  Tick(20);
+  Tick(100);
+  client.Loaded();
+  Tick(19);
+  EXPECT_THAT(statuses, testing::IsEmpty());
+  Tick();
   line.lost = true;
   line.exists = false;
   Tick(61);

@@ -55,17 +55,13 @@ TEST_F(TQLXMiniComTest, SendsWhatIsTypedAndShowsWhatComes) {
   EXPECT_EQ(Text(), "> lron<0D>\n  OK<0D>");
 }
 
-TEST_F(TQLXMiniComTest, AFloodIsCutAndCounted) {
+TEST_F(TQLXMiniComTest, CutsAFloodAndOutlivesItsPort) {
   port->Open();
   line.incoming = QByteArray(1'000'000, 'x');
   Tick(2000);
   EXPECT_TRUE(line.incoming.isEmpty());
   EXPECT_LE(Child<QPlainTextEdit>(console, "Traffic").blockCount(), 5000);
   EXPECT_TRUE(Text().contains(" more bytes)"));
-}
-
-TEST_F(TQLXMiniComTest, OutlivesItsPort) {
-  port->Open();
   port.reset();
   QCoreApplication::processEvents();
   EXPECT_EQ(Child<QLabel>(console, "State").text(), "There is no port any more");

@@ -128,21 +128,6 @@ TEST_F(TQLXXMLClientTest, KeepsTheRowsOfWholePackagesWhereverTheConnectionEnds) 
   }
 }
 
-TEST_F(TQLXXMLClientTest, TriesAfter200MillisecondsAndNotWhileItsFormIsRead) {
-  client->SetActive(false);
-  MakeClient();
-  client->BeginLoading();
-  client->SetAutoConnect(true);
-  Tick(100);
-  client->Loaded();
-  Tick(19);
-  EXPECT_THAT(statuses, testing::IsEmpty());
-  Tick();
-  ASSERT_TRUE(WaitFor([this] { return client->GetActive(); }));
-  Tick(100);
-  EXPECT_EQ(statuses.size(), 2);
-}
-
 TEST_F(TQLXXMLClientTest, SaysWhyThereIsNoConnection) {
   server.Stop();
   client->SetActive(true);
