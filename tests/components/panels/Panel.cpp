@@ -3,7 +3,6 @@
 #include "components/channels/Channelset.h"
 #include "components/channels/Datachannel.h"
 #include "components/channels/Variable.h"
-#include "components/comms/Qlxmaster.h"
 #include "components/comms/Qlxxml.h"
 #include "components/graphing/Graph.h"
 #include "components/panels/Panelwindow.h"
@@ -49,31 +48,6 @@ TEST(Panel, SetsPropertiesAndResolvesNamesOnceEverythingIsThere) {
   EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<string>t\?\?\?</string>"));
 }
 
-TEST(Panel, ClientsOfRowsStartOnceEverythingIsThere) {
-  const auto panel =
-      LoadSoundForm(QStringLiteral(R"(<widget class="TXMLFileClient" name="record">
- <property name="Active"><bool>true</bool></property>
- <property name="Logging"><bool>true</bool></property>
- <property name="ChannelSource"><string>rows</string></property>
- <property name="LogFile"><string>%1</string></property>
- <property name="FileName"><string>%2</string></property>
-</widget>
-<widget class="TQLXMasterClient" name="device">
- <property name="AutoConnect"><bool>true</bool></property>
- <property name="ChSet.Item" stdset="0"><string>ChannelSet1</string></property>
- <property name="Port.PortNum" stdset="0"><string>COM16</string></property>
-</widget>
-<widget class="TChannelSource" name="rows"/>
-)")
-                        .arg(TestFolder() + "/log", SourceFile("examples/mast.packages")));
-  auto& record = Child<TXMLFileClient>(*panel->Root());
-  EXPECT_TRUE(record.GetActive());
-  EXPECT_TRUE(record.GetLogging());
-  EXPECT_EQ(record.GetChannelSource(), &Child<TChannelSource>(*panel->Root()));
-  EXPECT_EQ(Child<TQLXMasterClient>(*panel->Root()).GetPort()->GetPortNum(), "COM16");
-  EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<property name=\"Active\""));
-}
-
 TEST(Panel, MakesTheConnectionsOfAForm) {
   const QString form = FormOf(
       R"(<widget class="QCheckBox" name="box"/><widget class="QLineEdit" name="line"/>
@@ -101,9 +75,12 @@ p.ui:14: connection from box to label: setDisabled(bool) does not fit clicked())
   EXPECT_THAT(panel->Text().toStdString(), HasSubstr("<slot>Explode()</slot>"));
 }
 
+/// What a client starts needs names that stand behind that in its form.
 TEST(Panel, RelativeFileNamesAreMeantFromTheFolderOfTheForm) {
   WriteTestFile("rows.packages", "<data>\r\n</data>\r\n");
   const QString name = WriteForm("p.ui", R"(<widget class="TXMLFileClient" name="c">
+<property name="Logging"><bool>true</bool></property>
+<property name="LogFile"><string>log</string></property>
 <property name="FileName"><string>rows.packages</string></property>
 <property name="role" stdset="0"><string>input</string></property>
 </widget>
@@ -112,7 +89,9 @@ TEST(Panel, RelativeFileNamesAreMeantFromTheFolderOfTheForm) {
   const auto panel = TPanel::Load(name, &faults);
   ASSERT_TRUE(panel);
   EXPECT_THAT(faults, ElementsAre());
+  panel->Start();
   auto& client = Child<TXMLFileClient>(*panel->Root());
+  EXPECT_TRUE(client.GetLogging());
   client.SetActive(true);
   EXPECT_EQ(client.GetStatus(), "File 'rows.packages' opened for reading");
   EXPECT_EQ(client.GetFileName(), "rows.packages");
