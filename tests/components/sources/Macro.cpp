@@ -46,7 +46,6 @@ TEST_F(Macro, FollowsTheVariablesThatItNames) {
 
 TEST_F(Macro, TellsTheErrorOfItsText) {
   EXPECT_EQ(macro->GetErrorText(), "No errors");
-  SetText("[a]*2");
   SetText("[a]*(2");
   EXPECT_EQ(macro->GetErrorText(), "Missing parenthesis");
   EXPECT_EQ(macro->GetErrorCode(), TMacroCompiler::mcMissingParenthesis);

@@ -62,14 +62,15 @@ TEST(TNumberScanner, TakesNumbersBetweenWhiteSpaceAndSkipsTheRest) {
 }
 
 TEST(TNumberScanner, ReportsWordsThatAreNoNumber) {
-  for (const std::string word : {"-", ".", "-.", "1E", "1E+", "1E-", ".E5", "-E5", "1E5.3", "1E.",
-                                 "1E400", "-1E400", "1E99999999999999999999"}) {
+  for (const std::string word :
+       {"-", ".", "-.", "1E", "1E+", "1E-", ".E5", "-E5", "1E5.3", "1E.", "1E400", "-1E400",
+        "1E99999999999999999999", "1E55555555555555555555555555555555555555555555555555"}) {
     for (const std::size_t size : {std::size_t{1}, std::string::npos}) {
       SCOPED_TRACE(word);
       int bad = 0;
       const auto check = [&](const TNumberScanner& scanner, std::size_t position) {
         ++bad;
-        EXPECT_EQ(scanner.BadText(), word);
+        EXPECT_EQ(scanner.BadText(), word.size() > 40 ? word.substr(0, 40) + "..." : word);
         EXPECT_EQ(scanner.BadLength(), static_cast<std::int64_t>(word.size()) + 1);
         EXPECT_EQ(position, word.size() + 3);
       };
@@ -101,11 +102,6 @@ TEST(TNumberScanner, RoundsNumbersOfAnyLengthAsTheyAreWritten) {
       EXPECT_THAT(Scan(text + ' ', size), ElementsAre(value));
     }
   }
-  TNumberScanner scanner;
-  std::size_t position = 0;
-  double value = 0.0;
-  EXPECT_EQ(scanner.ScanValue(std::string(1000, '7') + ' ', position, value), TResult::Bad);
-  EXPECT_EQ(scanner.BadText(), std::string(40, '7') + "...");
 }
 
 /// The rules word for word, for a text as a whole.

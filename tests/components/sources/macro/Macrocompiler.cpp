@@ -27,18 +27,13 @@ class MacroCompiler : public testing::Test {
  protected:
   MacroCompiler() {
     compiler.SetVariables(&list);
-    Define(two, "a", 2.0);
-    Define(minusThree, "Var1", -3.0);
-    Define(odd, "o_d", 5.0);
-    Define(twin, "a", 99.0);
-    Define(nameless, "", 6.0);
-    Define(bracket, "x[y", 7.0);
-  }
-
-  void Define(TVariable& variable, const char* name, double value) {
-    variable.SetName(QLatin1String(name));
-    variable.SetValue(value);
-    list.Add(&variable);
+    const std::pair<const char*, double> values[] = {{"a", 2},  {"Var1", -3}, {"o_d", 5},
+                                                     {"a", 99}, {"", 6},      {"x[y", 7}};
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+      variables[i].SetName(values[i].first);
+      variables[i].SetValue(values[i].second);
+      list.Add(&variables[i]);
+    }
   }
 
   double Value(const QString& text) {
@@ -53,7 +48,8 @@ class MacroCompiler : public testing::Test {
   }
 
   TKorvalCompList list{nullptr, &TVariable::staticMetaObject};
-  TVariable two, minusThree, odd, twin, nameless, bracket;
+  std::array<TVariable, 6> variables;
+  TVariable& two = variables[0];
   TMacroCompiler compiler;
 };
 
