@@ -219,9 +219,8 @@ struct LinkedGraph : Linked {
   }
   void Choose(const char* x, const char* y) {
     link.SetChannelSource(source.get());
-    for (TSelectedCollItem* sets : {link.GetChannelSet1(), link.GetChannelSet2()}) {
-      sets->SetItem("Mast");
-    }
+    link.GetChannelSet1()->SetItem("Mast");
+    link.GetChannelSet2()->SetItem("Mast");
     link.GetChannel1()->SetItem(x);
     link.GetChannel2()->SetItem(y);
   }
