@@ -217,7 +217,6 @@ struct TWantingPanel {
 )")
                               .arg(log));
   }
-  bool Asks() const { return window.findChild<TWishBar*>(); }
   void Push(const QString& text) const {
     for (auto* button : Child<TWishBar>(window).findChildren<QPushButton*>()) {
       if (button->text() == text) return button->click();
@@ -245,7 +244,7 @@ TEST(Panelwindow, APanelThatWantsSomethingAsksUntilItIsAllowed) {
     open.Push("Leave off");
     EXPECT_FALSE(open.Logs("log.txt"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_FALSE(open.Asks());
+    EXPECT_FALSE(open.window.findChild<TWishBar*>());
     MenuItem(open.window, "Start...")->trigger();
     open.Push("Start");
     EXPECT_TRUE(open.Logs("log.txt"));
