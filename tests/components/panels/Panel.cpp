@@ -135,8 +135,8 @@ bool Starts(const QString& path) {
 TEST(Panel, LoadUndoesSaveForEveryPropertyOfEveryClass) {
   for (const TComponentClass& component : ComponentClasses()) {
     SCOPED_TRACE(component.Name.toStdString());
-    const auto first =
-        LoadSoundForm(QStringLiteral("  <widget class=\"%1\" name=\"it\"/>\n").arg(component.Name));
+    const auto first = LoadSoundForm(
+        QStringLiteral("  <widget class=\"%1\" name=\"it\">\n  </widget>\n").arg(component.Name));
     ASSERT_EQ(first->Components().size(), 1U);
     const QString plain = first->Text();
     QWidget& changed = *first->Components()[0].Component;
