@@ -5,6 +5,7 @@
 #include <random>
 
 #include "bench/Bench.h"
+#include "bench/Gridfiles.h"
 #include "model/Animmodel.h"
 
 #ifdef __linux__
@@ -13,34 +14,6 @@
 #endif
 
 namespace {
-
-/// Collects formatted text.
-class TWriter {
- public:
-  void Add(const char* format, auto... values) {
-    char line[256];
-    const int length = std::snprintf(line, sizeof line, format, values...);
-    text_.append(line, static_cast<std::size_t>(length));
-  }
-  std::string Take() { return std::move(text_); }
-
- private:
-  std::string text_;
-};
-
-/// A square grid of nodes without elements: reading nodes is what is measured.
-std::string MakeModel(int nodes) {
-  const int side = static_cast<int>(std::sqrt(nodes));
-  TWriter out;
-  out.Add("[Options]\nNodeRadius=0.01\nElementRadius=0.005\n[Nodes]\n");
-  std::mt19937 random(1);
-  std::uniform_real_distribution<double> height(-1.0, 1.0);
-  for (int i = 0; i < nodes; ++i) {
-    const int row = i / side;
-    out.Add("%d %.7f %.7f %.8f\n", i + 1, 0.001 * (i % side), 0.001 * row, height(random));
-  }
-  return out.Take();
-}
 
 std::string MakeData(int sections, int records) {
   TWriter out;

@@ -18,7 +18,7 @@ set(private_units
   components/panels/Formtexts components/panels/Formwidgets
   components/sources/Datathread components/sources/Filename
   components/sources/macro/Macroeditor components/sources/macro/Macrofunctions
-  model/Alignment model/Colortext model/Datareader model/Filesync model/Growingfile
+  model/Alignment model/Colortext model/Datafile model/Datareader model/Filesync model/Growingfile
   model/Modelreader model/Oneline model/Readfile model/Reading model/Sectionindex
   viewer/opengl/Glplatform viewer/opengl/Glsurface viewer/opengl/Sphereshader viewer/opengl/Stamps
   viewer/scene/Polygon viewer/scene/Vertexarrays)

@@ -3,40 +3,28 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
-#include <optional>
-#include <unordered_map>
 #include <utility>
 
-#include "model/Datareader.h"
-#include "model/Largememory.h"
+#include "model/Datafile.h"
 #include "model/Modelreader.h"
 #include "model/Oneline.h"
 #include "model/Readfile.h"
 #include "model/Reading.h"
 #include "model/Sectionindex.h"
 
-/// Marks a model as being loaded, or as having data loaded for it, while it lives: Loaded is false
-/// meanwhile and true afterwards.
-class TLoadingMark {
- public:
-  explicit TLoadingMark(TModel* model) : model_(model) {
-    if (!model_) return;
-    model_->loading_ = true;
-    model_->Loaded = false;
-  }
-  ~TLoadingMark() {
-    if (!model_) return;
-    model_->loading_ = false;
-    model_->Loaded = true;
-  }
-  TLoadingMark(const TLoadingMark&) = delete;
-  TLoadingMark& operator=(const TLoadingMark&) = delete;
+TLoadingMark::TLoadingMark(TModel* model) : model_(model) {
+  if (!model_) return;
+  model_->loading_ = true;
+  model_->Loaded = false;
+}
 
-  static bool On(const TModel* model) { return model && model->loading_; }
+TLoadingMark::~TLoadingMark() {
+  if (!model_) return;
+  model_->loading_ = false;
+  model_->Loaded = true;
+}
 
- private:
-  TModel* model_;
-};
+bool TLoadingMark::On(const TModel* model) { return model && model->loading_; }
 
 namespace {
 
@@ -64,22 +52,10 @@ double ScaleFor(const TModel* model, double maxAmplitude, double otherwise) {
   return 0.25 * model->Size / maxAmplitude;
 }
 
-/// The text of a name in a file: UTF-8, or Latin-1 where it is not valid UTF-8.
-QString FromBytes(std::string_view bytes) {
-  const QByteArrayView view(bytes.data(), static_cast<qsizetype>(bytes.size()));
-  return view.isValidUtf8() ? QString::fromUtf8(view) : QString::fromLatin1(view);
-}
-
 /// Moves behind a header that came from FromBytes.
 bool SearchHeader(TReading& reading, const QString& header) {
   return reading.Search(header.toUtf8().toStdString()) ||
          reading.Search(header.toLatin1().toStdString());
-}
-
-void NoteOrder(const TModel& model, TLoadReport& report) {
-  if (model.Index().Ascending()) return;
-  report.Add(0, QStringLiteral("the model's nodes are not in ascending order of their numbers, so "
-                               "shapes may be wrong"));
 }
 
 }  // namespace
@@ -105,7 +81,7 @@ void TDataNodeList::Read(std::string_view text, TLoadReport& report,
     const bool whole = plain ? ReadPlainDataSet(reading, content)
                              : ReadDataSet(reading, {Model->Nodes, Model->Index()}, content);
     if (!whole) return;
-    if (!plain && !content.Nodes.Empty()) NoteOrder(*Model, report);
+    if (!plain && !content.Nodes.Empty()) NoteOrder(Model->Index(), report);
   } else if (!report.Cancelled()) {
     report.Add(0, QStringLiteral("it has no section %1").arg(OneLine(Section)));
   }
@@ -217,13 +193,24 @@ TLoadReport TModel::LoadFromMemory(std::string_view text, const TLoadProgress& p
 void TModel::Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress) {
   TModelContent content;
   const TModelHeaders headers{NodesSection.toStdString(), ElementsSection.toStdString()};
-  if (!ReadModel(text, headers, &Nodes, content, report, progress)) return;
+  if (ReadModel(text, headers, &Nodes, content, report, progress)) Take(std::move(content));
+}
+
+void TModel::Replace(TModelContent content) {
+  Take(std::move(content));
+  Loaded = true;
+  emit OnChange(this);
+}
+
+void TModel::Take(TModelContent content) {
   Clear();
   static_cast<TNodeList&>(Nodes) = std::move(content.Nodes);
   static_cast<TNodeList&>(Display) = std::move(content.Display);
   Elements = std::move(content.Elements);
   index_ = std::move(content.Index);
   Size = content.Size;
+  Centre = content.Centre;
+  Units = std::move(content.Units);
   Nodes.NodeRadius = Display.NodeRadius = content.NodeRadius;
   Nodes.ElementRadius = Display.ElementRadius = content.ElementRadius;
 }
@@ -257,84 +244,6 @@ void ReadSections(const QString& fileName, QStringList& names) {
   if (ReadFile(fileName, text, report)) ReadSections(View(text), names);
 }
 
-namespace {
-
-/// Reads the data sets of one file, one after the other.
-class TDataFileReader {
- public:
-  TDataFileReader(std::string_view text, TModel& model, std::size_t mostNodes, TLoadReport& report,
-                  const TLoadProgress& progress)
-      : reading_(text, report, progress),
-        model_{model.Nodes, model.Index()},
-        mostNodes_(mostNodes) {}
-
-  /// What a section gives. Nothing if the load was cancelled, or if the nodes of all sections
-  /// would take too much memory.
-  std::optional<TDataContent> Read(const TSection& section,
-                                   const std::vector<const TDataNodeList*>& earlier) {
-    // A name that comes again, or ends in another name, has the records of the first.
-    const auto [place, fresh] = first_.emplace(section.Records, earlier.size());
-    TDataContent content;
-    if (!fresh) {
-      const TDataNodeList& same = *earlier[place->second];
-      if (!Affordable(same.Count())) return std::nullopt;
-      content = CopyOf(same, same.MaxAmplitude);
-    } else {
-      if (!Affordable(model_.Nodes.Count())) return std::nullopt;
-      reading_.Scanner.SetPosition(section.Records);
-      if (!ReadDataSet(reading_, model_, content)) return std::nullopt;
-    }
-    nodes_ += content.Nodes.Count();
-    return content;
-  }
-
-  /// The frequency in a section's name; nothing if it is named otherwise.
-  std::optional<double> Frequency(const TSection& section) {
-    TTextScanner name(section.Name);
-    const std::optional<double> frequency = NamedFrequency(name);
-    if (name.AtDecimalComma()) NoteDecimalComma(reading_, PlaceOf(section));
-    return frequency;
-  }
-
-  /// Notes that a section that is named after a frequency has no records; others may be remarks.
-  void NoteEmpty(const TSection& section) {
-    if (model_.Nodes.Empty()) return;
-    reading_.Report.AddAt(reading_.Scanner, PlaceOf(section), [] {
-      return QStringLiteral("the data set has no records; it shows nothing");
-    });
-  }
-
-  /// Counts what lies between the sections, and the nodes of one, as done. False once the user has
-  /// cancelled.
-  bool Advance(std::size_t characters, std::size_t nodes) {
-    return reading_.Advance(characters, nodes);
-  }
-
- private:
-  std::size_t PlaceOf(const TSection& section) const {
-    return static_cast<std::size_t>(section.Name.data() - reading_.Scanner.Text().data());
-  }
-
-  /// Whether there is room for more nodes, and for the motions of all.
-  bool Affordable(std::size_t more) {
-    constexpr std::size_t kWeighEvery = 1'000'000;
-    const std::size_t all = nodes_ + more;
-    if (all > mostNodes_) return false;
-    if (all - weighed_ < kWeighEvery) return true;
-    weighed_ = all;
-    return all * TMotions::kBytesPerNode <= AvailableMemory();
-  }
-
-  TReading reading_;
-  TModelNodes model_;
-  std::size_t mostNodes_;
-  std::size_t nodes_ = 0;                               ///< of all sections read
-  std::size_t weighed_ = 0;                             ///< of them when the memory was looked at
-  std::unordered_map<std::size_t, std::size_t> first_;  ///< start of records, index of data set
-};
-
-}  // namespace
-
 TLoadReport TMeasuredData::LoadFromFile(const QString& fileName, TModel& model,
                                         const TLoadProgress& progress) {
   return Load(&model, [&](TLoadReport& report) {
@@ -354,46 +263,33 @@ TLoadReport TMeasuredData::LoadFromMemory(std::string_view text, TModel& model,
 
 void TMeasuredData::Read(std::string_view text, TModel& model, TLoadReport& report,
                          const TLoadProgress& progress) {
+  const TModelNodes nodes{model.Nodes, model.Index()};
+  std::vector<TDataSet> sets;
+  if (ReadDataSets(text, nodes, {kMostDataSets, MostNodes}, sets, report, progress)) {
+    Replace(std::move(sets), model);
+  }
+}
+
+std::unique_ptr<TDataNodeList> TMeasuredData::MakeList(TModel& model, TDataSet set) const {
+  auto list = std::make_unique<TDataNodeList>(&model, false);
+  list->Section = std::move(set.Section);
+  list->Frequency = set.Frequency;
+  list->Info = std::move(set.Info);
+  list->Measured = std::move(set.Measured);
+  list->NodeShape = All.GetNodeShape();
+  list->NodeColor = All.GetNodeColor();
+  list->ElementColor = All.GetElementColor();
+  list->Take(std::move(set.Content));
+  list->Elements = &model.Elements;
+  list->NodeRadius = model.Nodes.NodeRadius;
+  list->ElementRadius = model.Nodes.ElementRadius;
+  return list;
+}
+
+void TMeasuredData::Replace(std::vector<TDataSet> sets, TModel& model) {
   std::vector<std::unique_ptr<TDataNodeList>> lists;
-  if (ReadLists(text, model, report, progress, lists)) Replace(std::move(lists));
-}
-
-bool TMeasuredData::ReadLists(std::string_view text, TModel& model, TLoadReport& report,
-                              const TLoadProgress& progress,
-                              std::vector<std::unique_ptr<TDataNodeList>>& lists) const {
-  const std::vector<TSection> sections = ReadSectionIndex(text, kMostDataSets + 1);
-  if (sections.empty()) report.Add(0, QStringLiteral("it holds no data sets"));
-  if (!sections.empty()) NoteOrder(model, report);
-  TDataFileReader reader(text, model, MostNodes, report, progress);
-  std::vector<const TDataNodeList*> earlier;
-  for (const TSection& section : sections) {
-    if (lists.size() == kMostDataSets) break;
-    const std::optional<double> frequency = reader.Frequency(section);
-    std::optional<TDataContent> content = reader.Read(section, earlier);
-    if (!content || !reader.Advance(section.Name.size() + 2, content->Nodes.Count())) break;
-    auto list = std::make_unique<TDataNodeList>(&model, false);
-    const QString name = FromBytes(section.Name);
-    list->Section = '[' + name + ']';
-    list->Frequency = frequency.value_or(0.0);
-    if (frequency && content->Nodes.Empty()) reader.NoteEmpty(section);
-    list->NodeShape = All.GetNodeShape();
-    list->NodeColor = All.GetNodeColor();
-    list->ElementColor = All.GetElementColor();
-    list->Take(std::move(*content));
-    list->Elements = &model.Elements;
-    list->NodeRadius = model.Nodes.NodeRadius;
-    list->ElementRadius = model.Nodes.ElementRadius;
-    earlier.push_back(list.get());
-    lists.push_back(std::move(list));
-  }
-  if (report.Cancelled()) return false;
-  if (lists.size() < sections.size()) {
-    report.Add(0, QStringLiteral("only the first %1 data sets were kept").arg(lists.size()));
-  }
-  return true;
-}
-
-void TMeasuredData::Replace(std::vector<std::unique_ptr<TDataNodeList>> lists) {
+  lists.reserve(sets.size());
+  for (TDataSet& set : sets) lists.push_back(MakeList(model, std::move(set)));
   Clear();
   std::vector<bool> shown;
   for (auto& list : lists) {

@@ -11,6 +11,7 @@
 
 #include "model/Color.h"
 #include "model/Loadreport.h"
+#include "model/Measurement.h"
 #include "model/Motions.h"
 #include "model/Nodeindex.h"
 #include "model/Records.h"
@@ -19,6 +20,8 @@
 
 class TModel;
 struct TDataContent;
+struct TDataSet;
+struct TModelContent;
 
 enum class TNodeShape : std::uint8_t { Sphere = 0, Cube = 1 };
 
@@ -72,6 +75,11 @@ class TDataNodeList : public TNodeList {
   double Scale = 1.0;         ///< 0.25 x model size / MaxAmplitude
   double DrawScale = 1.0;     ///< factor of the positions when drawn
   double Phase = 0.0;         ///< radians, added to every node angle when drawn
+  TShapeInfo Info;            ///< what a laboratory's file says of the set
+  /// Which nodes were measured, per node; empty if the file does not say, as all then count.
+  std::vector<bool> Measured;
+  /// The nodes that were not measured move with their neighbours, and are drawn in a greyer shade.
+  bool IsInterpolated = false;
 
  private:
   friend class TMeasuredData;
@@ -146,6 +154,10 @@ class TModel : public QObject {
   TLoadReport LoadFromFile(const QString& fileName, const TLoadProgress& progress = {});
   TLoadReport LoadFromMemory(std::string_view text, const TLoadProgress& progress = {});
 
+  /// Takes over a model that was made elsewhere; its elements refer to Nodes. Loaded is set and
+  /// OnChange fires. Not while a load runs.
+  void Replace(TModelContent content);
+
   /// Empties the display list, the nodes and the elements. Not while a load runs.
   void Clear();
 
@@ -157,6 +169,8 @@ class TModel : public QObject {
 
   bool Loaded = false;  ///< a load has finished; the paint tests it
   double Size = 1.0;    ///< largest distance of a node from the file's origin
+  TVertex Centre;       ///< added to a position, it gives the file's coordinates
+  TUnits Units;         ///< of a laboratory's file
   QString NodesSection = QStringLiteral("[Nodes]");
   QString ElementsSection = QStringLiteral("[Elements]");
 
@@ -169,10 +183,27 @@ class TModel : public QObject {
 
  private:
   friend class TLoadingMark;
+  void Take(TModelContent content);
   void Read(std::string_view text, TLoadReport& report, const TLoadProgress& progress);
 
   bool loading_ = false;  ///< a file for this model, or data for it, is being read
   mutable TNodeIndex index_;
+};
+
+/// Marks a model as being loaded, or as having data loaded for it, while it lives: Loaded is false
+/// meanwhile and true afterwards. GUI thread only.
+class TLoadingMark {
+ public:
+  /// Null marks nothing. Not owned.
+  explicit TLoadingMark(TModel* model);
+  ~TLoadingMark();
+  TLoadingMark(const TLoadingMark&) = delete;
+  TLoadingMark& operator=(const TLoadingMark&) = delete;
+
+  static bool On(const TModel* model);
+
+ private:
+  TModel* model_;
 };
 
 /// The most data sets that are read from one file.
@@ -204,6 +235,9 @@ class TMeasuredData {
   [[nodiscard]] TLoadReport LoadFromMemory(std::string_view text, TModel& model,
                                            const TLoadProgress& progress = {});
 
+  /// Replaces all data sets by some that were made elsewhere for this model. Not while a load runs.
+  void Replace(std::vector<TDataSet> sets, TModel& model);
+
   /// Makes the data sets with a true flag the shown ones; missing flags hide. Returns whether the
   /// visibility of any set changed.
   bool Show(const std::vector<bool>& shown);
@@ -216,8 +250,5 @@ class TMeasuredData {
  private:
   void Read(std::string_view text, TModel& model, TLoadReport& report,
             const TLoadProgress& progress);
-  bool ReadLists(std::string_view text, TModel& model, TLoadReport& report,
-                 const TLoadProgress& progress,
-                 std::vector<std::unique_ptr<TDataNodeList>>& lists) const;
-  void Replace(std::vector<std::unique_ptr<TDataNodeList>> lists);
+  std::unique_ptr<TDataNodeList> MakeList(TModel& model, TDataSet set) const;
 };

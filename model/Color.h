@@ -34,6 +34,12 @@ class TColor {
   constexpr bool IsInherited() const { return value_ < 0; }
   constexpr bool IsNone() const { return *this == None(); }
 
+  /// Half way to a middle grey: paler on black, darker on white, and still to be told on both.
+  constexpr TColor HalfGrey() const {
+    constexpr int kGrey = 128;
+    return FromRgb((RedPart() + kGrey) / 2, (GreenPart() + kGrey) / 2, (BluePart() + kGrey) / 2);
+  }
+
   QColor ToQColor() const { return {RedPart(), GreenPart(), BluePart()}; }
   /// Red, green and blue in [0, 1] for OpenGL.
   constexpr std::array<float, 3> ToFloats() const {

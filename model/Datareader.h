@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QString>
 #include <optional>
+#include <vector>
 
+#include "model/Measurement.h"
 #include "model/Nodeindex.h"
 #include "model/Reading.h"
 #include "model/Records.h"
@@ -17,6 +20,15 @@ struct TModelNodes {
 struct TDataContent {
   TNodeList Nodes;
   double MaxAmplitude = 0.0;
+};
+
+/// A whole data set with one node per model node, each linked to it.
+struct TDataSet {
+  TDataContent Content = {};
+  QString Section = {};  ///< "[F = 12.5]"
+  double Frequency = 0.0;
+  TShapeInfo Info = {};
+  std::vector<bool> Measured = {};  ///< per node; empty if all are
 };
 
 /// Reads the records that follow the reading's position as a data set, aligned to the model. A

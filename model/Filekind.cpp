@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
-#include <string>
 
 #include "model/Datareader.h"
 #include "model/Readfile.h"
@@ -12,15 +11,6 @@
 namespace {
 
 constexpr qint64 kFirstPart = 1 << 20;
-
-/// The first part of a file; nothing of one that cannot be read.
-std::string StartOf(const QString& fileName) {
-  QFile file(fileName);
-  if (!WhyNotReadable(fileName).isEmpty() || !file.open(QIODevice::ReadOnly)) return {};
-  // No more than it has by its size: a file of the kernel, which has 0, may wait for what is to
-  // come.
-  return file.read(std::min(kFirstPart, file.size())).toStdString();
-}
 
 bool IsBinary(std::string_view text) { return text.find('\0') != text.npos; }
 
@@ -64,8 +54,21 @@ bool HoldsDataSet(std::string_view text) {
   return false;
 }
 
-/// Why a text is none of this kind; empty if it is one.
-QString Objection(TFileKind kind, std::string_view text) {
+}  // namespace
+
+std::string StartOf(const QString& fileName) {
+  QFile file(fileName);
+  if (!WhyNotReadable(fileName).isEmpty() || !file.open(QIODevice::ReadOnly)) return {};
+  // No more than it has by its size: a file of the kernel, which has 0, may wait for what is to
+  // come.
+  return file.read(std::min(kFirstPart, file.size())).toStdString();
+}
+
+bool IsModelText(std::string_view start) { return !IsBinary(start) && HasModelHeader(start); }
+
+bool IsDataText(std::string_view start) { return !IsBinary(start) && HoldsDataSet(start); }
+
+QString ObjectionTo(TFileKind kind, std::string_view text) {
   const bool isModel = HasModelHeader(text);
   if (kind == TFileKind::Model) {
     if (HoldsNodes(text)) return {};
@@ -76,12 +79,7 @@ QString Objection(TFileKind kind, std::string_view text) {
   return HoldsDataSet(text) ? QString() : QStringLiteral("it holds no data sets");
 }
 
-}  // namespace
-
-bool IsModelFile(const QString& fileName) {
-  const std::string start = StartOf(fileName);
-  return !IsBinary(start) && HasModelHeader(start);
-}
+bool IsModelFile(const QString& fileName) { return IsModelText(StartOf(fileName)); }
 
 bool AreSameFile(const QString& a, const QString& b) {
   const QString path = QFileInfo(a).canonicalFilePath();
@@ -97,7 +95,7 @@ TLoadReport LoadFileOf(
     return report;
   }
   ReadAndParse(fileName, report, progress, [&](std::string_view text, const TLoadProgress& rest) {
-    const QString why = Objection(kind, text);
+    const QString why = ObjectionTo(kind, text);
     if (why.isEmpty()) {
       report = load(text, rest);
     } else {

@@ -38,6 +38,8 @@ class TLoadReport {
   bool Failed() const { return failed_; }
   bool Cancelled() const { return cancelled_; }
   std::size_t Count() const { return count_; }
+  /// The words of the first finding, or of the failure.
+  const QString& First() const { return first_; }
 
   /// One sentence for the user, naming the file without its folder; empty if all went well or the
   /// user cancelled. "bridge.mod, line 12: ... was dropped, and 3 more faults followed."

@@ -51,25 +51,6 @@ void NoteUnusable(TReading& reading, const TNodeRecord& record) {
   });
 }
 
-/// What the normalisation needs of the coordinates, taken while they are read.
-class TExtent {
- public:
-  void Add(const TVertex& p) {
-    low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y), std::min(low_.z, p.z)};
-    high_ = {std::max(high_.x, p.x), std::max(high_.y, p.y), std::max(high_.z, p.z)};
-    square_ = std::max(square_, SquaredLength(p));
-  }
-  TVertex Centre() const { return (low_ + high_) / 2.0; }
-  /// Largest distance of a point from the origin.
-  double Reach() const { return std::sqrt(square_); }
-
- private:
-  static constexpr double kFar = std::numeric_limits<double>::max();
-  TVertex low_ = {kFar, kFar, kFar};
-  TVertex high_ = {-kFar, -kFar, -kFar};
-  double square_ = 0.0;
-};
-
 void ReadNodes(TReading& reading, std::string_view header, TModelContent& content,
                TExtent& extent) {
   if (!reading.Search(header)) return;
@@ -285,15 +266,30 @@ void ReadElements(TReading& reading, std::string_view header, const TNodeList* n
 
 /// Centres the nodes on the origin, sets Size and gives radii that are unset their defaults.
 void Normalise(TModelContent& content, const TExtent& extent) {
-  const TVertex centre = extent.Centre();
-  for (TNode* node : content.Nodes) node->Position -= centre;
+  MoveToCentre(content, extent);
   // Measured before the centring: a model far from the origin is meant to get a large Size.
   content.Size = extent.Reach();
-  if (!(content.NodeRadius > 0.0)) content.NodeRadius = 0.01 * content.Size;
-  if (!(content.ElementRadius > 0.0)) content.ElementRadius = 0.5 * content.NodeRadius;
+  SetRadii(content);
 }
 
 }  // namespace
+
+void TExtent::Add(const TVertex& p) {
+  low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y), std::min(low_.z, p.z)};
+  high_ = {std::max(high_.x, p.x), std::max(high_.y, p.y), std::max(high_.z, p.z)};
+  square_ = std::max(square_, SquaredLength(p));
+}
+
+void MoveToCentre(TModelContent& content, const TExtent& extent) {
+  if (content.Nodes.Empty()) return;
+  content.Centre = extent.Centre();
+  for (TNode* node : content.Nodes) node->Position -= content.Centre;
+}
+
+void SetRadii(TModelContent& content) {
+  if (!(content.NodeRadius > 0.0)) content.NodeRadius = 0.01 * content.Size;
+  if (!(content.ElementRadius > 0.0)) content.ElementRadius = 0.5 * content.NodeRadius;
+}
 
 bool ReadModel(std::string_view text, const TModelHeaders& headers, const TNodeList* nodeList,
                TModelContent& content, TLoadReport& report, const TLoadProgress& progress) {

@@ -32,6 +32,11 @@ QString Shown(uint letter) {
 
 }  // namespace
 
+QString FromBytes(std::string_view bytes) {
+  const QByteArrayView view(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  return view.isValidUtf8() ? QString::fromUtf8(view) : QString::fromLatin1(view);
+}
+
 QString Harmless(const QString& text) {
   return Replaced(text, [](QChar c) {
     const bool control = c.category() == QChar::Other_Control && !BreaksLine(c);

@@ -1,8 +1,12 @@
 #pragma once
 
 #include <QString>
+#include <string_view>
 
 // Texts of foreign origin, such as names of files and what stands in them, as they can be shown.
+
+/// The text of bytes in a file: UTF-8, or Latin-1 where they are not valid UTF-8.
+QString FromBytes(std::string_view bytes);
 
 /// `text` without what would steer a terminal or turn the direction of writing: each such character
 /// becomes a replacement character. Line ends and tabs stay.

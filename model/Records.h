@@ -41,6 +41,7 @@ class TElement {
 
   std::uint8_t Type;                    ///< kBar, kRoll, kFace; any other is a point
   std::int32_t ID = -1;                 ///< number from the file
+  bool IsTwoSided = false;              ///< a face that shows from both sides
   TColor Color = TColor::Inherited();   ///< negative: the element colour of the list that draws
   double Radius = 0.0;                  ///< 0: the element radius of the list that draws
   double RollParam1 = 0.0;              ///< of a roll: radius of the shaft

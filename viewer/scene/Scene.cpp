@@ -48,10 +48,6 @@ struct TScene::TStyle {
     return list.NodeShape == TNodeShape::Cube ? 0.5 * list.NodeRadius : list.NodeRadius;
   }
 
-  TRgba ColorOf(const TElement& element) const {
-    return TRgba(element.Color.IsInherited() ? elementColor : element.Color);
-  }
-
   TColor elementColor, edgeColor;
   double radius;
   double hidingRadius;
@@ -69,6 +65,37 @@ void TScene::Begin(const TVertex& toViewer) {
 }
 
 void TScene::AddList(const TDataNodeList& list) {
+  measured_.clear();
+  NoteGuesses(list);
+  Add(list);
+}
+
+void TScene::AddSum(const TDataNodeList& display, const TNodesSet& parts) {
+  measured_.clear();
+  for (const TDataNodeList* list : parts) NoteGuesses(*list);
+  Add(display);
+}
+
+void TScene::NoteGuesses(const TDataNodeList& list) {
+  if (list.IsInterpolated) measured_.push_back(&list.Measured);
+}
+
+bool TScene::IsGuessed(std::size_t node) const {
+  return std::ranges::any_of(measured_, [node](const std::vector<bool>* measured) {
+    return node < measured->size() && !(*measured)[node];
+  });
+}
+
+TRgba TScene::ColorOf(const TElement& element, const TStyle& style) const {
+  const TColor color = element.Color.IsInherited() ? style.elementColor : element.Color;
+  const bool isGuessed =
+      !measured_.empty() && std::ranges::any_of(element.Nodes(), [this](std::int32_t node) {
+        return IsGuessed(static_cast<std::size_t>(node));
+      });
+  return TRgba(isGuessed ? color.HalfGrey() : color);
+}
+
+void TScene::Add(const TDataNodeList& list) {
   const bool withElements = list.ShowElements && list.Elements;
   if (!withElements && !list.ShowNodes) return;
   PlaceNodes(list, positions_);
@@ -111,7 +138,7 @@ void TScene::AddBar(const TElement& element, const TStyle& style) {
   const bool caps = element.Radius > style.hidingRadius;
   AddCylinder(cylinders_, At(element.Nodes()[0]), At(element.Nodes()[1]),
               static_cast<float>(element.Radius), kOwnRadiusSlices, toViewer_,
-              style.ColorOf(element), {caps, caps});
+              ColorOf(element, style), {caps, caps});
 }
 
 void TScene::AddListBar(const TElement& element, const TStyle& style) {
@@ -119,12 +146,12 @@ void TScene::AddListBar(const TElement& element, const TStyle& style) {
   const TPoint &a = At(element.Nodes()[0]), &b = At(element.Nodes()[1]);
   const auto radius = static_cast<float>(style.radius);
   if (style.radius > style.hidingRadius) {
-    AddCylinder(cylinders_, a, b, radius, kListRadiusSlices, toViewer_, style.ColorOf(element));
+    AddCylinder(cylinders_, a, b, radius, kListRadiusSlices, toViewer_, ColorOf(element, style));
     return;
   }
   const TCylinderFrame frame(a, b);
   if (frame.length <= style.hiddenLength) return;
-  AddPrism(prisms_, frame, a, b, radius, toViewer_, style.ColorOf(element));
+  AddPrism(prisms_, frame, a, b, radius, toViewer_, ColorOf(element, style));
 }
 
 void TScene::AddRoll(const TElement& element, const TStyle& style) {
@@ -134,7 +161,7 @@ void TScene::AddRoll(const TElement& element, const TStyle& style) {
   if (!(std::abs(share) <= kLargest)) return;
   const TPoint p1 = Between(a, b, share), p2 = Between(a, b, 1.0 - share);
   if (!(std::abs(p1.x) + std::abs(p1.y) + std::abs(p1.z) <= kLargest)) return;
-  const TRgba color = style.ColorOf(element);
+  const TRgba color = ColorOf(element, style);
   if (CanDrawLength(element.RollParam1)) {
     const auto shaft = static_cast<float>(element.RollParam1);
     AddCylinder(cylinders_, a, p1, shaft, kShaftSlices, toViewer_, color);
@@ -166,12 +193,15 @@ std::optional<TPoint> TScene::FaceNormal(std::span<const std::int32_t> nodes) co
 void TScene::AddFace(const TElement& element, const TStyle& style) {
   const auto nodes = element.Nodes();
   if (const auto normal = FaceNormal(nodes)) {
-    const TRgba color = style.ColorOf(element);
+    const TRgba color = ColorOf(element, style);
     const auto first = static_cast<std::uint32_t>(faces_.vertices.size());
-    for (const std::int32_t node : nodes) {
-      faces_.vertices.push_back({At(node), TNormal(*normal), color});
+    const bool isBack = element.IsTwoSided && Dot(*normal, toViewer_) < 0.0f;
+    const TPoint front = isBack ? *normal * -1.0f : *normal;
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      const std::int32_t node = nodes[isBack ? nodes.size() - 1 - i : i];
+      faces_.vertices.push_back({At(node), TNormal(front), color});
     }
-    FillPolygon(faces_, first, *normal);
+    FillPolygon(faces_, first, front);
   }
   const TRgba edge(style.edgeColor);
   for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -183,7 +213,7 @@ void TScene::AddFace(const TElement& element, const TStyle& style) {
 void TScene::AddPoint(const TElement& element, const TStyle& style) {
   const double radius = element.Radius != 0.0 ? element.Radius : style.radius;
   if (!CanDrawLength(radius)) return;
-  spheres_.push_back({At(element.Nodes()[0]), static_cast<float>(radius), style.ColorOf(element)});
+  spheres_.push_back({At(element.Nodes()[0]), static_cast<float>(radius), ColorOf(element, style)});
 }
 
 void TScene::AddNodes(const TDataNodeList& list) {
@@ -191,8 +221,10 @@ void TScene::AddNodes(const TDataNodeList& list) {
   std::vector<TMark>& marks = list.NodeShape == TNodeShape::Cube ? cubes_ : spheres_;
   const auto size = static_cast<float>(list.NodeRadius);
   const TRgba color(list.NodeColor);
-  for (const TPoint& point : points_) {
-    if (!std::isnan(point.x)) marks.push_back({point, size, color});
+  const TRgba guessed(list.NodeColor.HalfGrey());
+  for (std::size_t i = 0; i < points_.size(); ++i) {
+    if (std::isnan(points_[i].x)) continue;
+    marks.push_back({points_[i], size, IsGuessed(i) ? guessed : color});
   }
 }
 
@@ -202,7 +234,7 @@ void BuildScene(TScene& scene, const TVertex& toViewer, const TModel& model,
   if (showModel && model.Loaded) scene.AddList(model.Nodes);
   if (data.Shown.Empty()) return;
   if (scaleType == TScaleType::Sum) {
-    scene.AddList(model.Display);
+    scene.AddSum(model.Display, data.Shown);
     return;
   }
   for (const TDataNodeList* list : data.Shown) scene.AddList(*list);

@@ -30,10 +30,13 @@ class TScene {
   void Begin(const TVertex& toViewer);
 
   /// Adds all that a list shows: its elements, each in its own colour or the list's, then its
-  /// nodes. Left out: elements with too few nodes or with an index outside the list; whatever
-  /// stands at a node whose position is not finite or beyond 1e30; caps and bars that lie wholly
-  /// inside the spheres or cubes of their own nodes.
+  /// nodes. What stands on a node that moves only with its neighbours gets a greyer shade. Left
+  /// out: elements with too few nodes or with an index outside the list; whatever stands at a node
+  /// whose position is not finite or beyond 1e30; caps and bars that lie wholly inside the spheres
+  /// or cubes of their own nodes.
   void AddList(const TDataNodeList& list);
+  /// The same for the display list that holds the sum of some data sets.
+  void AddSum(const TDataNodeList& display, const TNodesSet& parts);
 
   const TPoint& ToViewer() const { return toViewer_; }
   const std::vector<TMark>& Spheres() const { return spheres_; }
@@ -48,6 +51,12 @@ class TScene {
 
  private:
   struct TStyle;
+
+  void Add(const TDataNodeList& list);
+  void NoteGuesses(const TDataNodeList& list);
+  /// Whether a node moves by what its neighbours do, in any of the sets being added.
+  bool IsGuessed(std::size_t node) const;
+  TRgba ColorOf(const TElement& element, const TStyle& style) const;
 
   void AddElement(const TElement& element, const TStyle& style);
   void AddBar(const TElement& element, const TStyle& style);
@@ -74,6 +83,7 @@ class TScene {
   std::vector<TLineVertex> outlines_;
   std::vector<TVertex> positions_;  ///< of the list being added
   std::vector<TPoint> points_;      ///< the same; x is not a number where nothing can be drawn
+  std::vector<const std::vector<bool>*> measured_;  ///< of the sets with guesses; not owned
 };
 
 /// The whole picture: the undeformed model if it is shown and Loaded, then every visible data set,

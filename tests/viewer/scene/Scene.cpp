@@ -225,6 +225,22 @@ TEST_F(TSceneTest, FaceIsFilledInItsColorAndOutlinedInTheEdgeColor) {
   EXPECT_EQ(scene.Outlines().size(), 2u * (4 + 4 + 4 + 3));
 }
 
+TEST_F(TSceneTest, TwoSidedFacesShowTheSideThatIsLookedAt) {
+  Join(TElement::kFace, {{0, 0, 1}, {2, 0, 1}, {2, 2, 1}, {0, 2, 1}})->IsTwoSided = true;
+  for (const double z : {1.0, -1.0}) {
+    Build({0, 0, z});
+    ASSERT_EQ(scene.Faces().indices.size(), 6u);
+    EXPECT_EQ(scene.Outlines().size(), 8u);
+    for (std::size_t i = 0; i < 6; i += 3) {
+      const auto at = [&](std::size_t j) {
+        return scene.Faces().vertices[scene.Faces().indices[i + j]];
+      };
+      EXPECT_EQ(at(0).normal.z, z * 127);
+      EXPECT_EQ(Cross(at(1).position - at(0).position, at(2).position - at(0).position).z, z * 4);
+    }
+  }
+}
+
 /// Of triangles as a viewer above them sees them.
 template <class TCorners, class TIndices>
 double Area(const TCorners& corners, const TIndices& indices) {
@@ -274,22 +290,29 @@ TEST_F(TSceneTest, OtherTypesAreSpheresAtTheirFirstNode) {
 }
 
 /// A model of one node with two data sets at other places, and its display list.
-TEST(BuildScene, DrawsTheModelThenTheSetsOrTheirSum) {
+class TBuildSceneTest : public testing::Test {
+ protected:
+  TBuildSceneTest() {
+    const auto place = [](TDataNodeList& list, double x) {
+      list.Emplace(1, x, 0.0, 0.0);
+      list.ShowNodes = true;
+      list.NodeRadius = 0.1;
+    };
+    place(model.Nodes, 1.0);
+    place(model.Display, 4.0);
+    for (const double x : {2.0, 3.0}) {
+      auto set = std::make_unique<TDataNodeList>(&model, false);
+      place(*set, x);
+      set->SetVisible(true);
+      data.Shown.Refer(data.All.Add(std::move(set)));
+    }
+  }
+
   TModel model;
   TMeasuredData data;
-  const auto place = [](TDataNodeList& list, double x) {
-    list.Emplace(1, x, 0.0, 0.0);
-    list.ShowNodes = true;
-    list.NodeRadius = 0.1;
-  };
-  place(model.Nodes, 1.0);
-  place(model.Display, 4.0);
-  for (const double x : {2.0, 3.0}) {
-    auto set = std::make_unique<TDataNodeList>(&model, false);
-    place(*set, x);
-    set->SetVisible(true);
-    data.Shown.Refer(data.All.Add(std::move(set)));
-  }
+};
+
+TEST_F(TBuildSceneTest, DrawsTheModelThenTheSetsOrTheirSum) {
   const auto expect = [&](TScaleType type, bool showModel, const std::vector<float>& expected) {
     TScene scene;
     BuildScene(scene, {0, 0, 1}, model, data, type, showModel);
@@ -305,6 +328,34 @@ TEST(BuildScene, DrawsTheModelThenTheSetsOrTheirSum) {
   expect(TScaleType::Absolute, true, {2, 3});
   data.Shown.Clear();
   expect(TScaleType::Sum, true, {});
+}
+
+TEST_F(TBuildSceneTest, WhatStandsOnGuessedNodesIsGreyer) {
+  const TRgba plain(TColor::FromRgb(200, 0, 255));
+  const TRgba greyer(TColor::FromRgb(164, 64, 191));
+  model.Nodes.ShowNodes = false;
+  TDataNodeList& set = *data.Shown.Get(0);
+  set.Emplace(2, 5.0, 0.0, 0.0);
+  model.Display.Emplace(2, 5.0, 0.0, 0.0);
+  for (TDataNodeList* list : {&set, data.Shown.Get(1), &model.Display}) {
+    list->ElementColor = list->NodeColor = TColor::FromRgb(200, 0, 255);
+    list->Elements = &model.Elements;
+    list->ElementRadius = 0.01;
+  }
+  for (const std::int32_t node : {0, 1}) model.Elements.Emplace(9, 1)->Nodes()[0] = node;
+  set.Measured = {true, false};
+  for (const bool isInterpolated : {false, true}) {
+    set.IsInterpolated = isInterpolated;
+    for (const TScaleType type : {TScaleType::Absolute, TScaleType::Sum}) {
+      TScene scene;
+      BuildScene(scene, {0, 0, 1}, model, data, type, false);
+      ASSERT_GE(scene.Spheres().size(), 4u);
+      for (const TMark& mark : scene.Spheres()) {
+        const bool isGuessed = isInterpolated && mark.center.x == 5.0f;
+        EXPECT_EQ(mark.color, isGuessed ? greyer : plain) << mark.center.x;
+      }
+    }
+  }
 }
 
 TEST_F(TSceneTest, SecondFrameKeepsTheMemoryOfTheFirst) {

@@ -1,0 +1,46 @@
+#include "exchange/Savejob.h"
+
+#include <QFileInfo>
+#include <new>
+
+#include "exchange/Modelwriter.h"
+#include "model/Oneline.h"
+#include "model/Wholefile.h"
+
+namespace {
+
+QString Write(const QString& fileName, const std::string& text) {
+  const auto bytes = QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size()));
+  const QString why = WriteWholeFile(fileName, bytes);
+  return why.isEmpty() ? why
+                       : QStringLiteral("Cannot write %1: %2.").arg(ShownFileName(fileName), why);
+}
+
+}  // namespace
+
+QString DataFileBeside(const QString& modelFile) {
+  const QFileInfo file(modelFile);
+  return file.path() + '/' + file.completeBaseName() + QStringLiteral(".dat");
+}
+
+bool IsUniversalName(const QString& fileName) {
+  const QString suffix = QFileInfo(fileName).suffix().toLower();
+  return suffix == QLatin1String("unv") || suffix == QLatin1String("uff");
+}
+
+QString SaveJob(const TModel& model, const TMeasuredData& data, const QString& fileName,
+                const TUniversalOptions& options, TFindings& findings) {
+  try {
+    if (IsUniversalName(fileName)) {
+      return Write(fileName, WriteUniversal(model, data, options, findings));
+    }
+    // The data first: a model that is there shows that all of it is.
+    if (!data.All.Empty()) {
+      const QString fault = Write(DataFileBeside(fileName), WriteDataText(data, findings));
+      if (!fault.isEmpty()) return fault;
+    }
+    return Write(fileName, WriteModelText(model));
+  } catch (const std::bad_alloc&) {
+    return QStringLiteral("Cannot write %1: not enough memory.").arg(ShownFileName(fileName));
+  }
+}
