@@ -46,6 +46,11 @@ QListWidget* MakeLabels(QWidget* parent) {
   return labels;
 }
 
+/// The toolkit takes a text with tags for a rich one, which may name files.
+QString AsPlainTip(const QString& text) {
+  return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped());
+}
+
 }  // namespace
 
 TModelListWnd::TModelListWnd(QWidget* parent)
@@ -85,6 +90,10 @@ void TModelListWnd::FillLabels() {
   for (const TDataNodeList* list : Data.All) names << NameOf(*list);
   labels_->clear();
   labels_->addItems(names);
+  for (int i = 0; i < labels_->count(); ++i) {
+    const QString remark = RemarkOf(*Data.All.Get(static_cast<std::size_t>(i)));
+    if (!remark.isEmpty()) labels_->item(i)->setToolTip(AsPlainTip(remark));
+  }
   // Neighbours are selected as one range: with thousands of data sets that counts.
   QItemSelection shown;
   const int count = static_cast<int>(Data.All.Count());

@@ -23,6 +23,9 @@ class TModelListWnd : public QWidget {
   [[nodiscard]] TLoadReport LoadFromMemory(std::string_view text, TModel& model,
                                            const TLoadProgress& progress = {});
 
+  /// Lists the data sets anew, after Data was filled elsewhere.
+  void FillLabels();
+
   /// Deletes the data sets and empties the list.
   void Clear();
 
@@ -45,7 +48,5 @@ class TModelListWnd : public QWidget {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void FillLabels();
-
   QListWidget* labels_;
 };

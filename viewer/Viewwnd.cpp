@@ -11,16 +11,20 @@
 #include <QScopedValueRollback>
 #include <QScreen>
 #include <QSlider>
+#include <QToolButton>
 #include <utility>
 
+#include "exchange/Savejob.h"
 #include "model/Ending.h"
 #include "model/Message.h"
 #include "model/Oneline.h"
+#include "shapes/Neighbours.h"
 #include "viewer/Animatorabout.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
 #include "viewer/scene/Frametext.h"
 #include "viewer/window/Loaddialog.h"
+#include "viewer/window/Reportdialog.h"
 #include "viewer/window/Savepicture.h"
 
 namespace {
@@ -61,24 +65,45 @@ TViewDialogs::TAskFile AskFileToOpen(const QString& caption, const QString& filt
   };
 }
 
+QString AskJobFile(QWidget* parent, const QString& start) {
+  const QString model = QObject::tr("Model and data (*.mod)");
+  const QString universal = QObject::tr("Universal file (*.unv *.uff)");
+  QFileDialog dialog(parent, QObject::tr("Save Model and Data As"), start);
+  dialog.setNameFilters({model, universal});
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setDefaultSuffix(QStringLiteral("mod"));
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
+    dialog.setDefaultSuffix(filter == universal ? "unv" : "mod");
+  });
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
 }  // namespace
 
 TViewDialogs::TViewDialogs()
-    : ModelFile(AskFileToOpen(QObject::tr("Load Model"),
-                              QObject::tr("Model files (*.mod);;All files (*)"))),
-      DataFile(AskFileToOpen(QObject::tr("Load Data"),
-                             QObject::tr("Data files (*.dat);;All files (*)"))),
+    : Files([](QWidget* parent, const QString& start) {
+        return QFileDialog::getOpenFileNames(
+            parent, QObject::tr("Open"), start,
+            QObject::tr("All that can be read (*.mod *.dat *.unv *.uff *.csv *.txt *.ui);;"
+                        "Universal files (*.unv *.uff);;Tables (*.csv *.txt);;All files (*)"));
+      }),
+      ModelFile(AskFileToOpen(
+          QObject::tr("Load Model"),
+          QObject::tr("Model files (*.mod);;Universal files (*.unv *.uff);;All files (*)"))),
+      DataFile(AskFileToOpen(
+          QObject::tr("Load Data"),
+          QObject::tr("Data files (*.dat);;Universal files (*.unv *.uff);;All files (*)"))),
+      JobFile(AskJobFile),
       PictureFile(AskPictureFile),
       Color([](QWidget* parent, const QColor& present) {
         return QColorDialog::getColor(present, parent);
       }) {}
 
-TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings, const QString& modelFile,
-                   const QString& dataFile)
+TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings, const QStringList& files)
     : form_(*this),
       legend_(new TModelListWnd(this)),
       settingsFile_(settingsFile),
-      absent_{settings.ModelFile, settings.DataFile, settings.CheckedLabels},
+      absent_{settings.ModelFile, settings.DataFile, settings.CheckedLabels, settings.MoreFiles},
       legendPlace_(legend_) {
   setMinimumSize(kMinSize);
   resize(kFirstSize);
@@ -90,7 +115,7 @@ TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings, const
   ConnectView();
   UpdateAppearance();
   ApplySettings(settings);
-  OpenFirstFiles(modelFile, dataFile);
+  OpenFirstFiles(files);
   SetScaleType();
   SetViewScale();
   AnimClick();
@@ -118,6 +143,11 @@ void TViewWnd::ConnectMenus() {
   const auto callWithSender = [this](QAction* item, void (TViewWnd::*handler)(QObject*)) {
     connect(item, &QAction::triggered, this, [this, item, handler] { (this->*handler)(item); });
   };
+  call(form_.OpenMenu, &TViewWnd::OpenAnyFiles);
+  call(form_.SaveJobMenu, &TViewWnd::SaveJobAs);
+  call(form_.RestMenu, &TViewWnd::MoveUnmeasured);
+  call(form_.FollowMenu, &TViewWnd::MoveUnmeasured);
+  connect(form_.JobButton, &QToolButton::clicked, this, &TViewWnd::ShowReport);
   call(form_.LoadModelMenu, &TViewWnd::LoadModelFile);
   call(form_.LoadDataMenu, &TViewWnd::LoadDataFile);
   callWithSender(form_.UnloadModelMenu, &TViewWnd::ClearModels);
@@ -187,6 +217,7 @@ void TViewWnd::ApplySettings(const TSettings& settings) {
   form_.ScaleBar->setValue(settings.ViewScale.value_or(form_.ScaleBar->value()));
   form_.ShowModelMenu->setChecked(settings.ShowModel);
   form_.CanSaveMenu->setChecked(settings.CanSave);
+  form_.FollowMenu->setChecked(settings.FollowNeighbours);
   savePath_ = settings.SavePath;
   ApplyBounds(settings);
   legend_->Data.CheckedLabels = settings.CheckedLabels;
@@ -196,12 +227,21 @@ void TViewWnd::ApplySettings(const TSettings& settings) {
   form_.CubeMenu->setChecked(appearance_.NodeShape == TNodeShape::Cube);
 }
 
-void TViewWnd::OpenFirstFiles(const QString& modelFile, const QString& dataFile) {
-  if (!modelFile.isEmpty()) {
-    if (OpenModel(modelFile) && !dataFile.isEmpty()) OpenData(dataFile);
+void TViewWnd::OpenFirstFiles(const QStringList& files) {
+  if (std::any_of(files.begin(), files.end(), IsForeign)) return OpenFiles(files);
+  if (!files.isEmpty()) {
+    if (OpenModel(files[0]) && files.size() > 1) OpenData(files[1]);
     return;
   }
   const auto named = absent_;
+  QStringList present;
+  for (const QString& name : QStringList{named.modelFile, named.dataFile} + named.moreFiles) {
+    if (QFileInfo::exists(name) && !present.contains(name)) present << name;
+  }
+  if (std::any_of(present.begin(), present.end(), IsForeign)) {
+    OpenJobFiles(present);
+    return;
+  }
   const bool there = QFileInfo::exists(named.modelFile);
   if (there && !OpenModel(named.modelFile)) return;
   absent_ = named;  // the data that go with the model are still to come
@@ -233,6 +273,8 @@ TSettings TViewWnd::CurrentSettings() const {
   TSettings s;
   s.ModelFile = modelFile_.isEmpty() ? absent_.modelFile : modelFile_;
   s.DataFile = dataFile_.isEmpty() ? absent_.dataFile : dataFile_;
+  s.MoreFiles = moreFiles_.isEmpty() ? absent_.moreFiles : moreFiles_;
+  s.FollowNeighbours = form_.FollowMenu->isChecked();
   s.AnimationOn = form_.Anim->GetDown();
   s.AnimationSpeed = form_.Speed->value();
   s.RotX = view.Rotation.x;
@@ -287,6 +329,7 @@ TLoadReport TViewWnd::Read(
 
 bool TViewWnd::OpenModel(const QString& fileName) {
   if (reading_) return false;
+  if (IsForeign(fileName)) return OpenJobFiles({fileName});
   const TLoadReport report =
       Read(TFileKind::Model, fileName, [&](std::string_view text, const TLoadProgress& progress) {
         return model_.LoadFromMemory(text, progress);
@@ -295,6 +338,7 @@ bool TViewWnd::OpenModel(const QString& fileName) {
   if (loaded) {
     if (!AreSameFile(fileName, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) ResetPan();
     absent_ = {};
+    ForgetJob();
     modelFile_ = QFileInfo(fileName).absoluteFilePath();
     UnloadData();
   }
@@ -304,6 +348,10 @@ bool TViewWnd::OpenModel(const QString& fileName) {
 
 void TViewWnd::OpenData(const QString& fileName) {
   if (reading_) return;
+  if (IsForeign(fileName)) {
+    OpenJobFiles({fileName}, TWanted::DataOnly);
+    return;
+  }
   const TLoadReport report =
       Read(TFileKind::Data, fileName, [&](std::string_view text, const TLoadProgress& progress) {
         return legend_->LoadFromMemory(text, model_, progress);
@@ -320,8 +368,15 @@ void TViewWnd::OpenData(const QString& fileName) {
 void TViewWnd::OpenFiles(const QStringList& fileNames) {
   QStringList models;
   QStringList others;
-  for (const QString& name : fileNames.first(qMin<qsizetype>(fileNames.size(), 3))) {
-    (IsModelFile(name) ? models : others) << name;
+  QStringList forms;
+  for (const QString& name : fileNames) {
+    const bool isForm = OpenForm && ContentOf(name) == TFileContent::Form;
+    (isForm ? forms : IsModelFile(name) ? models : others) << name;
+  }
+  for (const QString& name : forms) OpenForm(name);
+  if (std::any_of(others.begin(), others.end(), IsForeign)) {
+    OpenJobFiles(models + others);
+    return;
   }
   if (models.size() > 1 || others.size() > 1) {
     ShowMessage(QStringLiteral("Only one model file and one data file can be opened at a time."));
@@ -331,12 +386,94 @@ void TViewWnd::OpenFiles(const QStringList& fileNames) {
   for (const QString& name : others) OpenData(name);
 }
 
+void TViewWnd::OpenAnyFiles() {
+  const QString start = IfItExists(modelFile_.isEmpty() ? dataFile_ : modelFile_);
+  const QStringList fileNames = Dialogs.Files(this, FolderOf(start));
+  if (!fileNames.isEmpty()) OpenFiles(fileNames);
+}
+
+bool TViewWnd::OpenJobFiles(const QStringList& fileNames, TWanted wanted) {
+  if (reading_) return false;
+  TOpenedJob job;
+  {
+    const QScopedValueRollback guard(reading_, true);
+    TLoadDialog dialog(this, fileNames.front(), Dialogs.LoadDelayMs);
+    job = OpenJob(fileNames, model_, legend_->Data, wanted, dialog.Progress());
+  }
+  const bool loaded = job.HasModel || job.HasData;
+  if (loaded) TakeJob(job);
+  if (!loaded && !job.Findings.Cancelled()) ShowMessage(job.Findings.Line());
+  return loaded;
+}
+
+void TViewWnd::TakeJob(const TOpenedJob& job) {
+  QStringList files = job.ModelFiles + job.DataFiles;
+  files.removeDuplicates();
+  for (QString& name : files) name = QFileInfo(name).absoluteFilePath();
+  if (job.HasModel) {
+    const QString model = files.value(0);
+    if (!AreSameFile(model, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) ResetPan();
+    absent_ = {};
+    modelFile_ = model;
+    moreFiles_.clear();
+    if (!job.HasData) UnloadData();
+  }
+  if (job.HasData) {
+    dataFile_ = QFileInfo(job.DataFiles.value(0)).absoluteFilePath();
+    legend_->FillLabels();
+    MoveUnmeasured();
+  }
+  for (const QString& name : files) {
+    if (name != modelFile_ && name != dataFile_) moreFiles_ << name;
+  }
+  report_ = job.Findings.Text();
+  form_.JobButton->setText(job.Findings.Line());
+  form_.JobButton->show();
+  form_.CountLabel->hide();
+  UpdateShown();
+  UpdateCaption();
+}
+
+void TViewWnd::ForgetJob() {
+  moreFiles_.clear();
+  report_.clear();
+  form_.JobButton->hide();
+  form_.CountLabel->show();
+}
+
+void TViewWnd::ShowReport() { TReportDialog(report_, this).exec(); }
+
+void TViewWnd::MoveUnmeasured() {
+  if (reading_) return;
+  if (form_.FollowMenu->isChecked()) {
+    TNeighbours(model_).Follow(legend_->Data);
+  } else {
+    TNeighbours::Rest(legend_->Data);
+  }
+  UpdateScale();
+}
+
+void TViewWnd::SaveJobAs() {
+  if (reading_) return;
+  if (model_.Nodes.Empty()) return ShowMessage(QStringLiteral("There is no model to save."));
+  const QString fileName = Dialogs.JobFile(this, FolderOf(modelFile_));
+  if (fileName.isEmpty()) return;
+  TUniversalOptions options;
+  options.Written = QDateTime::currentDateTime();
+  TFindings findings;
+  findings.BeginFile(fileName);
+  const QString fault = SaveJob(model_, legend_->Data, fileName, options, findings);
+  if (!fault.isEmpty()) return ShowMessage(fault);
+  if (findings.ToKnow() > 0) TReportDialog(findings.Text(), this).exec();
+}
+
 void TViewWnd::ClearModels(QObject* sender) {
   if (reading_) return;
   if (sender == form_.UnloadModelMenu) {
     model_.Clear();
     modelFile_.clear();
     absent_.modelFile.clear();
+    ForgetJob();
   }
   absent_.dataFile.clear();
   UnloadData();

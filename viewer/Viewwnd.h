@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <functional>
 
+#include "exchange/Openjob.h"
 #include "model/Animation.h"
 #include "model/Filekind.h"
 #include "model/Timer.h"
@@ -22,8 +23,12 @@ struct TViewDialogs {
 
   TViewDialogs();  ///< the system's dialogs
 
+  using TAskFiles = std::function<QStringList(QWidget* parent, const QString& start)>;
+
+  TAskFiles Files;  ///< of any kind
   TAskFile ModelFile;
   TAskFile DataFile;
+  TAskFile JobFile;      ///< where to save model and data; the suffix is the format
   TAskFile PictureFile;  ///< where to save
   TAskColor Color;
   int LoadDelayMs = 500;  ///< before a load shows its progress
@@ -38,10 +43,8 @@ class TViewWnd : public QMainWindow {
  public:
   /// Applies the settings, which may load a model and data. `settingsFile` is where they are saved
   /// when the window is destroyed or the session ends, if "Save options on exit" is checked.
-  /// `modelFile` and `dataFile`, which goes with it, are opened in place of those that the settings
-  /// name.
-  TViewWnd(const QString& settingsFile, const TSettings& settings, const QString& modelFile = {},
-           const QString& dataFile = {});
+  /// `files`, if there are any, are opened in place of those that the settings name.
+  TViewWnd(const QString& settingsFile, const TSettings& settings, const QStringList& files = {});
   explicit TViewWnd(const QString& settingsFile)
       : TViewWnd(settingsFile, LoadSettings(settingsFile)) {}
   ~TViewWnd() override;
@@ -52,7 +55,8 @@ class TViewWnd : public QMainWindow {
   bool OpenModel(const QString& fileName);
   /// Replaces the data by those of a file, likewise.
   void OpenData(const QString& fileName);
-  /// Opens a model file, a data file or one of each, distinguished by their content.
+  /// Opens whatever the program reads, distinguished by its content: a model file, a data file or
+  /// one of each; files of a laboratory, all of which make one model; panels.
   void OpenFiles(const QStringList& fileNames);
 
   const QString& ModelFile() const { return modelFile_; }  ///< empty if no model is loaded
@@ -67,8 +71,14 @@ class TViewWnd : public QMainWindow {
   TSettings CurrentSettings() const;
 
   TViewDialogs Dialogs;
+  /// Shows a panel in a window of its own. Unset: panels cannot be opened.
+  std::function<void(const QString& fileName)> OpenForm;
 
  public slots:
+  void OpenAnyFiles();
+  void SaveJobAs();
+  void ShowReport();
+  void MoveUnmeasured();
   void LoadModelFile();
   void LoadDataFile();
   /// `sender`: the menu item "Unload Model", which takes the data along, or "Unload Data".
@@ -109,7 +119,10 @@ class TViewWnd : public QMainWindow {
 
   void KeepSettings() const;
   void ApplySettings(const TSettings& settings);
-  void OpenFirstFiles(const QString& modelFile, const QString& dataFile);
+  void OpenFirstFiles(const QStringList& files);
+  bool OpenJobFiles(const QStringList& fileNames, TWanted wanted = TWanted::Everything);
+  void TakeJob(const TOpenedJob& job);
+  void ForgetJob();
   void ApplyBounds(const TSettings& settings);
 
   TLoadReport Read(TFileKind kind, const QString& fileName,
@@ -133,10 +146,13 @@ class TViewWnd : public QMainWindow {
   QString settingsFile_;
   QString modelFile_;
   QString dataFile_;
+  QStringList moreFiles_;  ///< the others of the same job
+  QString report_;         ///< what was found in them; empty for files of our own
   /// What the settings named and could not be loaded, as long as nothing else was loaded or
   /// unloaded: it is saved again.
   struct {
     QString modelFile, dataFile, checkedLabels;
+    QStringList moreFiles = {};
   } absent_;
   TWindowPlace place_{this};
   TWindowPlace legendPlace_;

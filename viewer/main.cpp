@@ -9,6 +9,7 @@
 #include "viewer/Animatorabout.h"
 #include "viewer/Viewwnd.h"
 #include "viewer/window/Commandline.h"
+#include "viewer/window/Converting.h"
 #include "viewer/window/Platform.h"
 #include "viewer/window/Rendering.h"
 
@@ -30,8 +31,27 @@ void ShowMessageBox(const QString& text) {
 int Render(const TCommandLine& line) {
   TSettings settings = SettingsOf(line, QCoreApplication::applicationFilePath());
   NameFiles(line, settings);
-  return RenderFrames(settings, line.RenderFile, line.Frames, line.Size) ? EXIT_SUCCESS
-                                                                         : EXIT_FAILURE;
+  QString report;
+  const bool good = RenderFrames(settings, line.RenderFile, line.Frames, line.Size, &report);
+  if (line.Report) std::fputs(report.toLocal8Bit().constData(), stdout);
+  return good ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// Tells what was in the files, and writes it if that is wanted.
+int Convert(const TCommandLine& line) {
+  bool good = true;
+  const QString report = ConvertFiles(line, good);
+  if (line.Report) std::fputs(report.toLocal8Bit().constData(), stdout);
+  return good ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+/// A panel beside the animator.
+void OpenPanelWindow(const QString& fileName) {
+  auto panel = OpenPanel(fileName, false);
+  if (!panel) return;
+  auto* window = new TPanelWindow(std::move(panel));
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  window->show();
 }
 
 int ShowPanel(const TCommandLine& line) {
@@ -54,8 +74,8 @@ int ShowWindow(const TCommandLine& line) {
   const QString executable = QCoreApplication::applicationFilePath();
   QStringList early;  // to be shown over the window
   SetMessageSink([&early](const QString& text) { early << text; });
-  TViewWnd window(SettingsFileOf(line, executable), SettingsOf(line, executable), line.ModelFile,
-                  line.DataFile);
+  TViewWnd window(SettingsFileOf(line, executable), SettingsOf(line, executable), line.Files);
+  window.OpenForm = OpenPanelWindow;
   SetMessageSink(ShowMessageBox);
   window.show();
   const auto showEarly = [&early] { std::for_each(early.begin(), early.end(), ShowMessage); };
@@ -75,9 +95,11 @@ int main(int argc, char** argv) {
     ShowMessage(line.Fault);
     return EXIT_FAILURE;
   }
-  const bool window = line.RenderFile.isEmpty() && line.PanelSaveFile.isEmpty();
+  const bool convert = !line.ConvertFile.isEmpty() || (line.Report && line.RenderFile.isEmpty());
+  const bool window = line.RenderFile.isEmpty() && line.PanelSaveFile.isEmpty() && !convert;
   const auto application = MakeApplication(argc, argv, window);
   TEnding::Instance().TakeSignals();
   if (!line.PanelFile.isEmpty()) return window ? ShowPanel(line) : RunPanel(line);
+  if (convert) return Convert(line);
   return window ? ShowWindow(line) : Render(line);
 }

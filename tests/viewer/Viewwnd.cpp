@@ -93,13 +93,17 @@ QString MenuText(const QWidget& menu, const QString& path = {}) {
 }
 
 TEST_F(Viewwnd, HasTheMenusOfTheProgram) {
-  EXPECT_EQ(MenuText(*window->menuBar()).toStdString(),
-            "File/Load &Model...\nFile/Load Data...\nFile/Unload Model\nFile/Unload Data\n"
-            "File/Save &As Bitmap...\nFile/Exit\nEdit/Copy\nOptions/Colors/Background...\n"
-            "Options/Colors/Font...\nOptions/Colors/Elements...\nOptions/Colors/Nodes...\n"
-            "Options/Node Shapes/Sphere [x]\nOptions/Node Shapes/Cube [ ]\n"
-            "Options/Show Model [x]\nOptions/Show Legend [ ]\nOptions/Save options on exit [x]\n"
-            "Help/About...\n");
+  EXPECT_EQ(
+      MenuText(*window->menuBar()).toStdString(),
+      "File/&Open...\nFile/Load &Model...\nFile/Load Data...\nFile/Unload Model\nFile/Unload Data\n"
+      "File/Save Model and Data As...\nFile/Save &As "
+      "Bitmap...\nFile/Exit\nEdit/Copy\nOptions/Colors/Background...\n"
+      "Options/Colors/Font...\nOptions/Colors/Elements...\nOptions/Colors/Nodes...\n"
+      "Options/Node Shapes/Sphere [x]\nOptions/Node Shapes/Cube [ ]\n"
+      "Options/Unmeasured nodes/Stay at rest [x]\n"
+      "Options/Unmeasured nodes/Follow their neighbours [ ]\n"
+      "Options/Show Model [x]\nOptions/Show Legend [ ]\nOptions/Save options on exit [x]\n"
+      "Help/About...\n");
   EXPECT_EQ(Find<QAction>("CopyMenu")->shortcut(), QKeySequence("Ctrl+C"));
 }
 
@@ -205,7 +209,7 @@ TEST_F(Viewwnd, AnotherModelIsSeenWithoutThePanOfTheOneBefore) {
   EXPECT_EQ(Panel().View.PanPosX, 2.0);
   const QString ini = WriteTestFile("velmora.ini", saved);
   for (const char* name : {"a.mod", "b.mod"}) {  // from the command line
-    const TViewWnd other(ini, LoadSettings(ini), TestFolder() + '/' + name);
+    const TViewWnd other(ini, LoadSettings(ini), QStringList(TestFolder() + '/' + name));
     EXPECT_EQ(other.CurrentSettings().PanPosX, QString(name) == "a.mod" ? 2.0 : 0.0);
   }
 }
@@ -221,7 +225,7 @@ TEST_F(Viewwnd, NamesAndChecksSurviveAStartWithoutTheirFiles) {
 
   // Asked for and not there: the window opens, and what was saved stays.
   const QString ini = WriteTestFile("velmora.ini", away);
-  window = std::make_unique<TViewWnd>(ini, LoadSettings(ini), "none.mod");
+  window = std::make_unique<TViewWnd>(ini, LoadSettings(ini), QStringList("none.mod"));
   EXPECT_EQ(TakeMessages(), QStringList("Cannot read none.mod: there is no such file."));
   ExpectTitle("");
   saved = SavedText();

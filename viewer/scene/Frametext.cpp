@@ -22,7 +22,22 @@ QString FrameOf(long long frame) {
 
 }  // namespace
 
-QString NameOf(const TDataNodeList& list) { return OneLine(list.Section.sliced(1).chopped(1)); }
+QString NameOf(const TDataNodeList& list) {
+  QString name = OneLine(list.Section.sliced(1).chopped(1));
+  const TShapeInfo& info = list.Info;
+  if (info.Mode > 0) name += QStringLiteral(", mode %1").arg(info.Mode);
+  if (info.Damping != 0.0) name += QStringLiteral(", %1 %").arg(100.0 * info.Damping, 0, 'g', 3);
+  return name;
+}
+
+QString RemarkOf(const TDataNodeList& list) {
+  QStringList lines;
+  for (const QString& text : list.Info.Lines) {
+    const QString line = OneLine(text.trimmed());
+    if (!line.isEmpty() && line != QLatin1String("NONE")) lines << line;
+  }
+  return lines.join('\n');
+}
 
 QStringList OverlayLines(const TMeasuredData& data) {
   QStringList lines;

@@ -7,8 +7,12 @@
 
 // What the window says about the picture, in words. Numbers have a "." whatever the locale.
 
-/// The name of a data set as its file has it, fit to be shown: its section without the brackets.
+/// The name of a data set as its file has it, fit to be shown: its section without the brackets,
+/// then the number and the damping of a mode.
 QString NameOf(const TDataNodeList& list);
+
+/// What else its file says of it, line by line; plain text of any origin.
+QString RemarkOf(const TDataNodeList& list);
 
 /// The text over the picture: the names of the shown data sets, and how many more there are.
 QStringList OverlayLines(const TMeasuredData& data);

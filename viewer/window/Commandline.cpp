@@ -3,9 +3,11 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
 #include <array>
 #include <utility>
 
+#include "exchange/Openjob.h"
 #include "model/Datetime.h"
 #include "model/Filekind.h"
 #include "model/Oneline.h"
@@ -44,17 +46,28 @@ struct TOptions {
   QCommandLineOption Trust{"trust", "With --panel: start it without asking."};
   QCommandLineOption Force{
       "force", "With --save: overwrite what another program has changed in the file meanwhile."};
+  QCommandLineOption Unmeasured{"unmeasured", "What nodes without a measurement do.",
+                                "rest|follow"};
+  QCommandLineOption Report{"report", "Tell what was in the files, used or left out and why."};
+  QCommandLineOption Convert{
+      "convert",
+      "Write what the files hold to the last of them instead of opening a window: OUT.mod writes "
+      "OUT.mod and OUT.dat, OUT.unv or OUT.uff a universal file."};
+  QCommandLineOption Lines{"lines", "With --convert: the lines of a universal file.", "82|2412"};
+  QCommandLineOption Shapes{"shapes", "With --convert: the shapes of a universal file.", "55|2414"};
+  QCommandLineOption Double{"double", "With --convert: shapes with 12 decimals instead of 6."};
 };
 
 TOptions::TOptions() {
   Parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
   Parser.setApplicationDescription(
       QStringLiteral("Shows a structure move with its measured vibration."));
-  Parser.addPositionalArgument("MODEL", "Model file.", "[MODEL");
-  Parser.addPositionalArgument("DATA", "Data file for the model.", "[DATA]]");
+  Parser.addPositionalArgument(
+      "FILES", "A model file and a data file, or universal files and tables of one structure.",
+      "[FILES...]");
   for (const QCommandLineOption& option :
-       {Help, Version, Animate, View, ScaleType, Settings, Render, Frames, Size, Panel, Trust,
-        After, Save, Force}) {
+       {Help,   Version, Animate, View,   ScaleType, Unmeasured, Settings, Render, Frames, Size,
+        Report, Convert, Lines,   Shapes, Double,    Panel,      Trust,    After,  Save,   Force}) {
     Parser.addOption(option);
   }
 }
@@ -65,20 +78,64 @@ QString NoFile(const QString& name) {
 
 /// Each of these takes one option's text and returns what is wrong with it, or nothing.
 
-QString TakeFiles(const QStringList& names, TCommandLine& line) {
-  if (names.size() > 2) {
+QString TakeFiles(QStringList names, TCommandLine& line) {
+  const bool window = line.RenderFile.isEmpty() && line.ConvertFile.isEmpty() && !line.Report;
+  for (const QString& name : names) {  // a window opens all the same and says it then
+    if (!window && !QFileInfo::exists(name)) return NoFile(name);
+  }
+  const bool job = std::any_of(names.begin(), names.end(), IsForeign);
+  if (!job && names.size() > 2) {
     return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
         .arg(names.size());
   }
-  const bool window = line.RenderFile.isEmpty();  // which opens all the same and says it then
+  if (names.size() == 2 && IsModelFile(names[1]) && !IsModelFile(names[0])) names.swapItemsAt(0, 1);
+  line.Files = names;
+  return {};
+}
+
+/// The last of the names is where to write.
+QString TakeConvert(QStringList& names, TCommandLine& line) {
+  if (names.size() < 2) {
+    return QStringLiteral("--convert needs the files to read and the file to write.");
+  }
+  line.ConvertFile = names.takeLast();
+  const QString suffix = QFileInfo(line.ConvertFile).suffix().toLower();
+  if (suffix != QLatin1String("mod") && !IsUniversalName(line.ConvertFile)) {
+    return QStringLiteral("--convert writes FILE.mod, FILE.unv or FILE.uff, not \"%1\".")
+        .arg(line.ConvertFile);
+  }
   for (const QString& name : names) {
-    if (!window && !QFileInfo::exists(name)) return NoFile(name);
+    if (!AreSameFile(name, line.ConvertFile) &&
+        (IsUniversalName(line.ConvertFile) ||
+         !AreSameFile(name, DataFileBeside(line.ConvertFile)))) {
+      continue;
+    }
+    return QStringLiteral("--convert would overwrite %1, which it is to read.").arg(OneLine(name));
   }
-  line.ModelFile = names.value(0);
-  line.DataFile = names.value(1);
-  if (IsModelFile(line.DataFile) && !IsModelFile(line.ModelFile)) {
-    std::swap(line.ModelFile, line.DataFile);
+  return {};
+}
+
+QString TakeLines(const QString& type, TCommandLine& line) {
+  if (type != "82" && type != "2412") {
+    return QStringLiteral("--lines is 82 or 2412, not \"%1\".").arg(type);
   }
+  line.Format.Lines = type == "82" ? TLinesType::TraceLines : TLinesType::Elements;
+  return {};
+}
+
+QString TakeShapes(const QString& type, TCommandLine& line) {
+  if (type != "55" && type != "2414") {
+    return QStringLiteral("--shapes is 55 or 2414, not \"%1\".").arg(type);
+  }
+  line.Format.Shapes = type == "55" ? TShapesType::Nodal55 : TShapesType::Nodal2414;
+  return {};
+}
+
+QString TakeUnmeasured(const QString& word, TCommandLine& line) {
+  if (word != "rest" && word != "follow") {
+    return QStringLiteral("--unmeasured is rest or follow, not \"%1\".").arg(word);
+  }
+  line.FollowNeighbours = word == "follow";
   return {};
 }
 
@@ -164,16 +221,20 @@ QString CheckTogether(const TOptions& options, const TCommandLine& line) {
   };
   const bool panel = !line.PanelFile.isEmpty();
   const bool render = !line.RenderFile.isEmpty();
+  const bool convert = options.Parser.isSet(options.Convert);
   for (const QString& fault :
        {needs(options.Frames, "render", render), needs(options.Size, "render", render),
         needs(options.After, "panel", panel), needs(options.Save, "panel", panel),
         needs(options.Trust, "panel", panel),
-        needs(options.Force, "save", !line.PanelSaveFile.isEmpty())}) {
+        needs(options.Force, "save", !line.PanelSaveFile.isEmpty()),
+        needs(options.Lines, "convert", convert), needs(options.Shapes, "convert", convert),
+        needs(options.Double, "convert", convert)}) {
     if (!fault.isEmpty()) return fault;
   }
   if (!panel) return {};
   for (const QCommandLineOption& option :
-       {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames}) {
+       {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames,
+        options.Unmeasured, options.Report, options.Convert}) {
     if (!options.Parser.isSet(option)) continue;
     return QStringLiteral("--%1 is of no use with --panel.").arg(option.names().front());
   }
@@ -183,18 +244,31 @@ QString CheckTogether(const TOptions& options, const TCommandLine& line) {
 QString TakeOptions(const TOptions& options, TCommandLine& line) {
   const QCommandLineParser& parser = options.Parser;
   const std::pair<const QCommandLineOption&, QString (*)(const QString&, TCommandLine&)> takers[] =
-      {{options.Settings, TakeSettings},   {options.Render, TakeRender}, {options.View, TakeView},
-       {options.ScaleType, TakeScaleType}, {options.Frames, TakeFrames}, {options.Size, TakeSize},
-       {options.Panel, TakePanel},         {options.After, TakeAfter},   {options.Save, TakeSave}};
+      {{options.Settings, TakeSettings}, {options.Render, TakeRender},
+       {options.View, TakeView},         {options.ScaleType, TakeScaleType},
+       {options.Frames, TakeFrames},     {options.Size, TakeSize},
+       {options.Panel, TakePanel},       {options.After, TakeAfter},
+       {options.Save, TakeSave},         {options.Lines, TakeLines},
+       {options.Shapes, TakeShapes},     {options.Unmeasured, TakeUnmeasured}};
   for (const auto& [option, take] : takers) {
     if (!parser.isSet(option)) continue;
     if (QString fault = take(parser.value(option), line); !fault.isEmpty()) return fault;
+  }
+  QStringList names = parser.positionalArguments();
+  if (names.size() == 1 && line.PanelFile.isEmpty() && ContentOf(names[0]) == TFileContent::Form) {
+    line.PanelFile = names.takeFirst();
   }
   if (QString fault = CheckTogether(options, line); !fault.isEmpty()) return fault;
   line.Animate = parser.isSet(options.Animate);
   line.PanelIsTrusted = parser.isSet(options.Trust);
   line.PanelIsForced = parser.isSet(options.Force);
-  return TakeFiles(parser.positionalArguments(), line);
+  line.Report = parser.isSet(options.Report);
+  line.Format.IsDouble = parser.isSet(options.Double);
+  if (parser.isSet(options.Convert)) {
+    if (QString fault = TakeConvert(names, line); !fault.isEmpty()) return fault;
+  }
+  if (line.Report && names.isEmpty()) return QStringLiteral("--report needs the files to read.");
+  return TakeFiles(names, line);
 }
 
 }  // namespace
@@ -231,14 +305,15 @@ TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable)
   }
   if (commandLine.ScaleType) settings.ScaleType = static_cast<int>(*commandLine.ScaleType);
   if (commandLine.Animate) settings.AnimationOn = true;
+  if (commandLine.FollowNeighbours) settings.FollowNeighbours = *commandLine.FollowNeighbours;
   return settings;
 }
 
 void NameFiles(const TCommandLine& commandLine, TSettings& settings) {
-  if (commandLine.ModelFile.isEmpty()) return;
-  if (!AreSameFile(commandLine.ModelFile, settings.ModelFile)) {
-    settings.PanPosX = settings.PanPosY = 0.0;
-  }
-  settings.ModelFile = commandLine.ModelFile;
-  settings.DataFile = commandLine.DataFile;
+  const QStringList& files = commandLine.Files;
+  if (files.isEmpty()) return;
+  if (!AreSameFile(files[0], settings.ModelFile)) settings.PanPosX = settings.PanPosY = 0.0;
+  settings.ModelFile = files[0];
+  settings.DataFile = files.value(1);
+  settings.MoreFiles = files.mid(2);
 }

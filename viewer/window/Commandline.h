@@ -5,13 +5,13 @@
 #include <QStringList>
 #include <optional>
 
+#include "exchange/Savejob.h"
 #include "model/Animation.h"
 #include "viewer/window/Settings.h"
 
 /// What the user asked for on the command line.
 struct TCommandLine {
-  QString ModelFile;  ///< empty: the settings say
-  QString DataFile;
+  QStringList Files;            ///< of a model and its data; none: the settings say
   QString SettingsFile;         ///< empty: the one beside the executable
   QString PanelFile;            ///< empty: the animator is wanted
   double PanelSeconds = 0.0;    ///< how long a panel runs before it is rendered or saved
@@ -25,13 +25,19 @@ struct TCommandLine {
   std::optional<TVertex> Rotation;  ///< degrees
   std::optional<TScaleType> ScaleType;
   bool Animate = false;
+  std::optional<bool> FollowNeighbours;
+
+  QString ConvertFile;       ///< where to write what the files hold; empty: nowhere
+  TUniversalOptions Format;  ///< of a universal file
+  bool Report = false;       ///< tell what was in the files
 
   QString Answer;  ///< help or version, which is all the user wants to see
   QString Fault;   ///< one sentence: what is wrong with the arguments
 };
 
 /// The first argument is the program. Checks that named files are there, but for those that a
-/// window will ask for, and puts a data file and a model file that stand the wrong way round right.
+/// window will ask for, and puts a data file and a model file of ours that stand the wrong way
+/// round right.
 TCommandLine ParseCommandLine(const QStringList& arguments);
 
 /// The settings file that counts. `executable`: with its full path.

@@ -3,9 +3,11 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "exchange/Openjob.h"
 #include "model/Ending.h"
 #include "model/Filekind.h"
 #include "model/Message.h"
+#include "shapes/Neighbours.h"
 #include "viewer/opengl/Offscreengl.h"
 #include "viewer/opengl/Picture.h"
 #include "viewer/scene/Frametext.h"
@@ -31,8 +33,11 @@ class TRendering {
   bool Load();
   bool Draw(const QString& fileName, int frames, QSize size);
   bool Faultless() const { return faultless_; }
+  const TFindings& Findings() const { return findings_; }
 
  private:
+  bool LoadJob(const QStringList& files);
+  bool LoadOwn();
   bool Check(const TLoadReport& report, const QString& fileName);
   bool DrawFrame(TOffscreenGl& gl, const QString& fileName);
 
@@ -43,6 +48,7 @@ class TRendering {
   TAnimation animation_;
   TViewTransform view_;
   TPicture picture_;
+  TFindings findings_;
   bool faultless_ = true;
 };
 
@@ -63,7 +69,15 @@ bool TRendering::Check(const TLoadReport& report, const QString& fileName) {
   return !report.Failed();
 }
 
-bool TRendering::Load() {
+bool TRendering::LoadJob(const QStringList& files) {
+  const TOpenedJob job = OpenJob(files, model_, data_);
+  findings_ = job.Findings;
+  if (!job.HasModel) ShowMessage(findings_.Line());
+  if (settings_.FollowNeighbours) TNeighbours(model_).Follow(data_);
+  return job.HasModel;
+}
+
+bool TRendering::LoadOwn() {
   if (!QFileInfo::exists(settings_.ModelFile)) {
     ShowMessage(QStringLiteral("There is no model file to draw."));
     return false;
@@ -82,6 +96,17 @@ bool TRendering::Load() {
       !load(TFileKind::Data, settings_.DataFile, readData)) {
     return false;
   }
+  return true;
+}
+
+bool TRendering::Load() {
+  QStringList files;
+  for (const QString& name :
+       QStringList{settings_.ModelFile, settings_.DataFile} + settings_.MoreFiles) {
+    if (QFileInfo::exists(name)) files << name;
+  }
+  const bool foreign = std::any_of(files.begin(), files.end(), IsForeign);
+  if (!(foreign ? LoadJob(files) : LoadOwn())) return false;
   view_.ModelSize = ModelSizeOf(model_);
   animation_.UpdateScale(data_, model_);
   animation_.Show(data_, model_);
@@ -127,7 +152,10 @@ bool TRendering::DrawFrame(TOffscreenGl& gl, const QString& fileName) {
 
 }  // namespace
 
-bool RenderFrames(const TSettings& settings, const QString& fileName, int frames, QSize size) {
+bool RenderFrames(const TSettings& settings, const QString& fileName, int frames, QSize size,
+                  QString* report) {
   TRendering rendering(settings);
-  return rendering.Load() && rendering.Draw(fileName, frames, size) && rendering.Faultless();
+  const bool loaded = rendering.Load();
+  if (report) *report = rendering.Findings().Text();
+  return loaded && rendering.Draw(fileName, frames, size) && rendering.Faultless();
 }

@@ -16,6 +16,8 @@ constexpr double kMaxAngle = 1e9;  ///< degrees
 constexpr double kMaxPan = 1e12;   ///< model units
 constexpr double kMaxZoom = 1e6;
 constexpr int kMaxColor = 0xffffff;
+constexpr QChar kBetweenNames = u'\t';
+constexpr int kMostNames = 1000;
 
 /// A view of zoom 0 would be empty; below that it is mirrored, which a drag can do as well.
 bool IsZoom(double value) { return std::abs(value) >= 1 / kMaxZoom && std::abs(value) <= kMaxZoom; }
@@ -31,6 +33,11 @@ class TReader {
 
   void Key(const char* key, QString& value) {
     if (const auto text = ini_.Value(section_, key)) value = QString::fromUtf8(*text);
+  }
+  void Key(const char* key, QStringList& value) {
+    QString names;
+    Key(key, names);
+    value = names.split(kBetweenNames, Qt::SkipEmptyParts).mid(0, kMostNames);
   }
   void Key(const char* key, int& value) {
     Integer(key, [&](int read) { value = read; });
@@ -82,6 +89,7 @@ class TWriter {
     const bool fitsOneLine = !value.contains('\n') && !value.contains('\r');
     Write(key, fitsOneLine ? value.toUtf8() : QByteArray());
   }
+  void Key(const char* key, const QStringList& value) { Key(key, value.join(kBetweenNames)); }
   void Key(const char* key, int value) { Write(key, QByteArray::number(value)); }
   void Key(const char* key, bool value) { Write(key, value ? "1" : "0"); }
   void Key(const char* key, TColor value) { Key(key, value.Value()); }
@@ -143,6 +151,9 @@ void VisitKeys(Visitor& ini, Settings& s) {
   ini.Key("NodeColor", s.NodeColor);
   ini.Key("FontColor", s.FontColor);
   ini.Key("NodeShape", s.NodeShape);
+  ini.Section("Job");
+  ini.Key("MoreFiles", s.MoreFiles);
+  ini.Key("FollowNeighbours", s.FollowNeighbours);
 }
 
 /// The text of a file that may hold settings: a regular file of ordinary size that holds text.

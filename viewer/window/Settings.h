@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 #include "model/Color.h"
@@ -36,6 +37,10 @@ struct TSettings {
   TColor NodeColor = TColor::Green();
   TColor FontColor = TColor::White();
   int NodeShape = 0;
+
+  // Job
+  QStringList MoreFiles;          ///< of the same job as the two above
+  bool FollowNeighbours = false;  ///< unmeasured nodes do
 };
 
 /// The settings in a file's text. Never fails: what is missing or makes no sense as a number takes

@@ -10,7 +10,10 @@
 #include <QShortcut>
 #include <QSlider>
 #include <QStatusBar>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
 #include <QToolBar>
+#include <QToolButton>
 
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
@@ -33,6 +36,12 @@ QAction* AddCheck(QMenu* menu, const char* name, const QString& caption, bool ch
   item->setCheckable(true);
   item->setChecked(checked);
   return item;
+}
+
+void MakeExclusive(QAction* one, QAction* other) {
+  auto* group = new QActionGroup(one->parent());
+  group->addAction(one);
+  group->addAction(other);
 }
 
 /// A button of the bar that a key clicks too.
@@ -93,6 +102,23 @@ class TElidedLabel : public QLabel {
   }
 };
 
+/// A flat button whose text ends in dots where it does not fit.
+class TLineButton : public QToolButton {
+ public:
+  using QToolButton::QToolButton;
+  QSize minimumSizeHint() const override { return {0, QToolButton::minimumSizeHint().height()}; }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QStylePainter painter(this);
+    QStyleOptionToolButton option;
+    initStyleOption(&option);
+    const int room = width() - 2 * style()->pixelMetric(QStyle::PM_ButtonMargin, &option, this);
+    option.text = fontMetrics().elidedText(text(), Qt::ElideRight, room);
+    painter.drawComplexControl(QStyle::CC_ToolButton, option);
+  }
+};
+
 QLabel* AddLabel(QStatusBar* bar, const char* name, int stretch) {
   auto* label = new TElidedLabel(bar);
   label->setObjectName(QLatin1String(name));
@@ -119,6 +145,9 @@ TViewForm::TViewForm(QMainWindow& window) {
 
 void TViewForm::MakeFileMenu(QMainWindow& window) {
   QMenu* file = window.menuBar()->addMenu(QStringLiteral("File"));
+  OpenMenu = AddItem(file, "OpenMenu", QStringLiteral("&Open..."),
+                     QKeySequence(QStringLiteral("Ctrl+Shift+O")));
+  file->addSeparator();
   LoadModelMenu = AddItem(file, "LoadModelMenu", QStringLiteral("Load &Model..."),
                           QKeySequence(QStringLiteral("Ctrl+O")));
   LoadDataMenu = AddItem(file, "LoadDataMenu", QStringLiteral("Load Data..."),
@@ -127,6 +156,8 @@ void TViewForm::MakeFileMenu(QMainWindow& window) {
   UnloadModelMenu = AddItem(file, "UnloadModelMenu", QStringLiteral("Unload Model"));
   UnloadDataMenu = AddItem(file, "UnloadDataMenu", QStringLiteral("Unload Data"));
   file->addSeparator();
+  SaveJobMenu = AddItem(file, "SaveJobMenu", QStringLiteral("Save Model and Data As..."),
+                        QKeySequence(QStringLiteral("Ctrl+Shift+S")));
   SaveBitmapMenu = AddItem(file, "SaveBitmapMenu", QStringLiteral("Save &As Bitmap..."),
                            QKeySequence(QStringLiteral("Ctrl+S")));
   file->addSeparator();
@@ -149,9 +180,12 @@ void TViewForm::MakeOptionsMenu(QMainWindow& window) {
   QMenu* shapes = options->addMenu(QStringLiteral("Node Shapes"));
   SphereMenu = AddCheck(shapes, "SphereMenu", QStringLiteral("Sphere"), true);
   CubeMenu = AddCheck(shapes, "CubeMenu", QStringLiteral("Cube"), false);
-  auto* group = new QActionGroup(shapes);  // makes the two exclusive
-  group->addAction(SphereMenu);
-  group->addAction(CubeMenu);
+  MakeExclusive(SphereMenu, CubeMenu);
+
+  QMenu* unmeasured = options->addMenu(QStringLiteral("Unmeasured nodes"));
+  RestMenu = AddCheck(unmeasured, "RestMenu", QStringLiteral("Stay at rest"), true);
+  FollowMenu = AddCheck(unmeasured, "FollowMenu", QStringLiteral("Follow their neighbours"), false);
+  MakeExclusive(RestMenu, FollowMenu);
 
   options->addSeparator();
   ShowModelMenu = AddCheck(options, "ShowModelMenu", QStringLiteral("Show Model"), true,
@@ -220,4 +254,12 @@ void TViewForm::MakeStatusBar(QMainWindow& window) {
   ShownLabel = AddLabel(bar, "ShownLabel", 3);
   FrameLabel = AddLabel(bar, "FrameLabel", 2);
   CountLabel = AddLabel(bar, "CountLabel", 2);
+  JobButton = new TLineButton(bar);
+  JobButton->setObjectName(QStringLiteral("JobButton"));
+  JobButton->setAutoRaise(true);
+  JobButton->setFocusPolicy(Qt::NoFocus);  // the keys stay with the window
+  JobButton->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  JobButton->setToolTip(QStringLiteral("Click to see what was in the files"));
+  bar->addWidget(JobButton, 4);
+  JobButton->hide();
 }

@@ -4,6 +4,7 @@ class QAction;
 class QLabel;
 class QMainWindow;
 class QSlider;
+class QToolButton;
 class TGLPanel;
 class TImageButton;
 
@@ -13,10 +14,12 @@ struct TViewForm {
   explicit TViewForm(QMainWindow& window);
 
   // Menus
+  QAction* OpenMenu;
   QAction* LoadModelMenu;
   QAction* LoadDataMenu;
   QAction* UnloadModelMenu;
   QAction* UnloadDataMenu;
+  QAction* SaveJobMenu;
   QAction* SaveBitmapMenu;
   QAction* ExitMenu;
   QAction* CopyMenu;
@@ -26,6 +29,8 @@ struct TViewForm {
   QAction* NodesMenu;
   QAction* SphereMenu;
   QAction* CubeMenu;
+  QAction* RestMenu;  ///< unmeasured nodes
+  QAction* FollowMenu;
   QAction* ShowModelMenu;
   QAction* ShowLegendMenu;
   QAction* CanSaveMenu;
@@ -52,6 +57,7 @@ struct TViewForm {
   QLabel* ShownLabel;
   QLabel* FrameLabel;
   QLabel* CountLabel;
+  QToolButton* JobButton;  ///< what the files held, in place of CountLabel; a click tells all
 
  private:
   void MakeFileMenu(QMainWindow& window);

@@ -32,9 +32,9 @@ TEST(Commandline, TakesEveryOption) {
   const TCommandLine line =
       Parse({model, "--render", "p.png", data, "--frames", "12", "--size=640x480", "--view", "y",
              "--scale-type", "sum", "--settings", ini, "--animate"});
-  EXPECT_THAT(
-      QStringList({line.Fault, line.ModelFile, line.DataFile, line.SettingsFile, line.RenderFile}),
-      testing::ElementsAre("", model, data, ini, "p.png"));
+  EXPECT_THAT(QStringList({line.Fault, line.Files.value(0), line.Files.value(1), line.SettingsFile,
+                           line.RenderFile}),
+              testing::ElementsAre("", model, data, ini, "p.png"));
   EXPECT_EQ(line.Frames, 12);
   EXPECT_EQ(line.Size, QSize(640, 480));
   EXPECT_EQ(line.Rotation, (TVertex{90, 0, 0}));
@@ -51,7 +51,8 @@ TEST(Commandline, PutsASwappedPairRight) {
                                                        {{data}, {data, ""}}};
   for (const auto& [given, taken] : cases) {
     const TCommandLine line = Parse(given);
-    EXPECT_EQ(QStringList({line.ModelFile, line.DataFile}), taken) << given.join(' ').toStdString();
+    EXPECT_EQ(QStringList({line.Files.value(0), line.Files.value(1)}), taken)
+        << given.join(' ').toStdString();
   }
 }
 
@@ -95,6 +96,16 @@ TEST(Commandline, SaysInOneSentenceWhatIsWrong) {
       {{"--trust"}, "--trust is of use with --panel alone."},
       {{"--force"}, "--force is of use with --save alone."},
       {{"--frames", "3"}, "--frames is of use with --render alone."},
+      {{"--lines", "82"}, "--lines is of use with --convert alone."},
+      {{"--convert", "--lines", "15", model, "a.unv"}, "--lines is 82 or 2412, not \"15\"."},
+      {{"--convert", "--shapes", "58", model, "a.unv"}, "--shapes is 55 or 2414, not \"58\"."},
+      {{"--convert", model}, "--convert needs the files to read and the file to write."},
+      {{"--convert", model, "a.txt"},
+       "--convert writes FILE.mod, FILE.unv or FILE.uff, not \"a.txt\"."},
+      {{"--convert", model, model},
+       "--convert would overwrite " + model + ", which it is to read."},
+      {{"--report"}, "--report needs the files to read."},
+      {{"--unmeasured", "fly"}, "--unmeasured is rest or follow, not \"fly\"."},
       {{"--nonsense"}, "Unknown option 'nonsense'."},
       {{"--view"}, "Missing value after '--view'."}};
   for (const auto& [arguments, fault] : cases) {
@@ -124,7 +135,7 @@ TEST(Commandline, OverridesTheSettings) {
 TEST(Commandline, WithoutADisplayThereIsHelpAndASentenceForEverythingElse) {
   const TRun help = RunAnimator({"--help"});
   EXPECT_EQ(help.Status, 0);
-  EXPECT_TRUE(help.Out.contains("[MODEL [DATA]]")) << help.Out.toStdString();
+  EXPECT_TRUE(help.Out.contains("[FILES...]")) << help.Out.toStdString();
   EXPECT_TRUE(help.Out.contains("--scale-type"));
   EXPECT_EQ(help.Errors, "");
   const QString noWindow =

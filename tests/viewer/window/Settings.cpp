@@ -14,7 +14,8 @@ const QByteArray kAllKeys =
     "[Windows]\nLeft=-5\nTop=6\nWidth=700\nHeight=800\nLabelsLeft=9\nLabelsTop=10\n"
     "LabelsWidth=211\nLabelsHeight=212\nLabelsVisible=1\nCheckedLabels=0110\n\n"
     "[Colors]\nBackColor=197121\nElementColor=394500\nNodeColor=591879\nFontColor=16579578\n"
-    "NodeShape=1\n";
+    "NodeShape=1\n\n"
+    "[Job]\nMoreFiles=/data/a.unv\t/data/b, c.csv\nFollowNeighbours=1\n";
 
 /// Settings of which none has its default.
 TSettings OtherSettings() { return ParseSettings(kAllKeys); }
@@ -40,6 +41,7 @@ TEST(Settings, WhatIsSavedIsReadBackToTheLastBit) {
   EXPECT_EQ(s.DataFile, QStringLiteral("C:\\measured\\run 2.dat"));
   EXPECT_EQ(s.SavePath, QStringLiteral("/tmp/pictures, new"));
   EXPECT_EQ(s.CheckedLabels, "0110");
+  EXPECT_EQ(s.MoreFiles, QStringList({"/data/a.unv", "/data/b, c.csv"}));
   EXPECT_EQ(std::tuple(s.RotX, s.RotY, s.ScaleX, s.ScaleY, s.ScaleZ, s.PanPosX, s.PanPosY),
             std::tuple(0.1 + 0.2, -1.0 / 3.0, 1.6, 2.5e-3, -0.7, 1e-300, -12345678.9));
   EXPECT_EQ(std::tuple(s.AnimationOn, s.ShowModel, s.CanSave, s.LabelsVisible),
@@ -93,7 +95,7 @@ TEST(Settings, WhatIsMissingOrMakesNoSenseTakesItsDefault) {
       "PanPosY=0\nScaleType=0\nShowModel=1\nCanSave=1\nSavePath=\n\n[Windows]\nCheckedLabels="
       "111\n\n"
       "[Colors]\nBackColor=0\nElementColor=16777215\nNodeColor=65280\nFontColor=16777215\n"
-      "NodeShape=0\n";
+      "NodeShape=0\n\n[Job]\nMoreFiles=\nFollowNeighbours=0\n";
   for (const char* text : texts)
     EXPECT_EQ(UpdateSettings({}, ParseSettings(text)), defaults) << text;
 }

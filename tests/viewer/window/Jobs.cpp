@@ -1,0 +1,156 @@
+#include "exchange/Openjob.h"
+#include "exchange/Savejob.h"
+#include "tests/support/Testing.h"
+#include "viewer/Viewwnd.h"
+#include "viewer/window/Reportdialog.h"
+
+namespace {
+
+/// Three nodes in a line far from the origin, the middle one unmeasured, in one normal mode.
+const QByteArray kGeometry =
+    "    -1\n  2411\n"
+    "         1         1         1        11\n"
+    "   1.0000000000000000E+03   0.0000000000000000E+00   0.0000000000000000E+00\n"
+    "         2         1         1        11\n"
+    "   1.0010000000000000E+03   0.0000000000000000E+00   0.0000000000000000E+00\n"
+    "         3         1         1        11\n"
+    "   1.0020000000000000E+03   0.0000000000000000E+00   0.0000000000000000E+00\n"
+    "    -1\n    -1\n    82\n"
+    "         1         3         1\nline\n         1         2         3\n    -1\n";
+const QByteArray kShapes =
+    "    -1\n    55\nfirst\nNONE\n<b>third</b>\nNONE\nNONE\n"
+    "         1         2         2         8         2         3\n"
+    "         2         4         0         1\n"
+    "  1.25000E+01  1.00000E+00  2.00000E-02  0.00000E+00\n"
+    "         1\n  0.00000E+00  1.00000E+00  0.00000E+00\n"
+    "         3\n  0.00000E+00  3.00000E+00  0.00000E+00\n    -1\n"
+    "    -1\n  1710\nwhat nobody knows\n    -1\n";
+
+class Jobs : public testing::Test {
+ protected:
+  Jobs() { Open(); }
+
+  void Open() {
+    window.reset();
+    const QString ini = TestFolder() + "/velmora.ini";
+    if (!QFileInfo::exists(ini)) WriteTestFile("velmora.ini", "");
+    window = std::make_unique<TViewWnd>(ini);
+    window->Dialogs.LoadDelayMs = 1'000'000;
+  }
+  void Trigger(const char* name) { Child<QAction>(*window, name).trigger(); }
+  QString JobLine() { return Child<QToolButton>(*window, "JobButton").text(); }
+  bool SaysWhatWasThere() { return !Child<QToolButton>(*window, "JobButton").isHidden(); }
+  TMeasuredData& Data() { return window->Legend().Data; }
+  double MiddleAmplitude() { return Data().All.Get(0)->Get(1)->Position.y; }
+
+  QString geometry = WriteTestFile("geometry.unv", kGeometry);
+  QString shapes = WriteTestFile("shapes.txt", kShapes);
+  std::unique_ptr<TViewWnd> window;
+};
+
+TEST_F(Jobs, FilesOpenedTogetherMakeOneModelAndComeBack) {
+  window->Dialogs.Files = [this](auto...) { return QStringList{shapes, geometry}; };
+  Trigger("OpenMenu");
+  EXPECT_EQ(TakeMessages(), QStringList());
+  EXPECT_EQ(JobLine(), "3 nodes, 2 bars, 1 normal mode at 12.5 Hz; 2 things to know");
+  EXPECT_TRUE(window->windowTitle().endsWith(" : geometry.unv + shapes.txt"));
+  EXPECT_EQ(window->Model().Size, 1.0);
+  const QListWidgetItem& label = *Child<QListWidget>(window->Legend(), "Labels").item(0);
+  EXPECT_EQ(label.text(), "F = 12.5, mode 1, 2 %");
+  EXPECT_TRUE(label.toolTip().contains("&lt;b&gt;third"));
+
+  Open();  // with the settings that it saved
+  EXPECT_EQ(JobLine(), "3 nodes, 2 bars, 1 normal mode at 12.5 Hz; 2 things to know");
+  window->OpenModel(WriteTestFile("a.mod", "[Nodes]\n1 0 0 0\n"));
+  EXPECT_FALSE(SaysWhatWasThere());
+  EXPECT_TRUE(Data().All.Empty());
+}
+
+TEST_F(Jobs, TheReportCanBeReadAndCopied) {
+  window->OpenFiles({geometry, shapes});
+  QTimer::singleShot(0, [] {
+    auto& report = dynamic_cast<TReportDialog&>(*QApplication::activeModalWidget());
+    Child<QPushButton>(report, "CopyReport").click();
+    report.close();
+  });
+  Child<QToolButton>(*window, "JobButton").click();
+  const QString text = QGuiApplication::clipboard()->text();
+  for (const char* const part : {"geometry.unv", "2411", "1710", "line 17"}) {
+    EXPECT_TRUE(text.contains(part)) << part << '\n' << text.toStdString();
+  }
+}
+
+TEST_F(Jobs, UnmeasuredNodesRestOrFollow) {
+  window->OpenFiles({geometry, shapes});
+  EXPECT_EQ(MiddleAmplitude(), 0.0);
+  Trigger("FollowMenu");
+  EXPECT_DOUBLE_EQ(MiddleAmplitude(), 2.0);
+  window->OpenData(shapes);  // shapes alone, for the model that is there
+  EXPECT_DOUBLE_EQ(MiddleAmplitude(), 2.0);
+  Open();
+  EXPECT_DOUBLE_EQ(MiddleAmplitude(), 2.0);
+  Trigger("RestMenu");
+  EXPECT_EQ(MiddleAmplitude(), 0.0);
+}
+
+TEST_F(Jobs, WhatCannotBeReadLeavesEverythingAsItWas) {
+  window->OpenFiles({geometry, shapes});
+  const QString line = JobLine();
+  window->OpenFiles({WriteTestFile("cut.unv", kGeometry.left(40))});
+  EXPECT_EQ(TakeMessages().size(), 1);
+  EXPECT_EQ(JobLine(), line);
+  EXPECT_EQ(window->Model().Nodes.Count(), 3U);
+  EXPECT_EQ(Data().All.Count(), 1U);
+}
+
+TEST_F(Jobs, AFormGoesToWhoShowsPanels) {
+  const QString form = WriteTestFile("f.xml", "<?xml version=\"1.0\"?>\n<ui version=\"4.0\"/>\n");
+  QStringList opened;
+  window->OpenForm = [&](const QString& name) { opened << name; };
+  window->OpenFiles({form, geometry, shapes});
+  EXPECT_EQ(opened, QStringList(form));
+  EXPECT_EQ(window->Model().Nodes.Count(), 3U);
+}
+
+TEST_F(Jobs, SavedFilesHoldTheSame) {
+  window->OpenFiles({geometry, shapes});
+  for (const QString name : {"saved.mod", "saved.unv"}) {
+    const QString path = TestFolder() + '/' + name;
+    window->Dialogs.JobFile = [path](auto...) { return path; };
+    Trigger("SaveJobMenu");
+    EXPECT_EQ(TakeMessages(), QStringList());
+    TModel model;
+    TMeasuredData data;
+    QStringList files{path};
+    if (!IsUniversalName(path)) files << DataFileBeside(path);
+    const TOpenedJob job = OpenJob(files, model, data);
+    EXPECT_TRUE(job.HasModel && job.HasData) << name.toStdString();
+    EXPECT_EQ(model.Nodes.Get(2)->Position.x + model.Centre.x, 1002.0);
+    EXPECT_EQ(data.All.Get(0)->Get(2)->Position.y, 3.0);
+    EXPECT_EQ(data.All.Get(0)->Frequency, 12.5);
+  }
+}
+
+TEST_F(Jobs, TheProgramConvertsAndReportsWithoutADisplay) {
+  const QMap<QString, QString> noDisplay{{"DISPLAY", ":9871"}};
+  const QString unv = TestFolder() + "/out.unv";
+  const TRun run = RunProgram(
+      "velmora-animator",
+      {"--convert", "--report", shapes, geometry, unv, "--lines", "82", "--shapes", "55"},
+      noDisplay);
+  EXPECT_EQ(run.Status, 0) << run.Errors.toStdString();
+  EXPECT_TRUE(run.Out.contains("3 nodes, 2 bars, 1 normal mode at 12.5 Hz"))
+      << run.Out.toStdString();
+  const QByteArray text = Contents(unv);
+  EXPECT_TRUE(text.contains("\n    82\n") && text.contains("\n    55\n"));
+
+  const QString mod = TestFolder() + "/out.mod";
+  EXPECT_EQ(RunProgram("velmora-animator", {"--convert", unv, mod}, noDisplay).Status, 0);
+  EXPECT_TRUE(Contents(TestFolder() + "/out.dat").startsWith("[F = 12.5]\n"));
+  const TRun none =
+      RunProgram("velmora-animator", {"--report", WriteTestFile("x.unv", "x")}, noDisplay);
+  EXPECT_EQ(none.Status, 1);
+  EXPECT_TRUE(none.Errors.contains("x.unv")) << none.Errors.toStdString();
+}
+
+}  // namespace
