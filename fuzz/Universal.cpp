@@ -1,7 +1,9 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "exchange/Assembly.h"
 #include "exchange/Universal.h"
+#include "exchange/Universalwriter.h"
 
 namespace {
 
@@ -34,6 +36,30 @@ void CheckFunction(const TMeasuredFunction& function) {
   Require(function.Single.size() + function.Double.size() == count * (function.IsComplex ? 2 : 1));
 }
 
+/// The model and the data sets that the job makes can be drawn, and written and read again.
+void CheckAssembly(TJob& job, TFindings& findings) {
+  constexpr std::size_t kMostNodes = 100'000;
+  TModel model;
+  model.Replace(AssembleModel(job, &model.Nodes, findings));
+  Require(std::isfinite(model.Size) && IsFinite(model.Centre));
+  for (const TElement* element : model.Elements) {
+    for (const std::int32_t index : element->Nodes()) {
+      Require(index >= 0 && static_cast<std::size_t>(index) < model.Nodes.Count());
+    }
+  }
+  TMeasuredData data;
+  data.Replace(
+      AssembleShapes(job, {model.Nodes, model.Index()}, model.Centre, kMostNodes, findings), model);
+  for (const TDataNodeList* list : data.All) {
+    Require(list->Count() == model.Nodes.Count() && std::isfinite(list->MaxAmplitude));
+    Require(list->Measured.empty() || list->Measured.size() == list->Count());
+  }
+  TJob again;
+  ReadUniversal(WriteUniversal(model, data, {}, findings), again, findings, {});
+  Require(again.Nodes.size() == model.Nodes.Count());
+  Require(again.Shapes.size() <= data.All.Count());
+}
+
 }  // namespace
 
 /// Any bytes as a universal file: what comes out must hold together.
@@ -55,5 +81,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   for (const TJobShape& shape : job.Shapes) CheckShape(shape);
   for (const TMeasuredFunction& function : job.Functions) CheckFunction(function);
   Require(job.Units.Length > 0.0 && !findings.Text().isEmpty());
+  CheckAssembly(job, findings);
   return 0;
 }
