@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <algorithm>
+#include <utility>
 
 #include "model/Message.h"
 
@@ -19,6 +20,7 @@ void TTimerClient::SetEnabled(bool enabled) {
   if (enabled == enabled_) return;
   enabled_ = enabled;
   counter_ = 0;
+  TTimerServer::Instance()->Count(enabled ? 1 : -1);
 }
 
 void TTimerClient::SetOnTimer(TNotifyEvent event) {
@@ -46,9 +48,13 @@ TTimerServer*& Running() {
 
 TTimerServer* TTimerServer::Instance() { return Running(); }
 
-TTimerServer::TTimerServer() {
+void TTimerServer::Count(int change) {
   constexpr int kTickMilliseconds = 10;
-  if (startTimer(kTickMilliseconds, Qt::PreciseTimer) == 0) ShowMessage("Can't create timer!");
+  enabled_ += change;
+  if (enabled_ == 0 && timer_ != 0) killTimer(std::exchange(timer_, 0));
+  if (enabled_ != 1 || change < 0) return;
+  timer_ = startTimer(kTickMilliseconds, Qt::PreciseTimer);
+  if (timer_ == 0) ShowMessage("Can't create timer!");
 }
 
 void TTimerServer::Join(TTimerClient* client) {
@@ -62,6 +68,7 @@ void TTimerServer::Leave(TTimerClient* client) {
   const auto index = static_cast<std::size_t>(place - server->clients_.begin());
   server->clients_.erase(place);
   if (index < server->next_) --server->next_;
+  if (client->GetEnabled()) server->Count(-1);
   if (!server->clients_.empty()) return;
   Running() = nullptr;
   delete server;

@@ -81,7 +81,8 @@ class TTimerClient : public QObject {
 };
 
 /// The one source of ticks: turns a 10 ms system timer into DoTick calls of every client, in the
-/// order in which the clients were made. Exists while there is a client. GUI thread only.
+/// order in which the clients were made. Exists while there is a client, and wakes the program only
+/// while one is enabled. GUI thread only.
 class TTimerServer : public QObject {
  public:
   /// The running server, or null while there is no client.
@@ -98,13 +99,16 @@ class TTimerServer : public QObject {
 
  private:
   friend class TTimerClient;
-  TTimerServer();
   static void Join(TTimerClient* client);
   static void Leave(TTimerClient* client);
+  /// One enabled client more or less.
+  void Count(int change);
 
   std::vector<TTimerClient*> clients_;  ///< not owned
   std::size_t next_ = 0;                ///< index behind the client being served
   bool serving_ = false;
+  int enabled_ = 0;  ///< clients that are
+  int timer_ = 0;    ///< of the system; 0 while it rests
 };
 
 /// A stopwatch with time-stamp strings; it runs from its making. A change of the system's clock

@@ -104,6 +104,23 @@ TEST(TTimerServer, SaysThatTheSystemRefusesATimer) {
   EXPECT_EQ(TakeMessages(), QStringList{"Can't create timer!"});
 }
 
+TEST(TTimerServer, RestsWhileNoClientIsEnabled) {
+  TCounter counter;
+  TTimerClient resting;
+  const auto timers = [] {
+    return QAbstractEventDispatcher::instance()->registeredTimers(TTimerServer::Instance()).size();
+  };
+  EXPECT_EQ(timers(), 0);
+  auto one = Client(counter), other = Client(counter);
+  EXPECT_EQ(timers(), 1);
+  one->SetEnabled(false);
+  EXPECT_EQ(timers(), 1);
+  other.reset();
+  EXPECT_EQ(timers(), 0);
+  one->SetEnabled(true);
+  EXPECT_EQ(timers(), 1);
+}
+
 TEST(TTimerServer, TicksByItselfServesAClientThatAnEventMakesAndEntersNoneTwice) {
   TCounter parent, child;
   std::unique_ptr<TTimerClient> born;
