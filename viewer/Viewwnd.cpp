@@ -7,10 +7,13 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QScreen>
 #include <QSlider>
+#include <QStatusBar>
+#include <QToolBar>
 #include <QToolButton>
 #include <utility>
 
@@ -22,6 +25,7 @@
 #include "viewer/Animatorabout.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
+#include "viewer/scene/Fitting.h"
 #include "viewer/scene/Frametext.h"
 #include "viewer/window/Loaddialog.h"
 #include "viewer/window/Reportdialog.h"
@@ -120,6 +124,8 @@ TViewWnd::TViewWnd(const QString& settingsFile, const TSettings& settings, const
   SetViewScale();
   AnimClick();
   UpdateCaption();
+  viewClock_.start();
+  views_.Begin(form_.P->View);
   connect(&TEnding::Instance(), &TEnding::OnKeep, this, [this] {
     if (!reading_) KeepSettings();
   });
@@ -155,6 +161,10 @@ void TViewWnd::ConnectMenus() {
   call(form_.SaveBitmapMenu, &TViewWnd::SaveBitmap);
   call(form_.ExitMenu, &TViewWnd::ExitMenuClick);
   call(form_.CopyMenu, &TViewWnd::CopyToClipboard);
+  call(form_.FitMenu, &TViewWnd::Fit);
+  call(form_.UndoViewMenu, &TViewWnd::UndoView);
+  call(form_.RedoViewMenu, &TViewWnd::RedoView);
+  call(form_.FullPictureMenu, &TViewWnd::ShowFullPicture);
   callWithSender(form_.BackgroundMenu, &TViewWnd::SetColors);
   callWithSender(form_.FontMenu, &TViewWnd::SetColors);
   callWithSender(form_.ElementsMenu, &TViewWnd::SetColors);
@@ -185,6 +195,7 @@ void TViewWnd::ConnectButtons() {
 void TViewWnd::ConnectView() {
   connect(form_.P, &TGLPanel::OnInit, this, &TViewWnd::GLPanelInit);
   connect(form_.P, &TGLPanel::OnPaint, this, &TViewWnd::GLPanelPaint);
+  connect(form_.P, &TGLPanel::OnViewChange, this, &TViewWnd::NoteView);
   connect(&model_, &TModel::OnChange, this, &TViewWnd::FitView);
   connect(legend_, &TModelListWnd::OnShowHide, this, [this] {
     UpdateScale();
@@ -336,7 +347,7 @@ bool TViewWnd::OpenModel(const QString& fileName) {
       });
   const bool loaded = !report.Cancelled() && !report.Failed();
   if (loaded) {
-    if (!AreSameFile(fileName, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) ResetPan();
+    if (!AreSameFile(fileName, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) BeginView();
     absent_ = {};
     ForgetJob();
     modelFile_ = QFileInfo(fileName).absoluteFilePath();
@@ -412,7 +423,7 @@ void TViewWnd::TakeJob(const TOpenedJob& job) {
   for (QString& name : files) name = QFileInfo(name).absoluteFilePath();
   if (job.HasModel) {
     const QString model = files.value(0);
-    if (!AreSameFile(model, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) ResetPan();
+    if (!AreSameFile(model, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) BeginView();
     absent_ = {};
     modelFile_ = model;
     moreFiles_.clear();
@@ -564,7 +575,40 @@ void TViewWnd::SetView(QObject* sender) {
     ResetPan();
     form_.P->ScaleViewPort();  // else the picture would be squeezed until the next resize
   }
+  views_.NoteWhole(form_.P->View);
   form_.P->Invalidate();
+}
+
+void TViewWnd::Fit() {
+  FitToShown(form_.P->View, model_, legend_->Data, animation_.ScaleType,
+             form_.ShowModelMenu->isChecked());
+  views_.NoteWhole(form_.P->View);
+  form_.P->Invalidate();
+}
+
+void TViewWnd::NoteView() { views_.Note(form_.P->View, viewClock_.elapsed()); }
+
+void TViewWnd::UndoView() {
+  views_.Undo(form_.P->View);
+  form_.P->Invalidate();
+}
+
+void TViewWnd::RedoView() {
+  views_.Redo(form_.P->View);
+  form_.P->Invalidate();
+}
+
+void TViewWnd::ShowFullPicture() {
+  const bool full = form_.FullPictureMenu->isChecked();
+  menuBar()->setVisible(!full);
+  statusBar()->setVisible(!full);
+  form_.P->window()->findChild<QToolBar*>(QStringLiteral("ButtonBar"))->setVisible(!full);
+  setWindowState(windowState().setFlag(Qt::WindowFullScreen, full));
+}
+
+void TViewWnd::BeginView() {
+  ResetPan();
+  views_.Begin(form_.P->View);
 }
 
 void TViewWnd::ResetPan() { form_.P->View.PanPosX = form_.P->View.PanPosY = 0.0; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <functional>
 
@@ -12,6 +13,7 @@
 #include "viewer/opengl/Picture.h"
 #include "viewer/window/Settings.h"
 #include "viewer/window/Viewform.h"
+#include "viewer/window/Viewhistory.h"
 #include "viewer/window/Viewstate.h"
 #include "viewer/window/Windowplace.h"
 
@@ -93,6 +95,12 @@ class TViewWnd : public QMainWindow {
   void ShowHideMLW();
   void AboutMenuClick();
 
+  /// Zoom and pan at which all that is shown fills the picture.
+  void Fit();
+  void UndoView();
+  void RedoView();
+  /// No bars and the whole screen, or back.
+  void ShowFullPicture();
   /// `sender`: the button of the view.
   void SetView(QObject* sender);
   /// One frame, back if the sender is the back button.
@@ -129,6 +137,8 @@ class TViewWnd : public QMainWindow {
                    const std::function<TLoadReport(std::string_view, const TLoadProgress&)>& load);
   void UnloadData();
   void ResetPan();
+  void BeginView();
+  void NoteView();
   void FitView();
   void UpdateAppearance();
   void UpdateScale();
@@ -142,6 +152,8 @@ class TViewWnd : public QMainWindow {
   TAnimation animation_;
   TTimerClient timer_;
   TPicture picture_;
+  TViewHistory views_;
+  QElapsedTimer viewClock_;
   TAppearance appearance_;
   QString settingsFile_;
   QString modelFile_;

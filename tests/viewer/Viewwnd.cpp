@@ -97,7 +97,9 @@ TEST_F(Viewwnd, HasTheMenusOfTheProgram) {
       MenuText(*window->menuBar()).toStdString(),
       "File/&Open...\nFile/Load &Model...\nFile/Load Data...\nFile/Unload Model\nFile/Unload Data\n"
       "File/Save Model and Data As...\nFile/Save &As "
-      "Bitmap...\nFile/Exit\nEdit/Copy\nOptions/Colors/Background...\n"
+      "Bitmap...\nFile/Exit\nEdit/Copy\n"
+      "View/Fit\nView/Undo view\nView/Redo view\nView/Full picture [ ]\n"
+      "Options/Colors/Background...\n"
       "Options/Colors/Font...\nOptions/Colors/Elements...\nOptions/Colors/Nodes...\n"
       "Options/Node Shapes/Sphere [x]\nOptions/Node Shapes/Cube [ ]\n"
       "Options/Unmeasured nodes/Stay at rest [x]\n"
@@ -564,6 +566,37 @@ TEST_F(Viewwnd, WithoutSettingsOrWithNonsenseInThemTheWindowIsSane) {
   }
   EXPECT_TRUE(TakeMessages().isEmpty());
   EXPECT_TRUE(SavedText().contains("\nModelFile=/none/at/all.mod\n"));
+}
+
+TEST_F(Viewwnd, FitsWhatIsShownAndGoesBackThroughViews) {
+  LoadModel(kModel);  // 3 wide and 4 high about its middle, of size 5
+  TViewTransform& view = Panel().View;
+  Click("ViewZ");
+  view.PanPosX = 7.0;
+  Trigger("FitMenu");
+  EXPECT_DOUBLE_EQ(view.Zoom, 2.0 / 5.0 / 0.9);
+  EXPECT_EQ(view.PanPosX, 0.0);
+  Click("ViewX");
+  Trigger("UndoViewMenu");
+  EXPECT_EQ(view.Rotation, kAlongZ);
+  Trigger("UndoViewMenu");
+  EXPECT_EQ(view.Zoom, 1.0);
+  Trigger("RedoViewMenu");
+  EXPECT_DOUBLE_EQ(view.Zoom, 2.0 / 5.0 / 0.9);
+  LoadModel(kModel, "other.mod");
+  Trigger("UndoViewMenu");  // there is nothing before another model
+  EXPECT_DOUBLE_EQ(view.Zoom, 2.0 / 5.0 / 0.9);
+}
+
+TEST_F(Viewwnd, TheFullPictureHasNoBarsAndItsKeyLeadsBack) {
+  ShowActive(*window);
+  QTest::keyClick(window.get(), Qt::Key_F11);
+  EXPECT_TRUE(window->isFullScreen());
+  EXPECT_FALSE(window->menuBar()->isVisible());
+  EXPECT_FALSE(Find<QToolBar>("ButtonBar")->isVisible());
+  QTest::keyClick(window.get(), Qt::Key_F11);
+  EXPECT_FALSE(window->isFullScreen());
+  EXPECT_TRUE(window->menuBar()->isVisible());
 }
 
 TEST_F(Viewwnd, TheCheckOfTheLegendFollowsIt) {

@@ -133,6 +133,7 @@ QLabel* AddLabel(QStatusBar* bar, const char* name, int stretch) {
 
 TViewForm::TViewForm(QMainWindow& window) {
   MakeFileMenu(window);
+  MakeViewMenu(window);
   MakeOptionsMenu(window);
   QMenu* help = window.menuBar()->addMenu(QStringLiteral("Help"));
   AboutMenu = AddItem(help, "AboutMenu", QStringLiteral("About..."), QKeySequence::HelpContents);
@@ -141,6 +142,10 @@ TViewForm::TViewForm(QMainWindow& window) {
   P->setObjectName(QStringLiteral("P"));
   window.setCentralWidget(P);
   MakeStatusBar(window);
+  // Their keys are to work while the menu bar is hidden.
+  for (const QMenu* menu : window.menuBar()->findChildren<QMenu*>()) {
+    window.addActions(menu->actions());
+  }
 }
 
 void TViewForm::MakeFileMenu(QMainWindow& window) {
@@ -167,6 +172,18 @@ void TViewForm::MakeFileMenu(QMainWindow& window) {
   QMenu* edit = window.menuBar()->addMenu(QStringLiteral("Edit"));
   CopyMenu =
       AddItem(edit, "CopyMenu", QStringLiteral("Copy"), QKeySequence(QStringLiteral("Ctrl+C")));
+}
+
+void TViewForm::MakeViewMenu(QMainWindow& window) {
+  QMenu* view = window.menuBar()->addMenu(QStringLiteral("View"));
+  FitMenu = AddItem(view, "FitMenu", QStringLiteral("Fit"), QKeySequence(Qt::Key_F));
+  UndoViewMenu = AddItem(view, "UndoViewMenu", QStringLiteral("Undo view"),
+                         QKeySequence(QStringLiteral("Alt+Left")));
+  RedoViewMenu = AddItem(view, "RedoViewMenu", QStringLiteral("Redo view"),
+                         QKeySequence(QStringLiteral("Alt+Right")));
+  view->addSeparator();
+  FullPictureMenu = AddCheck(view, "FullPictureMenu", QStringLiteral("Full picture"), false,
+                             QKeySequence(Qt::Key_F11));
 }
 
 void TViewForm::MakeOptionsMenu(QMainWindow& window) {

@@ -23,6 +23,10 @@ struct TViewForm {
   QAction* SaveBitmapMenu;
   QAction* ExitMenu;
   QAction* CopyMenu;
+  QAction* FitMenu;
+  QAction* UndoViewMenu;
+  QAction* RedoViewMenu;
+  QAction* FullPictureMenu;
   QAction* BackgroundMenu;
   QAction* FontMenu;
   QAction* ElementsMenu;
@@ -61,6 +65,7 @@ struct TViewForm {
 
  private:
   void MakeFileMenu(QMainWindow& window);
+  void MakeViewMenu(QMainWindow& window);
   void MakeOptionsMenu(QMainWindow& window);
   void MakeButtons(QMainWindow& window);
   void MakeStatusBar(QMainWindow& window);
