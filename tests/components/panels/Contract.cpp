@@ -213,6 +213,26 @@ TEST(Contract, ACopyTakesEveryPropertyAndIsTheSameUntilOneChanges) {
   });
 }
 
+TEST(Contract, AWholeDiffersWhenAPartOfItDoes) {
+  int parts = 0;
+  ForEachProperty([&](const TKind& kind, const TPublished& published, const QString& path) {
+    const auto wholeOf = [](const QObject* part) {
+      const auto* sub = qobject_cast<const TPersistent*>(part);
+      return sub ? qobject_cast<TPersistent*>(sub->Owner()) : nullptr;
+    };
+    TPersistent* const whole = wholeOf(published.Object);
+    if (!whole || !Holds(kCopies, path) || !Holds(kDiffers, path)) return;
+    const TSubject other = kind.Make();
+    TPersistent* const copy = wholeOf(At(other, published.Path).Object);
+    copy->Assign(whole);
+    EXPECT_TRUE(copy->SameAs(whole));
+    Change(published);
+    EXPECT_FALSE(copy->SameAs(whole));
+    ++parts;
+  });
+  EXPECT_GT(parts, 0);
+}
+
 TEST(Contract, NothingItselfAndAnotherClassAreNoSource) {
   TClick stranger;
   ForEachProperty([&](const TKind&, const TPublished& published, const QString&) {
