@@ -194,8 +194,9 @@ class TJobReading {
     if (report.Cancelled()) Findings().Cancel();
     if (report.Failed()) Findings().Fail(report.First());
     if (report.Failed() || report.Cancelled()) return false;
-    if (!report.Ok()) Findings().Warn({}, 0, report.Sentence(name));
-    if (opened_.Report.Ok()) opened_.Report = report;
+    if (report.Ok()) return true;
+    opened_.Faults << report.Sentence(name);
+    Findings().Warn({}, 0, opened_.Faults.back());
     return true;
   }
 

@@ -28,7 +28,7 @@ struct TOpenedJob {
   QStringList ModelFiles;  ///< the files that gave geometry
   QStringList DataFiles;   ///< those that gave shapes; one may stand in both
   TFindings Findings;
-  TLoadReport Report;  ///< of our own model and data files
+  QStringList Faults;  ///< what was dropped from files of our own, a sentence each
   std::vector<TMeasuredFunction> Functions;
 };
 

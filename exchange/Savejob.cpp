@@ -28,8 +28,21 @@ bool IsUniversalName(const QString& fileName) {
   return suffix == QLatin1String("unv") || suffix == QLatin1String("uff");
 }
 
+QString WithJobSuffix(const QString& fileName) {
+  const bool isModel = QFileInfo(fileName).suffix().toLower() == QLatin1String("mod");
+  return isModel || IsUniversalName(fileName) ? fileName : fileName + QStringLiteral(".mod");
+}
+
+QStringList FilesToWrite(const QString& fileName, const TMeasuredData& data) {
+  if (IsUniversalName(fileName) || data.All.Empty()) return {fileName};
+  return {fileName, DataFileBeside(fileName)};
+}
+
 QString SaveJob(const TModel& model, const TMeasuredData& data, const QString& fileName,
                 const TUniversalOptions& options, TFindings& findings) {
+  if (model.Nodes.Empty()) {
+    return QStringLiteral("Cannot write %1: there is no model.").arg(ShownFileName(fileName));
+  }
   try {
     if (IsUniversalName(fileName)) {
       return Write(fileName, WriteUniversal(model, data, options, findings));

@@ -19,7 +19,9 @@ void ReadHeader(TUniversalReading& reading) {
   }
   reading.HasHeader = true;
   if (reading.Job.ModelName.isEmpty()) reading.Job.ModelName = name;
-  reading.Use(QStringLiteral("header of the model \"%1\"").arg(name));
+  const bool isNamed = !name.isEmpty() && name != QLatin1String("NONE");
+  reading.Use(isNamed ? QStringLiteral("header of the model \"%1\"").arg(name)
+                      : QStringLiteral("header"));
 }
 
 void ReadUnits(TUniversalReading& reading) {

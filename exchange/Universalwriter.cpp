@@ -191,11 +191,17 @@ class TElementWriter {
  public:
   TElementWriter(TLineWriter& out, const TModel& model) : out_(out), model_(model) {}
 
-  /// One trace line: bars that go on where the last one ended are one stroke.
-  void WriteTraceLine(const std::vector<std::array<std::int32_t, 2>>& bars) {
+  /// One trace line: bars that go on where the last one ended are one stroke. Returns how many
+  /// were left out, for they name node 0, which lifts the pen.
+  std::size_t WriteTraceLine(const std::vector<std::array<std::int32_t, 2>>& bars) {
     std::vector<std::int32_t> entries;
     std::int32_t last = -1;
+    std::size_t leftOut = 0;
     for (const auto& [from, to] : bars) {
+      if (Number(from) == 0 || Number(to) == 0) {
+        ++leftOut;
+        continue;
+      }
       if (from != last && last >= 0) entries.push_back(0);
       if (from != last) entries.push_back(Number(from));
       entries.push_back(Number(to));
@@ -206,6 +212,7 @@ class TElementWriter {
     WriteText(out_, QStringLiteral("lines"));
     WriteLabels(entries);
     WriteMark(out_);
+    return leftOut;
   }
 
   void BeginElements() { BeginSet(out_, 2412); }
@@ -420,7 +427,11 @@ std::string WriteUniversal(const TModel& model, const TMeasuredData& data,
   const TDrawing drawing(model);
   TElementWriter elements(out, model);
   const bool traced = options.Lines == TLinesType::TraceLines;
-  if (traced && !drawing.Bars().empty()) elements.WriteTraceLine(drawing.Bars());
+  if (traced && !drawing.Bars().empty()) {
+    if (const std::size_t leftOut = elements.WriteTraceLine(drawing.Bars()); leftOut > 0) {
+      findings.LeaveOut({}, 0, QStringLiteral("%1 lines of node 0").arg(leftOut));
+    }
+  }
   if (!drawing.Faces().empty() || (!traced && !drawing.Bars().empty())) {
     elements.BeginElements();
     if (!traced) elements.WriteBars(drawing.Bars());

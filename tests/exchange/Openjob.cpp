@@ -99,7 +99,7 @@ TEST_F(OpenJobTest, OwnAndForeignFilesGoTogether) {
   job = Open({File("own.dat", kData + "9 1 1 1\n"), shapes}, TWanted::DataOnly);
   EXPECT_EQ(State(), "2 1 [F = 3] [F = 7.5]");
   EXPECT_FALSE(job.HasModel);
-  EXPECT_TRUE(job.Report.Sentence("own.dat").contains("node 9"));
+  EXPECT_TRUE(job.Faults.value(0).contains("node 9"));
   EXPECT_TRUE(job.Findings.Text().contains("node 9"));
   job = Open({File("nodes.csv", kNodesTable), shapes}, TWanted::DataOnly);
   EXPECT_EQ(State(), "2 1 [F = 7.5]");

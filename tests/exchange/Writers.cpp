@@ -114,6 +114,16 @@ NONE
   EXPECT_EQ(loaded.Findings.ToKnow(), 2U) << loaded.Findings.Text().toStdString();
 }
 
+TEST(Universalwriter, NodeZeroLiftsThePenAndHasNoLines) {
+  TLoaded loaded(
+      "[Nodes]\n0 0 0 0\n1 1 0 0\n2 2 0 0\n[Elements]\n2\n1 1 0 -1 2 0 1\n2 1 0 -1 2 1 2\n",
+      "[F = 1]\n0 0 0 1\n1 0 0 1\n2 0 0 1\n");
+  const std::string text = WriteUniversal(loaded.Model, loaded.Data,
+                                          {TLinesType::TraceLines, {}, false, {}}, loaded.Findings);
+  EXPECT_NE(text.find("         2        11\nlines\n         1         2\n"), text.npos) << text;
+  EXPECT_EQ(loaded.Findings.ToKnow(), 1U);
+}
+
 TEST(Universalwriter, TraceLinesLiftThePenAndShapes55SayWhatTheyAre) {
   TLoaded loaded(kModel, kData);
   TShapeInfo& info = loaded.Data.All.Get(0)->Info;
