@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <new>
 #include <numbers>
 #include <unordered_map>
 
@@ -96,7 +97,17 @@ void Finish(TDataNodeList& list, bool isInterpolated) {
 
 }  // namespace
 
-void TNeighbours::Follow(TMeasuredData& data) {
+bool TNeighbours::Follow(TMeasuredData& data) {
+  try {
+    Move(data);
+    return true;
+  } catch (const std::bad_alloc&) {
+    Rest(data);
+    return false;
+  }
+}
+
+void TNeighbours::Move(TMeasuredData& data) {
   std::unordered_map<std::vector<bool>, std::vector<TDataNodeList*>> setsOf;
   for (TDataNodeList* list : data.All) {
     if (IsPartial(*list, model_)) setsOf[list->Measured].push_back(list);

@@ -13,11 +13,13 @@ class TNeighbours {
   explicit TNeighbours(const TModel& model) : model_(model) {}
 
   /// Gives the unmeasured nodes of all sets their motions. What is worked out for one pattern of
-  /// measured nodes serves all sets that have it. Throws std::bad_alloc.
-  void Follow(TMeasuredData& data);
+  /// measured nodes serves all sets that have it. False if memory does not suffice: then all rest.
+  bool Follow(TMeasuredData& data);
   /// Lets them rest again.
   static void Rest(TMeasuredData& data);
 
  private:
+  void Move(TMeasuredData& data);
+
   const TModel& model_;
 };

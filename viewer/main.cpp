@@ -32,7 +32,8 @@ int Render(const TCommandLine& line) {
   TSettings settings = SettingsOf(line, QCoreApplication::applicationFilePath());
   NameFiles(line, settings);
   QString report;
-  const bool good = RenderFrames(settings, line.RenderFile, line.Frames, line.Size, &report);
+  const bool good = RenderFrames(settings, line.RenderFile, line.Frames, line.Size,
+                                 line.Report ? &report : nullptr);
   if (line.Report) std::fputs(report.toLocal8Bit().constData(), stdout);
   return good ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -78,6 +79,7 @@ int ShowWindow(const TCommandLine& line) {
   window.OpenForm = OpenPanelWindow;
   SetMessageSink(ShowMessageBox);
   window.show();
+  for (const QString& form : line.Forms) OpenPanelWindow(form);
   const auto showEarly = [&early] { std::for_each(early.begin(), early.end(), ShowMessage); };
   QMetaObject::invokeMethod(&window, showEarly, Qt::QueuedConnection);
   return QApplication::exec();

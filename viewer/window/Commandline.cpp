@@ -82,7 +82,9 @@ QString TakeFiles(QStringList names, TCommandLine& line) {
   const bool window = line.RenderFile.isEmpty() && line.ConvertFile.isEmpty() && !line.Report;
   for (const QString& name : names) {  // a window opens all the same and says it then
     if (!window && !QFileInfo::exists(name)) return NoFile(name);
+    if (window && ContentOf(name) == TFileContent::Form) line.Forms << name;
   }
+  for (const QString& form : std::as_const(line.Forms)) names.removeAll(form);
   const bool job = std::any_of(names.begin(), names.end(), IsForeign);
   if (!job && names.size() > 2) {
     return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
@@ -231,6 +233,7 @@ QString CheckTogether(const TOptions& options, const TCommandLine& line) {
         needs(options.Double, "convert", convert)}) {
     if (!fault.isEmpty()) return fault;
   }
+  if (convert && render) return QStringLiteral("--render is of no use with --convert.");
   if (!panel) return {};
   for (const QCommandLineOption& option :
        {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames,

@@ -12,6 +12,7 @@
 /// What the user asked for on the command line.
 struct TCommandLine {
   QStringList Files;            ///< of a model and its data; none: the settings say
+  QStringList Forms;            ///< panels to open beside the animator
   QString SettingsFile;         ///< empty: the one beside the executable
   QString PanelFile;            ///< empty: the animator is wanted
   double PanelSeconds = 0.0;    ///< how long a panel runs before it is rendered or saved

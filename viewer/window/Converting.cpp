@@ -2,22 +2,25 @@
 
 #include "exchange/Openjob.h"
 #include "model/Message.h"
-#include "shapes/Neighbours.h"
+#include "viewer/window/Viewstate.h"
 
 QString ConvertFiles(const TCommandLine& line, bool& good) {
   TModel model;
   TMeasuredData data;
   TOpenedJob job = OpenJob(line.Files, model, data);
-  good = job.HasModel || job.HasData || !job.Functions.empty();
-  if (!good) ShowMessage(job.Findings.Line());
-  if (good && line.FollowNeighbours.value_or(false)) TNeighbours(model).Follow(data);
-  if (good && !line.ConvertFile.isEmpty()) {
+  if (!job.HasModel && !job.HasData && job.Functions.empty()) job.Faults << job.Findings.Line();
+  MoveUnmeasured(line.FollowNeighbours.value_or(false), model, data);
+  if (!line.ConvertFile.isEmpty() && !job.Findings.Failed()) {
     TUniversalOptions options = line.Format;
     options.Written = QDateTime::currentDateTime();
     job.Findings.BeginFile(line.ConvertFile);
     const QString fault = SaveJob(model, data, line.ConvertFile, options, job.Findings);
-    good = fault.isEmpty();
-    if (!good) ShowMessage(fault);
+    if (!fault.isEmpty()) job.Faults << fault;
+  }
+  for (const QString& fault : std::as_const(job.Faults)) ShowMessage(fault);
+  good = job.Faults.isEmpty();
+  if (good && !line.Report && job.Findings.ToKnow() > 0) {
+    ShowMessage(job.Findings.Line() + QStringLiteral(" (--report tells which)"));
   }
   return job.Findings.Text();
 }

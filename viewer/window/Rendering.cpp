@@ -7,7 +7,6 @@
 #include "model/Ending.h"
 #include "model/Filekind.h"
 #include "model/Message.h"
-#include "shapes/Neighbours.h"
 #include "viewer/opengl/Offscreengl.h"
 #include "viewer/opengl/Picture.h"
 #include "viewer/scene/Frametext.h"
@@ -30,7 +29,8 @@ class TRendering {
   explicit TRendering(const TSettings& settings);
 
   /// False if nothing could be read that could be drawn.
-  bool Load();
+  /// `isToTell`: Findings are wanted of files of our own, too.
+  bool Load(bool isToTell);
   bool Draw(const QString& fileName, int frames, QSize size);
   bool Faultless() const { return faultless_; }
   const TFindings& Findings() const { return findings_; }
@@ -72,8 +72,13 @@ bool TRendering::Check(const TLoadReport& report, const QString& fileName) {
 bool TRendering::LoadJob(const QStringList& files) {
   const TOpenedJob job = OpenJob(files, model_, data_);
   findings_ = job.Findings;
-  if (!job.HasModel) ShowMessage(findings_.Line());
-  if (settings_.FollowNeighbours) TNeighbours(model_).Follow(data_);
+  for (const QString& fault : job.Faults) ShowMessage(fault);
+  faultless_ = job.Faults.isEmpty();
+  if (!job.HasModel) {
+    ShowMessage(findings_.Failed() ? findings_.Line()
+                                   : QStringLiteral("There is no model to draw."));
+  }
+  MoveUnmeasured(settings_.FollowNeighbours, model_, data_);
   return job.HasModel;
 }
 
@@ -99,14 +104,15 @@ bool TRendering::LoadOwn() {
   return true;
 }
 
-bool TRendering::Load() {
+bool TRendering::Load(bool isToTell) {
   QStringList files;
   for (const QString& name :
        QStringList{settings_.ModelFile, settings_.DataFile} + settings_.MoreFiles) {
     if (QFileInfo::exists(name)) files << name;
   }
-  const bool foreign = std::any_of(files.begin(), files.end(), IsForeign);
-  if (!(foreign ? LoadJob(files) : LoadOwn())) return false;
+  const bool isJob =
+      !files.isEmpty() && (isToTell || std::any_of(files.begin(), files.end(), IsForeign));
+  if (!(isJob ? LoadJob(files) : LoadOwn())) return false;
   view_.ModelSize = ModelSizeOf(model_);
   animation_.UpdateScale(data_, model_);
   animation_.Show(data_, model_);
@@ -155,7 +161,7 @@ bool TRendering::DrawFrame(TOffscreenGl& gl, const QString& fileName) {
 bool RenderFrames(const TSettings& settings, const QString& fileName, int frames, QSize size,
                   QString* report) {
   TRendering rendering(settings);
-  const bool loaded = rendering.Load();
+  const bool loaded = rendering.Load(report != nullptr);
   if (report) *report = rendering.Findings().Text();
   return loaded && rendering.Draw(fileName, frames, size) && rendering.Faultless();
 }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "model/Message.h"
+#include "shapes/Neighbours.h"
+
 TAppearance AppearanceOf(const TSettings& settings) {
   return {settings.BackColor, settings.ElementColor, settings.NodeColor, settings.FontColor,
           settings.NodeShape == 1 ? TNodeShape::Cube : TNodeShape::Sphere};
@@ -18,6 +21,14 @@ void ApplyAppearance(const TAppearance& appearance, TModel& model, TMeasuredData
     set->SetElementColor(appearance.ElementColor);
     set->SetNodeColor(appearance.NodeColor);
     set->SetNodeShape(appearance.NodeShape);
+  }
+}
+
+void MoveUnmeasured(bool follow, const TModel& model, TMeasuredData& data) {
+  if (!follow) {
+    TNeighbours::Rest(data);
+  } else if (!TNeighbours(model).Follow(data)) {
+    ShowMessage(QStringLiteral("Nodes without a measurement rest: not enough memory."));
   }
 }
 

@@ -56,6 +56,14 @@ TEST(Commandline, PutsASwappedPairRight) {
   }
 }
 
+TEST(Commandline, PanelsOpenBesideTheAnimator) {
+  const QString model = WriteTestFile("a.mod", kModel), data = WriteTestFile("a.dat", kData),
+                form = WriteTestFile("a.ui", "<ui version=\"4.0\"/>\n");
+  const TCommandLine line = Parse({form, data, model});
+  EXPECT_EQ(line.Forms, QStringList(form));
+  EXPECT_EQ(line.Files, QStringList({model, data})) << line.Fault.toStdString();
+}
+
 TEST(Commandline, AnotherModelIsSeenWithoutThePanOfTheSettings) {
   const QString model = WriteTestFile("a.mod", kModel), other = WriteTestFile("b.mod", kModel);
   for (const QString& named : {model, other, QString()}) {
@@ -104,6 +112,7 @@ TEST(Commandline, SaysInOneSentenceWhatIsWrong) {
        "--convert writes FILE.mod, FILE.unv or FILE.uff, not \"a.txt\"."},
       {{"--convert", model, model},
        "--convert would overwrite " + model + ", which it is to read."},
+      {{"--convert", model, "a.unv", "--render", "a.png"}, "--render is of no use with --convert."},
       {{"--report"}, "--report needs the files to read."},
       {{"--unmeasured", "fly"}, "--unmeasured is rest or follow, not \"fly\"."},
       {{"--nonsense"}, "Unknown option 'nonsense'."},
@@ -218,4 +227,7 @@ TEST(GlCommandline, WithoutAModelOrAPlaceToWriteThereIsNoPicture) {
     EXPECT_EQ(run.Errors, error);
   }
   EXPECT_EQ(Picture("p.png").size(), QSize(64, 48));
+  const TRun told = RunAnimator({"--render", "p.png", model, data, "--report"});
+  EXPECT_EQ(told.Status, 0);
+  EXPECT_TRUE(told.Out.contains("data sets: 2")) << told.Out.toStdString();
 }
