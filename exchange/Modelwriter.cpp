@@ -62,6 +62,12 @@ std::size_t CountForeign(const TDataNodeList& list) {
   }));
 }
 
+/// Whether something is known of a set that a data file has no place for.
+bool IsDescribed(const TShapeInfo& info) {
+  return info.Mode != 0 || info.Damping != 0.0 ||
+         std::ranges::any_of(info.Lines, [](const QString& line) { return !line.isEmpty(); });
+}
+
 /// The header of a set; one that another set has already gets a number behind its name.
 QString UniqueHeader(const QString& header, std::set<QString>& taken) {
   QString name = header;
@@ -114,19 +120,25 @@ std::string WriteDataText(const TMeasuredData& data, TFindings& findings) {
   std::set<QString> headers;
   std::size_t foreign = 0;
   std::size_t renamed = 0;
+  std::size_t partial = 0;
+  std::size_t described = 0;
   for (const TDataNodeList* list : data.All) {
     const QString header = UniqueHeader(list->Section, headers);
     renamed += header != list->Section;
     foreign += CountForeign(*list);
+    partial += std::ranges::find(list->Measured, false) != list->Measured.end();
+    described += IsDescribed(list->Info);
     out.Text(header.toStdString());
     out.EndLine();
     WriteRecords(out, *list);
     out.EndLine();
   }
-  if (foreign > 0) {
-    findings.LeaveOut({}, 0,
-                      QStringLiteral("%1 records of nodes that the model lacks").arg(foreign));
-  }
+  const auto leaveOut = [&](std::size_t count, const char* what) {
+    if (count > 0) findings.LeaveOut({}, 0, QString::fromLatin1(what).arg(count));
+  };
+  leaveOut(foreign, "%1 records of nodes that the model lacks");
+  leaveOut(described, "damping, mode numbers and texts of %1 data sets");
+  leaveOut(partial, "which nodes of %1 data sets were not measured");
   if (renamed > 0) {
     findings.Warn({}, 0,
                   QStringLiteral("%1 data sets have the name of another; a number was added "

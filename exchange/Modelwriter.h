@@ -11,6 +11,6 @@
 std::string WriteModelText(const TModel& model);
 
 /// The text of a data file, with phases where a set has any. Nodes that the model lacks are left
-/// out, and names that occur again get a number, for a data file holds one set of each. Both are
-/// noted. Throws std::bad_alloc.
+/// out, so is what the format has no place for, and names that occur again get a number, for a data
+/// file holds one set of each. All of it is noted. Throws std::bad_alloc.
 std::string WriteDataText(const TMeasuredData& data, TFindings& findings);

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QScreen>
@@ -21,7 +22,6 @@
 #include "model/Ending.h"
 #include "model/Message.h"
 #include "model/Oneline.h"
-#include "shapes/Neighbours.h"
 #include "viewer/Animatorabout.h"
 #include "viewer/Glpanel.h"
 #include "viewer/Imagebutton.h"
@@ -40,6 +40,12 @@ constexpr quint32 kFirstInterval = 6;      ///< ticks of 10 ms
 
 QString FolderOf(const QString& path) {
   return path.isEmpty() ? QString() : QFileInfo(path).absolutePath();
+}
+
+QStringList Absolute(QStringList paths) {
+  for (QString& path : paths) path = QFileInfo(path).absoluteFilePath();
+  paths.removeDuplicates();
+  return paths;
 }
 
 QString IfItExists(const QString& path) { return QFileInfo::exists(path) ? path : QString(); }
@@ -82,6 +88,14 @@ QString AskJobFile(QWidget* parent, const QString& start) {
   return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
+bool AskOverwrite(QWidget* parent, const QString& fileName) {
+  QMessageBox box(QMessageBox::Question, QLatin1String(kProgramTitle),
+                  QObject::tr("%1 is there already. Overwrite it?").arg(ShownFileName(fileName)),
+                  QMessageBox::Yes | QMessageBox::Cancel, parent);
+  box.setTextFormat(Qt::PlainText);
+  return box.exec() == QMessageBox::Yes;
+}
+
 }  // namespace
 
 TViewDialogs::TViewDialogs()
@@ -98,6 +112,7 @@ TViewDialogs::TViewDialogs()
           QObject::tr("Load Data"),
           QObject::tr("Data files (*.dat);;Universal files (*.unv *.uff);;All files (*)"))),
       JobFile(AskJobFile),
+      Overwrite(AskOverwrite),
       PictureFile(AskPictureFile),
       Color([](QWidget* parent, const QColor& present) {
         return QColorDialog::getColor(present, parent);
@@ -245,12 +260,18 @@ void TViewWnd::OpenFirstFiles(const QStringList& files) {
     return;
   }
   const auto named = absent_;
+  const QStringList names = QStringList{named.modelFile, named.dataFile} + named.moreFiles;
   QStringList present;
-  for (const QString& name : QStringList{named.modelFile, named.dataFile} + named.moreFiles) {
+  for (const QString& name : names) {
     if (QFileInfo::exists(name) && !present.contains(name)) present << name;
   }
   if (std::any_of(present.begin(), present.end(), IsForeign)) {
-    OpenJobFiles(present);
+    if (!OpenJobFiles(present)) return;
+    absent_.checkedLabels = named.checkedLabels;
+    if (dataFile_.isEmpty()) absent_.dataFile = named.dataFile;
+    for (const QString& name : names) {
+      if (!present.contains(name) && name != absent_.dataFile) absent_.moreFiles << name;
+    }
     return;
   }
   const bool there = QFileInfo::exists(named.modelFile);
@@ -284,7 +305,7 @@ TSettings TViewWnd::CurrentSettings() const {
   TSettings s;
   s.ModelFile = modelFile_.isEmpty() ? absent_.modelFile : modelFile_;
   s.DataFile = dataFile_.isEmpty() ? absent_.dataFile : dataFile_;
-  s.MoreFiles = moreFiles_.isEmpty() ? absent_.moreFiles : moreFiles_;
+  s.MoreFiles = moreModelFiles_ + moreDataFiles_ + absent_.moreFiles;
   s.FollowNeighbours = form_.FollowMenu->isChecked();
   s.AnimationOn = form_.Anim->GetDown();
   s.AnimationSpeed = form_.Speed->value();
@@ -349,8 +370,8 @@ bool TViewWnd::OpenModel(const QString& fileName) {
   if (loaded) {
     if (!AreSameFile(fileName, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) BeginView();
     absent_ = {};
-    ForgetJob();
     modelFile_ = QFileInfo(fileName).absoluteFilePath();
+    moreModelFiles_.clear();
     UnloadData();
   }
   if (const QString fault = report.Sentence(fileName); !fault.isEmpty()) ShowMessage(fault);
@@ -369,6 +390,8 @@ void TViewWnd::OpenData(const QString& fileName) {
       });
   if (!report.Cancelled() && !report.Failed()) {
     dataFile_ = QFileInfo(fileName).absoluteFilePath();
+    moreDataFiles_.clear();
+    ForgetFindings();
     UpdateScale();
     UpdateShown();
     UpdateCaption();
@@ -413,40 +436,48 @@ bool TViewWnd::OpenJobFiles(const QStringList& fileNames, TWanted wanted) {
   }
   const bool loaded = job.HasModel || job.HasData;
   if (loaded) TakeJob(job);
-  if (!loaded && !job.Findings.Cancelled()) ShowMessage(job.Findings.Line());
+  if (loaded || !job.Functions.empty()) {
+    TellFindings(job.Findings);
+  } else if (!job.Findings.Cancelled()) {
+    ShowMessage(job.Findings.Line());
+  }
   return loaded;
 }
 
 void TViewWnd::TakeJob(const TOpenedJob& job) {
-  QStringList files = job.ModelFiles + job.DataFiles;
-  files.removeDuplicates();
-  for (QString& name : files) name = QFileInfo(name).absoluteFilePath();
   if (job.HasModel) {
-    const QString model = files.value(0);
+    moreModelFiles_ = Absolute(job.ModelFiles);
+    const QString model = moreModelFiles_.takeFirst();
     if (!AreSameFile(model, modelFile_.isEmpty() ? absent_.modelFile : modelFile_)) BeginView();
     absent_ = {};
     modelFile_ = model;
-    moreFiles_.clear();
     if (!job.HasData) UnloadData();
   }
   if (job.HasData) {
-    dataFile_ = QFileInfo(job.DataFiles.value(0)).absoluteFilePath();
+    moreDataFiles_ = Absolute(job.DataFiles);
+    dataFile_ = moreDataFiles_.takeFirst();
+    for (const QString& name : moreModelFiles_ + QStringList(modelFile_)) {
+      moreDataFiles_.removeAll(name);
+    }
+    absent_.dataFile.clear();
+    absent_.moreFiles.clear();
     legend_->FillLabels();
     MoveUnmeasured();
   }
-  for (const QString& name : files) {
-    if (name != modelFile_ && name != dataFile_) moreFiles_ << name;
-  }
-  report_ = job.Findings.Text();
-  form_.JobButton->setText(job.Findings.Line());
-  form_.JobButton->show();
-  form_.CountLabel->hide();
   UpdateShown();
   UpdateCaption();
 }
 
-void TViewWnd::ForgetJob() {
-  moreFiles_.clear();
+void TViewWnd::TellFindings(const TFindings& findings) {
+  report_ = findings.Text();
+  form_.JobButton->setText(findings.Line());
+  form_.JobButton->setToolTip(findings.Line() +
+                              QStringLiteral("\nClick to see what was in the files"));
+  form_.JobButton->show();
+  form_.CountLabel->hide();
+}
+
+void TViewWnd::ForgetFindings() {
   report_.clear();
   form_.JobButton->hide();
   form_.CountLabel->show();
@@ -456,19 +487,20 @@ void TViewWnd::ShowReport() { TReportDialog(report_, this).exec(); }
 
 void TViewWnd::MoveUnmeasured() {
   if (reading_) return;
-  if (form_.FollowMenu->isChecked()) {
-    TNeighbours(model_).Follow(legend_->Data);
-  } else {
-    TNeighbours::Rest(legend_->Data);
-  }
+  ::MoveUnmeasured(form_.FollowMenu->isChecked(), model_, legend_->Data);
   UpdateScale();
 }
 
 void TViewWnd::SaveJobAs() {
   if (reading_) return;
   if (model_.Nodes.Empty()) return ShowMessage(QStringLiteral("There is no model to save."));
-  const QString fileName = Dialogs.JobFile(this, FolderOf(modelFile_));
-  if (fileName.isEmpty()) return;
+  const QString chosen = Dialogs.JobFile(this, FolderOf(modelFile_));
+  if (chosen.isEmpty()) return;
+  const QString fileName = WithJobSuffix(chosen);
+  for (const QString& name : FilesToWrite(fileName, legend_->Data)) {
+    const bool asked = name == chosen;  // by the dialog
+    if (!asked && QFileInfo::exists(name) && !Dialogs.Overwrite(this, name)) return;
+  }
   TUniversalOptions options;
   options.Written = QDateTime::currentDateTime();
   TFindings findings;
@@ -483,10 +515,11 @@ void TViewWnd::ClearModels(QObject* sender) {
   if (sender == form_.UnloadModelMenu) {
     model_.Clear();
     modelFile_.clear();
+    moreModelFiles_.clear();
     absent_.modelFile.clear();
-    ForgetJob();
   }
   absent_.dataFile.clear();
+  absent_.moreFiles.clear();
   UnloadData();
 }
 
@@ -494,6 +527,8 @@ void TViewWnd::UnloadData() {
   for (TNode* node : model_.Display) node->Position = node->Angles = {};
   legend_->Clear();
   dataFile_.clear();
+  moreDataFiles_.clear();
+  ForgetFindings();
   UpdateShown();
   UpdateCaption();
   form_.P->Invalidate();

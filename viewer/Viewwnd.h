@@ -30,7 +30,9 @@ struct TViewDialogs {
   TAskFiles Files;  ///< of any kind
   TAskFile ModelFile;
   TAskFile DataFile;
-  TAskFile JobFile;      ///< where to save model and data; the suffix is the format
+  TAskFile JobFile;  ///< where to save model and data; the suffix is the format
+  /// Whether a file that is written along may be replaced.
+  std::function<bool(QWidget* parent, const QString& fileName)> Overwrite;
   TAskFile PictureFile;  ///< where to save
   TAskColor Color;
   int LoadDelayMs = 500;  ///< before a load shows its progress
@@ -130,7 +132,8 @@ class TViewWnd : public QMainWindow {
   void OpenFirstFiles(const QStringList& files);
   bool OpenJobFiles(const QStringList& fileNames, TWanted wanted = TWanted::Everything);
   void TakeJob(const TOpenedJob& job);
-  void ForgetJob();
+  void TellFindings(const TFindings& findings);
+  void ForgetFindings();
   void ApplyBounds(const TSettings& settings);
 
   TLoadReport Read(TFileKind kind, const QString& fileName,
@@ -158,8 +161,9 @@ class TViewWnd : public QMainWindow {
   QString settingsFile_;
   QString modelFile_;
   QString dataFile_;
-  QStringList moreFiles_;  ///< the others of the same job
-  QString report_;         ///< what was found in them; empty for files of our own
+  QStringList moreModelFiles_;  ///< the others of the same job that gave geometry
+  QStringList moreDataFiles_;   ///< and those that gave shapes alone
+  QString report_;              ///< what was found in the files of the last job
   /// What the settings named and could not be loaded, as long as nothing else was loaded or
   /// unloaded: it is saved again.
   struct {

@@ -276,7 +276,6 @@ void TViewForm::MakeStatusBar(QMainWindow& window) {
   JobButton->setAutoRaise(true);
   JobButton->setFocusPolicy(Qt::NoFocus);  // the keys stay with the window
   JobButton->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-  JobButton->setToolTip(QStringLiteral("Click to see what was in the files"));
   bar->addWidget(JobButton, 4);
   JobButton->hide();
 }

@@ -2,6 +2,7 @@
 #include "exchange/Savejob.h"
 #include "tests/support/Testing.h"
 #include "viewer/Viewwnd.h"
+#include "viewer/window/Converting.h"
 #include "viewer/window/Reportdialog.h"
 
 namespace {
@@ -25,6 +26,26 @@ const QByteArray kShapes =
     "         1\n  0.00000E+00  1.00000E+00  0.00000E+00\n"
     "         3\n  0.00000E+00  3.00000E+00  0.00000E+00\n    -1\n"
     "    -1\n  1710\nwhat nobody knows\n    -1\n";
+
+/// One function and nothing else.
+const QByteArray kFunction =
+    "    -1\n    58\nNONE\nNONE\nNONE\nNONE\nNONE\n"
+    "    1         0    0         0       NONE         1   3       NONE         0   0\n"
+    "         2         2         1  0.00000E+00  1.00000E-02  0.00000E+00\n"
+    "        17    0    0    0                 NONE                 NONE\n"
+    "         8    0    0    0                 NONE                 NONE\n"
+    "         0    0    0    0                 NONE                 NONE\n"
+    "         0    0    0    0                 NONE                 NONE\n"
+    "  1.00000E+00  2.00000E+00\n    -1\n";
+
+/// Closes the report that is about to open and returns its text through the clipboard.
+void CopyReport() {
+  QTimer::singleShot(0, [] {
+    auto& report = dynamic_cast<TReportDialog&>(*QApplication::activeModalWidget());
+    Child<QPushButton>(report, "CopyReport").click();
+    report.close();
+  });
+}
 
 class Jobs : public testing::Test {
  protected:
@@ -66,13 +87,36 @@ TEST_F(Jobs, FilesOpenedTogetherMakeOneModelAndComeBack) {
   EXPECT_TRUE(Data().All.Empty());
 }
 
+TEST_F(Jobs, WhatIsUnloadedStaysAwayAndWhatIsMissingIsRemembered) {
+  const QString more = WriteTestFile("more.unv", QByteArray(kShapes).replace("1.25", "2.25"));
+  window->OpenFiles({shapes, more, geometry});
+  ASSERT_EQ(Data().All.Count(), 2U);
+  QFile::rename(more, more + '~');
+  Open();
+  EXPECT_EQ(Data().All.Count(), 1U);
+  EXPECT_EQ(window->CurrentSettings().MoreFiles, QStringList(more));
+  QFile::rename(more + '~', more);
+  Open();
+  EXPECT_EQ(Data().All.Count(), 2U);
+  window->OpenData(shapes);  // in place of both
+  EXPECT_EQ(window->CurrentSettings().MoreFiles, QStringList());
+  Trigger("UnloadDataMenu");
+  EXPECT_FALSE(SaysWhatWasThere());
+  Open();
+  EXPECT_EQ(JobLine(), "3 nodes, 2 bars");
+}
+
+TEST_F(Jobs, FunctionsAreListedAndLeaveTheModelAlone) {
+  window->OpenFiles({geometry, shapes});
+  window->OpenFiles({WriteTestFile("function.uff", kFunction)});
+  EXPECT_EQ(TakeMessages(), QStringList());
+  EXPECT_EQ(JobLine(), "1 function");
+  EXPECT_EQ(Data().All.Count(), 1U);
+}
+
 TEST_F(Jobs, TheReportCanBeReadAndCopied) {
   window->OpenFiles({geometry, shapes});
-  QTimer::singleShot(0, [] {
-    auto& report = dynamic_cast<TReportDialog&>(*QApplication::activeModalWidget());
-    Child<QPushButton>(report, "CopyReport").click();
-    report.close();
-  });
+  CopyReport();
   Child<QToolButton>(*window, "JobButton").click();
   const QString text = QGuiApplication::clipboard()->text();
   for (const char* const part : {"geometry.unv", "2411", "1710", "line 17"}) {
@@ -114,11 +158,23 @@ TEST_F(Jobs, AFormGoesToWhoShowsPanels) {
 
 TEST_F(Jobs, SavedFilesHoldTheSame) {
   window->OpenFiles({geometry, shapes});
-  for (const QString name : {"saved.mod", "saved.unv"}) {
+  WriteTestFile("saved.dat", "of somebody else");
+  bool overwrites = false;
+  window->Dialogs.Overwrite = [&](auto, const QString& name) {
+    EXPECT_TRUE(name.endsWith("/saved.dat")) << name.toStdString();
+    return std::exchange(overwrites, true);
+  };
+  for (const QString name : {"saved", "saved.mod", "saved.unv"}) {
     const QString path = TestFolder() + '/' + name;
     window->Dialogs.JobFile = [path](auto...) { return path; };
+    if (overwrites && !IsUniversalName(name)) CopyReport();  // of what a data file does not hold
     Trigger("SaveJobMenu");
     EXPECT_EQ(TakeMessages(), QStringList());
+    if (name == "saved") {
+      EXPECT_EQ(Contents(TestFolder() + "/saved.dat"), "of somebody else");
+      EXPECT_FALSE(QFile::exists(TestFolder() + "/saved.mod"));
+      continue;
+    }
     TModel model;
     TMeasuredData data;
     QStringList files{path};
@@ -128,6 +184,33 @@ TEST_F(Jobs, SavedFilesHoldTheSame) {
     EXPECT_EQ(model.Nodes.Get(2)->Position.x + model.Centre.x, 1002.0);
     EXPECT_EQ(data.All.Get(0)->Get(2)->Position.y, 3.0);
     EXPECT_EQ(data.All.Get(0)->Frequency, 12.5);
+  }
+}
+
+TEST_F(Jobs, ConvertingSaysWhatWasLostAndWritesNoEmptyModel) {
+  const QString data = WriteTestFile("own.dat", "[F = 1]\n1 0 1 0\n");
+  const QString own = WriteTestFile("own.mod", "[Nodes]\n1 0 0 0\n[Elements]\n1\n1 1 0 -1 2 1 9\n");
+  const QString function = WriteTestFile("function.uff", kFunction);
+  const QString out = TestFolder() + "/out.mod";
+  const struct {
+    QStringList files;
+    const char* says;
+    bool isGood, isWritten;
+  } cases[] = {{{data}, "out.mod: there is no model.", false, false},
+               {{function}, "out.mod: there is no model.", false, false},
+               {{shapes}, "shapes.txt: there is no model for the shapes.", false, false},
+               {{own}, "own.mod, line 5: element 1 names node 9", false, true},
+               {{geometry, shapes}, "4 things to know (--report tells which)", true, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.says);
+    QFile::remove(out);
+    bool good = false;
+    ConvertFiles(
+        ParseCommandLine(QStringList{"velmora-animator", "--convert"} + c.files + QStringList{out}),
+        good);
+    EXPECT_TRUE(TakeMessages().join('\n').contains(c.says));
+    EXPECT_EQ(good, c.isGood);
+    EXPECT_EQ(QFile::exists(out), c.isWritten);
   }
 }
 
