@@ -31,6 +31,10 @@ QString LineOf(const TFindings::TFinding& finding) {
 
 }  // namespace
 
+QString Counted(std::size_t count, const QString& what) {
+  return QString::number(count) + ' ' + what + (count == 1 ? QString() : QStringLiteral("s"));
+}
+
 void TFindings::BeginFile(const QString& name) {
   file_ = static_cast<int>(files_.size());
   files_ << name;

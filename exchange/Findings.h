@@ -7,6 +7,9 @@
 #include <tuple>
 #include <vector>
 
+/// "1 node", "37 nodes".
+QString Counted(std::size_t count, const QString& what);
+
 /// What the readers met in the files of one job, for the user: what each data set was used for,
 /// what was left out and why, and what is worth knowing. Bounded: a file full of faults costs no
 /// memory. Of the findings of one kind for one type of data set of a file the first few are kept,

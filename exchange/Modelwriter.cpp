@@ -133,17 +133,19 @@ std::string WriteDataText(const TMeasuredData& data, TFindings& findings) {
     WriteRecords(out, *list);
     out.EndLine();
   }
-  const auto leaveOut = [&](std::size_t count, const char* what) {
-    if (count > 0) findings.LeaveOut({}, 0, QString::fromLatin1(what).arg(count));
+  const QString set = QStringLiteral("data set");
+  const auto leaveOut = [&](std::size_t count, const QString& what) {
+    if (count > 0) findings.LeaveOut({}, 0, what);
   };
-  leaveOut(foreign, "%1 records of nodes that the model lacks");
-  leaveOut(described, "damping, mode numbers and texts of %1 data sets");
-  leaveOut(partial, "which nodes of %1 data sets were not measured");
+  leaveOut(foreign, QStringLiteral("%1 of nodes that the model lacks")
+                        .arg(Counted(foreign, QStringLiteral("record"))));
+  leaveOut(described,
+           QStringLiteral("damping, mode number and texts of ") + Counted(described, set));
+  leaveOut(partial, QStringLiteral("which nodes were not measured in ") + Counted(partial, set));
   if (renamed > 0) {
-    findings.Warn({}, 0,
-                  QStringLiteral("%1 data sets have the name of another; a number was added "
-                                 "to it")
-                      .arg(renamed));
+    findings.Warn(
+        {}, 0,
+        Counted(renamed, set) + QStringLiteral(" with the name of another got a number behind it"));
   }
   return out.Take();
 }

@@ -44,15 +44,20 @@ QString SaveJob(const TModel& model, const TMeasuredData& data, const QString& f
     return QStringLiteral("Cannot write %1: there is no model.").arg(ShownFileName(fileName));
   }
   try {
+    QString fault;
     if (IsUniversalName(fileName)) {
-      return Write(fileName, WriteUniversal(model, data, options, findings));
+      fault = Write(fileName, WriteUniversal(model, data, options, findings));
+    } else {
+      // The data first: a model that is there shows that all of it is.
+      if (!data.All.Empty()) {
+        fault = Write(DataFileBeside(fileName), WriteDataText(data, findings));
+      }
+      if (fault.isEmpty()) fault = Write(fileName, WriteModelText(model));
     }
-    // The data first: a model that is there shows that all of it is.
-    if (!data.All.Empty()) {
-      const QString fault = Write(DataFileBeside(fileName), WriteDataText(data, findings));
-      if (!fault.isEmpty()) return fault;
+    if (fault.isEmpty()) {
+      findings.Use({}, 0, QStringLiteral("written; data sets: %1").arg(data.All.Count()));
     }
-    return Write(fileName, WriteModelText(model));
+    return fault;
   } catch (const std::bad_alloc&) {
     return QStringLiteral("Cannot write %1: not enough memory.").arg(ShownFileName(fileName));
   }

@@ -393,24 +393,23 @@ class TTableReader {
     return {};
   }
 
-  void Conclude() {
-    if (count_ == 0) return findings_.LeaveOut(Name(), headLine_, QStringLiteral("it has no rows"));
-    QString what;
+  QString Row() const {
     switch (*head_.Kind()) {
       case TTableKind::Nodes:
-        what = QStringLiteral("%1 nodes");
-        break;
+        return QStringLiteral("node");
       case TTableKind::Lines:
-        what = QStringLiteral("%1 lines");
-        break;
+        return QStringLiteral("line");
       case TTableKind::Faces:
-        what = QStringLiteral("%1 faces");
-        break;
+        return QStringLiteral("face");
       case TTableKind::Shapes:
-        what = QStringLiteral("%1 values at %2 frequencies");
-        return findings_.Use(Name(), headLine_, what.arg(count_).arg(shapes_.size()));
+        return QStringLiteral("value");
     }
-    findings_.Use(Name(), headLine_, what.arg(count_));
+    return {};
+  }
+
+  void Conclude() {
+    if (count_ == 0) return findings_.LeaveOut(Name(), headLine_, QStringLiteral("it has no rows"));
+    findings_.Use(Name(), headLine_, Counted(count_, Row()));
   }
 
   inline static const QString kNoNode = QStringLiteral("the row has no number of a node");

@@ -135,7 +135,3 @@ std::string_view TypeOn(std::string_view line) {
   // Binary sets say on the same line how long they are.
   return behind.empty() || (binary && behind.front() == ' ') ? type : std::string_view();
 }
-
-QString Counted(std::size_t count, const QString& what) {
-  return QString::number(count) + ' ' + what + (count == 1 ? QString() : QStringLiteral("s"));
-}

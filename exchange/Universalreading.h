@@ -104,6 +104,3 @@ bool IsMark(std::string_view line);
 
 /// The type on the first line of a data set, "58b"; empty if the line cannot be one.
 std::string_view TypeOn(std::string_view line);
-
-/// "1 node", "37 nodes".
-QString Counted(std::size_t count, const QString& what);

@@ -100,14 +100,14 @@ class TDrawing {
   const std::vector<TCorners>& Faces() const { return faces_; }
 
   void Note(TFindings& findings) const {
-    const auto note = [&](std::size_t count, const char* what) {
-      if (count > 0) findings.Warn({}, 0, QString::number(count) + QLatin1String(what));
+    const auto note = [&](std::size_t count, const char* what, const char* how) {
+      if (count > 0) findings.Warn({}, 0, Counted(count, QLatin1String(what)) + QLatin1String(how));
     };
-    note(rolls_, " rolls were written as lines");
-    note(points_, " points are no elements of the format and were not written");
-    note(oneSided_, " faces show from both sides in the file");
-    note(split_, " faces of more than four corners were written as triangles");
-    note(styled_, " elements lose their own radius or colour");
+    note(rolls_, "roll", " written as lines");
+    note(points_, "point", " not written: the format has no such elements");
+    note(oneSided_, "face", " that in the file can be seen from both sides");
+    note(split_, "face", " of more than four corners written as triangles");
+    note(styled_, "element", " without its own radius or colour");
   }
 
  private:
@@ -429,7 +429,8 @@ std::string WriteUniversal(const TModel& model, const TMeasuredData& data,
   const bool traced = options.Lines == TLinesType::TraceLines;
   if (traced && !drawing.Bars().empty()) {
     if (const std::size_t leftOut = elements.WriteTraceLine(drawing.Bars()); leftOut > 0) {
-      findings.LeaveOut({}, 0, QStringLiteral("%1 lines of node 0").arg(leftOut));
+      findings.LeaveOut({}, 0,
+                        Counted(leftOut, QStringLiteral("line")) + QStringLiteral(" of node 0"));
     }
   }
   if (!drawing.Faces().empty() || (!traced && !drawing.Bars().empty())) {
@@ -443,8 +444,9 @@ std::string WriteUniversal(const TModel& model, const TMeasuredData& data,
   int label = 0;
   for (const TDataNodeList* list : data.All) shapes.Write(*list, ++label);
   if (const std::size_t unlinked = CountUnlinked(data); unlinked > 0) {
-    findings.LeaveOut(
-        {}, 0, QStringLiteral("%1 values of nodes without a place in the model").arg(unlinked));
+    findings.LeaveOut({}, 0,
+                      QStringLiteral("%1 of nodes without a place in the model")
+                          .arg(Counted(unlinked, QStringLiteral("value"))));
   }
   return out.Take();
 }

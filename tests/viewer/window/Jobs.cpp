@@ -1,5 +1,6 @@
 #include "exchange/Openjob.h"
 #include "exchange/Savejob.h"
+#include "tests/support/Fulldisk.h"
 #include "tests/support/Testing.h"
 #include "viewer/Viewwnd.h"
 #include "viewer/window/Converting.h"
@@ -212,6 +213,15 @@ TEST_F(Jobs, ConvertingSaysWhatWasLostAndWritesNoEmptyModel) {
     EXPECT_EQ(good, c.isGood);
     EXPECT_EQ(QFile::exists(out), c.isWritten);
   }
+#ifdef Q_OS_UNIX
+  bool good = true;
+  {
+    const TFullDisk disk(20);
+    ConvertFiles(ParseCommandLine({"velmora-animator", "--convert", geometry, shapes, out}), good);
+  }
+  EXPECT_EQ(TakeMessages(), QStringList("Cannot write out.dat: File too large."));
+  EXPECT_FALSE(good);
+#endif
 }
 
 TEST_F(Jobs, TheProgramConvertsAndReportsWithoutADisplay) {
