@@ -6,12 +6,20 @@
 
 namespace {
 
-constexpr std::size_t kMostOfGroup = 20;
 constexpr std::size_t kMostGroups = 500;
-constexpr std::size_t kMostFindings = 4000;
 constexpr qsizetype kLongestSet = 40;
 constexpr qsizetype kLongestText = 400;
 constexpr qsizetype kLongestName = 4096;
+
+/// Of a group. What was used is the list of the file's content, faults are rather alike.
+std::size_t MostOfGroup(TFindings::TKind kind) {
+  return kind == TFindings::TKind::Used ? 1000 : 20;
+}
+
+/// Of all: what was used leaves room for what is worth knowing.
+std::size_t MostFindings(TFindings::TKind kind) {
+  return kind == TFindings::TKind::Used ? 4000 : 8000;
+}
 
 QString Heading(TFindings::TKind kind) {
   switch (kind) {
@@ -67,7 +75,7 @@ void TFindings::Add(TKind kind, const QString& set, std::size_t line, const QStr
     std::get<QString>(group).clear();
   }
   TCount& count = counts_[group];
-  if (count.Kept == kMostOfGroup || findings_.size() == kMostFindings) {
+  if (count.Kept == MostOfGroup(kind) || findings_.size() >= MostFindings(kind)) {
     ++count.More;
     return;
   }
@@ -87,13 +95,14 @@ QString TFindings::Line() const {
 
 QString TFindings::Text() const {
   QString text = Summary.isEmpty() ? QString() : OneLine(Summary, kLongestText) + '\n';
+  text += TextOf(kJob);
   for (int file = 0; file < files_.size(); ++file) text += TextOf(file);
-  return text + TextOf(kJob);
+  return text;
 }
 
 QString TFindings::TextOf(int file) const {
   QString text;
-  for (const TKind kind : {TKind::Used, TKind::LeftOut, TKind::Warning}) {
+  for (const TKind kind : {TKind::Warning, TKind::LeftOut, TKind::Used}) {
     text += TextOf(file, kind);
   }
   if (file == kJob) return text.isEmpty() ? text : QStringLiteral("\nAll files together\n") + text;

@@ -12,8 +12,9 @@ QString Counted(std::size_t count, const QString& what);
 
 /// What the readers met in the files of one job, for the user: what each data set was used for,
 /// what was left out and why, and what is worth knowing. Bounded: a file full of faults costs no
-/// memory. Of the findings of one kind for one type of data set of a file the first few are kept,
-/// the others counted. Texts are kept on one line and without what would steer a terminal.
+/// memory. Of the findings of one kind for one type of data set of a file the first are kept, many
+/// of what was used and a few of the others; the rest are counted. Texts are kept on one line and
+/// without what would steer a terminal.
 class TFindings {
  public:
   enum class TKind { Used, LeftOut, Warning };
@@ -60,7 +61,8 @@ class TFindings {
   /// The summary, and how much there is to know: "...; 2 things to know"; or which file could not
   /// be read. Empty if the user cancelled.
   QString Line() const;
-  /// The whole list as plain text, file by file, for a window, the clipboard or standard output.
+  /// The whole list as plain text, for a window, the clipboard or standard output: all files
+  /// together, then file by file, what is worth knowing first.
   QString Text() const;
 
  private:

@@ -17,34 +17,37 @@ TEST(TFindings, AreShownFileByFileInAlignedColumns) {
   findings.Summary = "37 nodes";
   EXPECT_EQ(findings.Line(), "37 nodes; 3 things to know");
   EXPECT_EQ(findings.Text(), QString("37 nodes\n"
+                                     "\nAll files together\n"
+                                     "  To know\n"
+                                     "    3 nodes have no measurement: 4, 5, 9\n"
                                      "\n/jobs/wing.unv\n"
+                                     "  To know\n"
+                                     "    no units are given\n"
                                      "  Used\n"
                                      "    2411  line 12    37 nodes\n"
                                      "    58b   line 1200  a function\n"
-                                     "  To know\n"
-                                     "    no units are given\n"
                                      "\n/jobs/notes.txt\n"
                                      "  Nothing was found in it\n"
                                      "\n/jobs/shapes\uFFFDUsed.unv\n"
                                      "  Left out\n"
-                                     "    9999  line 3  its type is \uFFFD[2J not known\n"
-                                     "\nAll files together\n"
-                                     "  To know\n"
-                                     "    3 nodes have no measurement: 4, 5, 9\n"));
+                                     "    9999  line 3  its type is \uFFFD[2J not known\n"));
 }
 
 TEST(TFindings, KeepTheFirstOfAKindAndCountTheRest) {
   TFindings findings;
   findings.BeginFile("a.unv");
-  for (std::size_t line = 1; line <= 332; ++line) {
+  for (std::size_t line = 1; line <= 5000; ++line) {
     findings.LeaveOut("58", line, "cut");
     findings.Use("58", line, "read");
   }
   findings.Warn("58", 1, "short");
-  EXPECT_EQ(findings.All().size(), 41);
-  EXPECT_EQ(findings.ToKnow(), 333);
-  EXPECT_EQ(findings.Text().count("and 312 more\n"), 2);
-  EXPECT_EQ(findings.Line(), "333 things to know");
+  EXPECT_EQ(findings.All().size(), 1021);
+  EXPECT_EQ(findings.ToKnow(), 5001);
+  EXPECT_TRUE(findings.Text().contains("    58           and 4980 more\n  Used\n"));
+  EXPECT_TRUE(
+      findings.Text().endsWith("    58  line 1000  read\n    58             and 4000 more\n"))
+      << findings.Text().right(200).toStdString();
+  EXPECT_EQ(findings.Line(), "5001 things to know");
 }
 
 TEST(TFindings, AreBoundedWhateverAFileSays) {
@@ -52,11 +55,14 @@ TEST(TFindings, AreBoundedWhateverAFileSays) {
   for (int file = 0; file < 20; ++file) {
     findings.BeginFile("a.unv");
     for (int i = 0; i < 20'000; ++i) {
+      if (i < 5000) findings.Use(QString::number(i % 100), 1, "read");
       findings.LeaveOut(QString::number(i) + QString(1000, 'x'), 1, QString(2000, 'y'));
     }
   }
   EXPECT_EQ(findings.ToKnow(), 400'000);
-  EXPECT_LE(findings.All().size(), 5000);
+  EXPECT_LE(findings.All().size(), 8000);
+  EXPECT_EQ(findings.All().back().Kind, TFindings::TKind::LeftOut);
+  EXPECT_EQ(findings.All().back().File, 19) << "what was used has left room";
   EXPECT_LT(findings.Text().size(), 4'000'000);
 }
 
