@@ -149,6 +149,8 @@ bool GoesOn(std::string_view line, const TColumns& columns) {
 }  // namespace
 
 TLineScanner::TLineScanner(std::string_view text) : text_(text), end_('\n') {
+  constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) behind_ = kByteOrderMark.size();
   const std::size_t end = text.find_first_of("\r\n");
   const bool loneReturn = end != text.npos && text[end] == '\r' && text.substr(end + 1, 1) != "\n";
   // Returns in front of a line feed, however many, are the end of one line.

@@ -7,7 +7,8 @@
 // Lines and columns as old formatted output writes them.
 
 /// Walks through a text in memory line by line. Lines end with LF, CRLF or, if the first line of
-/// the text does, with CR; the last may have no end. Not owned: the text must outlive the scanner.
+/// the text does, with CR; the last may have no end. A byte order mark in front is passed. Not
+/// owned: the text must outlive the scanner.
 class TLineScanner {
  public:
   explicit TLineScanner(std::string_view text);

@@ -49,7 +49,11 @@ void ReadUnits(TUniversalReading& reading) {
   units.Temperature = factors[2];
   if (IsUsable(factors[3])) units.TemperatureOffset = factors[3];
   double& length = reading.Job.LengthOfFile.back();
-  if (length == 0.0) length = units.Length;
+  if (length != 0.0 && length != units.Length) {
+    reading.LeaveOut(QStringLiteral("it names another unit of length; the first counts"));
+    return;
+  }
+  length = units.Length;
   if (!reading.Job.Units.IsGiven()) reading.Job.Units = units;
   reading.Use(QStringLiteral("units %1").arg(units.Name));
 }

@@ -101,7 +101,7 @@ void ReadSpecifics55(TUniversalReading& reading, TJobShape& shape) {
     shape.Frequency = reals[0];
   } else if (info.Kind == TShapeKind::Buckling) {
     info.Eigenvalue = reals[0];
-  } else if (IsComplexMode(info.Kind) && count >= 6) {
+  } else if (IsComplexMode(info.Kind) && (count == 2 || count >= 6)) {
     if (reals[0] != 0.0 || reals[1] != 0.0) TakeEigenvalue({reals[0], reals[1]}, shape);
     info.ModalA = {reals[2], reals[3]};
     info.ModalB = {reals[4], reals[5]};
@@ -132,6 +132,9 @@ void ReadSpecifics2414(TUniversalReading& reading, TJobShape& shape) {
   info.ModalA = {more[2], more[3]};
   info.ModalB = {more[4], more[5]};
   if (info.Kind != TShapeKind::Buckling) shape.Frequency = frequency;
+  if (info.Kind == TShapeKind::NormalMode && frequency == 0.0 && eigenvalue > 0.0) {
+    shape.Frequency = std::sqrt(eigenvalue) / (2.0 * std::numbers::pi);
+  }
   if (info.Kind == TShapeKind::Response) info.Mode = ints[7];
   if (IsComplexMode(info.Kind) && (more[0] != 0.0 || more[1] != 0.0)) {
     TakeEigenvalue({more[0], more[1]}, shape);

@@ -85,7 +85,8 @@ TEST(Universal, HeadUnitsAndSystemsAreRead) {
   EXPECT_EQ(job.Systems[1].Origin, (TVertex{4, 5, 6}));
   EXPECT_THAT(job.Systems[1].Axes,
               ElementsAre(TVertex{0, 1, 0}, TVertex{-1, 0, 0}, TVertex{0, 0, 1}));
-  EXPECT_EQ(read.Findings.ToKnow(), 0U) << read.Findings.Text().toStdString();
+  EXPECT_EQ(read.Findings.ToKnow(), 1U) << read.Findings.Text().toStdString();
+  EXPECT_THAT(read.Findings.Text().toStdString(), HasSubstr("another unit of length"));
 }
 
 const std::string kNodes15 =
@@ -112,6 +113,7 @@ TEST(Universal, NodesComeInEveryWayThatWritersHave) {
       bothEnds,
       Set("15", kNodes15).substr(0, Set("15", kNodes15).size() - 1),
       "Remarks before it\n   15\n" + Set("15", kNodes15),
+      "\xef\xbb\xbf" + Set("15", kNodes15),
       "    -1          \n    15          \n" + kNodes15 + "    -1   \n",
       "    -1\n    -1\n    15\n" + kNodes15 + "    -1\n",  // a mark too many
       Set("15", "3 1 2 11 1.0 -0.25 0\n70 0 0 1 0 125 .01\n1234567890 0 0 1 3 0 0\n"),
@@ -254,6 +256,17 @@ TEST(Universal, ShapesSayWhatTheyAre) {
        {-3, -4},
        {3, 4},
        {5, 6}},
+      {Shape55({1, 3, 2, 12, 2, 3}, Ints({2, 2, 2, 7}) + " -3.00000E+00  4.00000E+00\n", kValues),
+       TShapeKind::ComplexMode,
+       0.63661977236758138,
+       0.6,
+       0,
+       0,
+       0,
+       7,
+       {-3, 4},
+       0,
+       0},
       {Shape55({1, 5, 2, 12, 2, 3}, Ints({2, 1, 2, 7}) + "  1.25000E+01\n", kValues),
        TShapeKind::Response, 12.5, 0, 0, 0, 0, 7, 0, 0, 0},
       {Shape55({1, 4, 2, 12, 2, 3}, Ints({2, 1, 2, 7}) + "  1.50000E-01\n", kValues),
@@ -264,6 +277,9 @@ TEST(Universal, ShapesSayWhatTheyAre) {
        TShapeKind::Buckling, 0, 0, 0, 0, 0, 0, 4, 0, 0},
       {Shape2414({1, 2, 2, 12, 2, 3}, ids2414 + reals2414 + kZeros, kValues),
        TShapeKind::NormalMode, 12.5, 0.01, 0.03, 2, 0, 7, 6, 0, 0},
+      // the eigenvalue alone: 2 rad/s
+      {Shape2414({1, 2, 2, 12, 2, 3}, ids2414 + "  0. 0. 4. 0. 0. 0.\n" + kZeros, kValues),
+       TShapeKind::NormalMode, 0.31830988618379067, 0, 0, 0, 0, 7, 4, 0, 0},
       {Shape2414({1, 3, 2, 12, 2, 3}, ids2414 + reals2414 + " -3.00000E+00  4.00000E+00" + modalAB,
                  kValues),
        TShapeKind::ComplexMode,
