@@ -244,6 +244,7 @@ void TViewWnd::ApplySettings(const TSettings& settings) {
   form_.ShowModelMenu->setChecked(settings.ShowModel);
   form_.CanSaveMenu->setChecked(settings.CanSave);
   form_.FollowMenu->setChecked(settings.FollowNeighbours);
+  matrices_ = settings.Matrices;
   savePath_ = settings.SavePath;
   ApplyBounds(settings);
   legend_->Data.CheckedLabels = settings.CheckedLabels;
@@ -432,7 +433,7 @@ bool TViewWnd::OpenJobFiles(const QStringList& fileNames, TWanted wanted) {
   {
     const QScopedValueRollback guard(reading_, true);
     TLoadDialog dialog(this, fileNames.front(), Dialogs.LoadDelayMs);
-    job = OpenJob(fileNames, model_, legend_->Data, wanted, dialog.Progress());
+    job = OpenJob(fileNames, model_, legend_->Data, wanted, dialog.Progress(), matrices_);
   }
   const bool loaded = job.HasModel || job.HasData;
   if (loaded) TakeJob(job);

@@ -48,6 +48,9 @@ struct TOptions {
       "force", "With --save: overwrite what another program has changed in the file meanwhile."};
   QCommandLineOption Unmeasured{"unmeasured", "What nodes without a measurement do.",
                                 "rest|follow"};
+  QCommandLineOption Matrix{
+      "matrix", "How the matrices of local systems (2420) stand in files; rows if not given.",
+      "rows|columns"};
   QCommandLineOption Report{"report", "Tell what was in the files, used or left out and why."};
   QCommandLineOption Convert{
       "convert",
@@ -66,8 +69,9 @@ TOptions::TOptions() {
       "FILES", "A model file and a data file, or universal files and tables of one structure.",
       "[FILES...]");
   for (const QCommandLineOption& option :
-       {Help,   Version, Animate, View,   ScaleType, Unmeasured, Settings, Render, Frames, Size,
-        Report, Convert, Lines,   Shapes, Double,    Panel,      Trust,    After,  Save,   Force}) {
+       {Help,     Version, Animate, View,  ScaleType, Unmeasured, Matrix,
+        Settings, Render,  Frames,  Size,  Report,    Convert,    Lines,
+        Shapes,   Double,  Panel,   Trust, After,     Save,       Force}) {
     Parser.addOption(option);
   }
 }
@@ -138,6 +142,14 @@ QString TakeUnmeasured(const QString& word, TCommandLine& line) {
     return QStringLiteral("--unmeasured is rest or follow, not \"%1\".").arg(word);
   }
   line.FollowNeighbours = word == "follow";
+  return {};
+}
+
+QString TakeMatrix(const QString& word, TCommandLine& line) {
+  if (word != "rows" && word != "columns") {
+    return QStringLiteral("--matrix is rows or columns, not \"%1\".").arg(word);
+  }
+  line.Matrices = word == "rows" ? TMatrixReading::RowsAreAxes : TMatrixReading::ColumnsAreAxes;
   return {};
 }
 
@@ -237,7 +249,7 @@ QString CheckTogether(const TOptions& options, const TCommandLine& line) {
   if (!panel) return {};
   for (const QCommandLineOption& option :
        {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames,
-        options.Unmeasured, options.Report, options.Convert}) {
+        options.Unmeasured, options.Matrix, options.Report, options.Convert}) {
     if (!options.Parser.isSet(option)) continue;
     return QStringLiteral("--%1 is of no use with --panel.").arg(option.names().front());
   }
@@ -252,7 +264,8 @@ QString TakeOptions(const TOptions& options, TCommandLine& line) {
        {options.Frames, TakeFrames},     {options.Size, TakeSize},
        {options.Panel, TakePanel},       {options.After, TakeAfter},
        {options.Save, TakeSave},         {options.Lines, TakeLines},
-       {options.Shapes, TakeShapes},     {options.Unmeasured, TakeUnmeasured}};
+       {options.Shapes, TakeShapes},     {options.Unmeasured, TakeUnmeasured},
+       {options.Matrix, TakeMatrix}};
   for (const auto& [option, take] : takers) {
     if (!parser.isSet(option)) continue;
     if (QString fault = take(parser.value(option), line); !fault.isEmpty()) return fault;
@@ -309,6 +322,7 @@ TSettings SettingsOf(const TCommandLine& commandLine, const QString& executable)
   if (commandLine.ScaleType) settings.ScaleType = static_cast<int>(*commandLine.ScaleType);
   if (commandLine.Animate) settings.AnimationOn = true;
   if (commandLine.FollowNeighbours) settings.FollowNeighbours = *commandLine.FollowNeighbours;
+  if (commandLine.Matrices) settings.Matrices = *commandLine.Matrices;
   return settings;
 }
 

@@ -28,6 +28,8 @@ struct TCommandLine {
   bool Animate = false;
   std::optional<bool> FollowNeighbours;
 
+  std::optional<TMatrixReading> Matrices;  ///< of local systems
+
   QString ConvertFile;       ///< where to write what the files hold; empty: nowhere
   TUniversalOptions Format;  ///< of a universal file
   bool Report = false;       ///< tell what was in the files

@@ -70,7 +70,7 @@ bool TRendering::Check(const TLoadReport& report, const QString& fileName) {
 }
 
 bool TRendering::LoadJob(const QStringList& files) {
-  const TOpenedJob job = OpenJob(files, model_, data_);
+  const TOpenedJob job = OpenJob(files, model_, data_, TWanted::Everything, {}, settings_.Matrices);
   findings_ = job.Findings;
   for (const QString& fault : job.Faults) ShowMessage(fault);
   faultless_ = job.Faults.isEmpty();

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "exchange/Job.h"
 #include "model/Color.h"
 
 /// What the program remembers between runs. A missing optional means that the file has no such key
@@ -39,8 +40,9 @@ struct TSettings {
   int NodeShape = 0;
 
   // Job
-  QStringList MoreFiles;          ///< of the same job as the two above
-  bool FollowNeighbours = false;  ///< unmeasured nodes do
+  QStringList MoreFiles;                                  ///< of the same job as the two above
+  bool FollowNeighbours = false;                          ///< unmeasured nodes do
+  TMatrixReading Matrices = TMatrixReading::RowsAreAxes;  ///< the command line's; not in the file
 };
 
 /// The settings in a file's text. Never fails: what is missing or makes no sense as a number takes

@@ -115,6 +115,7 @@ TEST(Commandline, SaysInOneSentenceWhatIsWrong) {
       {{"--convert", model, "a.unv", "--render", "a.png"}, "--render is of no use with --convert."},
       {{"--report"}, "--report needs the files to read."},
       {{"--unmeasured", "fly"}, "--unmeasured is rest or follow, not \"fly\"."},
+      {{"--matrix", "both"}, "--matrix is rows or columns, not \"both\"."},
       {{"--nonsense"}, "Unknown option 'nonsense'."},
       {{"--view"}, "Missing value after '--view'."}};
   for (const auto& [arguments, fault] : cases) {
@@ -131,11 +132,12 @@ TEST(Commandline, OverridesTheSettings) {
   EXPECT_EQ(plain.ModelFile, "/opt/v/bare.mod");
   EXPECT_EQ(plain.DataFile, "/there/b.dat");
   EXPECT_EQ(std::tuple(plain.ScaleType, plain.RotX, plain.AnimationOn), std::tuple(2, 11, false));
-  const TCommandLine line =
-      Parse({"--settings", ini, model, "--view", "x", "--scale-type", "relative", "--animate"});
+  const TCommandLine line = Parse({"--settings", ini, model, "--view", "x", "--scale-type",
+                                   "relative", "--animate", "--matrix", "columns"});
   TSettings other = SettingsOf(line, "/opt/v/velmora-animator");
   NameFiles(line, other);
   EXPECT_EQ(other.ModelFile, model);
+  EXPECT_EQ(other.Matrices, TMatrixReading::ColumnsAreAxes);
   EXPECT_EQ(other.DataFile, "");  // the data of another model are of no use
   EXPECT_EQ(std::tuple(other.ScaleType, other.RotX, other.RotY, other.AnimationOn),
             std::tuple(1, 0, -90, true));
