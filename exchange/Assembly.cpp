@@ -85,8 +85,16 @@ class TNodeAssembly {
     }
     const TNode* made = content_.Nodes.Emplace(node.ID, place);
     content_.Display.Emplace(node.ID, TVertex{})->Link = made;
+    KeepAxes(node.Displacement, place);
     extent_.Add(place);
     return true;
+  }
+
+  /// Nodes before the first that has axes of its own get theirs with it.
+  void KeepAxes(std::int32_t displacement, const TVertex& place) {
+    if (content_.Axes.empty() && systems_.IsGlobal(displacement)) return;
+    content_.Axes.resize(content_.Nodes.Count(), systems_.AxesAt(0, place));
+    content_.Axes.back() = systems_.AxesAt(displacement, place);
   }
 
   void Centre() {
@@ -202,6 +210,10 @@ class TElementAssembly {
     }
     NoteSet();
     for (TSolidFace& face : skin_.Take()) AddOuterFace(face);
+    if (content_.Nodes.Empty() || !content_.Elements.Empty()) return;
+    findings_.BeginJob();
+    findings_.Warn(QStringLiteral("elements"), 0,
+                   QStringLiteral("nothing joins the nodes: there are no lines and no elements"));
   }
 
  private:
@@ -272,7 +284,7 @@ class TElementAssembly {
   void NoteSet() {
     const TPlace place = set_ < job_.Places.size() ? job_.Places[set_] : TPlace{-1, 0};
     findings_.ReturnTo(place.File);
-    const QString set = QStringLiteral("elements");
+    const QString set = place.SetOr(QStringLiteral("elements"));
     if (incomplete_ > 0) {
       findings_.LeaveOut(
           set, place.Line,

@@ -15,7 +15,9 @@
 TModelContent AssembleModel(const TJob& job, const TNodeList* nodeList, TFindings& findings);
 
 /// Makes data sets of a job's shapes for a model, and empties them on the way. Values are turned to
-/// the global system by the displacement systems of the job's nodes, a node without a value rests
+/// the global system by the displacement systems of the job's nodes, or by the model's axes if the
+/// job has none, and to the model's unit of length if they are displacements, velocities or
+/// accelerations; a node without a value rests
 /// and is marked as unmeasured, sets that measure the same nodes in other directions are merged. At
 /// most `mostNodes` nodes of all sets together. Any thread. Throws std::bad_alloc.
 std::vector<TDataSet> AssembleShapes(TJob& job, const TModelNodes& model, const TVertex& centre,

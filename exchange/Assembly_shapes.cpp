@@ -1,6 +1,8 @@
 #include <QLocale>
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <set>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
@@ -16,6 +18,14 @@ namespace {
 /// What is known of a node's motion, a bit each.
 constexpr std::uint8_t kDirections = 7;
 constexpr std::uint8_t kMeasured = 8;
+
+/// Whether what was measured are lengths, or lengths per time.
+bool IsMotion(int quantity) {
+  constexpr int kDisplacement = 8;
+  constexpr int kVelocity = 11;
+  constexpr int kAcceleration = 12;
+  return quantity == kDisplacement || quantity == kVelocity || quantity == kAcceleration;
+}
 
 /// Sets that agree in all of it may be parts of one shape.
 using TIdentity = std::tuple<TShapeKind, double, int, int, double, double, int, bool>;
@@ -135,7 +145,8 @@ class TShapeAssembly {
         centre_(centre),
         mostNodes_(mostNodes),
         findings_(findings),
-        systems_(TLengths(job).Systems(), noted_),
+        lengths_(job),
+        systems_(lengths_.Systems(), noted_),
         displacement_(job, model, systems_) {}
 
   std::vector<TDataSet> Assemble() {
@@ -162,7 +173,7 @@ class TShapeAssembly {
 
   void Note(const TPlace& place, TFindings::TKind kind, const QString& text) {
     findings_.ReturnTo(place.File);
-    const QString set = QStringLiteral("shapes");
+    const QString set = place.SetOr(QStringLiteral("shapes"));
     if (kind == TFindings::TKind::LeftOut) {
       findings_.LeaveOut(set, place.Line, text);
     } else {
@@ -257,8 +268,29 @@ class TShapeAssembly {
     return number == 1 ? '[' + name + ']' : QStringLiteral("[%1 (%2)]").arg(name).arg(number);
   }
 
+  /// What the values of a set are multiplied by to have the unit of the model.
+  double UnitFor(const TJobShape& shape) {
+    const double factor = lengths_.Factor(shape.Place.File);
+    if (factor == 1.0 || !IsMotion(shape.Info.Quantity)) return 1.0;
+    scaled_.insert(shape.Place.File);
+    return factor;
+  }
+
+  /// The axes of what a set says of a node, unless they are the global ones: by the nodes of the
+  /// job, or if it has none, of the model that stays.
+  std::optional<TAxes> AxesOf(const TJobShape& shape, std::size_t node) const {
+    if (shape.IsGlobal) return {};
+    if (!job_.HasGeometry()) {
+      return node < model_.Axes.size() ? std::optional(model_.Axes[node]) : std::nullopt;
+    }
+    const std::int32_t system = displacement_.Of(node);
+    if (systems_.IsGlobal(system)) return {};
+    return systems_.AxesAt(system, model_.Nodes.Get(node)->Position + centre_);
+  }
+
   void Put(const TJobShape& shape, TGroup& group) {
     TNumberList doubled;
+    const double unit = UnitFor(shape);
     for (std::size_t i = 0; i < places_.size(); ++i) {
       if (places_[i] < 0) continue;
       const auto place = static_cast<std::size_t>(places_[i]);
@@ -266,15 +298,13 @@ class TShapeAssembly {
       const std::uint8_t taken = group.known[place] & directions;
       if (taken != 0) doubled.Add(shape.IDs[i]);
       group.known[place] |= directions | kMeasured;
-      TVertex real = Without(shape.Real[i], taken);
-      TVertex imaginary = Without(ImaginaryAt(shape, i), taken);
-      const std::int32_t system = shape.IsGlobal ? 0 : displacement_.Of(place);
-      TNode& node = *group.set.Content.Nodes.Get(place);
-      if (!systems_.IsGlobal(system)) {
-        const TAxes axes = systems_.AxesAt(system, node.Link->Position + centre_);
-        real = TurnedBy(axes, real);
-        imaginary = TurnedBy(axes, imaginary);
+      TVertex real = unit * Without(shape.Real[i], taken);
+      TVertex imaginary = unit * Without(ImaginaryAt(shape, i), taken);
+      if (const std::optional<TAxes> axes = AxesOf(shape, place)) {
+        real = TurnedBy(*axes, real);
+        imaginary = TurnedBy(*axes, imaginary);
       }
+      TNode& node = *group.set.Content.Nodes.Get(place);
       node.Position += real;
       node.Angles += imaginary;
     }
@@ -332,6 +362,9 @@ class TShapeAssembly {
           pattern.sets == 1 ? QString() : QStringLiteral(" (in %1 data sets)").arg(pattern.sets);
       Note(pattern.place, TFindings::TKind::Warning, nodes + pattern.resting.Text() + where);
     }
+    for (const int file : scaled_) {
+      lengths_.NoteFactor(file, QStringLiteral("motions"), findings_);
+    }
     for (const auto& [file, nodes] : foreign_) {
       Note({file, 0}, TFindings::TKind::LeftOut,
            QStringLiteral("values of nodes that the model does not have: ") + nodes.Text());
@@ -361,6 +394,7 @@ class TShapeAssembly {
   TVertex centre_;
   std::size_t mostNodes_;
   TFindings& findings_;
+  TLengths lengths_;
   TFindings noted_;  ///< of the systems, which the geometry has noted already
   TSystems systems_;
   TDisplacementSystems displacement_;
@@ -370,6 +404,7 @@ class TShapeAssembly {
   std::unordered_map<QString, std::size_t> named_;
   std::vector<TPattern> patterns_;
   std::map<int, TNumberList> foreign_;  ///< by file
+  std::set<int> scaled_;                ///< files whose motions have another unit of length
   std::size_t merged_ = 0;
   std::size_t beyond_ = 0;
   std::size_t weighed_ = 0;  ///< nodes of all sets when the memory was looked at

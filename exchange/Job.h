@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -9,10 +10,15 @@
 #include "model/Vertex.h"
 #include "signals/Measuredfunction.h"
 
-/// Where a data set begins: the file's index in the findings, and its line from 1.
+/// Where a data set begins: the file's index in the findings, its line from 1, and its type; 0 for
+/// tables.
 struct TPlace {
   int File = 0;
   std::size_t Line = 0;
+  int Type = 0;
+
+  /// What findings call the data set: its type, or `other` where it has none.
+  QString SetOr(const QString& other) const { return Type > 0 ? QString::number(Type) : other; }
 };
 
 template <class T>
@@ -72,6 +78,7 @@ struct TJob {
   TMatrixReading Matrices = TMatrixReading::RowsAreAxes;  ///< set before files are read
   TUnits Units;                                           ///< of the first file that gives them
   std::vector<double> LengthOfFile;  ///< per file: divisor to metres; 0 if it does not say
+  double LengthOfModel = 0.0;        ///< the same of the model that stays; 0 if none does
   QString ModelName;                 ///< from the header; may be empty
   std::vector<TLocalSystem> Systems;
   TLarge<TJobNode> Nodes;

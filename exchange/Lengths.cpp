@@ -15,6 +15,10 @@ bool IsUnit(double unit) { return unit >= 1.0 / kLargestFactor && unit <= kLarge
 }  // namespace
 
 TLengths::TLengths(const TJob& job) : job_(job) {
+  if (IsUnit(job.LengthOfModel)) {
+    unit_ = job.LengthOfModel;
+    return;
+  }
   const auto found = std::ranges::find_if(job.LengthOfFile, IsUnit);
   if (found == job.LengthOfFile.end()) return;
   unit_ = *found;
@@ -44,24 +48,32 @@ std::vector<TLocalSystem> TLengths::Systems() const {
   return systems;
 }
 
+QString TLengths::NameOfFirst(const TFindings& findings) const {
+  if (first_ < 0) return QStringLiteral("the model");
+  return first_ < findings.Files().size() ? ShownFileName(findings.Files()[first_]) : QString();
+}
+
+void TLengths::NoteFactor(int file, const QString& what, TFindings& findings) const {
+  const double factor = Factor(file);
+  if (std::abs(factor - 1.0) <= 1e-9) return;
+  findings.ReturnTo(file);
+  findings.Warn(QStringLiteral("units"), 0,
+                QStringLiteral("its %1 are multiplied by %2 to have the unit of %3")
+                    .arg(what)
+                    .arg(factor)
+                    .arg(NameOfFirst(findings)));
+}
+
 void TLengths::Note(TFindings& findings) const {
   if (unit_ == 0.0) return;
-  const QString first =
-      first_ < findings.Files().size() ? ShownFileName(findings.Files()[first_]) : QString();
   for (std::size_t file = 0; file < job_.LengthOfFile.size(); ++file) {
     if (!HasNodes(file)) continue;
     const int index = static_cast<int>(file);
+    NoteFactor(index, QStringLiteral("lengths"), findings);
+    if (UnitOf(index) > 0.0) continue;
     findings.ReturnTo(index);
-    const double factor = Factor(index);
-    if (UnitOf(index) == 0.0) {
-      findings.Warn(
-          QStringLiteral("units"), 0,
-          QStringLiteral("it names none; its lengths are taken for those of %1").arg(first));
-    } else if (std::abs(factor - 1.0) > 1e-9) {
-      findings.Warn(QStringLiteral("units"), 0,
-                    QStringLiteral("its lengths are multiplied by %1 to have the unit of %2")
-                        .arg(factor)
-                        .arg(first));
-    }
+    findings.Warn(QStringLiteral("units"), 0,
+                  QStringLiteral("it names none; its lengths are taken for those of %1")
+                      .arg(NameOfFirst(findings)));
   }
 }

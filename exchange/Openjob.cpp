@@ -78,7 +78,13 @@ class TJobReading {
   bool Read(const QStringList& fileNames, const TLoadProgress& progress) {
     TPartOfProgress parts(progress, fileNames);
     std::vector<QString> ownData;
+    std::set<QString> named;
     for (const QString& name : fileNames) {
+      if (const QString path = QFileInfo(name).canonicalFilePath();
+          !path.isEmpty() && !named.insert(path).second) {
+        LeaveOutRepeated(name);
+        continue;
+      }
       // A data file is aligned to the model, which another file may still bring.
       const TFileContent content = ContentOf(name);
       if (content == TFileContent::Data) {
@@ -117,6 +123,12 @@ class TJobReading {
     }
     Job.BeginFile();
     return true;
+  }
+
+  void LeaveOutRepeated(const QString& name) {
+    Begin(name);
+    Job.BeginFile();
+    Findings().LeaveOut({}, 0, QStringLiteral("it was named before"));
   }
 
   TFindings& Findings() { return opened_.Findings; }
@@ -235,14 +247,15 @@ class TJobReading {
   }
 
   TModelNodes Nodes() const {
-    return Model ? TModelNodes{Model->Nodes, Model->Index}
-                 : TModelNodes{model_.Nodes, model_.Index()};
+    return Model ? TModelNodes{Model->Nodes, Model->Index, Model->Axes}
+                 : TModelNodes{model_.Nodes, model_.Index(), model_.Axes};
   }
 
   void MakeSets() {
     std::set<int> files;
     for (const TJobShape& shape : Job.Shapes) files.insert(shape.Place.File);
     hasShapes_ = !files.empty();
+    if (!Model && model_.Units.IsGiven()) Job.LengthOfModel = model_.Units.Length;
     std::size_t taken = 0;
     for (const TDataSet& set : Sets) taken += set.Content.Nodes.Count();
     std::vector<TDataSet> made =

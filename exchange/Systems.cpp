@@ -103,7 +103,7 @@ class TSystems::TResolving {
 
   void Note(const TLocalSystem& system, const QString& what) {
     findings_.ReturnTo(system.Place.File);
-    findings_.Warn(QStringLiteral("systems"), system.Place.Line,
+    findings_.Warn(system.Place.SetOr(QStringLiteral("systems")), system.Place.Line,
                    QStringLiteral("system %1 ").arg(system.Number) + what);
   }
 

@@ -9,9 +9,6 @@
 #include "exchange/Findings.h"
 #include "exchange/Job.h"
 
-/// The axes of what is measured at a node, as unit vectors of the global system.
-using TAxes = std::array<TVertex, 3>;
-
 /// The local systems of a job, resolved to the global one, in whatever order they refer to each
 /// other. Noted: systems that refer to themselves in a circle, which count as global; references to
 /// a system that is missing, which mean the global one; axes that are not at right angles or not of

@@ -37,7 +37,7 @@ class TUniversalReading {
 
   const QString& Type() const { return type_; }  ///< "2411", "58b"
   std::string_view Line() const { return lines_.Line(); }
-  TPlace Place() const { return {file_, begin_}; }  ///< of the data set
+  TPlace Place() const { return {file_, begin_, type_.toInt()}; }  ///< of the data set
   std::string_view Rest() const { return lines_.Text().substr(lines_.Behind()); }
 
   /// Goes on so many characters behind the present line.

@@ -211,6 +211,7 @@ void TModel::Take(TModelContent content) {
   Size = content.Size;
   Centre = content.Centre;
   Units = std::move(content.Units);
+  Axes = std::move(content.Axes);
   Nodes.NodeRadius = Display.NodeRadius = content.NodeRadius;
   Nodes.ElementRadius = Display.ElementRadius = content.ElementRadius;
 }
@@ -219,6 +220,7 @@ void TModel::Clear() {
   Display.ClearObjects();
   Nodes.ClearObjects();
   Elements.ClearObjects();
+  Axes.clear();
   index_ = {};
 }
 

@@ -171,6 +171,9 @@ class TModel : public QObject {
   double Size = 1.0;    ///< largest distance of a node from the file's origin
   TVertex Centre;       ///< added to a position, it gives the file's coordinates
   TUnits Units;         ///< of a laboratory's file
+  /// In which directions other files of that laboratory give the motions of a node, per node; empty
+  /// if that is along x, y and z everywhere.
+  std::vector<TAxes> Axes;
   QString NodesSection = QStringLiteral("[Nodes]");
   QString ElementsSection = QStringLiteral("[Elements]");
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "model/Measurement.h"
@@ -13,6 +14,7 @@
 struct TModelNodes {
   const TNodeList& Nodes;
   const TNodeIndex& Index;
+  std::span<const TAxes> Axes = {};  ///< as of TModel
 };
 
 /// What one section of a data file gives: nothing at all without a record, else one node per model

@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "model/Loadreport.h"
 #include "model/Measurement.h"
@@ -21,6 +22,7 @@ struct TModelContent {
   double Size = 0.0;
   TVertex Centre;  ///< what was taken from the coordinates
   TUnits Units;
+  std::vector<TAxes> Axes;  ///< as of TModel
 };
 
 /// What the normalisation needs of coordinates, taken while they are read.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 
 /// A point or vector in space, in the units of the model file.
@@ -30,6 +31,9 @@ struct TVertex {
     return {v.x / divisor, v.y / divisor, v.z / divisor};
   }
 };
+
+/// Three directions at a point, as unit vectors.
+using TAxes = std::array<TVertex, 3>;
 
 /// Square of Length; the largest of many lengths is the root of the largest square.
 constexpr double SquaredLength(const TVertex& v) { return v.x * v.x + v.y * v.y + v.z * v.z; }

@@ -17,7 +17,7 @@ struct TWork {
     Findings.BeginFile(name);
     Job.BeginFile();
     Job.LengthOfFile.back() = unit;
-    Job.Places.push_back({static_cast<int>(Findings.Files().size()) - 1, 100});
+    Job.Places.push_back({static_cast<int>(Findings.Files().size()) - 1, 100, 2412});
   }
   void Node(std::int32_t id, TVertex place, std::int32_t definition = 0,
             std::int32_t displacement = 0) {
@@ -49,7 +49,8 @@ struct TWork {
 
   TModelContent Model() { return AssembleModel(Job, nullptr, Findings); }
   std::vector<TDataSet> Sets(const TModelContent& model) {
-    return AssembleShapes(Job, {model.Nodes, model.Index}, model.Centre, 1'000'000, Findings);
+    return AssembleShapes(Job, {model.Nodes, model.Index, model.Axes}, model.Centre, 1'000'000,
+                          Findings);
   }
   std::vector<TDataSet> Sets() {
     model_ = Model();
@@ -110,7 +111,8 @@ TEST(AssembleModel, BringsNodesOfSeveralFilesIntoOneOrderSystemAndUnit) {
             "it names none; its lengths are taken for those of metres.unv\n"
             "nodes whose place is no number or beyond 1e30: 8\n"
             "nodes that come again at another place, of which the first counts: 7\n"
-            "system 77, which nodes name, is not defined; it is taken as the global one");
+            "system 77, which nodes name, is not defined; it is taken as the global one\n"
+            "nothing joins the nodes: there are no lines and no elements");
 }
 
 TEST(AssembleModel, MakesEachBarAndFaceOnce) {
@@ -137,6 +139,7 @@ TEST(AssembleModel, MakesEachBarAndFaceOnce) {
             "2 elements name nodes that are missing: 5, 6\n"
             "elements that have not the corners of their kind: 43, 50");
   EXPECT_EQ(work.Findings.All()[0].Line, 100);
+  EXPECT_EQ(work.Findings.All()[0].Set, "2412");
 }
 
 TEST(AssembleModel, ShowsTheSkinOfSolidsFromOutside) {
@@ -224,25 +227,61 @@ TEST(AssembleShapes, TurnsValuesToTheGlobalSystem) {
       // Turned by 30 degrees about z.
       {.Number = 2,
        .Axes = {TVertex{std::sqrt(0.75), 0.5, 0}, {-0.5, std::sqrt(0.75), 0}, {0, 0, 1}}},
-      {.Number = 3, .Kind = TSystemKind::Cylindrical, .Origin = {10, 0, 0}}};
+      {.Number = 3, .Kind = TSystemKind::Cylindrical, .Origin = {10, 0, 0}},
+      // Both stand in a system that is turned by 90 degrees about z.
+      {.Number = 7, .Kind = TSystemKind::Cylindrical, .Reference = 5, .Origin = {1, 0, 0}},
+      {.Number = 8, .Kind = TSystemKind::Spherical, .Reference = 5, .Origin = {-2, 2, 0}},
+      {.Number = 5, .Axes = {TVertex{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}, .Origin = {10, 0, 0}}};
   work.Node(1, {100, 0, 0}, 0, 2);
   work.Node(2, {10, 5, 0}, 0, 3);  // radial is +y, tangential -x
   work.Node(3, {0, 0, 0});
-  const std::vector<TVertex> values = {{2, 4, 1}, {2, 4, 1}, {2, 4, 1}};
-  work.Shape(1, {3, 2, 1}, values);
-  work.Shape(2, {1, 2, 3}, values).IsGlobal = true;
-  work.Shape(3, {1, 2, 3}, std::vector<TVertex>(3), values);
-  const std::vector<TDataSet> sets = work.Sets();
+  work.Node(4, {2, 90, 3}, 7, 8);  // (8, 1, 3), which is (0, 3, 3) from the sphere's centre
+  const std::vector<TVertex> values(4, {2, 4, 1});
+  work.Shape(1, {3, 2, 1, 4}, values);
+  work.Shape(2, {1, 2, 3, 4}, values).IsGlobal = true;
+  work.Shape(3, {1, 2, 3, 4}, std::vector<TVertex>(4), values);
+  const TModelContent model = work.Model();
+  const std::vector<TDataSet> sets = work.Sets(model);
   ASSERT_EQ(sets.size(), 3);
   const TVertex turned = {2 * std::sqrt(0.75) - 2, 1 + 4 * std::sqrt(0.75), 1};
   const auto local = Positions(sets[0].Content.Nodes);
   EXPECT_LT(Length(local[0], turned), 1e-12);
   EXPECT_LT(Length(local[1], {-4, 2, 1}), 1e-12);
   EXPECT_EQ(local[2], (TVertex{2, 4, 1}));
+  EXPECT_LT(Length(local[3], {-1, 6 * std::sqrt(0.5), -2 * std::sqrt(0.5)}), 1e-12);
+  TWork later;  // shapes for the model that stays
+  later.File("b.unv");
+  later.Shape(1, {1, 2, 3, 4}, values);
+  EXPECT_EQ(Positions(later.Sets(model).at(0).Content.Nodes), local);
   EXPECT_EQ(Positions(sets[1].Content.Nodes), values);
   EXPECT_LT(Length(Displacement(*sets[2].Content.Nodes.Get(0), -std::numbers::pi / 2), turned),
             1e-12);
   EXPECT_TRUE(work.Job.Shapes.empty());
+}
+
+TEST(AssembleShapes, BringsMotionsOfSeveralFilesToOneUnit) {
+  for (const double ofModel : {0.0, 100.0}) {
+    TWork work;
+    work.File("metres.unv", 1.0);
+    work.Node(1, {1, 0, 0});
+    work.File("millimetres.unv", 1000.0);
+    work.Job.LengthOfModel = ofModel;
+    for (const int quantity : {8, 11, 12, 13}) {
+      TJobShape& shape = work.Shape(quantity, {1}, {{2000, 0, 0}}, {{0, 3000, 0}});
+      shape.Info.Quantity = quantity;
+      shape.Place = {1, 9};
+    }
+    const double unit = ofModel > 0.0 ? ofModel : 1.0;
+    for (const TDataSet& set : work.Sets()) {
+      const bool isForce = set.Info.Quantity == 13;
+      EXPECT_EQ(set.Content.Nodes.Get(0)->Position,
+                isForce ? TVertex(2000, 3000, 0) : TVertex(2 * unit, 3 * unit, 0));
+    }
+    EXPECT_TRUE(work.Notes().endsWith(
+        ofModel > 0.0 ? "its motions are multiplied by 0.1 to have the unit of the model"
+                      : "its motions are multiplied by 0.001 to have the unit of metres.unv"))
+        << work.Notes().toStdString();
+  }
 }
 
 TEST(AssembleShapes, LetsUnmeasuredNodesRestAndSaysWhich) {
@@ -262,6 +301,7 @@ TEST(AssembleShapes, LetsUnmeasuredNodesRestAndSaysWhich) {
   EXPECT_TRUE(sets[0].Measured[0] && sets[0].Measured[1]);
   EXPECT_EQ(
       work.Notes(),
+      "nothing joins the nodes: there are no lines and no elements\n"
       "second values of nodes in one direction: 2\n"
       "none of its nodes is in the model\n"
       "28 nodes have no measurement: 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, "

@@ -11,6 +11,7 @@ const QByteArray kLinesTable = "node1;node2\n1;2\n2;3\n";
 const QByteArray kShapesTable = "frequency,node,x,y,z\n7.5,1,0,0,1\n7.5,2,0,0,2\n";
 /// System 5: turned by 90 degrees about z, its axes in rows; the node's displacements stand in it.
 const QByteArray kUniversal =
+    "    -1\n   164\n         1SI                           2\n  1.0 1.0 1.0\n  0.0\n    -1\n"
     "    -1\n  2420\n         1\npart\n         5         0         8\nturned\n"
     "    0.0 1.0 0.0\n   -1.0 0.0 0.0\n    0.0 0.0 1.0\n    0.0 0.0 0.0\n    -1\n"
     "    -1\n    15\n         1         0         5         1  1.0  0.0  0.0\n    -1\n"
@@ -64,8 +65,8 @@ TEST_F(OpenJobTest, FilesInAnyOrderMakeOneModel) {
   const QString lines = File("lines.csv", kLinesTable);
   const QString shapes = File("shapes.csv", kShapesTable);
   const QString dat = File("own.dat", kData);
-  for (const QStringList& files :
-       {QStringList{shapes, dat, nodes, lines}, QStringList{lines, shapes, nodes, dat}}) {
+  for (const QStringList& files : {QStringList{shapes, dat, nodes, lines},
+                                   QStringList{lines, shapes, nodes, shapes, dat, dat}}) {
     model.Clear();
     const TOpenedJob job = Open(files);
     EXPECT_EQ(State(), "3 2 [F = 3] [F = 7.5]");
@@ -110,6 +111,12 @@ TEST_F(OpenJobTest, MatricesOfSystemsCanBeReadByColumns) {
   Open({file});
   ASSERT_EQ(State(), "1 0 [F = 2]");
   EXPECT_EQ(data.All.Get(0)->Get(0)->Position, (TVertex{0, 3, 0}));
+  // Shapes in millimetres that come later, alone.
+  QByteArray shape =
+      kUniversal.left(kUniversal.indexOf("    -1\n  2420")).replace("1.0 1", "1e3 1");
+  shape += kUniversal.mid(kUniversal.indexOf("    -1\n    55"));
+  Open({File("shape.unv", shape)}, TWanted::DataOnly);
+  EXPECT_EQ(data.All.Get(0)->Get(0)->Position, (TVertex{0, 0.003, 0}));
   OpenJob({file}, model, data, TWanted::Everything, {}, TMatrixReading::ColumnsAreAxes);
   EXPECT_EQ(data.All.Get(0)->Get(0)->Position, (TVertex{0, -3, 0}));
 }
