@@ -164,7 +164,7 @@ class TViewWnd : public QMainWindow {
   QStringList moreModelFiles_;  ///< the others of the same job that gave geometry
   QStringList moreDataFiles_;   ///< and those that gave shapes alone
   TMatrixReading matrices_ = TMatrixReading::RowsAreAxes;
-  QString report_;              ///< what was found in the files of the last job
+  QString report_;  ///< what was found in the files of the last job
   /// What the settings named and could not be loaded, as long as nothing else was loaded or
   /// unloaded: it is saved again.
   struct {

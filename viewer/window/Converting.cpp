@@ -8,7 +8,7 @@ QString ConvertFiles(const TCommandLine& line, bool& good) {
   TModel model;
   TMeasuredData data;
   TOpenedJob job = OpenJob(line.Files, model, data, TWanted::Everything, {},
-                            line.Matrices.value_or(TMatrixReading::RowsAreAxes));
+                           line.Matrices.value_or(TMatrixReading::RowsAreAxes));
   if (!job.HasModel && !job.HasData && job.Functions.empty()) job.Faults << job.Findings.Line();
   MoveUnmeasured(line.FollowNeighbours.value_or(false), model, data);
   if (!line.ConvertFile.isEmpty() && !job.Findings.Failed()) {
