@@ -60,6 +60,39 @@ window() {
   kill $process
 }
 
+# A wing of 65 nodes, of which 14 on its edges were measured: the others at rest, and following.
+wing() {
+  python3 - "$frames" <<'END'
+import math, sys
+ribs, chords = 13, 5
+with open(sys.argv[1] + "/nodes.csv", "w") as f:
+    f.write("node,x,y,z\n")
+    for i in range(ribs):
+        for j in range(chords):
+            f.write(f"{10 * i + j},{0.5 * i - 3},0,{(j / 4 - 0.5) * (1.6 - 0.07 * i) + 0.04 * i}\n")
+with open(sys.argv[1] + "/lines.csv", "w") as f:
+    f.write("node1,node2\n")
+    for i in range(ribs):
+        for j in range(chords):
+            if i + 1 < ribs: f.write(f"{10 * i + j},{10 * i + 10 + j}\n")
+            if j + 1 < chords: f.write(f"{10 * i + j},{10 * i + j + 1}\n")
+with open(sys.argv[1] + "/shapes.csv", "w") as f:
+    f.write("frequency,node,y\n")
+    for i in range(0, ribs, 2):
+        for j in (0, chords - 1):
+            s = i / (ribs - 1)
+            f.write(f"11.7,{10 * i + j},{s * math.sin(4.5 * s)}\n")
+END
+  settings wing 1 0.64 RotX=24 RotY=-20 ViewScale=20
+  local what
+  for what in rest follow; do
+    "$program" "$frames"/{nodes,lines,shapes}.csv --settings "$frames/wing.ini" \
+      --unmeasured $what --render "$frames/wing-$what.png" --size 480x280 --scale-type relative
+  done
+  convert "$frames"/wing-{rest,follow}.png +append +repage +dither -colors 128 \
+    "$pictures/neighbours.png"
+}
+
 # The simulated device and server, started as the user's guide says.
 monitor() {
   local examples=build/release/examples device server
@@ -89,6 +122,7 @@ panels() {
 moving
 scale_types
 window
+wing
 (panels)
 QT_QPA_PLATFORM=offscreen build/release/examples/gallery/gallery --render "$pictures/gallery.png"
 QT_QPA_PLATFORM=offscreen build/release/examples/values/values --render "$pictures/values.png"
