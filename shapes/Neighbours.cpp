@@ -97,30 +97,36 @@ void Finish(TDataNodeList& list, bool isInterpolated) {
 
 }  // namespace
 
-bool TNeighbours::Follow(TMeasuredData& data) {
+TNeighbours::TOutcome TNeighbours::Follow(TMeasuredData& data, const TLoadProgress& progress) {
+  TOutcome outcome = TOutcome::Cancelled;
   try {
-    Move(data);
-    return true;
+    if (Move(data, progress)) return TOutcome::Done;
   } catch (const std::bad_alloc&) {
-    Rest(data);
-    return false;
+    outcome = TOutcome::NoMemory;
   }
+  Rest(data);
+  return outcome;
 }
 
-void TNeighbours::Move(TMeasuredData& data) {
+/// False if the user has cancelled.
+bool TNeighbours::Move(TMeasuredData& data, const TLoadProgress& progress) {
   std::unordered_map<std::vector<bool>, std::vector<TDataNodeList*>> setsOf;
   for (TDataNodeList* list : data.All) {
     if (IsPartial(*list, model_)) setsOf[list->Measured].push_back(list);
   }
-  if (setsOf.empty()) return;
+  if (setsOf.empty()) return true;
   const TPaths paths(model_);
+  const auto all = static_cast<double>(setsOf.size());
+  double done = 0.0;
   for (const auto& [measured, lists] : setsOf) {
+    if (progress && !progress(done++ / all)) return false;
     const std::vector<TShares> shares = SharesFor(model_, paths, measured);
     for (TDataNodeList* list : lists) {
       Apply(shares, *list);
       Finish(*list, true);
     }
   }
+  return true;
 }
 
 void TNeighbours::Rest(TMeasuredData& data) {

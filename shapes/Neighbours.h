@@ -12,14 +12,17 @@ class TNeighbours {
   /// The model is not owned.
   explicit TNeighbours(const TModel& model) : model_(model) {}
 
+  enum class TOutcome { Done, NoMemory, Cancelled };
+
   /// Gives the unmeasured nodes of all sets their motions. What is worked out for one pattern of
-  /// measured nodes serves all sets that have it. False if memory does not suffice: then all rest.
-  bool Follow(TMeasuredData& data);
+  /// measured nodes serves all sets that have it; the progress is told before each pattern. If
+  /// memory does not suffice, or the user cancels, all rest.
+  TOutcome Follow(TMeasuredData& data, const TLoadProgress& progress = {});
   /// Lets them rest again.
   static void Rest(TMeasuredData& data);
 
  private:
-  void Move(TMeasuredData& data);
+  bool Move(TMeasuredData& data, const TLoadProgress& progress);
 
   const TModel& model_;
 };

@@ -488,7 +488,13 @@ void TViewWnd::ShowReport() { TReportDialog(report_, this).exec(); }
 
 void TViewWnd::MoveUnmeasured() {
   if (reading_) return;
-  ::MoveUnmeasured(form_.FollowMenu->isChecked(), model_, legend_->Data);
+  {
+    const QScopedValueRollback guard(reading_, true);
+    TLoadDialog dialog(this, dataFile_, Dialogs.LoadDelayMs);
+    const bool moved =
+        ::MoveUnmeasured(form_.FollowMenu->isChecked(), model_, legend_->Data, dialog.Progress());
+    if (!moved) form_.RestMenu->setChecked(true);
+  }
   UpdateScale();
 }
 

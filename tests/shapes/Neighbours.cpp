@@ -151,6 +151,18 @@ TEST(TNeighbours, LeaveASetAloneThatHasNothingToGoBy) {
   }
 }
 
+TEST(TNeighbours, RestWhereTheUserCancels) {
+  TStructure structure;
+  structure.Add({0, 0, 0}, {1, 0, 0});
+  structure.Add({1, 0, 0});
+  structure.Follow();
+  EXPECT_EQ(structure.Data.All.Get(0)->Get(1)->Position.x, 1.0);
+  const auto outcome =
+      TNeighbours(structure.Model).Follow(structure.Data, [](double) { return false; });
+  EXPECT_EQ(outcome, TNeighbours::TOutcome::Cancelled);
+  EXPECT_EQ(structure.Data.All.Get(0)->Get(1)->Position, TVertex());
+}
+
 TEST(TPointTree, FindsTheSameAsLookingAtAll) {
   std::mt19937 random(7);
   std::uniform_int_distribution<int> coordinate(0, 9);  // many places come several times

@@ -24,12 +24,17 @@ void ApplyAppearance(const TAppearance& appearance, TModel& model, TMeasuredData
   }
 }
 
-void MoveUnmeasured(bool follow, const TModel& model, TMeasuredData& data) {
+bool MoveUnmeasured(bool follow, const TModel& model, TMeasuredData& data,
+                    const TLoadProgress& progress) {
   if (!follow) {
     TNeighbours::Rest(data);
-  } else if (!TNeighbours(model).Follow(data)) {
+    return true;
+  }
+  const TNeighbours::TOutcome outcome = TNeighbours(model).Follow(data, progress);
+  if (outcome == TNeighbours::TOutcome::NoMemory) {
     ShowMessage(QStringLiteral("Nodes without a measurement rest: not enough memory."));
   }
+  return outcome == TNeighbours::TOutcome::Done;
 }
 
 void ApplyView(const TSettings& settings, TViewTransform& view) {

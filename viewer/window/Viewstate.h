@@ -31,8 +31,10 @@ constexpr TVertex kAlongZ = {0.0, 0.0, 0.0};
 constexpr TVertex kOblique = {30.0, -45.0, 0.0};
 
 /// Lets the nodes that were not measured follow their neighbours, or rest, which they do where
-/// memory does not suffice; the user is told so.
-void MoveUnmeasured(bool follow, const TModel& model, TMeasuredData& data);
+/// memory does not suffice, of which the user is told, or where the user cancels. Returns whether
+/// they do as they should.
+bool MoveUnmeasured(bool follow, const TModel& model, TMeasuredData& data,
+                    const TLoadProgress& progress = {});
 
 /// Rotation, zoom and pan.
 void ApplyView(const TSettings& settings, TViewTransform& view);
