@@ -12,18 +12,12 @@ namespace {
 
 constexpr std::array<double TVertex::*, 3> kCoordinates = {&TVertex::x, &TVertex::y, &TVertex::z};
 
-/// Whether a node stands for a record that the file does not have.
-bool IsFilled(const TNode& node) {
-  return node.Link && node.Position == node.Link->Position && node.Angles == TVertex{} &&
-         node.Position != TVertex{};
-}
-
 /// Which nodes of a set were measured; none beyond its end.
 std::vector<bool> MeasuredOf(const TDataNodeList& list, std::size_t count) {
   std::vector<bool> measured(count);
-  const bool isSaid = !list.Measured.empty();
   for (std::size_t i = 0; i < std::min(count, list.Count()); ++i) {
-    measured[i] = isSaid ? i < list.Measured.size() && list.Measured[i] : !IsFilled(*list.Get(i));
+    const bool hasRecord = list.Get(i)->Link || !list.Model;
+    measured[i] = hasRecord && (i >= list.Measured.size() || list.Measured[i]);
   }
   return measured;
 }

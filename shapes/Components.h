@@ -17,8 +17,8 @@ struct TPhasors {
 /// axes that were measured. A view: the sets are not owned and stay as they are while it is used.
 ///
 /// An axis counts as measured if a node moves along it in any set. A node was not measured in a set
-/// that says so, nor in one that has no record of it: there it has its own coordinates as
-/// amplitudes. What was not measured reads as 0.
+/// that says so, nor in one that has no record of it: there it is linked to no node of the model.
+/// What was not measured reads as 0.
 class TComponents {
  public:
   /// Over all nodes.

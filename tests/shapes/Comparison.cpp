@@ -60,13 +60,15 @@ TEST(TMac, TakesOnlyWhatWasMeasuredInBoth) {
   test.Add(10.0, {{0.0, 0.0, 1.0}, {0.0, 0.0, 2.0}, {0.0, 0.0, 3.0}}, 3);
   TDataNodeList& partial = test.Add(20.0, {{0.0, 0.0, 7.0}, {0.0, 0.0, 2.0}, {0.0, 0.0, 3.0}}, 3);
   partial.Measured = {false, true, true};
-  TShapes model;  // in space, at nodes 1 to 5
-  model.Add(10.0, {{9.0, 9.0, 9.0}, {}, {5.0, 6.0, 1.0}, {7.0, 0.0, 2.0}, {0.0, 8.0, 3.0}});
-  // Nodes 1 to 4, where node 4 has no record: it has its own coordinates.
-  const TNode rest(4, 0.5, 0.5, 0.5);
-  TDataNodeList& filled = model.Add(30.0, {{}, {}, {0.0, 0.0, 4.0}, {0.5, 0.5, 0.5}});
-  filled.Get(3)->Link = &rest;
-  TMac mac(test, model);
+  TModel model;
+  TMeasuredData data;  // in space; the second set has no record of nodes 1, 4 and 5
+  EXPECT_TRUE(model.LoadFromMemory("[Nodes]\n1 0 0 0\n2 1 0 0\n3 2 0 0\n4 3 0 0\n5 4 1 9\n").Ok());
+  EXPECT_GT(data.LoadFromMemory("[F = 10]\n1 9 9 9\n2 0 0 0\n3 5 6 1\n4 7 0 2\n5 0 8 3\n"
+                                "[F = 30]\n2 0 0 1\n3 0 0 4\n",
+                                model)
+                .Count(),
+            0U);
+  TMac mac(test, data.All);
   ASSERT_EQ(mac.Compute(), "");
   for (std::size_t row = 0; row < 2; ++row) EXPECT_NEAR(mac.Value(row, 0).value(), 1.0, 1e-12);
   EXPECT_NEAR(mac.Value(0, 1).value(), 1.0, 1e-12);  // at node 3
