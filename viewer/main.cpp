@@ -9,6 +9,7 @@
 #include "viewer/Animatorabout.h"
 #include "viewer/Viewwnd.h"
 #include "viewer/window/Commandline.h"
+#include "viewer/window/Comparing.h"
 #include "viewer/window/Converting.h"
 #include "viewer/window/Platform.h"
 #include "viewer/window/Rendering.h"
@@ -43,6 +44,12 @@ int Convert(const TCommandLine& line) {
   bool good = true;
   const QString report = ConvertFiles(line, good);
   if (line.Report) std::fputs(report.toLocal8Bit().constData(), stdout);
+  return good ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+int Compare(const TCommandLine& line) {
+  bool good = true;
+  std::fputs(CompareFiles(line, good).toLocal8Bit().constData(), stdout);
   return good ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
@@ -98,10 +105,12 @@ int main(int argc, char** argv) {
     return EXIT_FAILURE;
   }
   const bool convert = !line.ConvertFile.isEmpty() || (line.Report && line.RenderFile.isEmpty());
-  const bool window = line.RenderFile.isEmpty() && line.PanelSaveFile.isEmpty() && !convert;
+  const bool window =
+      line.RenderFile.isEmpty() && line.PanelSaveFile.isEmpty() && !convert && !line.Compares();
   const auto application = MakeApplication(argc, argv, window);
   TEnding::Instance().TakeSignals();
   if (!line.PanelFile.isEmpty()) return window ? ShowPanel(line) : RunPanel(line);
+  if (line.Compares()) return Compare(line);
   if (convert) return Convert(line);
   return window ? ShowWindow(line) : Render(line);
 }

@@ -59,6 +59,11 @@ struct TOptions {
   QCommandLineOption Lines{"lines", "With --convert: the lines of a universal file.", "82|2412"};
   QCommandLineOption Shapes{"shapes", "With --convert: the shapes of a universal file.", "55|2414"};
   QCommandLineOption Double{"double", "With --convert: shapes with 12 decimals instead of 6."};
+  QCommandLineOption Mac{"mac",
+                         "Write a table that compares all shapes with each other, or with those of "
+                         "a second data file, instead of opening a window."};
+  QCommandLineOption Complexity{
+      "complexity", "Write a table of how complex the shapes are instead of opening a window."};
 };
 
 TOptions::TOptions() {
@@ -69,9 +74,9 @@ TOptions::TOptions() {
       "FILES", "A model file and a data file, or universal files and tables of one structure.",
       "[FILES...]");
   for (const QCommandLineOption& option :
-       {Help,     Version, Animate, View,  ScaleType, Unmeasured, Matrix,
-        Settings, Render,  Frames,  Size,  Report,    Convert,    Lines,
-        Shapes,   Double,  Panel,   Trust, After,     Save,       Force}) {
+       {Help,   Version,    Animate, View,   ScaleType, Unmeasured, Matrix, Settings,
+        Render, Frames,     Size,    Report, Convert,   Lines,      Shapes, Double,
+        Mac,    Complexity, Panel,   Trust,  After,     Save,       Force}) {
     Parser.addOption(option);
   }
 }
@@ -83,14 +88,21 @@ QString NoFile(const QString& name) {
 /// Each of these takes one option's text and returns what is wrong with it, or nothing.
 
 QString TakeFiles(QStringList names, TCommandLine& line) {
-  const bool window = line.RenderFile.isEmpty() && line.ConvertFile.isEmpty() && !line.Report;
+  const bool window =
+      line.RenderFile.isEmpty() && line.ConvertFile.isEmpty() && !line.Report && !line.Compares();
   for (const QString& name : names) {  // a window opens all the same and says it then
     if (!window && !QFileInfo::exists(name)) return NoFile(name);
     if (window && ContentOf(name) == TFileContent::Form) line.Forms << name;
   }
   for (const QString& form : std::as_const(line.Forms)) names.removeAll(form);
   const bool job = std::any_of(names.begin(), names.end(), IsForeign);
-  if (!job && names.size() > 2) {
+  if (line.Compares()) {
+    if (names.isEmpty()) return QStringLiteral("--mac and --complexity need the files to read.");
+    if (!job && names.size() > 3) {
+      return QStringLiteral("There are %1 file names; a model file and two data files are enough.")
+          .arg(names.size());
+    }
+  } else if (!job && names.size() > 2) {
     return QStringLiteral("There are %1 file names; a model file and a data file are enough.")
         .arg(names.size());
   }
@@ -246,12 +258,22 @@ QString CheckTogether(const TOptions& options, const TCommandLine& line) {
     if (!fault.isEmpty()) return fault;
   }
   if (convert && render) return QStringLiteral("--render is of no use with --convert.");
-  if (!panel) return {};
-  for (const QCommandLineOption& option :
-       {options.Animate, options.View, options.ScaleType, options.Settings, options.Frames,
-        options.Unmeasured, options.Matrix, options.Report, options.Convert}) {
-    if (!options.Parser.isSet(option)) continue;
-    return QStringLiteral("--%1 is of no use with --panel.").arg(option.names().front());
+  const auto useless = [&](const QList<QCommandLineOption>& others, const char* with) {
+    for (const QCommandLineOption& option : others) {
+      if (!options.Parser.isSet(option)) continue;
+      return QStringLiteral("--%1 is of no use with --%2.").arg(option.names().front(), with);
+    }
+    return QString();
+  };
+  if (panel) {
+    return useless({options.Animate, options.View, options.ScaleType, options.Settings,
+                    options.Frames, options.Unmeasured, options.Matrix, options.Report,
+                    options.Convert, options.Mac, options.Complexity},
+                   "panel");
+  }
+  if (line.Compares()) {
+    return useless({options.Render, options.Report, options.Convert},
+                   line.Mac ? "mac" : "complexity");
   }
   return {};
 }
@@ -274,6 +296,8 @@ QString TakeOptions(const TOptions& options, TCommandLine& line) {
   if (names.size() == 1 && line.PanelFile.isEmpty() && ContentOf(names[0]) == TFileContent::Form) {
     line.PanelFile = names.takeFirst();
   }
+  line.Mac = parser.isSet(options.Mac);
+  line.Complexity = parser.isSet(options.Complexity);
   if (QString fault = CheckTogether(options, line); !fault.isEmpty()) return fault;
   line.Animate = parser.isSet(options.Animate);
   line.PanelIsTrusted = parser.isSet(options.Trust);

@@ -33,6 +33,11 @@ struct TCommandLine {
   QString ConvertFile;       ///< where to write what the files hold; empty: nowhere
   TUniversalOptions Format;  ///< of a universal file
   bool Report = false;       ///< tell what was in the files
+  bool Mac = false;          ///< compare the shapes in them
+  bool Complexity = false;   ///< tell how complex those are
+
+  /// Tables are wanted instead of a window.
+  bool Compares() const { return Mac || Complexity; }
 
   QString Answer;  ///< help or version, which is all the user wants to see
   QString Fault;   ///< one sentence: what is wrong with the arguments

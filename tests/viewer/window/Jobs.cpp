@@ -240,6 +240,17 @@ TEST_F(Jobs, TheProgramConvertsAndReportsWithoutADisplay) {
   const QString mod = TestFolder() + "/out.mod";
   EXPECT_EQ(RunProgram("velmora-animator", {"--convert", unv, mod}, noDisplay).Status, 0);
   EXPECT_TRUE(Contents(TestFolder() + "/out.dat").startsWith("[F = 12.5]\n"));
+  // The files that were written hold the one shape that was read.
+  const TRun compared =
+      RunProgram("velmora-animator", {"--mac", "--complexity", geometry, shapes, unv}, noDisplay);
+  EXPECT_TRUE(compared.Out.startsWith("MAC\t12.5\n12.5\t1.0000\n\nPairs above 0.8\n") &&
+              compared.Out.contains("\n12.5\t12.5\t1.0000\t0.00\n") &&
+              compared.Out.contains("\n12.5\t1.0000\t0.00\n"))
+      << compared.Out.toStdString();
+  const TRun alone = RunProgram("velmora-animator", {"--mac", geometry}, noDisplay);
+  EXPECT_EQ(alone.Status, 1);
+  EXPECT_TRUE(alone.Errors.contains("There are no data sets in geometry.unv."))
+      << alone.Errors.toStdString();
   const TRun none =
       RunProgram("velmora-animator", {"--report", WriteTestFile("x.unv", "x")}, noDisplay);
   EXPECT_EQ(none.Status, 1);
