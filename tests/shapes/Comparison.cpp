@@ -168,10 +168,12 @@ TEST(Complexity, HasThePapersFigures) {
 
 TEST(Orbits, AreTheEllipsesThatNodesRunThrough) {
   const TNode rest(1, 10.0, 20.0, 30.0);
+  const TComplex eighth = std::polar(1.0, -std::numbers::pi / 4);
   TShapes shapes;
-  // 3 cos w along x and -2 sin w along y; a line of length 10; a node that belongs to none.
-  TDataNodeList& list =
-      shapes.Add(1.0, {{3.0, TComplex(0.0, 2.0), 0.0}, {3.0, 4.0, 0.0}, {1.0, 0.0, 0.0}});
+  // 3 cos w along x and -2 sin w along y; a line of length 10 that is
+  // run through an eighth of a cycle later; a node that belongs to none.
+  TDataNodeList& list = shapes.Add(
+      1.0, {{3.0, TComplex(0.0, 2.0), 0.0}, {3.0 * eighth, 4.0 * eighth, 0.0}, {1.0, 0.0, 0.0}});
   for (const std::size_t linked : {0U, 1U}) list.Get(linked)->Link = &rest;
   const auto orbits = OrbitsOf(list);
   ASSERT_EQ(orbits.size(), 3U);
