@@ -16,12 +16,15 @@ struct TCompared {
   bool HasSecond = false;
 
   /// Says what was lost on the way. False if there is nothing to compare.
-  bool Open(const QStringList& files) {
+  bool Open(const QStringList& files, TMatrixReading matrices) {
     const QStringList last = files.last(1);
-    const TOpenedJob first = OpenJob(files.first(files.size() - 1), Model, First);
+    const auto open = [&](const QStringList& names, TMeasuredData& data, TWanted wanted) {
+      return OpenJob(names, Model, data, wanted, {}, matrices);
+    };
+    const TOpenedJob first = open(files.first(files.size() - 1), First, TWanted::Everything);
     HasSecond = first.HasModel && first.HasData;
     const TOpenedJob rest =
-        HasSecond ? OpenJob(last, Model, Second, TWanted::DataOnly) : OpenJob(files, Model, First);
+        HasSecond ? open(last, Second, TWanted::DataOnly) : open(files, First, TWanted::Everything);
     if (HasSecond && first.Findings.ToKnow() > 0) ShowMessage(first.Findings.Line());
     if (rest.Findings.Failed() || rest.Findings.ToKnow() > 0) ShowMessage(rest.Findings.Line());
     if (!rest.HasData && !rest.Findings.Failed()) {
@@ -44,7 +47,7 @@ QString TableOf(const TCompared& compared, bool& good) {
 
 QString CompareFiles(const TCommandLine& line, bool& good) {
   TCompared compared;
-  good = compared.Open(line.Files);
+  good = compared.Open(line.Files, line.Matrices.value_or(TMatrixReading::RowsAreAxes));
   if (!good) return {};
   QStringList tables;
   if (line.Mac) tables << TableOf(compared, good);
