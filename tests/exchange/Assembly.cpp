@@ -274,8 +274,8 @@ TEST(AssembleShapes, BringsMotionsOfSeveralFilesToOneUnit) {
     const double unit = ofModel > 0.0 ? ofModel : 1.0;
     for (const TDataSet& set : work.Sets()) {
       const bool isForce = set.Info.Quantity == 13;
-      EXPECT_EQ(set.Content.Nodes.Get(0)->Position,
-                isForce ? TVertex(2000, 3000, 0) : TVertex(2 * unit, 3 * unit, 0));
+      const TVertex expected = isForce ? TVertex{2000, 3000, 0} : TVertex{2 * unit, 3 * unit, 0};
+      EXPECT_EQ(set.Content.Nodes.Get(0)->Position, expected);
     }
     EXPECT_TRUE(work.Notes().endsWith(
         ofModel > 0.0 ? "its motions are multiplied by 0.1 to have the unit of the model"

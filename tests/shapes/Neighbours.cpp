@@ -180,7 +180,7 @@ TEST(TPointTree, FindsTheSameAsLookingAtAll) {
       for (const auto& point : points) all.push_back(Length(from, point.Place));
       std::ranges::sort(all);
       for (std::size_t i = 0; i < TNearest::kMost; ++i) {
-        const auto& [distance, node] = tree.NearestTo(from).Entries()[i];
+        const auto [distance, node] = tree.NearestTo(from).Entries()[i];
         EXPECT_EQ(distance, all[i]);
         if (node < 0) continue;
         EXPECT_EQ(distance, Length(from, points[static_cast<std::size_t>(node)].Place));
