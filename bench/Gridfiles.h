@@ -32,7 +32,10 @@ class TGrid {
   void ForEach(TTake take) const {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> height(-1.0, 1.0);
-    for (int i = 0; i < nodes_; ++i) take(0.001 * (i % side_), 0.001 * (i / side_), height(random));
+    for (int i = 0; i < nodes_; ++i) {
+      const int row = i / side_;
+      take(0.001 * (i % side_), 0.001 * row, height(random));
+    }
   }
 
  private:

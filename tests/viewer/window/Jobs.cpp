@@ -219,7 +219,10 @@ TEST_F(Jobs, ConvertingSaysWhatWasLostAndWritesNoEmptyModel) {
     const TFullDisk disk(20);
     ConvertFiles(ParseCommandLine({"velmora-animator", "--convert", geometry, shapes, out}), good);
   }
-  EXPECT_EQ(TakeMessages(), QStringList("Cannot write out.dat: File too large."));
+  // The reason is the system's, in its user's language.
+  const QStringList messages = TakeMessages();
+  ASSERT_EQ(messages.size(), 1);
+  EXPECT_TRUE(messages[0].startsWith("Cannot write out.dat: ")) << messages[0].toStdString();
   EXPECT_FALSE(good);
 #endif
 }
