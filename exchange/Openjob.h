@@ -16,10 +16,10 @@ enum class TFileContent { Nothing, Model, Data, Universal, Table, Form };
 TFileContent ContentOf(const QString& fileName);
 
 /// Whether a file comes from elsewhere: it is a universal file or a table.
-inline bool IsForeign(const QString& fileName) {
-  const TFileContent content = ContentOf(fileName);
+constexpr bool IsForeignContent(TFileContent content) {
   return content == TFileContent::Universal || content == TFileContent::Table;
 }
+inline bool IsForeign(const QString& fileName) { return IsForeignContent(ContentOf(fileName)); }
 
 /// What became of the files of a job.
 struct TOpenedJob {

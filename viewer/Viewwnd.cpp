@@ -58,34 +58,29 @@ QStringList LocalFiles(const QMimeData* data) {
   return files;
 }
 
-QString AskPictureFile(QWidget* parent, const QString& folder) {
-  QFileDialog dialog(parent, QObject::tr("Save As Bitmap"), folder,
-                     QObject::tr("Bitmaps (*.bmp);;PNG pictures (*.png);;All files (*)"));
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setDefaultSuffix(QStringLiteral("bmp"));
-  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-    dialog.setDefaultSuffix(filter.contains("*.png") ? "png" : "bmp");
-  });
-  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
 TViewDialogs::TAskFile AskFileToOpen(const QString& caption, const QString& filter) {
   return [=](QWidget* parent, const QString& start) {
     return QFileDialog::getOpenFileName(parent, caption, start, filter);
   };
 }
 
-QString AskJobFile(QWidget* parent, const QString& start) {
-  const QString model = QObject::tr("Model and data (*.mod)");
-  const QString universal = QObject::tr("Universal file (*.unv *.uff)");
-  QFileDialog dialog(parent, QObject::tr("Save Model and Data As"), start);
-  dialog.setNameFilters({model, universal});
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setDefaultSuffix(QStringLiteral("mod"));
-  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-    dialog.setDefaultSuffix(filter == universal ? "unv" : "mod");
-  });
-  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+/// A filter, and the suffix that a name without one gets.
+using TFileKinds = QList<std::pair<QString, QString>>;
+
+TViewDialogs::TAskFile AskFileToSave(const QString& caption, const TFileKinds& kinds) {
+  return [=](QWidget* parent, const QString& start) {
+    QFileDialog dialog(parent, caption, start);
+    QStringList filters;
+    for (const auto& kind : kinds) filters << kind.first;
+    dialog.setNameFilters(filters);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    const auto choose = [&](const QString& filter) {
+      dialog.setDefaultSuffix(kinds.value(filters.indexOf(filter)).second);
+    };
+    choose(filters.front());
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, choose);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+  };
 }
 
 bool AskOverwrite(QWidget* parent, const QString& fileName) {
@@ -111,9 +106,14 @@ TViewDialogs::TViewDialogs()
       DataFile(AskFileToOpen(
           QObject::tr("Load Data"),
           QObject::tr("Data files (*.dat);;Universal files (*.unv *.uff);;All files (*)"))),
-      JobFile(AskJobFile),
+      JobFile(AskFileToSave(QObject::tr("Save Model and Data As"),
+                            {{QObject::tr("Model and data (*.mod)"), "mod"},
+                             {QObject::tr("Universal file (*.unv *.uff)"), "unv"}})),
       Overwrite(AskOverwrite),
-      PictureFile(AskPictureFile),
+      PictureFile(AskFileToSave(QObject::tr("Save As Bitmap"),
+                                {{QObject::tr("Bitmaps (*.bmp)"), "bmp"},
+                                 {QObject::tr("PNG pictures (*.png)"), "png"},
+                                 {QObject::tr("All files (*)"), "bmp"}})),
       Color([](QWidget* parent, const QColor& present) {
         return QColorDialog::getColor(present, parent);
       }) {}
@@ -404,12 +404,15 @@ void TViewWnd::OpenFiles(const QStringList& fileNames) {
   QStringList models;
   QStringList others;
   QStringList forms;
+  bool isJob = false;
   for (const QString& name : fileNames) {
-    const bool isForm = OpenForm && ContentOf(name) == TFileContent::Form;
-    (isForm ? forms : IsModelFile(name) ? models : others) << name;
+    const TFileContent content = ContentOf(name);
+    const bool isForm = OpenForm && content == TFileContent::Form;
+    (isForm ? forms : content == TFileContent::Model ? models : others) << name;
+    isJob |= IsForeignContent(content);
   }
   for (const QString& name : forms) OpenForm(name);
-  if (std::any_of(others.begin(), others.end(), IsForeign)) {
+  if (isJob) {
     OpenJobFiles(models + others);
     return;
   }
@@ -644,7 +647,7 @@ void TViewWnd::ShowFullPicture() {
   const bool full = form_.FullPictureMenu->isChecked();
   menuBar()->setVisible(!full);
   statusBar()->setVisible(!full);
-  form_.P->window()->findChild<QToolBar*>(QStringLiteral("ButtonBar"))->setVisible(!full);
+  form_.ButtonBar->setVisible(!full);
   setWindowState(windowState().setFlag(Qt::WindowFullScreen, full));
 }
 

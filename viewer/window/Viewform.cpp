@@ -213,7 +213,7 @@ void TViewForm::MakeOptionsMenu(QMainWindow& window) {
 }
 
 void TViewForm::MakeButtons(QMainWindow& window) {
-  QToolBar* bar = window.addToolBar(QStringLiteral("Buttons"));
+  QToolBar* bar = ButtonBar = window.addToolBar(QStringLiteral("Buttons"));
   bar->setObjectName(QStringLiteral("ButtonBar"));
   bar->setMovable(false);
   // In a narrow window the bar opens over the panel, whose surface is a window of the system and

@@ -4,6 +4,7 @@ class QAction;
 class QLabel;
 class QMainWindow;
 class QSlider;
+class QToolBar;
 class QToolButton;
 class TGLPanel;
 class TImageButton;
@@ -40,7 +41,7 @@ struct TViewForm {
   QAction* CanSaveMenu;
   QAction* AboutMenu;
 
-  // Button bar
+  QToolBar* ButtonBar;
   TImageButton* ViewX;
   TImageButton* ViewY;
   TImageButton* ViewZ;
