@@ -138,8 +138,8 @@ int ByBlanks(std::string_view line, const TColumns& columns, std::int32_t* ints,
 
 /// Whether the line has more numbers than its columns hold, so that the columns have cut some.
 bool GoesOn(std::string_view line, const TColumns& columns) {
-  const auto width =
-      static_cast<std::size_t>(columns.Ints * columns.IntWidth + columns.Reals * columns.RealWidth);
+  const int columnCount = columns.Ints * columns.IntWidth + columns.Reals * columns.RealWidth;
+  const auto width = static_cast<std::size_t>(columnCount);
   if (line.size() <= width) return false;
   const char last = line[width - 1];
   const char next = line[width];

@@ -214,7 +214,8 @@ class TJobReading {
 
   void MakeModel() {
     if (wanted_ == TWanted::DataOnly) {
-      TSystems(Job.Systems, Findings());  // what is wrong with them concerns shapes, too
+      // What is wrong with them concerns shapes, too.
+      const TSystems noted(Job.Systems, Findings());
       return;
     }
     if (Model && Job.HasGeometry()) {

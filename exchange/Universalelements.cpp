@@ -13,7 +13,7 @@ constexpr std::int32_t kMostNodes = 32;  ///< of any element that this format kn
 /// the edges of a shell, and of a solid floor by floor.
 struct TElementCorners {
   TElementShape Shape;
-  int NodeCount;
+  std::uint8_t NodeCount;
   std::uint8_t Count;
   std::array<std::uint8_t, 8> Nodes;
 };
@@ -37,10 +37,15 @@ constexpr bool IsBeam(std::int32_t descriptor) {
   return descriptor == 11 || (descriptor >= 21 && descriptor <= 24);
 }
 
+/// Rigid bars, springs and dampers between two nodes.
+constexpr bool IsLink(std::int32_t descriptor) {
+  return descriptor == 121 || descriptor == 136 || descriptor == 137 || descriptor == 141;
+}
+
 /// The shape of a descriptor; false for what is not drawn.
 bool ShapeOf(std::int32_t descriptor, TElementShape& shape) {
   const std::int32_t order = descriptor % 10;
-  if (IsBeam(descriptor)) {
+  if (IsBeam(descriptor) || IsLink(descriptor)) {
     shape = TElementShape::Bar;
   } else if (descriptor > 40 && descriptor < 100 &&
              (order == 1 || order == 2 || order == 4 || order == 5)) {
@@ -51,8 +56,6 @@ bool ShapeOf(std::int32_t descriptor, TElementShape& shape) {
     shape = TElementShape::Wedge;
   } else if (descriptor == 115 || descriptor == 116) {
     shape = TElementShape::Brick;
-  } else if (descriptor == 121 || descriptor == 136 || descriptor == 137 || descriptor == 141) {
-    shape = TElementShape::Bar;  // rigid bars, springs and dampers between two nodes
   } else {
     return false;
   }
